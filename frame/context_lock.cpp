@@ -1,0 +1,148 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "frame/context_lock.h"
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+#include "os/local_mutex.h"
+
+// A handle is a slot's number plus 1, so that it stays 32 bits wide where a pointer is wider.
+// Slots lie in chunks that are never moved or freed: a handle is found without a lock while other
+// threads make new ones.
+namespace qvx {
+namespace {
+
+constexpr u32 kFirstChunkBits = 6;
+constexpr u32 kChunkCount = 32 - kFirstChunkBits;
+
+struct Slot {
+  std::atomic<LocalMutex> mutex;
+  u32 nextFree;  // a handle; guarded by tableMutex
+};
+
+std::array<std::atomic<Slot*>, kChunkCount> chunks;
+pthread_mutex_t tableMutex = PTHREAD_MUTEX_INITIALIZER;
+u32 slotsUsed = 0;   // guarded by tableMutex
+u32 slotsInUse = 0;  // guarded by tableMutex
+u32 firstFree = 0;  // guarded by tableMutex
+
+// Chunk n holds 64 << n slots, so slot s + 64 has its chunk in its highest bit.
+u32 ChunkOf(u32 slot) {
+  return 31 - static_cast<u32>(__builtin_clz(slot + (1U << kFirstChunkBits))) - kFirstChunkBits;
+}
+
+u32 FirstSlotOf(u32 chunk) { return (1U << (chunk + kFirstChunkBits)) - (1U << kFirstChunkBits); }
+
+Slot* FindSlot(u32 handle) {
+  const u32 slot = handle - 1;
+  if (handle == 0 || slot >= UINT32_MAX - (1U << kFirstChunkBits)) {
+    return nullptr;
+  }
+  const u32 chunk = ChunkOf(slot);
+  Slot* const first = chunks.at(chunk).load(std::memory_order_acquire);
+  return first == nullptr ? nullptr : first + (slot - FirstSlotOf(chunk));
+}
+
+LocalMutex FindMutex(u32 handle) {
+  const Slot* const slot = FindSlot(handle);
+  return slot == nullptr ? nullptr : slot->mutex.load(std::memory_order_acquire);
+}
+
+// Both under tableMutex.
+u32 NewSlot() {
+  const u32 slot = slotsUsed;
+  if (slot >= UINT32_MAX - (1U << kFirstChunkBits)) {
+    return 0;
+  }
+  const u32 chunk = ChunkOf(slot);
+  if (chunks.at(chunk).load(std::memory_order_relaxed) == nullptr) {
+    const size_t count = size_t{1} << (chunk + kFirstChunkBits);
+    auto* const made = static_cast<Slot*>(calloc(count, sizeof(Slot)));
+    if (made == nullptr) {
+      return 0;
+    }
+    for (size_t at = 0; at < count; ++at) {
+      new (made + at) Slot{};
+    }
+    chunks.at(chunk).store(made, std::memory_order_release);
+  }
+  slotsUsed = slot + 1;
+  return slot + 1;
+}
+
+u32 TakeSlot() {
+  if (firstFree == 0) {
+    return NewSlot();
+  }
+  const u32 handle = firstFree;
+  firstFree = FindSlot(handle)->nextFree;
+  return handle;
+}
+
+}  // namespace
+
+u32 AllocContextLock() {
+  const LocalMutex mutex = CreateLocalMutex();
+  if (mutex == nullptr) {
+    return 0;
+  }
+  pthread_mutex_lock(&tableMutex);
+  const u32 handle = TakeSlot();
+  if (handle != 0) {
+    FindSlot(handle)->mutex.store(mutex, std::memory_order_release);
+    ++slotsInUse;
+  }
+  pthread_mutex_unlock(&tableMutex);
+  if (handle == 0) {
+    DestroyLocalMutex(mutex);
+  }
+  return handle;
+}
+
+void FreeContextLock(u32 handle) {
+  Slot* const slot = FindSlot(handle);
+  if (slot == nullptr) {
+    return;
+  }
+  pthread_mutex_lock(&tableMutex);
+  const LocalMutex mutex = slot->mutex.exchange(nullptr, std::memory_order_acq_rel);
+  if (mutex != nullptr) {
+    slot->nextFree = firstFree;
+    firstFree = handle;
+    --slotsInUse;
+  }
+  pthread_mutex_unlock(&tableMutex);
+  DestroyLocalMutex(mutex);
+}
+
+void LockContext(u32 handle) {
+  const LocalMutex mutex = FindMutex(handle);
+  if (mutex != nullptr) {
+    (void)WaitForLocalMutex(mutex, -1);
+  }
+}
+
+void UnLockContext(u32 handle) {
+  const LocalMutex mutex = FindMutex(handle);
+  if (mutex != nullptr) {
+    (void)ReleaseLocalMutex(mutex);
+  }
+}
+
+// The slots belong to the loaded image: a host that loads and unloads it often gets them back. While
+// a handle is in use they stay, because a thread may still hold its lock.
+void ReleaseContextLockSlots() {
+  if (slotsInUse != 0) {
+    return;
+  }
+  for (std::atomic<Slot*>& chunk : chunks) {
+    free(chunk.exchange(nullptr, std::memory_order_acq_rel));
+  }
+  slotsUsed = 0;
+  firstFree = 0;
+}
+
+}  // namespace qvx

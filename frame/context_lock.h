@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_FRAME_CONTEXT_LOCK_H
+#define QVX_FRAME_CONTEXT_LOCK_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+u32 AllocContextLock();
+void FreeContextLock(u32 handle);
+void LockContext(u32 handle);
+void UnLockContext(u32 handle);
+// Called when the library is unloaded.
+void ReleaseContextLockSlots();
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_FRAME_EXPORT_CONTEXT_H
+#define QVX_FRAME_EXPORT_CONTEXT_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// The context captured by the first attach.
+extern u32 origECI;
+
+void GetExportContext(u32* slot);
+void SetExportContext(u32* saveSlot, u32* context);
+void ResetExportContext(u32* saveSlot);
+void SetProcessEnvironment();
+void BeforeForkForDaemon();
+s32 EnableLongFileNames();
+
+// Stands around every exported call that touches files, so that a platform with a context per
+// process can switch to the library's own and back.
+class ExportBracket {
+ public:
+  ExportBracket() { SetExportContext(&slot_, &origECI); }
+  ~ExportBracket() { ResetExportContext(&slot_); }
+  ExportBracket(const ExportBracket&) = delete;
+  ExportBracket& operator=(const ExportBracket&) = delete;
+
+ private:
+  u32 slot_ = 0;
+};
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "qvxcs/library.h"
+
+#include "os/library.h"
+
+u32 PXTLibLoad(PXTLibrary* library, const astring* path) { return qvx::OSLibLoad(library, path); }
+void* PXTLibLinkToExportFN(PXTLibrary* library, const astring* symbolName) {
+  return qvx::OSLibLinkToExportFN(library, symbolName);
+}
+u32 PXTLibUnLinkFromExportFN(PXTLibrary* library, const void* symbol) {
+  return qvx::OSLibUnLinkFromExportFN(library, symbol);
+}
+u32 PXTLibUnLoad(PXTLibrary* library) { return qvx::OSLibUnLoad(library); }

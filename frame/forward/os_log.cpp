@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "qvxcs/os_log.h"
+
+#include "frame/export_context.h"
+#include "xml/os_log.h"
+
+u32 PXTAppendToOSLog(u16 eventType, u32 eventNumber, const ustring* source, const ustring* text) {
+  const qvx::ExportBracket bracket;
+  return qvx::AppendToOSLog(eventType, eventNumber, source, text);
+}
+u32 PXTClearOSLog() {
+  const qvx::ExportBracket bracket;
+  return qvx::ClearOSLog();
+}

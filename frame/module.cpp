@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "frame/module.h"
+
+#include "qvxcs/status.h"
+
+#include "frame/context_lock.h"
+#include "frame/export_context.h"
+#include "os/file_lock.h"
+#include "os/ip_support.h"
+#include "os/ipc_file.h"
+#include "os/ipc_name.h"
+#include "paths/install_path.h"
+#include "xml/command_log.h"
+
+namespace qvx {
+
+s32 modAttachCount = 0;
+
+namespace {
+
+constexpr u32 kFileLockOffset = 30000;
+
+void CloseLock() {
+  (void)ReleaseGlobalMutex(hGFileLock);
+  DestroyGlobalMutex();
+  hGFileLock = 0;
+  (void)CloseIPCFile();
+}
+
+s32 FirstAttach() {
+  GetExportContext(&origECI);
+  hGFileLock = CreateGlobalMutex(static_cast<u32>(CreateIPCName(kFileLockOffset)));
+  if (hGFileLock == 0) {
+    return 0;
+  }
+  (void)WaitForGlobalMutex(hGFileLock, -1);
+  (void)SUPTIntfInitQVXInstallPath();
+  // Deliberate: IP support stays loaded after the last detach, so a first attach that comes again
+  // in one loaded image is refused. Held by Module.AttachAfterTheLastDetachIsRefused.
+  if (LoadIPSupt() != SM_STATUS_SUCCESS) {
+    CloseLock();
+    return 0;
+  }
+  ++modAttachCount;
+  (void)ReleaseGlobalMutex(hGFileLock);
+  InitCmdMaxLogSize();
+  return 1;
+}
+
+}  // namespace
+
+s32 ModuleAttach() {
+  if (modAttachCount >= 1) {
+    ++modAttachCount;
+    return 1;
+  }
+  return FirstAttach();
+}
+
+s32 ModuleDetach() {
+  if (modAttachCount < 1) {
+    return 0;
+  }
+  if (modAttachCount-- != 1) {
+    return 1;
+  }
+  (void)WaitForGlobalMutex(hGFileLock, -1);
+  (void)UnLoadIPSupt();
+  CloseLock();
+  return 1;
+}
+
+s16 ModuleInit() { return static_cast<s16>(ModuleAttach()); }
+
+s16 ModuleFini() {
+  const s16 result = static_cast<s16>(ModuleDetach());
+  ReleaseContextLockSlots();
+  return result;
+}
+
+}  // namespace qvx

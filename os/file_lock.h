@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_OS_FILE_LOCK_H
+#define QVX_OS_FILE_LOCK_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// The global mutex made by the first attach; 0 while the library is not attached.
+extern u32 hGFileLock;
+
+u32 CreateGlobalMutex(u32 name);
+u32 OpenGlobalMutex(u32 name);
+s32 WaitForGlobalMutex(u32 handle, s32 timeout);
+s32 ReleaseGlobalMutex(u32 handle);
+void DestroyGlobalMutex();
+
+// The lock that serialises file work between the suite's processes. It belongs to the process: a
+// second take in the same process succeeds, and the first release ends every hold.
+// A wait flag of 1 tries up to 60,000 times, 1 ms apart; any other value tries once.
+u32 FileLock(u16 wait);
+s32 FileUnlock();
+
+class FileLockGuard {
+ public:
+  explicit FileLockGuard(u16 wait) : held_(FileLock(wait) == 1) {}
+  ~FileLockGuard() {
+    if (held_) {
+      (void)FileUnlock();
+    }
+  }
+  FileLockGuard(const FileLockGuard&) = delete;
+  FileLockGuard& operator=(const FileLockGuard&) = delete;
+  explicit operator bool() const { return held_; }
+
+ private:
+  bool held_;
+};
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_OS_LOCAL_MUTEX_H
+#define QVX_OS_LOCAL_MUTEX_H
+
+#include <pthread.h>
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+using LocalMutex = pthread_mutex_t*;
+
+LocalMutex CreateLocalMutex();
+s32 WaitForLocalMutex(LocalMutex mutex, s32 timeout);
+s32 ReleaseLocalMutex(LocalMutex mutex);
+void DestroyLocalMutex(LocalMutex mutex);
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,144 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+
+// sandbox PROGRAM [ARGUMENT ...]
+//
+// Enters mount, UTS, IPC and network namespaces of its own, lays private, writable copies over the
+// folders that the library and its tests write to, and becomes the program. The machine outside
+// sees nothing of it. The file /run/qvx-sandbox tells the program where it is.
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace {
+
+[[noreturn]] void Fail(const std::string& what) {
+  fprintf(stderr, "sandbox: %s: %s\n", what.c_str(), strerror(errno));
+  exit(125);
+}
+
+void Check(int result, const std::string& what) {
+  if (result != 0) {
+    Fail(what);
+  }
+}
+
+void MakeDirectories(const std::string& path) {
+  for (size_t at = path.find('/', 1);; at = path.find('/', at + 1)) {
+    const std::string part = path.substr(0, at);
+    if (mkdir(part.c_str(), 0755) != 0 && errno != EEXIST) {
+      Fail(part);
+    }
+    if (at == std::string::npos) {
+      return;
+    }
+  }
+}
+
+void MakeFile(const std::string& path, mode_t mode) {
+  const int file = open(path.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, mode);
+  if (file < 0) {
+    Fail(path);
+  }
+  close(file);
+}
+
+// A writable copy of the folder whose changes stay in the sandbox's memory.
+void OverlayFolder(const std::string& folder) {
+  const std::string base = "/run/.overlay" + folder;
+  MakeDirectories(base + "/upper");
+  MakeDirectories(base + "/work");
+  struct stat status = {};
+  Check(stat(folder.c_str(), &status), folder);
+  Check(chmod((base + "/upper").c_str(), status.st_mode & 07777), folder);
+  const std::string options =
+      "lowerdir=" + folder + ",upperdir=" + base + "/upper,workdir=" + base + "/work";
+  Check(mount("overlay", folder.c_str(), "overlay", 0, options.c_str()), "overlay " + folder);
+}
+
+void PrivateDevices() {
+  const std::string base = "/run/.dev";
+  MakeDirectories(base);
+  Check(mount("tmpfs", base.c_str(), "tmpfs", MS_NOSUID, "mode=755"), base);
+  for (const char* name : {"null", "zero", "full", "random", "urandom", "tty"}) {
+    MakeFile(base + "/" + name, 0666);
+    Check(mount((std::string("/dev/") + name).c_str(), (base + "/" + name).c_str(), nullptr,
+                MS_BIND, nullptr),
+          name);
+  }
+  MakeDirectories(base + "/shm");
+  Check(symlink("/proc/self/fd", (base + "/fd").c_str()), "fd");
+  Check(mount(base.c_str(), "/dev", nullptr, MS_MOVE, nullptr), "/dev");
+}
+
+void ProductFolders() {
+  for (const char* folder :
+       {"/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot/qvx/docs",
+        "/etc/cim/zarn/plinthos/var/lib/vexilon/cliroot/qvx/docs",
+        "/etc/cim/zarn/plinthos/var/lib/vexilon/xslroot",
+        "/etc/cim/zarn/plinthos/var/lib/vexilon/iws", "/etc/cim/zarn/plinthos/var/log/vexilon",
+        "/etc/cim/zarn/plinthos/vexilon/qvx/ini", "/etc/cim/zarn/plinthos/vexilon/wwwroot/oem",
+        "/opt/zarn/plinthos"}) {
+    MakeDirectories(folder);
+  }
+}
+
+void Enter() {
+  Check(unshare(CLONE_NEWNS | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWNET), "unshare (needs root)");
+  Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr), "/");
+  // The build folder may lie in one of the folders that are about to be covered.
+  const int build = open(QVX_BUILD_DIR, O_PATH | O_DIRECTORY | O_CLOEXEC);
+  if (build < 0) {
+    Fail(QVX_BUILD_DIR);
+  }
+  Check(mount("tmpfs", "/run", "tmpfs", MS_NOSUID, "mode=755"), "/run");
+  for (const char* folder : {"/etc", "/usr", "/opt", "/tmp"}) {
+    OverlayFolder(folder);
+  }
+  const std::string held = "/proc/self/fd/" + std::to_string(build);
+  Check(mount(held.c_str(), QVX_BUILD_DIR, nullptr, MS_BIND, nullptr), QVX_BUILD_DIR);
+  PrivateDevices();
+  Check(sethostname("qvxtest", 7), "host name");
+  Check(setdomainname("example", 7), "domain name");
+  ProductFolders();
+  MakeFile("/run/qvx-sandbox", 0644);
+}
+
+bool OnlyLists(int count, char** arguments) {
+  for (int at = 1; at < count; ++at) {
+    if (strcmp(arguments[at], "--gtest_list_tests") == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    fputs("usage: sandbox PROGRAM [ARGUMENT ...]\n", stderr);
+    return 125;
+  }
+  if (!OnlyLists(argc, argv)) {
+    const std::string folder = [] {
+      char* const path = getcwd(nullptr, 0);
+      std::string result = path == nullptr ? "/" : path;
+      free(path);
+      return result;
+    }();
+    umask(022);
+    Enter();
+    Check(chdir(folder.c_str()), folder);
+  }
+  execvp(argv[1], argv + 1);
+  Fail(argv[1]);
+}
