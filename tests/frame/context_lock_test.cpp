@@ -1,0 +1,102 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "frame/context_lock.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "qvxcs/context_lock.h"
+
+#include "support/alloc_fault.h"
+
+namespace {
+
+TEST(ContextLock, AZeroHandleDoesNothing) {
+  PXTLockContext(0);
+  PXTLockContext(0);
+  PXTUnLockContext(0);
+  PXTFreeContextLock(0);
+}
+
+TEST(ContextLock, HandlesNotInUseDoNothing) {
+  const u32 handle = PXTAllocContextLock();
+  ASSERT_NE(handle, 0U);
+  PXTFreeContextLock(handle);
+  for (const u32 stale : {handle, handle + 1, 100000U, 0x7FFFFFFFU, 0xFFFFFFC0U, 0xFFFFFFFFU}) {
+    PXTLockContext(stale);
+    PXTLockContext(stale);
+    PXTUnLockContext(stale);
+    PXTFreeContextLock(stale);
+  }
+}
+
+TEST(ContextLock, HandlesInUseDifferAndFreedOnesComeBack) {
+  std::set<u32> handles;
+  for (int at = 0; at < 1000; ++at) {
+    const u32 handle = PXTAllocContextLock();
+    ASSERT_NE(handle, 0U);
+    EXPECT_TRUE(handles.insert(handle).second);
+  }
+  for (const u32 handle : handles) {
+    PXTLockContext(handle);
+    PXTUnLockContext(handle);
+    PXTFreeContextLock(handle);
+  }
+  const u32 again = PXTAllocContextLock();
+  EXPECT_EQ(handles.count(again), 1U);
+  PXTFreeContextLock(again);
+  qvx::ReleaseContextLockSlots();
+}
+
+TEST(ContextLock, ExcludesTheOtherThreads) {
+  const u32 handle = PXTAllocContextLock();
+  u32 sum = 0;
+  std::vector<std::thread> threads;
+  for (int at = 0; at < 8; ++at) {
+    threads.emplace_back([&sum, handle] {
+      for (int round = 0; round < 1000; ++round) {
+        PXTLockContext(handle);
+        ++sum;
+        PXTUnLockContext(handle);
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(sum, 8000U);
+  PXTFreeContextLock(handle);
+}
+
+TEST(ContextLock, ThreadsMakeAndFreeLocksAtOnce) {
+  std::vector<std::thread> threads;
+  for (int at = 0; at < 8; ++at) {
+    threads.emplace_back([] {
+      for (int round = 0; round < 500; ++round) {
+        const u32 handle = PXTAllocContextLock();
+        PXTLockContext(handle);
+        PXTUnLockContext(handle);
+        PXTFreeContextLock(handle);
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+}
+
+TEST(ContextLock, ExhaustedMemoryGivesZeroAndLeaksNothing) {
+  const u32 met = qvx::test::FailEachAllocation(
+      [] {
+        const u32 handle = PXTAllocContextLock();
+        PXTFreeContextLock(handle);
+        return handle;
+      },
+      [](u32 handle) { EXPECT_EQ(handle, 0U); });
+  EXPECT_GE(met, 1U);
+}
+
+}  // namespace

@@ -1,0 +1,177 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "frame/module.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "qvxcs/command_log.h"
+#include "qvxcs/file_util.h"
+#include "qvxcs/ini_file.h"
+#include "qvxcs/ip_address.h"
+#include "qvxcs/keyvalue.h"
+#include "qvxcs/status.h"
+#include "qvxcs/xml_log.h"
+
+#include "os/file_lock.h"
+#include "os/ipc_file.h"
+#include "paths/layout.h"
+#include "support/files.h"
+#include "support/processes.h"
+
+namespace {
+
+using qvx::test::WriteFile;
+
+int OpenDescriptors() {
+  int count = 0;
+  for (int file = 0; file < 256; ++file) {
+    count += fcntl(file, F_GETFD) != -1 ? 1 : 0;
+  }
+  return count;
+}
+
+TEST(Module, OnlyTheFirstAttachOpensAndOnlyTheLastDetachCloses) {
+  EXPECT_EQ(qvx::IPCFileDescriptor(), -1);
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  const int opened = qvx::IPCFileDescriptor();
+  EXPECT_NE(opened, -1);
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::IPCFileDescriptor(), opened);
+  EXPECT_EQ(qvx::modAttachCount, 2);
+  EXPECT_EQ(qvx::ModuleDetach(), 1);
+  EXPECT_EQ(qvx::IPCFileDescriptor(), opened);
+  EXPECT_EQ(qvx::ModuleDetach(), 1);
+  EXPECT_EQ(qvx::IPCFileDescriptor(), -1);
+  EXPECT_EQ(qvx::hGFileLock, 0U);
+  EXPECT_EQ(qvx::ModuleDetach(), 0);
+  EXPECT_EQ(qvx::modAttachCount, 0);
+}
+
+TEST(Module, AttachAfterTheLastDetachIsRefused) {
+  const int before = OpenDescriptors();
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::ModuleDetach(), 1);
+  EXPECT_EQ(qvx::ModuleAttach(), 0);
+  EXPECT_EQ(qvx::modAttachCount, 0);
+  EXPECT_EQ(qvx::hGFileLock, 0U);
+  EXPECT_EQ(qvx::IPCFileDescriptor(), -1);
+  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_EQ(qvx::ModuleDetach(), 0);
+}
+
+TEST(Module, TheLockHandleIsTheIPCName) {
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::hGFileLock, 130000U);
+}
+
+TEST(Module, TheConfiguredBaseMovesTheIPCName) {
+  WriteFile("/etc/qvx.conf", "  ipcnamebase=5000\n");
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::hGFileLock, 35000U);
+}
+
+TEST(Module, AnIPCNameOfZeroFailsTheAttachAndOpensNothing) {
+  WriteFile("/etc/qvx.conf", "ipcnamebase=-30000\n");
+  const int before = OpenDescriptors();
+  EXPECT_EQ(qvx::ModuleAttach(), 0);
+  EXPECT_EQ(qvx::modAttachCount, 0);
+  EXPECT_EQ(OpenDescriptors(), before);
+}
+
+TEST(Module, TheLockIsFreeAfterAttach) {
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  const qvx::test::LockHolder other(qvx::kIPCFilePath);
+  EXPECT_EQ(qvx::FileLock(0), 0U);
+}
+
+TEST(Module, TheCommandLogsMaximumIsReadOutsideTheLock) {
+  WriteFile(std::string(qvx::kProductIniPath) + qvx::kPropertiesFileName,
+            "preferences.system.cmdlogmaxsize=500000\n");
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  u32 size = 0;
+  EXPECT_EQ(PXTGetCmdLogMaxSize(&size), SM_STATUS_SUCCESS);
+  EXPECT_EQ(size, 500000U);
+}
+
+// Without the lock's folder the attach fails, and everything that needs the lock says so.
+class Detached : public testing::Test {
+ protected:
+  void SetUp() override {
+    qvx::test::RequireSandbox();
+    ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/lib", "/etc/cim/zarn/plinthos/var/gone"), 0);
+    EXPECT_EQ(qvx::ModuleAttach(), 0);
+    WriteFile("/tmp/x.ini", "[A]\nb=1\n");
+  }
+};
+
+TEST_F(Detached, INICallsCannotLock) {
+  char value[8] = "old";
+  u32 size = sizeof value;
+  EXPECT_EQ(PXTReadINIPathFileValue("A", "b", 1, value, &size, nullptr, 0, "/tmp/x.ini", 1),
+            SM_STATUS_LOCK_FAILED);
+  EXPECT_STREQ(value, "old");
+  EXPECT_EQ(size, 8U);
+  EXPECT_EQ(PXTWriteINIPathFileValue("A", "b", 1, "2", 2, "/tmp/x.ini", 1), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(qvx::test::ReadFile("/tmp/x.ini"), "[A]\nb=1\n");
+}
+
+TEST_F(Detached, KeyValueCallsCannotLock) {
+  u32 count = 7;
+  EXPECT_EQ(PXTCFGGetKeyValueEntries("/tmp/x.ini", &count), nullptr);
+  EXPECT_EQ(count, 0U);
+  char key[] = "b";
+  char text[] = "2";
+  const PXTKeyValue pair = {key, text};
+  EXPECT_EQ(PXTCFGSetKeyValue("/tmp/x.ini", &pair, 0), SM_STATUS_LOCK_FAILED);
+}
+
+TEST_F(Detached, LogCallsSayWhy) {
+  EXPECT_EQ(PXTAppendToXMLLog("/tmp/l.xml", 4, 0, "u", "s", "d", nullptr, 0, 1000),
+            SM_STATUS_NOT_LOADED);
+  EXPECT_FALSE(qvx::test::Exists("/tmp/l.xml"));
+  WriteFile("/tmp/l.xml", "x");
+  EXPECT_EQ(PXTClearXMLLog("/tmp/l.xml", "u", "s"), SM_STATUS_LOCK_FAILED);
+  u32 size = 0;
+  EXPECT_EQ(PXTGetCmdLogSize(&size), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(PXTGetCmdLogMaxSize(&size), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(PXTSetCmdLogMaxSize(131072), SM_STATUS_LOCK_FAILED);
+}
+
+TEST(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::ModuleDetach(), 1);
+  ASSERT_EQ(chmod(qvx::kIPCFilePath, 0644), 0);
+  EXPECT_EQ(qvx::test::InChild([] {
+              if (setgid(1000) != 0 || setuid(1000) != 0 || qvx::OpenIPCFile() != 0) {
+                return 1;
+              }
+              qvx::hGFileLock = 130000;
+              // Waiting changes to the shared lock; a single attempt does not come so far.
+              if (qvx::FileLock(0) != 0 || qvx::FileLock(1) != 1) {
+                return 2;
+              }
+              return 0;
+            }),
+            0);
+}
+
+TEST(Module, ALockFileThatIsNoRegularFileFailsTheAttach) {
+  qvx::test::RequireSandbox();
+  (void)unlink(qvx::kIPCFilePath);
+  ASSERT_EQ(mkfifo(qvx::kIPCFilePath, 0666), 0);
+  EXPECT_EQ(qvx::ModuleAttach(), 0);
+  EXPECT_EQ(qvx::IPCFileDescriptor(), -1);
+}
+
+TEST(Module, InitAndFiniGiveTheResultsInSixteenBits) {
+  EXPECT_EQ(qvx::ModuleInit(), 1);
+  EXPECT_EQ(qvx::ModuleFini(), 1);
+  EXPECT_EQ(qvx::ModuleFini(), 0);
+}
+
+}  // namespace
