@@ -7,27 +7,208 @@
 
 QVX_BEGIN_DECLS
 
+/**
+ * @file
+ * Who somebody is, and what they may do.
+ *
+ * A rights value is a `u32`. Its low 16 bits are a level: 0 no access, 1 user, 3 power user, 7
+ * administrator. Each level contains the lower ones, so that of two grants the greater number is
+ * the larger. Bit 0x40000 stands beside the level of the operating system's superuser: 0x40007. An
+ * answer of 0 is always a refusal, and gives no reason.
+ *
+ * Two sources decide. PAM says whether a password is right. The role map says which level a user
+ * has on a host: lines of users, hosts and a role in /etc/cim/zarn/plinthos/qvxrolemap, whose mode
+ * must be 0640 or 01640. A line reads
+ *
+ *     root,+wheel   *.lab,srv1   poweruser
+ *
+ * with users (or "+" and a group, or "*" for anyone), hosts (a name, an address, "*" for any,
+ * "*." and a domain) and one of the words administrator, poweruser and user; blanks part the
+ * fields, commas the names, and what follows the role is not read. Lines that begin with "#" and
+ * empty lines are skipped; a last line without its newline does not count. Entries that name a user
+ * beat those of the user's groups, which beat those for anyone, even where they grant less.
+ *
+ * A role map that is missing, has another mode, or holds a fault does not leave the system without
+ * an answer: the fault is written to the command log, by user "root" and source "QVXSERVER" with
+ * the line at fault, and three built-in lines stand in. The superuser then administers, the
+ * superuser's group are power users, and everybody else is a user. After a fault within the file
+ * they stand until the process ends, also when the file is corrected.
+ *
+ * A host that wants the file's roles opens it with PXTOpenRolemapFile() and asks once with
+ * PXTGetRightsUsingRolemap(), which reads it; logins then are answered from it too. A login between
+ * the two finds the built-in lines, and keeps them until an open sees another modification time.
+ *
+ * Several threads may log users in at the same time. The role map should be opened and queried from
+ * one thread: the calls exclude each other, but what one call reads is in force for all.
+ */
+
+/**
+ * Opens the role map file and checks its mode.
+ *
+ * The file is not parsed here: a fault within a line is found, and logged, by the next
+ * PXTGetRightsUsingRolemap(). A file whose modification time has not changed since it was read is
+ * not opened again. A file that is missing, cannot be opened or has another mode than 0640 and
+ * 01640 is logged, and the built-in lines stand in.
+ *
+ * @retval 0 always
+ * @par Memory
+ * The records are kept until the process ends or the file changes.
+ * @par Threads
+ * Call it from one thread.
+ */
 QVX_EXPORT u32 PXTOpenRolemapFile(void);
 
+/**
+ * Tells the level of the process's real user on this machine, by the role map.
+ *
+ * Where the role map grants nothing, the superuser is an administrator all the same. The superuser
+ * bit 0x40000 is not given here. A fault of the role map is logged.
+ *
+ * @retval 0 when nothing is granted, the real user has no name, or memory runs out
+ * @retval 1 user
+ * @retval 3 power user
+ * @retval 7 administrator
+ * @par Memory
+ * Nothing is handed to the caller.
+ * @par Threads
+ * Call it from one thread, the one that opens the role map.
+ */
 QVX_EXPORT u32 PXTGetRightsUsingRolemap(void);
 
+/**
+ * Checks a password by PAM and tells the rights of its user.
+ *
+ * The login goes to the PAM service that ::pam_servicename names; empty passwords are not allowed,
+ * the account must be valid, and a module that sends the user a message fails the login unless it
+ * goes on without an answer. Then the role map decides. With a domain the login is
+ * "user@domain", and the domain's text is the host that the role map is asked for; without one it
+ * is this machine, and a name of the form "user@host" or "domain\user" is split. The operating
+ * system is asked of what stands before the separator.
+ *
+ * @param[in] domain       UCS-2 text, or NULL for none; the empty text is one
+ * @param[in] userName     UCS-2 text; as UTF-8 it may have one byte more than it has units
+ * @param[in,out] password UCS-2 text under the same rule; every unit is 0 afterwards, whatever the
+ *                         result
+ * @retval 0 when refused: a NULL or unfit argument, a failed login, nothing granted, no memory
+ * @retval 1 user
+ * @retval 3 power user
+ * @retval 7 administrator
+ * @retval 0x40007 the operating system's superuser, whatever the role map says
+ * @par Memory
+ * Copies of name and password are overwritten before they are freed.
+ * @par Threads
+ * Any thread may call, as far as the PAM modules allow.
+ * @par Standards
+ * Linux-PAM's application interface; RFC 2279 for the texts that it is given.
+ */
 QVX_EXPORT u32 PXTAuthenticateUser(const ustring* domain, const ustring* userName,
                                    ustring* password);
 
+/**
+ * Tells the rights of a local user without asking for a password.
+ *
+ * @param[in] domain   UCS-2 text; a user of a domain is refused, so NULL or the empty text
+ * @param[in] userName UCS-2 text; as UTF-8 it may have one byte more than it has units
+ * @retval 0 when refused: a domain, a NULL or unfit name, nothing granted, no memory
+ * @retval 1 user
+ * @retval 3 power user
+ * @retval 7 administrator
+ * @retval 0x40007 the operating system's superuser, whatever the role map says
+ * @par Memory
+ * Nothing is handed to the caller.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT u32 PXTAuthorizeUser(const ustring* domain, const ustring* userName);
 
+/**
+ * Would check a user against a directory service; there is none on this platform.
+ *
+ * @param[in] a1 not looked at
+ * @param[in] a2 not looked at
+ * @param[in] a3 not looked at
+ * @param[in] a4 not looked at
+ * @param[in] a5 not looked at
+ * @param[in] a6 not looked at
+ * @param[in] a7 not looked at
+ * @param[in] a8 not looked at
+ * @param[in] a9 not looked at
+ * @retval -1 always
+ * @par Memory
+ * Nothing is handed to the caller.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT s32 PXTADAuthenticateUser(u32 a1, u32 a2, u32 a3, u32 a4, u32 a5, u32 a6, u32 a7, u8 a8,
                                      u32 a9);
 
+/**
+ * Would list the domains that users can belong to; there are none on this platform.
+ *
+ * @retval NULL always
+ * @par Memory
+ * Nothing is handed to the caller.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT void* PXTGetOSDomainList(void);
 
+/**
+ * Tells the rights of the calling process by its identities; the role map is not asked.
+ *
+ * @retval 1 neither the effective user nor the effective group is 0
+ * @retval 3 the effective group is 0, the effective user is not
+ * @retval 7 the effective user is 0, the real user is not
+ * @retval 0x40007 effective and real user are 0
+ * @par Memory
+ * Nothing is handed to the caller.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT u32 PXTGetProcessRights(void);
 
+/**
+ * Gives the name of the process's real user.
+ *
+ * @retval NULL when the user database knows no such user, or memory runs out
+ * @par Memory
+ * The name is a new text: free it with PXTFreeMem().
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetProcessUser(void);
 
+/**
+ * Lowers or raises a rights value as the OEM's configuration says.
+ *
+ * Key "name" of section "OEM" of `iniFile`, in the product's INI folder, names the OEM; the OEM's
+ * own file is `prefix` followed by "oem.ini". In its section "data", "accessoverride" with exactly
+ * the value "true" makes everybody an administrator; otherwise the number "accessmask" decides. A
+ * mask of 3 leaves a user's rights and any other takes them away; of a power user a mask above 1
+ * leaves the rights, a mask of 1 makes a user, a mask of 0 or below is cut to its two low bits.
+ * Bits above the level are kept, except by the override.
+ *
+ * @param[in] rights  a rights value; an administrator's is returned at once and no file is read
+ * @param[in] prefix  what the name of the OEM's file begins with
+ * @param[in] iniFile name of the product's INI file that names the OEM
+ * @param[out] reason stored only where a level is lowered to 0: 1001 for a user's, 1002 for a power
+ *                    user's; may be NULL
+ * @retval 0 when an argument is NULL, or the OEM, its file or the mask cannot be read; also a
+ *           result of masking
+ * @par Memory
+ * Nothing is handed to the caller.
+ * @par Threads
+ * Waits for the lock that the suite's processes share. Threads of one process are not kept apart.
+ */
 QVX_EXPORT u32 PXTMaskProgramRights(u32 rights, const astring* prefix, const astring* iniFile,
                                     u32* reason);
 
+/**
+ * The PAM service that logins go to, initially "qvauth".
+ *
+ * A host may point it at another text, which must stay valid while users are logged in; it is read
+ * at each login, and no text (NULL) refuses every login.
+ */
 QVX_EXPORT extern astring* pam_servicename;
 
 QVX_END_DECLS

@@ -3,37 +3,217 @@
 #ifndef QVXCS_CLI_VALUE_H
 #define QVXCS_CLI_VALUE_H
 
+/**
+ * @file
+ * What command-line programs need around the XML buffer: typed values from and to text, and the
+ * elements of settings, statuses and help.
+ *
+ * A value is a pointer and a type code of qvxcs/xml_buffer.h. Values behind a pointer need no
+ * alignment, and exactly as many bytes as the type has are read or written. Numbers are decimal.
+ *
+ * Nothing here takes a lock or keeps state; any thread may call. Texts returned are new and belong
+ * to the caller.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/**
+ * A command's entry: takes an argument count and that many name=value texts, returns a new XML text
+ * (taken from an XML buffer) or NULL.
+ */
 typedef astring* (*PXTCommandFunction)(s32 count, astring** vector);
 
+/** An entry of a command table. */
 typedef struct PXTCommand {
-  astring* name;
-  PXTCommandFunction function;
+  astring* name;               /**< the command's name */
+  PXTCommandFunction function; /**< its entry; an entry without one is passed over */
 } PXTCommand;
 
+/**
+ * Reads a typed value from a decimal text.
+ *
+ * Types: 1 (stores the text pointer itself, nothing is copied), 4, 5, 7, 9, 11, 13, 20 to 23, and
+ * 99: a count of thousandths, stored divided by 1000 (toward zero) as `s64`. Values of 8 and 16
+ * bits are cut to their width and values beyond 32 bits to their low 32 bits, without a fault.
+ *
+ * @param[in] text  the text
+ * @param[in] type  type code
+ * @param[out] out  room for the value
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER when `out` is NULL; when the text is no number or boolean,
+ *         where 0 is stored; when a quotient of type 99 leaves 32 bits, where nothing is stored
+ * @retval SM_STATUS_BAD_ARGUMENT for any other type code; nothing is stored
+ * @retval 0xFFFFFFFF when `text` is NULL; nothing is stored
+ * @par Memory
+ * A value of type 1 points into the caller's text.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT u32 PXTNVSASCIIToXVal(const astring* text, s32 type, void* out);
 
+/**
+ * Reads a typed value from a vector of name=value texts.
+ *
+ * @param[in] count   texts in the vector
+ * @param[in] vector  the texts
+ * @param[in] name    name whose first value is read; case counts
+ * @param[in] type    type code, as PXTNVSASCIIToXVal takes it
+ * @param[out] out    room for the value
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER when a pointer is NULL, when there is no such name, and as
+ *         PXTNVSASCIIToXVal
+ * @retval SM_STATUS_BAD_ARGUMENT for a type code that PXTNVSASCIIToXVal does not take
+ * @par Memory
+ * A value of type 1 points into the vector's text.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT u32 PXTNVSNVPValToXVal(s32 count, astring** vector, const astring* name, s32 type,
                                   void* out);
 
+/**
+ * Turns a typed value into a new text.
+ *
+ * Types: 1, 2 (characters below 0x80 only), 4, 5, 7, 9, 11, 13, 15 (local time, of any value), 20
+ * to 23, 26 and 27 (escaped once).
+ *
+ * @param[in] type   type code
+ * @param[in] value  the value
+ * @return the text; NULL when `value` is NULL, for any other type code, for a text that cannot be
+ *         converted, and without memory
+ * @par Memory
+ * The caller frees the text with PXTFreeMem.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT astring* PXTNVSXValToASCII(s32 type, const void* value);
 
+/**
+ * Makes an 8-bit copy of a 16-bit text, or of a fallback.
+ *
+ * @param[in] text      the text, or NULL for the fallback
+ * @param[in] fallback  copied when `text` is NULL; may be NULL
+ * @param[out] status   the outcome; may be NULL. It is one of
+ *                      SM_STATUS_SUCCESS;
+ *                      SM_STATUS_INVALID_PARAMETER: neither text nor fallback;
+ *                      SM_STATUS_BUFFER_TOO_SMALL: the text has a character at or above 0x80;
+ *                      SM_STATUS_BAD_DATA: it begins with an unpaired surrogate;
+ *                      SM_STATUS_NO_MEMORY
+ * @return the copy, or NULL unless the status is SM_STATUS_SUCCESS
+ * @par Memory
+ * The caller frees the copy with PXTFreeMem.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT astring* PXTNVSUstrToAstrD(const ustring* text, const astring* fallback, u32* status);
 
+/**
+ * Makes an 8-bit copy of a 16-bit text: PXTNVSUstrToAstrD without a fallback.
+ *
+ * @param[in] text     the text
+ * @param[out] status  the outcome, as PXTNVSUstrToAstrD gives it; may be NULL
+ * @return the copy, or NULL unless the status is SM_STATUS_SUCCESS
+ * @par Memory
+ * The caller frees the copy with PXTFreeMem.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT astring* PXTNVSUstrToAstr(const ustring* text, u32* status);
 
+/**
+ * Makes a 16-bit copy of a UTF-8 text, or of a fallback.
+ *
+ * @param[in] text      the text, or NULL for the fallback
+ * @param[in] fallback  copied when `text` is NULL; may be NULL
+ * @param[out] status   the outcome; may be NULL. It is one of
+ *                      SM_STATUS_SUCCESS;
+ *                      SM_STATUS_INVALID_PARAMETER: neither text nor fallback;
+ *                      SM_STATUS_BAD_DATA: the text is malformed or beyond 0x10FFFF;
+ *                      SM_STATUS_NO_MEMORY
+ * @return the copy, or NULL unless the status is SM_STATUS_SUCCESS
+ * @par Memory
+ * The caller frees the copy with PXTFreeMem.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ * @par Standards
+ * RFC 2279.
+ */
 QVX_EXPORT ustring* PXTNVSAstrToUstrD(const astring* text, const ustring* fallback, u32* status);
 
+/**
+ * Makes a 16-bit copy of a UTF-8 text: PXTNVSAstrToUstrD without a fallback.
+ *
+ * @param[in] text     the text
+ * @param[out] status  the outcome, as PXTNVSAstrToUstrD gives it; may be NULL
+ * @return the copy, or NULL unless the status is SM_STATUS_SUCCESS
+ * @par Memory
+ * The caller frees the copy with PXTFreeMem.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ * @par Standards
+ * RFC 2279.
+ */
 QVX_EXPORT ustring* PXTNVSAstrToUstr(const astring* text, u32* status);
 
+/**
+ * Appends the element of a setting to an XML buffer.
+ *
+ * The element is empty, `<Parameter name="..." oldval="..." newval="..." value="..."/>`, with the
+ * attributes of the values given, in this order. A value whose text PXTNVSXValToASCII cannot make
+ * is left out. The name is not escaped; values are only with the type codes 26 and 27.
+ *
+ * @param[in,out] buffer  the XML buffer
+ * @param[in] name        the setting's name
+ * @param[in] oldValue    value before; may be NULL when `value` is given
+ * @param[in] newValue    value after; may be NULL when `value` is given
+ * @param[in] value       value that did not change; may be NULL when both others are given
+ * @param[in] type        type code of all three
+ * @retval SM_STATUS_SUCCESS also where the element could not be appended; it is then missing whole
+ * @retval SM_STATUS_INVALID_PARAMETER when `buffer`, `name` or a needed value is NULL
+ * @retval SM_STATUS_NO_MEMORY without memory to begin; the buffer stays as it was
+ * @par Memory
+ * Everything is copied.
+ * @par Threads
+ * The buffer belongs to the calling thread.
+ */
 QVX_EXPORT u32 PXTNVSBufCatSetCmdParam(void* buffer, const astring* name, const void* oldValue,
                                        const void* newValue, const void* value, s32 type);
 
+/**
+ * Appends a status element to an XML buffer: `<SMStatus mssg="message">status</SMStatus>`.
+ *
+ * @param[in,out] buffer  the XML buffer; NULL does nothing
+ * @param[in] status      the status, written as a signed decimal number
+ * @param[in] message     the attribute's text, not escaped; NULL, or no memory for it: no attribute
+ * @par Memory
+ * Everything is copied.
+ * @par Threads
+ * The buffer belongs to the calling thread.
+ */
 QVX_EXPORT void PXTNVSCatSMStatusNode(void* buffer, s32 status, const astring* message);
 
+/**
+ * Assembles the help of a table of commands.
+ *
+ * Every entry but the caller's own is called with the two texts "qvxusrinfo=nvsupt" and
+ * "cmdhelp=true", which it may change, and a NULL behind them. What it returns becomes an element
+ * `<qvxcmd val="name">` within `<CLICmdHelp count="...">`, whose count is that of the table less
+ * one. A command that returns NULL is passed over.
+ *
+ * @param[in] ignoredCount   not used
+ * @param[in] ignoredVector  not used
+ * @param[in] table          the commands
+ * @param[in] count          entries in the table
+ * @param[in] self           the calling command's own entry, not asked for help
+ * @return the document; an empty text when `table` or `self` is NULL or `count` is below 1; NULL
+ *         without memory
+ * @par Memory
+ * The caller frees the document with PXTXFreeBufContent; the commands' texts are freed here.
+ * @par Threads
+ * The commands run on the calling thread, one after another.
+ */
 QVX_EXPORT astring* PXTNVSCMDHelp(s32 ignoredCount, astring** ignoredVector,
                                   const PXTCommand* table, s32 count, PXTCommandFunction self);
 

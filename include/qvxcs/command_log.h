@@ -3,21 +3,124 @@
 #ifndef QVXCS_COMMAND_LOG_H
 #define QVXCS_COMMAND_LOG_H
 
+/**
+ * @file
+ * The command log: which management commands were run, by whom, and what endangered the suite.
+ *
+ * It is one XML log (see xml_log.h) at a fixed place,
+ * `/etc/cim/zarn/plinthos/var/log/vexilon//qvcmdlog.xml`, its backup is `qvcmdlog.xm_` beside it.
+ * Every call that needs the log makes it when it is missing, with an entry of type 4, identifier 0,
+ * user `Local System`, source `QVPX`.
+ *
+ * The log moves to its backup when an entry would bring it to its maximum size. That is the decimal
+ * number behind the first `preferences.system.cmdlogmaxsize=` of
+ * `/etc/cim/zarn/plinthos/vexilon//qvx/ini/qvx.properties`, asked anew by each append. A number may
+ * have a sign (`-5` is 4,294,967,291); one beyond 32 bits, another text, or no file leaves 131,072.
+ *
+ * Sizes are in bytes.
+ *
+ * @par Locks
+ * The sizes are read under the suite's file lock (see locking.md), which all calls wait for up to a
+ * minute. It belongs to the process and does not nest: reading the properties file, or making a
+ * missing log, ends the outer hold as well, and the rest of that call runs unlocked. Threads that
+ * append take turns by a lock of their own.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/**
+ * Tells the command log's path and makes the log when it is missing.
+ *
+ * @return the path; NULL when the log cannot be made or without memory
+ * @par Memory
+ * The path is the caller's, who frees it with PXTFreeMem().
+ * @par Threads
+ * See the notes on locks above.
+ */
 QVX_EXPORT astring* PXTGetCmdLogPathFileName(void);
 
+/**
+ * Records one event.
+ *
+ * @param[in] identifier   the event's number, 5001 to 6999
+ * @param[in] user         who caused it, 1 to 1,023 bytes
+ * @param[in] source       the program that records it, 1 to 1,023 bytes
+ * @param[in] description  1 to 16,383 bytes of well-formed markup; not escaped
+ * @param[in] type         the event's type; 4 is information
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER when a text is NULL or the identifier is out of its range;
+ *         nothing is written, no log is made
+ * @retval SM_STATUS_BAD_ARGUMENT when a text is empty or too long
+ * @retval 0xFFFFFFFF when the log cannot be made or opened
+ * @retval SM_STATUS_WRITE_FAILED and the other statuses of PXTAppendToXMLLog()
+ * @par Memory
+ * Nothing is handed over.
+ * @par Threads
+ * See the notes on locks above.
+ */
 QVX_EXPORT u32 PXTAppendToCmdLog(s32 identifier, const astring* user, const astring* source,
                                  const astring* description, u16 type);
 
+/**
+ * Deletes the command log and begins it anew with a `Log was cleared` entry.
+ *
+ * @param[in] user    who clears it, 1 to 1,023 bytes, or NULL
+ * @param[in] source  the program that clears it, 1 to 1,023 bytes, or NULL
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT when a text is empty or too long; the log's entries stay
+ * @retval 0xFFFFFFFF when the log cannot be made or deleted
+ * @retval SM_STATUS_LOCK_FAILED and the other statuses of PXTClearXMLLog()
+ * @par Memory
+ * Nothing is handed over.
+ * @par Threads
+ * See the notes on locks above.
+ */
 QVX_EXPORT u32 PXTClearCmdLog(const astring* user, const astring* source);
 
+/**
+ * Tells the command log's size and makes the log when it is missing.
+ *
+ * @param[out] size  the size; 0 on every failure that sets it
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER when `size` is NULL
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken
+ * @retval SM_STATUS_NO_MEMORY when the log cannot be made, whatever the cause
+ * @retval 0xFFFFFFFF when the log cannot be measured
+ * @par Memory
+ * `size` stays the caller's.
+ * @par Threads
+ * See the notes on locks above.
+ */
 QVX_EXPORT u32 PXTGetCmdLogSize(u32* size);
 
+/**
+ * Tells the size at which the command log moves to its backup.
+ *
+ * @param[out] size  the properties file's number, else 131,072
+ * @retval SM_STATUS_SUCCESS whether or not the properties file could be read
+ * @retval SM_STATUS_INVALID_PARAMETER when `size` is NULL
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken; `*size` stays
+ * @par Memory
+ * `size` stays the caller's.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT u32 PXTGetCmdLogMaxSize(u32* size);
 
+/**
+ * Restores the default maximum, the only one that can be set; the properties file still wins.
+ *
+ * @param[in] size  131,072
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER for any other size
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken
+ * @par Memory
+ * Nothing is handed over.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT u32 PXTSetCmdLogMaxSize(s32 size);
 
 QVX_END_DECLS

@@ -3,22 +3,214 @@
 #ifndef QVXCS_INI_FILE_H
 #define QVXCS_INI_FILE_H
 
+/**
+ * @file
+ * Reading and writing INI files: settings under a section and a key.
+ *
+ * A file is 8-bit text, read line by line; the line end is "\n", and a "\r" before it belongs to the
+ * line. A read takes 8,449 characters at most, so that a longer line is seen as several lines.
+ *
+ * - Header: behind any leading spaces and tabs "[", then the section's name up to the next "]";
+ *   what follows is ignored. The name is not trimmed; its first 255 characters count. A "[" without
+ *   its "]" is a malformed header.
+ * - Comment: a line that begins with "#" or ";" in its first column.
+ * - Key line: behind any leading spaces and tabs the key up to the first "=", then the value up to
+ *   the line end. Neither is trimmed: the key of "name = x" is "name ", its value " x". There are no
+ *   quotes, escapes or continuation lines.
+ *
+ * Names are compared exactly, case included. The first section of a name counts, up to the next line
+ * that begins with "[", and in it the first line of the key.
+ *
+ * | type | value | least size | text |
+ * |---|---|---|---|
+ * | 1 | `astring` | 1 | the text itself |
+ * | 2 | `ustring` | 1 | its bytes in memory order, the 0 unit included, as type 3 |
+ * | 3 | bytes | 1 | "0x01,0xAB" |
+ * | 4 | `booln` | 2 | "TRUE" or "FALSE", read in any case |
+ * | 5 | `u32` | 4 | decimal |
+ * | 6 | `s32` | 4 | decimal |
+ * | 7 | `u64` | 8 | decimal |
+ * | 8 | `s64` | 8 | decimal |
+ * | 9 | `d64` | 8 | decimal, written with eight places |
+ *
+ * Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
+ *
+ * Every call holds the lock that the suite's processes share for as long as it works on the file, so
+ * that none sees a file that another is changing. With a lock flag of exactly 1 a call waits for it,
+ * 60,000 attempts that are 1 ms apart; with any other it tries once. The lock keeps out processes,
+ * not the threads of one process: a host whose threads write the same file, or any two files of one
+ * directory, brings a lock of its own. The lock belongs to the process: the first release ends it
+ * for all threads.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/**
+ * Reads a value, or lists keys or sections.
+ *
+ * With type 1 and no key the keys of the section are listed, in the file's order; with no section
+ * the sections of the file, repeated names too. In a list each name has its NUL, and one more NUL
+ * closes it. `*size` becomes the sum of the lengths plus one each: the closing NUL is not counted,
+ * so that a list that fills `*size` exactly ends one byte behind it.
+ *
+ * When the value cannot be read the default takes its place; the status still tells why. What counts
+ * as a default, and when:
+ * - type 1: when the key was not found (the file, though, was opened) and the default's size is not
+ *   0: as many bytes as both sizes allow, the last one made NUL. Else the value is "" and `*size` 0.
+ * - types 2 and 3: any failure but SM_STATUS_BUFFER_TOO_SMALL: as many bytes as both sizes allow.
+ *   Else `*size` is 0.
+ * - types 4 to 9: any failure, when the default's size is at least the type's: the value is the
+ *   default, `*size` the type's size. Else `*size` is 0.
+ *
+ * A default may be the value itself. There is none after a missing pointer, a size too small for the
+ * type or an unknown type; value and size then stay as they were.
+ *
+ * Texts are read so: of a `booln` the first word, ended by a space, counts. Bytes are hexadecimal
+ * numbers between commas, with or without "0x"; the list ends quietly at the first piece that does
+ * not begin with a number. A text that is no number is not reported: the value is 0. A number beyond
+ * 32 bits gives types 5 and 6 its low 32 bits.
+ *
+ * @param[in] section       the section, or NULL (type 1) to list the sections
+ * @param[in] key           the key, or NULL (type 1) to list the keys
+ * @param[in] type          1 to 9
+ * @param[out] value        room for the value
+ * @param[in,out] size      bytes of room; then the bytes delivered for types 1 to 3, for the others
+ * left alone unless a default is asked for
+ * @param[in] defaultValue  a value of the type, or NULL for none
+ * @param[in] defaultSize   its bytes; for type 2 just those of the text with its 0 unit
+ * @param[in] path          the file
+ * @param[in] lockFlag      1 to wait for the lock, any other to try once
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT when value, size or path is NULL, section or key is NULL for types
+ * 2 to 9, `*size` is less than the type's least size (2 for a list), the type is unknown or the
+ * default of type 2 is not a text of its size
+ * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
+ * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is no regular file
+ * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header stands before the section (in a list
+ * of sections: anywhere), or the file cannot be read on
+ * @retval SM_STATUS_SECTION_NOT_FOUND when the file has no such section, or none at all
+ * @retval SM_STATUS_KEY_NOT_FOUND when the section has no such key, or none at all
+ * @retval SM_STATUS_BUFFER_TOO_SMALL when text, bytes or list do not fit: `*size` is the size needed.
+ * The value is left alone (type 1) or holds the bytes or names that fit
+ * @retval SM_STATUS_DATA_TOO_LARGE when the text is no `booln`, or one of its bytes is negative or
+ * above 255
+ * @retval -1 without memory
+ * @par Memory
+ * `value` stays the caller's; nothing is allocated for the caller.
+ * @par Threads
+ * Any thread may call; see above for the lock.
+ * @par Standards
+ * ISO C strtod for type 9, in the current locale.
+ */
 QVX_EXPORT u32 PXTReadINIPathFileValue(const astring* section, const astring* key, s32 type,
                                        void* value, u32* size, const void* defaultValue,
                                        u32 defaultSize, const astring* path, booln lockFlag);
 
+/**
+ * Reads a value of a file in the product's INI directory.
+ *
+ * The file is "/etc/cim/zarn/plinthos/vexilon//qvx/ini/" and the name, cut at 255 characters. For
+ * all else see PXTReadINIPathFileValue().
+ *
+ * @param[in] section       the section, or NULL (type 1) to list the sections
+ * @param[in] key           the key, or NULL (type 1) to list the keys
+ * @param[in] type          1 to 9
+ * @param[out] value        room for the value
+ * @param[in,out] size      bytes of room, then the bytes delivered
+ * @param[in] defaultValue  a value of the type, or NULL for none
+ * @param[in] defaultSize   its bytes
+ * @param[in] fileName      the file's bare name
+ * @param[in] lockFlag      1 to wait for the lock, any other to try once
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT when `fileName` is NULL, else as PXTReadINIPathFileValue()
+ * @retval -1 when the product has no install path, or without memory
+ * @retval other: the statuses of PXTReadINIPathFileValue()
+ * @par Memory
+ * `value` stays the caller's; nothing is allocated for the caller.
+ * @par Threads
+ * Any thread may call; see above for the lock.
+ */
 QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s32 type,
                                    void* value, u32* size, const void* defaultValue,
                                    u32 defaultSize, const astring* fileName, booln lockFlag);
 
+/**
+ * Sets or deletes a key.
+ *
+ * A missing file is created, and the last directory of its path too. In an existing file the key's
+ * line is replaced where it stands; a new key comes before the next header, behind comments and
+ * blank lines that end the section; a new section comes at the end of the file, where no line end is
+ * added before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept byte by
+ * byte. Of an old line longer than 8,449 characters only the first piece is replaced. A value is
+ * written as it is: one with a line end in it becomes several lines.
+ *
+ * A change of a section that exists is made in a copy, "pxtini32.tmp" beside the file, which then
+ * takes its place: whoever opens the file sees the old one or the new one. For a path without a
+ * directory, or in the root directory, the copy lies in the working directory. The file's mode
+ * becomes 01664 (octal).
+ *
+ * A NULL value with size 0 deletes the key (types 1 to 3). To delete a key that the section does not
+ * have is a success.
+ *
+ * @param[in] section   at most 255 characters
+ * @param[in] key       at most 255 characters
+ * @param[in] type      1 to 9
+ * @param[in] value     the value, or NULL to delete
+ * @param[in] size      its bytes. Type 1: length plus one, 8,193 at most. Type 2: units and 0 unit,
+ * 2,048 at most. Type 3: 1 to 2,048. Others: at least the type's size. No list of bytes is written
+ * that is longer than 8,192 characters, so that types 2 and 3 end at 1,638 bytes
+ * @param[in] path      the file
+ * @param[in] lockFlag  1 to wait for the lock, any other to try once
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT when section, key or path is NULL, a name is too long, the value of
+ * types 4 to 9 is NULL or the type is unknown
+ * @retval SM_STATUS_DATA_TOO_LARGE when the size does not fit the value, or a key is to be deleted
+ * from a missing section or file
+ * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
+ * @retval SM_STATUS_FILE_OPEN_FAILED when the file or its copy cannot be opened
+ * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header stands before the section, or the
+ * file cannot be read on
+ * @retval SM_STATUS_WRITE_FAILED when the disk is full or fails
+ * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced
+ * @retval SM_STATUS_FILE_CREATE_FAILED when the copy cannot be moved
+ * @retval -1 when the directory cannot be created, or without memory
+ *
+ * After a failure the file is as it was; the copy may be left and is overwritten by the next change.
+ * @par Memory
+ * Keeps nothing of the caller's.
+ * @par Threads
+ * One thread of a process at a time; see above.
+ * @par Standards
+ * ISO C printf for type 9, in the current locale.
+ */
 QVX_EXPORT u32 PXTWriteINIPathFileValue(const astring* section, const astring* key, s32 type,
                                         const void* value, s32 size, const astring* path,
                                         booln lockFlag);
 
+/**
+ * Sets or deletes a key of a file in the product's INI directory.
+ *
+ * The file is "/etc/cim/zarn/plinthos/vexilon//qvx/ini/" and the name, cut at 255 characters. For
+ * all else see PXTWriteINIPathFileValue().
+ *
+ * @param[in] section   at most 255 characters
+ * @param[in] key       at most 255 characters
+ * @param[in] type      1 to 9
+ * @param[in] value     the value, or NULL to delete
+ * @param[in] size      its bytes
+ * @param[in] fileName  the file's bare name
+ * @param[in] lockFlag  1 to wait for the lock, any other to try once
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT when `fileName` is NULL, else as PXTWriteINIPathFileValue()
+ * @retval -1 when the product has no install path, else as PXTWriteINIPathFileValue()
+ * @retval other: the statuses of PXTWriteINIPathFileValue()
+ * @par Memory
+ * Keeps nothing of the caller's.
+ * @par Threads
+ * One thread of a process at a time; see above.
+ */
 QVX_EXPORT u32 PXTWriteINIFileValue(const astring* section, const astring* key, s32 type,
                                     const void* value, s32 size, const astring* fileName,
                                     booln lockFlag);

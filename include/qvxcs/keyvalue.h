@@ -3,26 +3,144 @@
 #ifndef QVXCS_KEYVALUE_H
 #define QVXCS_KEYVALUE_H
 
+/**
+ * @file
+ * Flat files of "key=value" lines.
+ *
+ * A line is cleaned before it means anything: blanks (space, tab, carriage return, line feed)
+ * inside the key, around the first "=" and at the end of the line go, except between double quotes;
+ * then the double quotes go. A cleaned line that begins with ";" or "#" is a comment, a line
+ * without "=" is ignored. So `  log level = "very high"  ` is the key `loglevel` with the value
+ * `very high`. A key may stand in the file more than once; its occurrences are counted from 0.
+ *
+ * Text is 8-bit, lines are read in pieces of at most 8,449 characters, and a line counts up to its
+ * first NUL byte. Names are paths as they are given, at most 256 characters; those of the `Inst`
+ * calls are relative to the product's INI path and cut with it at 255 characters.
+ *
+ * Reading and rewriting wait for the lock that the suite's processes share, up to 60,000 ms, and
+ * hold it for their whole duration. The lock belongs to the process: it keeps other processes out
+ * and not other threads, so threads that use one file at once agree among themselves.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/** One entry of a file. */
 typedef struct PXTKeyValue {
-  astring* key;
-  astring* value;
+  astring* key;   /**< the key, cleaned */
+  astring* value; /**< the value, cleaned; may be empty */
 } PXTKeyValue;
 
+/**
+ * Reads all entries of a file.
+ *
+ * @param[in] name    the file
+ * @param[out] count  the number of entries, 0 with a NULL result
+ * @return the entries in the order of the file; NULL when an argument is NULL, the name is too
+ * long, the lock cannot be taken, the file cannot be read, holds no entry or gains one meanwhile,
+ *         or without memory
+ * @par Memory
+ * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
+ * @par Threads
+ * Keeps no state; any thread may call, within the limits of the lock.
+ */
 QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const astring* name, u32* count);
 
+/**
+ * Reads all entries of a file below the product's INI path.
+ *
+ * @param[in] name    the file, relative to the product's INI path
+ * @param[out] count  the number of entries, 0 with a NULL result
+ * @return as `PXTCFGGetKeyValueEntries`; NULL also when the product's INI path cannot be had
+ * @par Memory
+ * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
+ * @par Threads
+ * Keeps no state; any thread may call, within the limits of the lock.
+ */
 QVX_EXPORT PXTKeyValue* PXTCFGInstGetKeyValueEntries(const astring* name, u32* count);
 
+/**
+ * Finds the value of a key's occurrence.
+ *
+ * @param[in] entries  the array, or NULL
+ * @param[in] count    its number of entries
+ * @param[in] key      the key, compared exactly
+ * @param[in] index    the occurrence, counted from 0
+ * @return the entry's own value; NULL when there is no such occurrence, or a pointer is NULL
+ * @par Memory
+ * The value stays the array's.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT astring* PXTCFGGetKeyValue(const PXTKeyValue* entries, u32 count, const astring* key,
                                       u32 index);
 
+/**
+ * Frees an array of entries with every key and value.
+ *
+ * @param[in] entries  the array; NULL is ignored
+ * @param[in] count    its number of entries, as it was given with it
+ * @par Memory
+ * Array, keys and values are the heap's again.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, u32 count);
 
+/**
+ * Replaces a key's occurrence, or appends the next one.
+ *
+ * The line of the occurrence becomes "key=value"; all other lines stay as they are. Where the key
+ * stands `index` times, the line is appended; no line end is put before it, so that a last line
+ * without its line end takes it up. The file is copied to "pxtcfg32.tmp" in its directory, which
+ * then takes its place, with mode 01664. Any failure leaves the file as it was; the copy may
+ * remain.
+ *
+ * @param[in] name   the file, which must exist; a missing last directory of its path is created
+ * @param[in] pair   key and value, written as they are
+ * @param[in] index  the occurrence, counted from 0
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER when `name`, `pair`, its key or its value is NULL, or the key
+ *         stands less than `index` times in the file
+ * @retval SM_STATUS_DATA_TOO_LARGE when key and value have more than 8,448 characters together
+ * @retval SM_STATUS_LOCK_FAILED
+ * @retval SM_STATUS_FILE_OPEN_ERROR when the name is too long, or the file or its copy cannot be
+ *         opened
+ * @retval SM_STATUS_WRITE_FAILED
+ * @retval SM_STATUS_NO_MEMORY
+ * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced
+ * @retval SM_STATUS_FILE_CREATE_FAILED when the copy could not be moved into place
+ * @retval 0xFFFFFFFF when the directory cannot be created, or the file cannot be read to its end
+ * @par Memory
+ * Takes and keeps none.
+ * @par Threads
+ * Keeps no state; any thread may call, within the limits of the lock.
+ */
 QVX_EXPORT u32 PXTCFGSetKeyValue(const astring* name, const PXTKeyValue* pair, u32 index);
 
+/**
+ * Replaces a key's occurrence in a file below the product's INI path, or appends the next one.
+ *
+ * @param[in] name   the file, relative to the product's INI path
+ * @param[in] pair   key and value, written as they are
+ * @param[in] index  the occurrence, counted from 0
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER as `PXTCFGSetKeyValue`
+ * @retval SM_STATUS_DATA_TOO_LARGE as `PXTCFGSetKeyValue`
+ * @retval SM_STATUS_LOCK_FAILED
+ * @retval SM_STATUS_FILE_OPEN_ERROR when the product's INI path cannot be had, or the file or its
+ *         copy cannot be opened
+ * @retval SM_STATUS_WRITE_FAILED
+ * @retval SM_STATUS_NO_MEMORY
+ * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced
+ * @retval SM_STATUS_FILE_CREATE_FAILED when the copy could not be moved into place
+ * @retval 0xFFFFFFFF when the directory cannot be created, or the file cannot be read to its end
+ * @par Memory
+ * Takes and keeps none.
+ * @par Threads
+ * Keeps no state; any thread may call, within the limits of the lock.
+ */
 QVX_EXPORT u32 PXTCFGInstSetKeyValue(const astring* name, const PXTKeyValue* pair, u32 index);
 
 QVX_END_DECLS

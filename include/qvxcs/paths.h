@@ -3,49 +3,287 @@
 #ifndef QVXCS_PATHS_H
 #define QVXCS_PATHS_H
 
+/**
+ * @file
+ * Where the suite's files lie, which locale it presents, and the control of its connection service.
+ *
+ * Programs of the suite find their files through these calls and not through paths of their own.
+ * All paths are fixed texts of the product's layout, in 8-bit characters; a doubled "/" inside some
+ * of them belongs to the layout. Nothing tells whether a path exists, and only
+ * `PXTGetIWSTempDirPath` creates anything.
+ *
+ * Failures have no status: a call that returns text returns NULL when memory is exhausted or a path
+ * that it rests on cannot be had, and the two questions about an OEM answer with their default.
+ *
+ * The install path is kept by the library from its load on, under a lock of its own. The calls that
+ * read INI files wait for the lock that the suite's processes share, up to 60,000 ms.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/**
+ * Gives the install path.
+ *
+ * @return "/opt/zarn/plinthos/"; NULL when it cannot be set, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetQVXInstallPath(void);
 
+/**
+ * Gives the install path up to its last "/".
+ *
+ * @return "/opt/zarn/plinthos"; NULL when the install path cannot be had or has no "/" behind its
+ * first character
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetRootInstallPath(void);
 
+/**
+ * Gives the directory below which the product's configuration lies.
+ *
+ * @return "/etc/cim/zarn/plinthos/vexilon/"; NULL without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetProductIniPath(void);
 
+/**
+ * Gives the directory of the product's variable data.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/"; NULL without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetProductVarPath(void);
 
+/**
+ * Gives the web server's root.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot/"; NULL when the root install path cannot
+ * be had, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetQVXWWWRootPath(void);
 
+/**
+ * Gives the root of the style sheets.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/xslroot/"; NULL when the root install path cannot
+ * be had, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetQVXXSLRootPath(void);
 
+/**
+ * Gives the directory of files to be downloaded.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot//qvx/download"; NULL when the product's
+ * variable-data path cannot be had, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetQVXDownloadPath(void);
 
+/**
+ * Gives the directory of uploaded files.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot//qvx/upload"; NULL when the product's
+ * variable-data path cannot be had, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetQVXUploadPath(void);
 
+/**
+ * Gives the directory of the command-line tool's documentation in the system's locale.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/cliroot//qvx/docs/en_US"; NULL when the root
+ * install path cannot be had, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetQVXCLIDocsPath(void);
 
+/**
+ * Gives the directory of the web front end's documentation in the system's locale.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot//qvx/docs/en_US"; NULL when the root
+ * install path cannot be had, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetQVXWEBDocsPath(void);
 
+/**
+ * Creates the directory for temporary files of the web server, and gives its path.
+ *
+ * One level is created, with mode 0755 less the umask; a directory that is there already serves.
+ *
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/iws/temp"; NULL when the root install path cannot
+ *         be had, the directory cannot be created, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetIWSTempDirPath(void);
 
+/**
+ * Gives the path of a file in an OEM's INI tree.
+ *
+ * The path is "/etc/cim/zarn/plinthos/vexilon/wwwroot/oem/", the OEM's name, "/ini/", "zarn" or
+ * "debrand", "/" and the file's name, of whatever length.
+ *
+ * @param[in] oem   the OEM's name
+ * @param[in] file  the file's name
+ * @param[in] flag  exactly "0" for the directory "zarn"; any other text for "debrand"
+ * @return the path; NULL when an argument is NULL, or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT astring* PXTGetOEMINIPathFile(const astring* oem, const astring* file,
                                          const astring* flag);
 
+/**
+ * Tells whether the system is a modular (blade) chassis.
+ *
+ * That is the value of key "blade" in section "blade" of "qvcli32.ini".
+ *
+ * @retval 1 when the value is exactly "true": lower case, nothing behind it
+ * @retval 0 for any other value, and whenever it cannot be read
+ * @par Memory
+ * Hands out none.
+ * @par Threads
+ * Any thread may call; takes the shared lock, which belongs to the process.
+ */
 QVX_EXPORT u32 PXTCheckModularChassis(void);
 
+/**
+ * Gives the prefix of the OEM's names in a directory service's schema.
+ *
+ * That is the value of key "adschemaprefix" in section "data" of "oem.ini", of at most 255
+ * characters; "zarn" when it cannot be read.
+ *
+ * @return the prefix in a block of 256 bytes; NULL without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call; takes the shared lock, which belongs to the process.
+ */
 QVX_EXPORT astring* PXTGetOEMADSchemaPrefix(void);
 
+/**
+ * Gives the locale name of a language identifier.
+ *
+ * 1028 zh_TW, 1031 de, 1033 en_US, 1034 es, 1036 fr, 1041 ja, 1046 pt_BR, 2052 zh, 2057 en_GB,
+ * 2066 ko; en_US for any other.
+ *
+ * @param[in] languageId  the identifier
+ * @return the name; NULL without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT astring* PXTGetLocaleNameAStr(u32 languageId);
 
+/**
+ * Gives the name of the locale that the suite presents, "en_US" whatever the environment says.
+ *
+ * @return the name; NULL without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Reads the environment; any thread may call while none changes it.
+ */
 QVX_EXPORT astring* PXTGetOSLocaleName(void);
 
+/**
+ * Gives the language of the locale that the suite presents: what stands before the "_" of its name.
+ *
+ * @return the language in a block of 256 bytes; NULL when the name has no "_", or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Reads the environment; any thread may call while none changes it.
+ */
 QVX_EXPORT astring* PXTGetOSLanguage(void);
 
+/**
+ * Gives the country of the locale that the suite presents: what stands behind the "_" of its name.
+ *
+ * @return the country; NULL when the name has no "_", or without memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Reads the environment; any thread may call while none changes it.
+ */
 QVX_EXPORT astring* PXTGetOSCountry(void);
 
+/**
+ * Gives the host's name, at most 255 characters of it.
+ *
+ * @return the name; NULL when it cannot be had, while the library is not attached, or without
+ * memory
+ * @par Memory
+ * The caller frees the text with `PXTFreeMem`.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT astring* PXTGetHostNameAStr(void);
 
+/**
+ * Stops, starts or restarts the suite's connection service.
+ *
+ * Runs "systemctl stop hvn_qv_connsvc.service" or its like through the shell on a host with
+ * "/etc/os-release", "/etc/init.d/hvn_qv_connsvc stop" on any other, standard output discarded. An
+ * action that is not listed runs a command that does not exist, and so fails.
+ *
+ * A restart first closes descriptors 3 to 255 of the process, so that the service inherits none of
+ * them; the library's own lock file stays open and is not inherited. Restart only from a process
+ * that is prepared for that.
+ *
+ * @param[in] action     0 stop, 1 start, 3 and 4 restart
+ * @param[in] reserved   not used
+ * @param[out] exitCode  the shell's exit status, or NULL; -1 when no shell could be run. It is 0
+ * for a command that a signal ended
+ * @retval SM_STATUS_SUCCESS when the exit status is 0
+ * @retval SM_STATUS_FILE_CREATE_FAILED when the exit status is 2
+ * @retval 0xFFFFFFFF for any other exit status
+ * @par Memory
+ * Hands out none.
+ * @par Threads
+ * Forks and waits; a restart closes descriptors under every thread of the process. The caller's
+ * handling of SIGCHLD must leave children to be waited for.
+ */
 QVX_EXPORT u32 PXTWebServer(u32 action, u32 reserved, s32* exitCode);
 
 QVX_END_DECLS

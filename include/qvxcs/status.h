@@ -11,6 +11,8 @@
  * failure as -1 instead, which as a status is 0xFFFFFFFF. Codes carry no text.
  */
 
+#include "qvxcs/types.h"
+
 /** The operation succeeded. */
 #define SM_STATUS_SUCCESS 0x0000u
 /** A required pointer of the INI and IP families is NULL; a duplicate key; an unknown type code. */

@@ -3,21 +3,157 @@
 #ifndef QVXCS_XML_LOG_H
 #define QVXCS_XML_LOG_H
 
+/**
+ * @file
+ * XML log files: audit logs that a browser shows through a style sheet.
+ *
+ * A log is one line of UTF-8: the instruction
+ * `<?xml-stylesheet type="text/xsl" version="1.0" encoding="UTF-8"?>` (65 bytes, no XML
+ * declaration), then `<EventLog>`, one `LogEntry` element for each event, oldest first, and
+ * `</EventLog>`. The children of an entry, all always there and in this order:
+ *
+ * | element | content |
+ * |---|---|
+ * | `TimeStamp` | seconds since 1970, signed decimal |
+ * | `DateTime` | the same time in local time, as in `Thu Jan  1 00:00:00 1970` |
+ * | `ComputerName` | this machine's host name |
+ * | `Type`, `ID` | the caller's numbers, unsigned decimal |
+ * | `UserInfo`, `Source` | the caller's texts, escaped for XML; empty for NULL |
+ * | `Description` | the caller's text as it stands: it must be well-formed markup or free of it |
+ * | `Data` | the caller's bytes as a hex dump, unescaped, its lines ended by CR LF; empty without |
+ *
+ * An append writes in place. It searches the end of the log for the closing tag and overwrites it,
+ * and whatever stands behind it, by the entry and a new closing tag, both in one write; its cost
+ * does not grow with the log. A log that an entry would bring to the caller's maximum size is
+ * renamed to its backup first: the log's path with the last character replaced by `_`, so
+ * `cmd.xml` moves to `cmd.xm_`. One backup is kept and is replaced each time. The new log begins
+ * with an entry of type 4, identifier 1, `Log backup created`.
+ *
+ * Sizes and text limits are in bytes. Logs and backups get mode 01664, their directory 0755.
+ *
+ * @par Locks
+ * Append, delete and backup hold the suite's file lock (see locking.md), for which they wait up to
+ * a minute; entries are built outside it. The lock keeps processes apart, not the threads of one
+ * process: threads that write to one log take turns by a lock of their own.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/**
+ * Makes sure that a log is there.
+ *
+ * A file of 65 bytes and more is left as it is. Otherwise an entry of type 4, identifier 0,
+ * `Log was cleared`, is appended, which creates the log and one directory above it.
+ *
+ * @param[in] path    the log
+ * @param[in] user    1 to 1,023 bytes, or NULL; looked at only where the entry is written
+ * @param[in] source  1 to 1,023 bytes, or NULL; likewise
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT and the other statuses of PXTAppendToXMLLog()
+ * @par Memory
+ * Nothing is handed over.
+ * @par Threads
+ * See the notes on locks above.
+ */
 QVX_EXPORT u32 PXTForceXMLLogExists(const astring* path, const astring* user,
                                     const astring* source);
 
+/**
+ * Deletes a log and begins it anew with an entry of type 4, identifier 0, `Log was cleared`.
+ *
+ * The arguments are checked before anything is deleted. The backup stays. Entries that another
+ * process appends between the two steps stand ahead of the new entry.
+ *
+ * @param[in] path    the log
+ * @param[in] user    1 to 1,023 bytes, or NULL
+ * @param[in] source  1 to 1,023 bytes, or NULL
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT when `path` is NULL or a text is empty or too long; the log stays
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken; the log stays
+ * @retval 0xFFFFFFFF when the log cannot be deleted, a missing one included; nothing is created
+ * @retval SM_STATUS_WRITE_FAILED and the other statuses of PXTAppendToXMLLog(): the old log is gone
+ * @par Memory
+ * Nothing is handed over.
+ * @par Threads
+ * See the notes on locks above.
+ */
 QVX_EXPORT u32 PXTClearXMLLog(const astring* path, const astring* user, const astring* source);
 
+/**
+ * Appends one entry to a log; a missing log and one directory above it are created.
+ *
+ * A file under 65 bytes is written anew. A backup that fails is not reported: the entry goes to
+ * the log that is full. A log of 4 GiB or more has no backup, nor has one whose name ends with `_`
+ * or has more than 255 bytes. `Log backup created` names the same user and source; a failure to
+ * write it is not reported.
+ *
+ * @param[in] path         the log
+ * @param[in] type         the entry's type; 4 is information
+ * @param[in] id           the entry's identifier
+ * @param[in] user         1 to 1,023 bytes, or NULL
+ * @param[in] source       1 to 1,023 bytes, or NULL
+ * @param[in] description  1 to 16,383 bytes, or NULL; not escaped
+ * @param[in] data         bytes to dump, or NULL with a size of 0
+ * @param[in] dataSize     at most 32,768
+ * @param[in] maxSize      the log's size together with the new entry at which it moves to its
+ * backup
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_BAD_ARGUMENT when `path` is NULL, `data` is NULL with a size, or a text or the
+ *         data is outside its limits; nothing is touched
+ * @retval SM_STATUS_NO_MEMORY when there is no memory for the directory's name
+ * @retval SM_STATUS_NOT_LOADED while the library is not attached; the log is as it was
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken; nothing is appended
+ * @retval SM_STATUS_BAD_DATA when a log of 65 bytes and more has no closing tag; it is as it was
+ * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk. The log
+ * is cut back and its closing tag written again (the first entry leaves an empty file); only where
+ * that fails too do later appends give SM_STATUS_BAD_DATA, until the log is cleared.
+ * @retval 0xFFFFFFFF when the directory cannot be made, the time cannot be told, the entry cannot
+ *         be built whole, or the log cannot be opened, created or measured
+ * @par Memory
+ * Nothing is handed over.
+ * @par Threads
+ * See the notes on locks above.
+ */
 QVX_EXPORT u32 PXTAppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
                                  const astring* source, const astring* description,
                                  const void* data, u32 dataSize, u32 maxSize);
 
+/**
+ * Tells the name of a log's backup: its path with the last character replaced by `_`.
+ *
+ * @param[in] path    the log, 2 to 255 bytes
+ * @param[out] buffer  room for 256 bytes, or NULL to ask for the size
+ * @param[out] size   the name's length and its NUL; what it holds before is not looked at
+ * @retval SM_STATUS_SUCCESS
+ * @retval SM_STATUS_INVALID_PARAMETER when `path` or `size` is NULL or the path has fewer than 2
+ *         bytes; `*size` stays
+ * @retval SM_STATUS_BUFFER_TOO_SMALL for a path of 256 bytes and more; `*size` is its length plus 1
+ * @par Memory
+ * `buffer` stays the caller's. It always needs room for 256 bytes, whatever `*size` says.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT u32 PXTGetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* size);
 
+/**
+ * Reads a log into an XML answer.
+ *
+ * The answer is a `Content` element with the file's text as it stands, not escaped, and an
+ * `SMStatus` element with the value 0. A file that is not empty but cannot be opened or read gives
+ * `SMStatus` with the value -1 alone. The file is read without the lock; what is appended while it
+ * is read is not shown, which may cost the closing tag. A line is shown up to its first NUL byte.
+ *
+ * @param[in] path  the log
+ * @return the answer; NULL for a NULL path, a file that is missing, empty, no regular file or of
+ *         4 GiB and more, and without memory
+ * @par Memory
+ * The answer is the caller's, who frees it with PXTFreeMem(). Several times the file's size is
+ * needed while it is built.
+ * @par Threads
+ * Keeps no state; any thread may call.
+ */
 QVX_EXPORT astring* PXTCmdGetXMLLogContent(const astring* path);
 
 QVX_END_DECLS

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_ACCESS_OS_PRIVILEGE_H
+#define QVX_ACCESS_OS_PRIVILEGE_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// The calling process's rights, by its user and group identities.
+u32 OSGetProcessRights();
+
+// A heap copy of the real user's name, or null.
+astring* OSGetProcessUser();
+
+// What the operating system alone says of a user: its superuser administers, the members of group 0
+// are power users, any other known user is a user.
+u32 GetOSPrivilege(const astring* userName);
+
+// The groups that list the user as a member; the primary group counts only where it does. At most
+// `max` identifiers are stored; `max` 0 only counts. Walks the process's one cursor over the group
+// database: not for two threads at once.
+u32 getugroups(u32 max, u32* groups, const astring* name);
+
+// 0 when the user exists and is the superuser, else -1.
+s32 isuserroot(const astring* name);
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_ACCESS_ROLE_H
+#define QVX_ACCESS_ROLE_H
+
+#include <string>
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// A higher role contains the lower ones, so that of two grants the greater number is the larger.
+enum QVXPrivilege : u32 {
+  QVX_PRIV_NONE = 0x0,
+  QVX_PRIV_USER = 0x1,
+  QVX_PRIV_POWERUSER = 0x3,
+  QVX_PRIV_ADMINISTRATOR = 0x7,
+};
+
+// Stands beside the level of the operating system's superuser.
+inline constexpr u32 QVX_PRIV_ROOT = 0x40000;
+
+// One user on one host: an entry of the role map, or a query that is to be answered.
+struct QVXRole {
+  std::wstring user;  // as written; "+" begins a group, "*" is anybody
+  std::wstring host;  // lower-case; "*" is any host, "*." marks a domain
+  u32 privileges = QVX_PRIV_NONE;
+};
+
+// Applied to each entry of a queue that owns its roles.
+struct RolemapDeleteObject {
+  void operator()(const QVXRole* role) const { delete role; }
+};
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_ACCESS_ROLE_MAP_ALGORITHM_H
+#define QVX_ACCESS_ROLE_MAP_ALGORITHM_H
+
+#include <deque>
+#include <map>
+#include <string>
+
+#include "access/auth_file_record.h"
+#include "access/role.h"
+#include "zsupt/zarn_critical_section.h"
+
+namespace qvx {
+
+class LocalAddresses;
+
+// Answers what the role map grants a user. The entry that names the user beats the entries of the
+// user's groups, and these beat the entries for anyone, even where they grant less.
+class QVXRoleMapAlgorithm : public ZarnSupport::ZarnCriticalSectionObject {
+ public:
+  static QVXRoleMapAlgorithm& GetInstance();
+  QVXRoleMapAlgorithm(const QVXRoleMapAlgorithm&) = delete;
+  QVXRoleMapAlgorithm& operator=(const QVXRoleMapAlgorithm&) = delete;
+
+  // Builds the maps, once until they are forgotten. Throws RoleConflict with the record's line when
+  // a plain user is given the same host a second time; what was built up to there then stands until
+  // the next call.
+  void Initialize(const std::deque<QVAuthFileRecord*>& records);
+
+  // The maps are stale: the next Initialize builds them anew.
+  void ForgetInitialized() { initialized_ = false; }
+
+  // Sets the privileges of the query; 0 when the role map grants nothing. Takes no lock.
+  void GetUserPrivileges(QVXRole& query) const;
+
+ private:
+  using HostMap = std::map<std::wstring, u32>;
+  using NameMap = std::map<std::wstring, HostMap>;
+
+  QVXRoleMapAlgorithm() = default;
+  ~QVXRoleMapAlgorithm() = default;
+
+  bool AddRole(const QVXRole& role);
+  bool DecideByUser(QVXRole& query, const LocalAddresses& addresses,
+                    const std::wstring& domainKey) const;
+  void RaiseByGroups(QVXRole& query) const;
+  void DecideByAnyUser(QVXRole& query, const LocalAddresses& addresses,
+                       const std::wstring& domainKey) const;
+
+  NameMap userMap_;
+  NameMap groupMap_;  // each name with its "+"
+  HostMap anyUserMap_;
+  bool initialized_ = false;
+};
+
+}  // namespace qvx
+
+#endif

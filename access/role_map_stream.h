@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_ACCESS_ROLE_MAP_STREAM_H
+#define QVX_ACCESS_ROLE_MAP_STREAM_H
+
+#include <string>
+
+#include "config/stdio_file.h"
+
+namespace qvx {
+
+// The role map file as lines of 7-bit text. It behaves as a wide input stream of the classic locale
+// does, but its descriptor is close-on-exec and only a regular file opens. Once it has failed, it
+// reads nothing until a file has been opened.
+class RoleMapStream {
+ public:
+  // Fails while a file is open; that file then stays.
+  void Open(const std::string& path);
+  bool IsOpen() const { return file_ != nullptr; }
+
+  // The next line without its newline. False, and failed, when the file ends first: a last line
+  // without a newline is no line. A byte above 0x7F ends the file.
+  bool GetLine(std::wstring& line);
+
+ private:
+  FilePtr file_;
+  bool failed_ = false;
+};
+
+}  // namespace qvx
+
+#endif

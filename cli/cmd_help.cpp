@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "cli/cmd_help.h"
+
+#include <cstdio>
+
+#include "cli/param_node.h"
+#include "frame/heap.h"
+#include "xml/xml_buffer.h"
+
+namespace qvx {
+namespace {
+
+constexpr u32 kFirstCapacity = 256;
+constexpr u16 kGetContent = 1;
+constexpr s32 kText = 1;
+
+// The help that a command makes of itself; null without one. A command may write into its
+// arguments, so each gets copies of its own.
+astring* AskForHelp(PXTCommandFunction command) {
+  astring user[] = "qvxusrinfo=nvsupt";
+  astring help[] = "cmdhelp=true";
+  astring* vector[] = {user, help, nullptr};
+  return command(2, vector);
+}
+
+// Deliberate: the help is markup of the command's own and stands unescaped in its element. Held by
+// CmdHelp.HelpTextsStandUnescaped.
+void CatCommand(void* buffer, const PXTCommand& command) {
+  astring* help = AskForHelp(command.function);
+  if (help == nullptr) return;
+  const HeapArray<astring> attribute =
+      QuotedAttribute("val", command.name == nullptr ? "" : command.name);
+  if (attribute) (void)PXMBufCatNode(buffer, "qvxcmd", attribute.get(), kText, help);
+  PXMFreeBufContent(help);
+}
+
+// Deliberate: the count is that of the table less one, for the calling command, whether or not the
+// table holds it. Held by CmdHelp.CountIsOneLessThanTheTable.
+void CatBegin(void* buffer, s32 count) {
+  astring attribute[32];
+  (void)snprintf(attribute, sizeof attribute, "count=\"%d\"", count - 1);
+  (void)PXMBufCatBeginNode(buffer, "CLICmdHelp", attribute);
+}
+
+}  // namespace
+
+astring* NVSuptCMDHelp(s32 /*ignoredCount*/, astring** /*ignoredVector*/, const PXTCommand* table,
+                       s32 count, PXTCommandFunction self) {
+  void* buffer = PXMAllocBuf(kFirstCapacity, 0);
+  if (buffer == nullptr) return nullptr;
+  if (self == nullptr || table == nullptr || count < 1) return PXMFreeBuf(buffer, kGetContent);
+  CatBegin(buffer, count);
+  for (s32 i = 0; i < count; ++i) {
+    if (table[i].function != nullptr && table[i].function != self) CatCommand(buffer, table[i]);
+  }
+  (void)PXMBufCatEndNode(buffer, "CLICmdHelp");
+  return PXMFreeBuf(buffer, kGetContent);
+}
+
+}  // namespace qvx

@@ -1,0 +1,219 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "config/file_util.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "qvxcs/status.h"
+
+#include "config/stdio_file.h"
+
+namespace qvx {
+namespace {
+
+constexpr u32 kFailed = 0xFFFFFFFF;
+constexpr u32 kCannotReturn = 9;
+
+constexpr u32 kTmpNameRoom = 20;
+constexpr u32 kWorkingDirectoryRoom = 256;
+constexpr char kTmpDirectory[] = "/tmp";
+constexpr char kTmpNamePattern[] = "/tmp/fileXXXXXX";
+constexpr u32 kTmpNameDigits = 6;
+constexpr u32 kTmpNameAttempts = 62 * 62 * 62;
+
+bool IsDirectory(const astring* path) {
+  struct stat status;
+  return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// A directory is never touched, not even its mode.
+bool IsReplaceable(const astring* path) {
+  struct stat status;
+  return lstat(path, &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+bool IsMissing(const astring* path) {
+  struct stat status;
+  return lstat(path, &status) != 0 && errno == ENOENT;
+}
+
+// Random digits over the pattern's last six characters.
+bool FillTmpName(astring* name) {
+  constexpr char kDigits[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+  u64 number = 0;
+  if (getrandom(&number, sizeof(number), 0) != static_cast<ssize_t>(sizeof(number))) {
+    return false;
+  }
+  astring* const digits = name + strlen(name) - kTmpNameDigits;
+  for (u32 at = 0; at < kTmpNameDigits; ++at) {
+    digits[at] = kDigits[number % (sizeof(kDigits) - 1)];
+    number /= sizeof(kDigits) - 1;
+  }
+  return true;
+}
+
+// A name of tmpnam's form that no file has; written here because linkers warn of tmpnam itself.
+bool MakeTmpName(astring (&name)[kTmpNameRoom]) {
+  if (!IsDirectory(kTmpDirectory)) {
+    return false;
+  }
+  memcpy(name, kTmpNamePattern, sizeof(kTmpNamePattern));
+  for (u32 attempt = 0; attempt < kTmpNameAttempts; ++attempt) {
+    if (!FillTmpName(name)) {
+      return false;
+    }
+    if (IsMissing(name)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// SM_STATUS_SUCCESS when the file's data and its mode are ready to take another's place. The mode
+// is set before the rename, too, so that the target never shows another; it may fail.
+u32 SettleSource(const astring* source) {
+  const int file = open(source, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW);
+  if (file < 0) {
+    return SM_STATUS_FILE_CREATE_FAILED;
+  }
+  struct stat status;
+  const bool regular = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+  const bool flushed = regular && fsync(file) == 0;
+  if (flushed) {
+    (void)fchmod(file, kFileMode);
+  }
+  (void)close(file);
+  if (!regular) {
+    return SM_STATUS_FILE_CREATE_FAILED;
+  }
+  return flushed ? SM_STATUS_SUCCESS : SM_STATUS_WRITE_FAILED;
+}
+
+bool IsTargetsFault(int error) {
+  return error == EPERM || error == EACCES || error == EROFS || error == EBUSY;
+}
+
+}  // namespace
+
+u32 DelFile(const astring* path) {
+  if (path == nullptr || !IsReplaceable(path)) {
+    return kFailed;
+  }
+  if (chmod(path, kFileMode) != 0) {
+    return kFailed;
+  }
+  return unlink(path) == 0 ? SM_STATUS_SUCCESS : kFailed;
+}
+
+u32 GetSizeOfFile(const astring* path, u32* size) {
+  if (size == nullptr) {
+    return kFailed;
+  }
+  *size = 0;
+  if (path == nullptr) {
+    return kFailed;
+  }
+  const FilePtr file = OpenFile(path, "rb");
+  if (!file) {
+    return kFailed;
+  }
+  const s64 length = StreamSize(file.get());
+  if (length < 0 || length >= 0xFFFFFFFF) {
+    return kFailed;
+  }
+  *size = static_cast<u32>(length);
+  return SM_STATUS_SUCCESS;
+}
+
+u32 GetTmpFile(const astring* directory, astring* name, u32* size) {
+  if (directory == nullptr || name == nullptr || size == nullptr) {
+    return kFailed;
+  }
+  if (*size < kTmpNameRoom) {
+    *size = kTmpNameRoom;
+    return SM_STATUS_BUFFER_TOO_SMALL;
+  }
+  astring saved[kWorkingDirectoryRoom];
+  if (getcwd(saved, sizeof(saved)) == nullptr) {
+    return SM_STATUS_BUFFER_TOO_SMALL;
+  }
+  if (chdir(directory) != 0) {
+    return SM_STATUS_FAILURE;
+  }
+  // Deliberate: the name lies in /tmp, whatever directory is asked for; that one has only to be
+  // there and to be entered. Held by FileUtil.TmpFileNameLiesInTmpWhateverTheDirectory.
+  astring made[kTmpNameRoom];
+  const bool found = MakeTmpName(made);
+  if (found) {
+    *size = static_cast<u32>(strlen(made)) + 1;
+    memcpy(name, made, *size);
+  }
+  const bool returned = chdir(saved) == 0;
+  if (!found) {
+    return SM_STATUS_FILE_CREATE_FAILED;
+  }
+  return returned ? SM_STATUS_SUCCESS : kCannotReturn;
+}
+
+u32 CreateDir(const astring* path) {
+  if (path == nullptr) {
+    return kFailed;
+  }
+  if (mkdir(path, kDirectoryMode) == 0 || IsDirectory(path)) {
+    return SM_STATUS_SUCCESS;
+  }
+  return kFailed;
+}
+
+u32 DelDir(const astring* path) {
+  if (path == nullptr) {
+    return kFailed;
+  }
+  if (rmdir(path) == 0) {
+    return SM_STATUS_SUCCESS;
+  }
+  if (errno == ENOTEMPTY || errno == EEXIST) {
+    return SM_STATUS_BAD_DATA;
+  }
+  return errno == ENOENT ? SM_STATUS_FAILURE : kFailed;
+}
+
+u32 ReplaceFile(const astring* target, const astring* source) {
+  if (target == nullptr || source == nullptr) {
+    return kFailed;
+  }
+  if (!IsReplaceable(target)) {
+    return SM_STATUS_FILE_DELETE_FAILED;
+  }
+  if (const u32 status = SettleSource(source)) {
+    return status;
+  }
+  (void)chmod(target, kFileMode);
+  if (rename(source, target) != 0) {
+    return IsTargetsFault(errno) ? SM_STATUS_FILE_DELETE_FAILED : SM_STATUS_FILE_CREATE_FAILED;
+  }
+  (void)chmod(target, kFileMode);
+  return SM_STATUS_SUCCESS;
+}
+
+HeapArray<astring> DirectoryPart(const astring* path) {
+  const astring* const slash = strrchr(path, '/');
+  if (slash == nullptr || slash == path) {
+    return CopyText(".");
+  }
+  const size_t length = static_cast<size_t>(slash - path);
+  HeapArray<astring> directory = AllocArray<astring>(length + 1);
+  if (directory) {
+    memcpy(directory.get(), path, length);
+    directory[length] = '\0';
+  }
+  return directory;
+}
+
+}  // namespace qvx

@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CONFIG_FILE_UTIL_H
+#define QVX_CONFIG_FILE_UTIL_H
+
+#include <sys/types.h>
+
+#include "qvxcs/types.h"
+
+#include "frame/heap.h"
+
+namespace qvx {
+
+// What the library's files and directories are set to: owner and group write, others read.
+inline constexpr mode_t kFileMode = 01664;
+inline constexpr mode_t kDirectoryMode = 0755;
+
+u32 DelFile(const astring* path);
+u32 GetSizeOfFile(const astring* path, u32* size);
+u32 GetTmpFile(const astring* directory, astring* name, u32* size);
+u32 CreateDir(const astring* path);
+u32 DelDir(const astring* path);
+
+// Puts `source` in `target`'s place. The target must exist; whoever opens it meanwhile finds the
+// old file or the new one, whole, never none. A failure leaves the target as it was.
+// SM_STATUS_FILE_DELETE_FAILED: the target is missing, a directory or protected.
+// SM_STATUS_FILE_CREATE_FAILED: the source could not be moved. SM_STATUS_WRITE_FAILED: the source's
+// data could not be brought to the disk.
+u32 ReplaceFile(const astring* target, const astring* source);
+
+// The part of a path before its last "/"; "." when there is none or nothing stands before it.
+// Empty without memory.
+HeapArray<astring> DirectoryPart(const astring* path);
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,240 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "config/ini_read_values.h"
+
+#include <string.h>
+
+#include <cstdio>
+
+#include "qvxcs/status.h"
+
+#include "config/ini_lines.h"
+#include "config/ini_reader.h"
+#include "frame/heap.h"
+#include "paths/install_path.h"
+#include "paths/layout.h"
+#include "text/ascii_util.h"
+#include "text/number_text.h"
+#include "text/scan32.h"
+
+namespace qvx {
+namespace {
+
+constexpr u32 kTextRoom = 8193;
+constexpr u32 kNoInstallPath = 0xFFFFFFFF;
+
+// A read as the caller asked for it.
+struct Read {
+  const astring* section;
+  const astring* key;
+  void* value;
+  u32* size;
+  const void* defaultValue;
+  u32 defaultSize;
+  const astring* path;
+  booln lockFlag;
+};
+
+bool IsComplete(const Read& read) {
+  return read.section != nullptr && read.key != nullptr && read.value != nullptr &&
+         read.size != nullptr && read.path != nullptr && *read.size != 0;
+}
+
+u32 ReadText(const Read& read, astring* text, u32 room) {
+  if (text == nullptr) {
+    return kOutOfMemory;
+  }
+  return ReadINIFileValue_astring(read.section, read.key, text, &room, nullptr, 0, read.path,
+                                  read.lockFlag);
+}
+
+u32 ReadAstring(const Read& read) {
+  return ReadINIFileValue_astring(read.section, read.key, static_cast<astring*>(read.value),
+                                  read.size, read.defaultValue, read.defaultSize, read.path,
+                                  read.lockFlag);
+}
+
+// The conversions of the types of fixed size. Values of callers may be unaligned.
+template <typename T>
+u32 Store(T converted, void* value) {
+  memcpy(value, &converted, sizeof(converted));
+  return SM_STATUS_SUCCESS;
+}
+
+bool IsWord(const astring* text, size_t length, const astring* word) {
+  return length == strlen(word) && AStrnicmp(text, word, static_cast<u32>(length)) == 0;
+}
+
+u32 StoreBooln(const astring* text, void* value) {
+  // Deliberate: only the first word counts and only the space ends it: "true yes" is true, and a
+  // carriage return belongs to the word. Held by IniReadValues.OnlyTheSpaceEndsTheWordOfABooln.
+  const astring* const word = text + strspn(text, " ");
+  const size_t length = strcspn(word, " ");
+  if (IsWord(word, length, "TRUE")) {
+    return Store<booln>(1, value);
+  }
+  if (IsWord(word, length, "FALSE")) {
+    return Store<booln>(0, value);
+  }
+  return SM_STATUS_DATA_TOO_LARGE;
+}
+
+// Deliberate: a text that is no number is not reported: the value is 0 and the read a success. Held
+// by IniReadValues.TextsThatAreNoNumbersAreNotReported.
+u32 StoreU32(const astring* text, void* value) { return Store(ScanU32(text, kDecimalBase), value); }
+u32 StoreS32(const astring* text, void* value) { return Store(ScanS32(text, kDecimalBase), value); }
+u32 StoreU64(const astring* text, void* value) { return Store(ASCIIToUnSigned64(text), value); }
+u32 StoreS64(const astring* text, void* value) { return Store(ASCIIToSigned64(text), value); }
+u32 StoreD64(const astring* text, void* value) { return Store(ASCIIToDouble(text), value); }
+
+struct FixedType {
+  u32 bytes;
+  u32 (*store)(const astring* text, void* value);
+};
+
+// In the order of the type codes, from kFirstFixed on.
+constexpr FixedType kFixedTypes[] = {
+    {2, StoreBooln}, {4, StoreU32}, {4, StoreS32}, {8, StoreU64}, {8, StoreS64}, {8, StoreD64},
+};
+static_assert(sizeof(kFixedTypes) / sizeof(kFixedTypes[0]) == kLastFixed - kFirstFixed + 1);
+
+// A default may be the value buffer itself.
+void GiveFixedDefault(const Read& read, u32 bytes) {
+  if (read.defaultValue == nullptr || read.defaultSize < bytes) {
+    *read.size = 0;
+    return;
+  }
+  memmove(read.value, read.defaultValue, bytes);
+  *read.size = bytes;
+}
+
+u32 ReadFixed(const Read& read, const FixedType& type) {
+  if (!IsComplete(read) || *read.size < type.bytes) {
+    return SM_STATUS_BAD_ARGUMENT;
+  }
+  const HeapArray<astring> text = AllocArray<astring>(kTextRoom);
+  u32 status = ReadText(read, text.get(), kTextRoom);
+  if (status == SM_STATUS_SUCCESS) {
+    status = type.store(text.get(), read.value);
+  }
+  if (status != SM_STATUS_SUCCESS) {
+    GiveFixedDefault(read, type.bytes);
+  }
+  return status;
+}
+
+void GiveBytesDefault(const Read& read) {
+  const u32 given = read.defaultValue == nullptr ? 0 : read.defaultSize;
+  const u32 count = given < *read.size ? given : *read.size;
+  if (count != 0) {
+    memmove(read.value, read.defaultValue, count);
+  }
+  *read.size = count;
+}
+
+// Turns a list of hexadecimal bytes into the bytes, in place: each took two characters or more.
+// The list ends quietly at the first piece that does not begin with a number.
+u32 ParseBytes(astring* text, u32* count) {
+  u32 found = 0;
+  const astring* piece = text;
+  while (piece != nullptr) {
+    const ScannedNumber number = ScanNumber(piece, kHexBase);
+    if (!number.found) {
+      break;
+    }
+    if (number.magnitude > 0xFF || (number.negative && number.magnitude != 0)) {
+      return SM_STATUS_DATA_TOO_LARGE;
+    }
+    piece = strchr(piece, ',');
+    if (piece != nullptr) {
+      ++piece;
+    }
+    text[found] = static_cast<astring>(number.magnitude);
+    ++found;
+  }
+  *count = found;
+  return SM_STATUS_SUCCESS;
+}
+
+u32 DeliverBytes(const Read& read, const astring* bytes, u32 count) {
+  const u32 room = *read.size;
+  *read.size = count;
+  memcpy(read.value, bytes, count < room ? count : room);
+  return count <= room ? SM_STATUS_SUCCESS : SM_STATUS_BUFFER_TOO_SMALL;
+}
+
+u32 ReadBinary(const Read& read) {
+  if (!IsComplete(read)) {
+    return SM_STATUS_BAD_ARGUMENT;
+  }
+  const HeapArray<astring> text = AllocArray<astring>(kLineRoom);
+  u32 count = 0;
+  u32 status = ReadText(read, text.get(), kLineRoom);
+  if (status == SM_STATUS_SUCCESS) {
+    status = ParseBytes(text.get(), &count);
+  }
+  if (status != SM_STATUS_SUCCESS) {
+    GiveBytesDefault(read);
+    return status;
+  }
+  return DeliverBytes(read, text.get(), count);
+}
+
+u32 ReadUstring(const Read& read) {
+  if (!IsComplete(read)) {
+    return SM_STATUS_BAD_ARGUMENT;
+  }
+  if (read.defaultValue != nullptr && !IsUstringOfSize(read.defaultValue, read.defaultSize)) {
+    return SM_STATUS_BAD_ARGUMENT;
+  }
+  return ReadBinary(read);
+}
+
+}  // namespace
+
+u32 ReadINIPathFileValue(const astring* section, const astring* key, s32 type, void* value,
+                         u32* size, const void* defaultValue, u32 defaultSize, const astring* path,
+                         booln lockFlag) {
+  const Read read = {section, key, value, size, defaultValue, defaultSize, path, lockFlag};
+  if (type >= kFirstFixed && type <= kLastFixed) {
+    return ReadFixed(read, kFixedTypes[type - kFirstFixed]);
+  }
+  switch (type) {
+    case kAstring:
+      return ReadAstring(read);
+    case kUstring:
+      return ReadUstring(read);
+    case kBinary:
+      return ReadBinary(read);
+    default:
+      return SM_STATUS_BAD_ARGUMENT;
+  }
+}
+
+u32 ProductIniFilePath(const astring* fileName, astring (&path)[kIniPathRoom]) {
+  if (fileName == nullptr) {
+    return SM_STATUS_BAD_ARGUMENT;
+  }
+  const HeapArray<astring> installPath(SUPTIntfGetQVXInstallPath());
+  if (!installPath) {
+    return kNoInstallPath;
+  }
+  // Deliberate: a name too long for the path is cut, not refused. Held by
+  // IniReadValues.FileNameIsCutWhereThePathHas255Characters.
+  constexpr int kFileNameRoom = static_cast<int>(kIniPathRoom - sizeof(kIniFileDirectory));
+  (void)snprintf(path, sizeof(path), "%s%.*s", kIniFileDirectory, kFileNameRoom, fileName);
+  return SM_STATUS_SUCCESS;
+}
+
+u32 SUPTIntfReadINIFileValue(const astring* section, const astring* key, s32 type, void* value,
+                             u32* size, const void* defaultValue, u32 defaultSize,
+                             const astring* fileName, booln lockFlag) {
+  astring path[kIniPathRoom];
+  if (const u32 status = ProductIniFilePath(fileName, path)) {
+    return status;
+  }
+  return ReadINIPathFileValue(section, key, type, value, size, defaultValue, defaultSize, path,
+                              lockFlag);
+}
+
+}  // namespace qvx

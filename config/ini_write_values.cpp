@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "config/ini_write_values.h"
+
+#include <inttypes.h>
+#include <string.h>
+
+#include <cstdio>
+
+#include "qvxcs/status.h"
+
+#include "config/ini_lines.h"
+#include "config/ini_read_values.h"
+#include "config/ini_writer.h"
+#include "frame/heap.h"
+#include "text/number_text.h"
+
+namespace qvx {
+namespace {
+
+constexpr s32 kMostBytes = 2048;
+// "0x%02X,"
+constexpr u32 kByteText = 5;
+// The greatest double has 309 digits before the point.
+constexpr u32 kNumberRoom = 352;
+
+// A write as the caller asked for it.
+struct Write {
+  const astring* section;
+  const astring* key;
+  const void* value;
+  s32 size;
+  const astring* path;
+  booln lockFlag;
+};
+
+u32 WriteText(const Write& write, const astring* text, s32 size) {
+  return WriteINIFileValue_astring(write.section, write.key, text, size, write.path,
+                                   write.lockFlag);
+}
+
+u32 WriteAstring(const Write& write) {
+  return WriteText(write, static_cast<const astring*>(write.value), write.size);
+}
+
+// The texts of the types of fixed size. Values of callers may be unaligned.
+using NumberText = astring[kNumberRoom];
+
+template <typename T>
+T Load(const void* value) {
+  T loaded;
+  memcpy(&loaded, value, sizeof(loaded));
+  return loaded;
+}
+
+void FormatBooln(const void* value, NumberText& text) {
+  (void)snprintf(text, sizeof(text), "%s", Load<booln>(value) == 1 ? "TRUE" : "FALSE");
+}
+void FormatU32(const void* value, NumberText& text) {
+  (void)snprintf(text, sizeof(text), "%" PRIu32, Load<u32>(value));
+}
+void FormatS32(const void* value, NumberText& text) {
+  (void)snprintf(text, sizeof(text), "%" PRId32, Load<s32>(value));
+}
+void FormatU64(const void* value, NumberText& text) { UnSigned64ToASCII(text, Load<u64>(value)); }
+void FormatS64(const void* value, NumberText& text) { Signed64ToASCII(text, Load<s64>(value)); }
+void FormatD64(const void* value, NumberText& text) {
+  (void)snprintf(text, sizeof(text), "%.8f", Load<d64>(value));
+}
+
+struct FixedType {
+  s32 bytes;
+  void (*format)(const void* value, NumberText& text);
+};
+
+// In the order of the type codes, from kFirstFixed on.
+constexpr FixedType kFixedTypes[] = {
+    {2, FormatBooln}, {4, FormatU32}, {4, FormatS32},
+    {8, FormatU64},   {8, FormatS64}, {8, FormatD64},
+};
+static_assert(sizeof(kFixedTypes) / sizeof(kFixedTypes[0]) == kLastFixed - kFirstFixed + 1);
+
+u32 WriteFixed(const Write& write, const FixedType& type) {
+  if (write.value == nullptr) {
+    return SM_STATUS_BAD_ARGUMENT;
+  }
+  if (write.size < type.bytes) {
+    return SM_STATUS_DATA_TOO_LARGE;
+  }
+  NumberText text;
+  type.format(write.value, text);
+  return WriteText(write, text, static_cast<s32>(strlen(text)) + 1);
+}
+
+// "0x01,0xAB" of at least one byte; the comma behind the last one gives way to the NUL.
+void FormatBytes(const u8* bytes, u32 count, astring* text) {
+  for (u32 at = 0; at < count; ++at) {
+    (void)snprintf(text + u64{at} * kByteText, kByteText + 1, "0x%02X,", bytes[at]);
+  }
+  text[u64{count} * kByteText - 1] = '\0';
+}
+
+// A block whose list is longer than a value may be is refused by the text writer, never cut.
+u32 WriteBytes(const Write& write) {
+  const u32 count = static_cast<u32>(write.size);
+  const HeapArray<astring> text = AllocArray<astring>(u64{count} * kByteText + 1);
+  if (!text) {
+    return kOutOfMemory;
+  }
+  FormatBytes(static_cast<const u8*>(write.value), count, text.get());
+  return WriteText(write, text.get(), static_cast<s32>(count * kByteText));
+}
+
+u32 WriteBinary(const Write& write) {
+  if (write.value == nullptr) {
+    return WriteText(write, nullptr, write.size);
+  }
+  if (write.size < 1 || write.size > kMostBytes) {
+    return SM_STATUS_DATA_TOO_LARGE;
+  }
+  return WriteBytes(write);
+}
+
+u32 WriteUstring(const Write& write) {
+  if (write.value == nullptr) {
+    return WriteText(write, nullptr, write.size);
+  }
+  if (write.size < 1 || write.size > kMostBytes ||
+      !IsUstringOfSize(write.value, static_cast<u32>(write.size))) {
+    return SM_STATUS_DATA_TOO_LARGE;
+  }
+  return WriteBytes(write);
+}
+
+}  // namespace
+
+u32 WriteINIPathFileValue(const astring* section, const astring* key, s32 type, const void* value,
+                          s32 size, const astring* path, booln lockFlag) {
+  const Write write = {section, key, value, size, path, lockFlag};
+  if (type >= kFirstFixed && type <= kLastFixed) {
+    return WriteFixed(write, kFixedTypes[type - kFirstFixed]);
+  }
+  switch (type) {
+    case kAstring:
+      return WriteAstring(write);
+    case kUstring:
+      return WriteUstring(write);
+    case kBinary:
+      return WriteBinary(write);
+    default:
+      return SM_STATUS_BAD_ARGUMENT;
+  }
+}
+
+u32 SUPTIntfWriteINIFileValue(const astring* section, const astring* key, s32 type,
+                              const void* value, s32 size, const astring* fileName,
+                              booln lockFlag) {
+  astring path[kIniPathRoom];
+  if (const u32 status = ProductIniFilePath(fileName, path)) {
+    return status;
+  }
+  return WriteINIPathFileValue(section, key, type, value, size, path, lockFlag);
+}
+
+}  // namespace qvx

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_PATHS_LOCALE_H
+#define QVX_PATHS_LOCALE_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// New heap texts.
+astring* SUPTIntfGetLocaleNameAStr(u32 languageId);
+astring* SUPTIntfGetOSLocaleName();
+astring* SUPTIntfGetOSLanguage();
+astring* SUPTIntfGetOSCountry();
+
+// Static text, "en_US" for an identifier that the table does not hold.
+const astring* SUPTIntfGetLocaleName(u32 languageId);
+
+// What stands before and behind the first "_" of a locale name; null without one.
+astring* LanguageOf(const astring* localeName);
+astring* CountryOf(const astring* localeName);
+
+}  // namespace qvx
+
+#endif

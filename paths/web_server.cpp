@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "paths/web_server.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "qvxcs/status.h"
+
+#include "os/ipc_file.h"
+#include "paths/layout.h"
+
+namespace qvx {
+namespace {
+
+constexpr u32 kStop = 0;
+constexpr u32 kStart = 1;
+constexpr u32 kRestart = 3;
+constexpr u32 kRestartToo = 4;
+
+constexpr int kFirstInherited = 3;
+constexpr int kLastInherited = 255;
+constexpr s32 kServiceExitTwo = 2;
+// The longest command, an unknown action's on a host with systemd, has 62 characters.
+constexpr size_t kCommandRoom = 128;
+
+// The lock file's descriptor is close-on-exec: the service does not inherit it, and to close it
+// would drop the lock and leave later calls without one.
+void CloseInherited() {
+  const int lockFile = IPCFileDescriptor();
+  for (int file = kFirstInherited; file <= kLastInherited; ++file) {
+    if (file != lockFile) (void)close(file);
+  }
+}
+
+const astring* WordOf(u32 action) {
+  switch (action) {
+    case kStop:
+      return " stop";
+    case kStart:
+      return " start";
+    case kRestart:
+    case kRestartToo:
+      return " restart";
+    default:
+      // Deliberate: an unknown action is run as a command that does not exist, so that it fails
+      // with the shell's exit status 127. Held by WebServer.UnknownActionRunsNoServiceCommand.
+      return kServiceName;
+  }
+}
+
+bool HasSystemd() {
+  struct stat status = {};
+  return stat(kOsReleasePath, &status) == 0;
+}
+
+void FormatCommand(astring (&command)[kCommandRoom], const astring* word) {
+  constexpr astring kSilenced[] = " 2>&1 >/dev/null";
+  if (HasSystemd()) {
+    (void)snprintf(command, sizeof(command), "systemctl%s %s.service%s", word, kServiceName,
+                   kSilenced);
+  } else {
+    (void)snprintf(command, sizeof(command), "%s%s%s", kServiceInitScript, word, kSilenced);
+  }
+}
+
+}  // namespace
+
+u32 CfgWebServer(u32 action, u32 /*reserved*/, s32* exitCode) {
+  if (action == kRestart || action == kRestartToo) CloseInherited();
+  astring command[kCommandRoom];
+  FormatCommand(command, WordOf(action));
+  // Deliberate: only the upper bits of the wait status count, so that a command ended by a signal
+  // passes for a success. Held by WebServer.CommandEndedBySignalPassesForSuccess.
+  const s32 code = static_cast<s32>(system(command)) >> 8;
+  if (exitCode != nullptr) *exitCode = code;
+  if (code == 0) return SM_STATUS_SUCCESS;
+  return code == kServiceExitTwo ? SM_STATUS_FILE_CREATE_FAILED : static_cast<u32>(-1);
+}
+
+}  // namespace qvx

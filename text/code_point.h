@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_TEXT_CODE_POINT_H
+#define QVX_TEXT_CODE_POINT_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// One code point to or from its encoded form. Each encoder takes the room in `*size` and gives back
+// the elements written; with a null `out` it gives the elements needed. On failure `*size` stays.
+
+// UTF-8 in its six-byte form (RFC 2279): code points to 0x7FFFFFFF, surrogates like any other.
+u32 UCS4CharToUTF8Chars(astring* out, u32* size, u32 codePoint);
+
+// Reads no byte behind a zero byte. After a failure `*codePoint` is 0 and `*length` as it was.
+u32 UTF8CharsToUCS4Char(u32* codePoint, const astring* in, u32* length);
+
+// `*size` counts 16-bit units.
+u32 UCS4CharToUTF16Chars(ustring* out, u32* size, u32 codePoint);
+
+// One unit, or a surrogate pair; how many were read is not told.
+u32 UTF16CharsToUCS4Char(u32* codePoint, const ustring* in);
+
+// As UCS4CharToUTF8Chars, but a character of the XML table becomes its entity and sets `*escaped`
+// (may be null). An entity is followed by a NUL that `*size` does not count: give one byte more.
+u32 UCS4CharToXMLUTF8Chars(astring* out, u32* size, booln* escaped, u32 codePoint);
+
+// A character that XML text cannot hold as it is, and what stands for it.
+struct XmlEntity {
+  char character;
+  astring text[7];  // terminated
+  u32 length;       // bytes before the NUL
+};
+
+// Null for a character that stands for itself.
+const XmlEntity* FindXmlEntity(u32 codePoint);
+
+}  // namespace qvx
+
+#endif

@@ -1,0 +1,128 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "text/grow_string.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "frame/heap.h"
+#include "text/transcode.h"
+
+namespace qvx {
+namespace {
+
+constexpr u32 kMaxSize = 0xFFFFFFFF;
+// Up to this capacity a record doubles; above it, it grows by a quarter.
+constexpr u32 kLastDoubledCapacity = 0xFFFFF;
+
+u32 GrownCapacity(u32 capacity, u32 needed) {
+  const u64 grown = capacity > kLastDoubledCapacity ? u64{capacity} * 125 / 100 : u64{capacity} * 2;
+  return static_cast<u32>(std::min<u64>(std::max<u64>(needed, grown), kMaxSize));
+}
+
+u64 UnitCount(const ustring* text) {
+  u64 count = 0;
+  while (text[count] != 0) {
+    ++count;
+  }
+  return count;
+}
+
+// Both forms are the same but for the width of a unit: sizes are bytes, lengths are units. An odd
+// capacity of the 16-bit form is rounded up, so that the terminator of a capacity of 1 has room.
+template <typename Unit>
+HeapArray<Unit> AllocText(u32 capacity) {
+  return AllocArray<Unit>((u64{capacity} + sizeof(Unit) - 1) / sizeof(Unit));
+}
+
+template <typename Unit, typename Record>
+Unit* Start(Record* record, u32 capacity) {
+  if (record == nullptr || capacity == 0) return nullptr;
+  HeapArray<Unit> text = AllocText<Unit>(capacity);
+  if (!text) return nullptr;
+  text[0] = 0;
+  record->text = text.release();
+  record->capacity = capacity;
+  record->length = 0;
+  return record->text;
+}
+
+template <typename Record>
+void Release(Record* record) {
+  if (record == nullptr) return;
+  FreeMem(record->text);
+  *record = Record{};
+}
+
+template <typename Unit, typename Record>
+Unit* Append(Record* record, const Unit* added, u64 count) {
+  const u64 needed = (u64{record->length} + count + 1) * sizeof(Unit);
+  HeapArray<Unit> old;  // freed last: `added` may lie within it
+  // Deliberate: a record that cannot grow keeps its text, and the call returns that text as after a
+  // success; only the unchanged length shows it. Held by GrowString.FailedGrowthLeavesTheOldText.
+  if (count > kMaxSize || needed > kMaxSize) return record->text;
+  if (needed > record->capacity) {
+    const u32 capacity = GrownCapacity(record->capacity, static_cast<u32>(needed));
+    HeapArray<Unit> grown = AllocText<Unit>(capacity);
+    if (!grown) return record->text;
+    memcpy(grown.get(), record->text, record->length * sizeof(Unit));
+    old.reset(record->text);
+    record->text = grown.release();
+    record->capacity = capacity;
+  }
+  memcpy(record->text + record->length, added, static_cast<size_t>(count) * sizeof(Unit));
+  record->length += static_cast<u32>(count);
+  record->text[record->length] = 0;
+  return record->text;
+}
+
+}  // namespace
+
+astring* SSAStrAlloc(SSAStr* record, u32 capacity) { return Start<astring>(record, capacity); }
+
+ustring* SSUStrAlloc(SSUStr* record, u32 capacity) { return Start<ustring>(record, capacity); }
+
+void SSAStrFree(SSAStr* record) { Release(record); }
+
+void SSUStrFree(SSUStr* record) { Release(record); }
+
+astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count) {
+  if (record == nullptr || record->text == nullptr) return nullptr;
+  if (text == nullptr) return record->text;
+  return Append(record, text, count);
+}
+
+astring* SSAStrCatAStr(SSAStr* record, const astring* text) {
+  return SSAStrCatChars(record, text, text == nullptr ? 0 : strlen(text));
+}
+
+ustring* SSUStrCatUStr(SSUStr* record, const ustring* text) {
+  if (record == nullptr || record->text == nullptr) return nullptr;
+  if (text == nullptr) return record->text;
+  return Append(record, text, UnitCount(text));
+}
+
+astring* SSAStrCatUStr(SSAStr* record, const ustring* text) {
+  if (record == nullptr || record->text == nullptr) return nullptr;
+  u32 size = 0;
+  if (text == nullptr || UCS2StrToUTF8Str(nullptr, &size, text) != 0) return record->text;
+  const HeapArray<astring> bytes = size == 0 ? nullptr : AllocArray<astring>(size);
+  if (!bytes) return nullptr;  // a size of 0 is one that left 32 bits
+  --size;  // the converter stores its terminator one byte past the room it is offered
+  if (UCS2StrToUTF8Str(bytes.get(), &size, text) != 0) return record->text;
+  return SSAStrCatAStr(record, bytes.get());
+}
+
+ustring* SSUStrCatAStr(SSUStr* record, const astring* text) {
+  if (record == nullptr || record->text == nullptr) return nullptr;
+  if (text == nullptr) return record->text;
+  const u64 length = strlen(text);  // a character never has more units than bytes
+  if (length * sizeof(ustring) + sizeof(ustring) > kMaxSize) return nullptr;
+  const HeapArray<ustring> units = AllocArray<ustring>(length + 1);
+  if (!units) return nullptr;
+  u32 size = static_cast<u32>(length);  // in units; the terminator's own is held back
+  if (UTF8StrToUCS2Str(units.get(), &size, text) != 0) return record->text;
+  return SSUStrCatUStr(record, units.get());
+}
+
+}  // namespace qvx

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_TEXT_GROW_STRING_H
+#define QVX_TEXT_GROW_STRING_H
+
+#include "qvxcs/grow_string.h"
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+astring* SSAStrAlloc(SSAStr* record, u32 capacity);
+ustring* SSUStrAlloc(SSUStr* record, u32 capacity);
+void SSAStrFree(SSAStr* record);
+void SSUStrFree(SSUStr* record);
+astring* SSAStrCatAStr(SSAStr* record, const astring* text);
+ustring* SSUStrCatUStr(SSUStr* record, const ustring* text);
+astring* SSAStrCatUStr(SSAStr* record, const ustring* text);
+ustring* SSUStrCatAStr(SSUStr* record, const astring* text);
+
+// SSAStrCatAStr for a text whose length is known; `text` need not be terminated.
+astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count);
+
+}  // namespace qvx
+
+#endif

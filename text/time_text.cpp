@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "text/time_text.h"
+
+#include <stdio.h>
+#include <string.h>
+
+#include "qvxcs/status.h"
+
+#include "text/transcode.h"
+
+namespace qvx {
+namespace {
+
+// A year of five digits makes 25 characters; callers have 26 bytes.
+constexpr u32 kTimeRoom = 26;
+constexpr time_t kDaylightSavingSeconds = 3600;
+
+constexpr astring kDays[][4] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+constexpr astring kMonths[][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+bool ToLocalTime(time_t time, struct tm* local) {
+  tzset();  // the reentrant form need not look for a changed time zone
+  return localtime_r(&time, local) != nullptr;
+}
+
+}  // namespace
+
+s32 TimeToAStr(astring* out, time_t time) {
+  struct tm local = {};
+  if (out == nullptr || !ToLocalTime(time, &local)) return -1;
+  // Formatted here, not by asctime_r, which refuses some years and may write beyond 26 bytes.
+  astring text[64];
+  const s64 year = s64{local.tm_year} + 1900;
+  const int length = snprintf(text, sizeof text, "%s %s %2d %02d:%02d:%02d %lld",
+                              kDays[local.tm_wday], kMonths[local.tm_mon], local.tm_mday,
+                              local.tm_hour, local.tm_min, local.tm_sec, (long long)year);
+  if (length < 0 || length >= static_cast<int>(kTimeRoom)) return -1;
+  memcpy(out, text, static_cast<size_t>(length) + 1);
+  return 0;
+}
+
+s32 UniTimeToStr(ustring* out, u32* size, time_t time) {
+  astring text[kTimeRoom];
+  if (TimeToAStr(text, time) != 0) return -1;
+  return UTF8StrToUCS2Str(out, size, text) == SM_STATUS_SUCCESS ? 0 : -1;
+}
+
+void DSTFix(time_t* time) {
+  struct tm local = {};
+  if (time == nullptr || !ToLocalTime(*time, &local) || local.tm_isdst <= 0) return;
+  time_t shifted = 0;
+  if (!__builtin_add_overflow(*time, kDaylightSavingSeconds, &shifted)) *time = shifted;
+}
+
+}  // namespace qvx

@@ -1,0 +1,192 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "text/uni_string.h"
+
+namespace qvx {
+namespace {
+
+// Where the last split stopped. One for the process: a second split begun anywhere ends the first.
+ustring* nextToken = nullptr;
+
+// Deliberate: modulo 65536 and without sign, so a smaller first text does not give a negative
+// result; only zero or not zero means something. Held by UniString.StrcmpIsNeverNegative.
+s32 UnsignedDifference(ustring first, ustring second) {
+  return static_cast<ustring>(first - second);
+}
+
+s32 Folded(ustring unit) { return unit >= 'a' && unit <= 'z' ? unit - ('a' - 'A') : unit; }
+
+bool IsInSet(ustring unit, const ustring* set) {
+  for (; *set != 0; ++set) {
+    if (*set == unit) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+u32 Uni_strlen(const ustring* string) {
+  u32 length = 0;
+  while (string[length] != 0) {
+    ++length;
+  }
+  return length;
+}
+
+void Uni_strcpy(ustring* destination, const ustring* source) {
+  u32 at = 0;
+  for (; source[at] != 0; ++at) {
+    destination[at] = source[at];
+  }
+  destination[at] = 0;
+}
+
+void Uni_strncpy(ustring* destination, const ustring* source, u32 count) {
+  // Deliberate: neither zeros behind a shorter source nor a terminator when the count runs out.
+  // Held by UniString.StrncpyNeitherPadsNorTerminates.
+  for (u32 at = 0; at < count; ++at) {
+    destination[at] = source[at];
+    if (source[at] == 0) return;
+  }
+}
+
+void Uni_strcat(ustring* destination, const ustring* source) {
+  Uni_strcpy(destination + Uni_strlen(destination), source);
+}
+
+void Uni_strncat(ustring* destination, const ustring* source, u32 count) {
+  if (count == 0) return;
+  ustring* end = destination + Uni_strlen(destination);
+  u32 at = 0;
+  for (; at < count && source[at] != 0; ++at) {
+    end[at] = source[at];
+  }
+  end[at] = 0;
+}
+
+s32 Uni_strcmp(const ustring* first, const ustring* second) {
+  while (*first != 0 && *first == *second) {
+    ++first;
+    ++second;
+  }
+  return UnsignedDifference(*first, *second);
+}
+
+s32 Uni_memcmp(const ustring* first, const ustring* second, u32 count) {
+  for (u32 at = 0; at < count; ++at) {
+    if (first[at] != second[at]) return UnsignedDifference(first[at], second[at]);
+  }
+  return 0;
+}
+
+s32 Uni_strncasecmp(const ustring* first, const ustring* second, s32 count) {
+  for (s32 at = 0; at < count; ++at) {
+    const s32 difference = Folded(first[at]) - Folded(second[at]);
+    if (difference != 0 || first[at] == 0) return difference;
+  }
+  return 0;
+}
+
+ustring* Uni_strchr(const ustring* string, ustring unit) {
+  for (; *string != unit; ++string) {
+    if (*string == 0) return nullptr;
+  }
+  return const_cast<ustring*>(string);
+}
+
+ustring* Uni_strstr(const ustring* string, const ustring* pattern) {
+  const u32 patternLength = Uni_strlen(pattern);
+  for (u32 left = Uni_strlen(string); left >= patternLength; --left) {
+    if (Uni_memcmp(string, pattern, patternLength) == 0) return const_cast<ustring*>(string);
+    ++string;
+  }
+  return nullptr;
+}
+
+u32 Uni_strspn(const ustring* string, const ustring* set) {
+  u32 length = 0;
+  while (string[length] != 0 && IsInSet(string[length], set)) {
+    ++length;
+  }
+  return length;
+}
+
+u32 Uni_strcspn(const ustring* string, const ustring* set) {
+  u32 length = 0;
+  while (string[length] != 0 && !IsInSet(string[length], set)) {
+    ++length;
+  }
+  return length;
+}
+
+ustring* Uni_strpbrk(const ustring* string, const ustring* set) {
+  string += Uni_strcspn(string, set);
+  return *string == 0 ? nullptr : const_cast<ustring*>(string);
+}
+
+ustring* Uni_strtok(ustring* string, const ustring* delimiters) {
+  if (string == nullptr) string = nextToken;
+  if (string == nullptr) return nullptr;
+  string += Uni_strspn(string, delimiters);
+  if (*string == 0) {
+    nextToken = nullptr;
+    return nullptr;
+  }
+  ustring* end = Uni_strpbrk(string, delimiters);
+  nextToken = end == nullptr ? nullptr : end + 1;
+  if (end != nullptr) *end = 0;
+  return string;
+}
+
+ustring* Uni_strset(ustring* string, ustring unit) {
+  for (ustring* at = string; *at != 0; ++at) {
+    *at = unit;
+  }
+  return string;
+}
+
+void Uni_strnset(ustring* string, ustring unit, u32 count) {
+  // Deliberate: a count beyond the text's length goes on over the terminator and what follows it.
+  // Held by UniString.StrnsetWritesBeyondTheTerminator.
+  for (u32 at = 0; at < count; ++at) {
+    string[at] = unit;
+  }
+}
+
+// Swaps from both ends: needs no second buffer, so it cannot fail for want of memory.
+ustring* Uni_strrev(ustring* string) {
+  u32 left = 0;
+  for (u32 end = Uni_strlen(string); left + 1 < end; ++left) {
+    --end;
+    const ustring unit = string[left];
+    string[left] = string[end];
+    string[end] = unit;
+  }
+  return string;
+}
+
+// The second names, by which the other families call.
+u32 UniStrlen(const ustring* string) { return Uni_strlen(string); }
+void UniStrcpy(ustring* destination, const ustring* source) { Uni_strcpy(destination, source); }
+void UniStrncpy(ustring* destination, const ustring* source, u32 count) {
+  Uni_strncpy(destination, source, count);
+}
+void UniStrcat(ustring* destination, const ustring* source) { Uni_strcat(destination, source); }
+void UniStrncat(ustring* destination, const ustring* source, u32 count) {
+  Uni_strncat(destination, source, count);
+}
+s32 UniStrcmp(const ustring* first, const ustring* second) { return Uni_strcmp(first, second); }
+ustring* UniStrchr(const ustring* string, ustring unit) { return Uni_strchr(string, unit); }
+ustring* UniStrstr(const ustring* string, const ustring* pattern) {
+  return Uni_strstr(string, pattern);
+}
+u32 UniStrspn(const ustring* string, const ustring* set) { return Uni_strspn(string, set); }
+u32 UniStrcspn(const ustring* string, const ustring* set) { return Uni_strcspn(string, set); }
+ustring* UniStrtok(ustring* string, const ustring* delimiters) {
+  return Uni_strtok(string, delimiters);
+}
+ustring* UniStrset(ustring* string, ustring unit) { return Uni_strset(string, unit); }
+void UniStrnset(ustring* string, ustring unit, u32 count) { Uni_strnset(string, unit, count); }
+ustring* UniStrrev(ustring* string) { return Uni_strrev(string); }
+
+}  // namespace qvx

@@ -1,0 +1,172 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "xml/command_log.h"
+
+#include <atomic>
+#include <cstdio>
+
+#include "qvxcs/status.h"
+
+#include "config/file_util.h"
+#include "config/keyvalue_reader.h"
+#include "frame/heap.h"
+#include "os/file_lock.h"
+#include "paths/layout.h"
+#include "text/number_text.h"
+#include "xml/xml_log.h"
+
+namespace qvx {
+
+namespace {
+
+constexpr u32 kFailed = 0xFFFFFFFF;
+
+constexpr s32 kFirstIdentifier = 5001;
+constexpr s32 kLastIdentifier = 6999;
+
+constexpr astring kOwnUser[] = "Local System";
+constexpr astring kOwnSource[] = "QVPX";
+constexpr astring kMaxSizeKey[] = "preferences.system.cmdlogmaxsize";
+
+// Threads of one process are not kept apart by the file lock.
+constinit std::atomic<u32> cmdLogMaxSize{kDefaultMaxLogSize};
+
+// A setting that does not fit 32 bits is no size, although the number conversion keeps the low
+// bits.
+bool IsBeyond32Bits(const astring* number) {
+  u64 magnitude = 0;
+  for (const astring* at = number; *at != '\0'; ++at) {
+    if (*at < '0' || *at > '9') {
+      continue;  // the one sign that the conversion accepts
+    }
+    magnitude = magnitude * 10 + static_cast<u64>(*at - '0');
+    if (magnitude > 0xFFFFFFFFu) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool ParseMaxSize(const astring* number, u32* size) {
+  if (number == nullptr) {
+    return false;
+  }
+  u32 status = SM_STATUS_SUCCESS;
+  // Deliberate: the conversion takes a sign, so "-5" is the size 4,294,967,291.
+  // Held by CommandLog.NegativeMaximumWrapsAround.
+  const u32 value = ASCIIToUnSigned32VT(number, 10, &status);
+  if (status != SM_STATUS_SUCCESS || IsBeyond32Bits(number)) {
+    return false;
+  }
+  *size = value;
+  return true;
+}
+
+// Leaves the size alone when the file, the key or a valid number is missing.
+bool ReadConfiguredMaxSize(u32* size) {
+  u32 count = 0;
+  PXTKeyValue* entries = CFGGetKeyValueEntries(kPropertiesFileName, 1, &count);
+  const bool found = ParseMaxSize(CFGGetKeyValue(entries, count, kMaxSizeKey, 0), size);
+  CFGFreeKeyValueEntries(entries, count);
+  return found;
+}
+
+}  // namespace
+
+astring* SUPTIntfGetCmdLogPathFileName() {
+  constexpr size_t kRoom = sizeof kCmdLogDirectory + sizeof kCmdLogFileName;
+  HeapArray<astring> path = AllocArray<astring>(kRoom);
+  if (!path) {
+    return nullptr;
+  }
+  (void)snprintf(path.get(), kRoom, "%s/%s", kCmdLogDirectory, kCmdLogFileName);
+  if (ForceXMLLogExists(path.get(), kOwnUser, kOwnSource) != SM_STATUS_SUCCESS) {
+    return nullptr;
+  }
+  return path.release();
+}
+
+u32 SUPTIntfAppendToCmdLog(s32 identifier, const astring* user, const astring* source,
+                           const astring* description, u16 type) {
+  if (user == nullptr || source == nullptr || description == nullptr) {
+    return SM_STATUS_INVALID_PARAMETER;
+  }
+  if (identifier < kFirstIdentifier || identifier > kLastIdentifier) {
+    return SM_STATUS_INVALID_PARAMETER;
+  }
+  const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
+  if (!path) {
+    return kFailed;
+  }
+  u32 maxSize = kDefaultMaxLogSize;
+  (void)SUPTIntfGetCmdLogMaxSize(&maxSize);
+  return AppendToXMLLog(path.get(), type, static_cast<u32>(identifier), user, source, description,
+                        nullptr, 0, maxSize);
+}
+
+u32 SUPTIntfClearCmdLog(const astring* user, const astring* source) {
+  const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
+  if (!path) {
+    return kFailed;
+  }
+  return ClearXMLLog(path.get(), user, source);
+}
+
+u32 SUPTIntfGetCmdLogSize(u32* size) {
+  if (size == nullptr) {
+    return SM_STATUS_INVALID_PARAMETER;
+  }
+  *size = 0;
+  const FileLockGuard lock(1);
+  if (!lock) {
+    return SM_STATUS_LOCK_FAILED;
+  }
+  // Deliberate: making a log that is missing takes the lock again and its release ends this hold
+  // too; the size is then read unlocked. Held by CommandLog.SizeOfAMissingLogIsReadUnlocked.
+  const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
+  if (!path) {
+    return SM_STATUS_NO_MEMORY;
+  }
+  return GetSizeOfFile(path.get(), size);
+}
+
+u32 SUPTIntfGetCmdLogMaxSize(u32* size) {
+  if (size == nullptr) {
+    return SM_STATUS_INVALID_PARAMETER;
+  }
+  const FileLockGuard lock(1);
+  if (!lock) {
+    return SM_STATUS_LOCK_FAILED;
+  }
+  if (!ReadConfiguredMaxSize(size)) {
+    *size = cmdLogMaxSize.load();
+  }
+  return SM_STATUS_SUCCESS;
+}
+
+u32 SUPTIntfSetCmdLogMaxSize(s32 size) {
+  // Deliberate: the call only restores the default; other sizes are set in the properties file.
+  // Held by CommandLog.OnlyTheDefaultMaximumCanBeSet.
+  if (size != static_cast<s32>(kDefaultMaxLogSize)) {
+    return SM_STATUS_INVALID_PARAMETER;
+  }
+  const FileLockGuard lock(1);
+  if (!lock) {
+    return SM_STATUS_LOCK_FAILED;
+  }
+  cmdLogMaxSize.store(kDefaultMaxLogSize);
+  return SM_STATUS_SUCCESS;
+}
+
+void InitCmdMaxLogSize() {
+  u32 size = kDefaultMaxLogSize;
+  (void)SUPTIntfGetCmdLogMaxSize(&size);
+  (void)ReadConfiguredMaxSize(&size);
+  // Deliberate: what was read is dropped: each append asks the properties file anew, and the value
+  // of the module is the default it falls back to. Held by
+  // CommandLog.AttachKeepsTheDefaultWhateverTheFileHolds.
+  const FileLockGuard lock(1);
+  cmdLogMaxSize.store(kDefaultMaxLogSize);
+}
+
+}  // namespace qvx

@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "xml/log_backup.h"
+
+#include <string.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+
+#include "qvxcs/status.h"
+
+#include "config/file_util.h"
+#include "frame/heap.h"
+#include "os/file_lock.h"
+
+namespace qvx {
+
+namespace {
+
+constexpr u32 kFailed = 0xFFFFFFFF;
+constexpr u32 kBackupNameRoom = 256;
+
+bool ReachesMaximum(const astring* path, u32 maxSize, u32 entrySize) {
+  u32 size = 0;
+  return GetSizeOfFile(path, &size) == SM_STATUS_SUCCESS && u64{size} + entrySize >= maxSize;
+}
+
+u32 MoveOverBackup(const astring* path, const astring* backup) {
+  if (chmod(path, kFileMode) != 0) {
+    return kFailed;
+  }
+  (void)DelFile(backup);
+  return rename(path, backup) == 0 ? SM_STATUS_SUCCESS : kFailed;
+}
+
+}  // namespace
+
+u32 GetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* size) {
+  if (path == nullptr || size == nullptr) {
+    return SM_STATUS_INVALID_PARAMETER;
+  }
+  const size_t length = strlen(path);
+  if (length < 2) {
+    return SM_STATUS_INVALID_PARAMETER;
+  }
+  // Deliberate: the buffer is taken to hold 256 bytes and the size that comes in is not looked at.
+  // Held by LogBackup.IncomingSizeIsNotConsulted.
+  *size = static_cast<u32>(length + 1);
+  if (length >= kBackupNameRoom) {
+    return SM_STATUS_BUFFER_TOO_SMALL;
+  }
+  if (buffer != nullptr) {
+    memmove(buffer, path, length + 1);
+    buffer[length - 1] = '_';
+  }
+  return SM_STATUS_SUCCESS;
+}
+
+u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
+  const HeapArray<astring> backup = AllocArray<astring>(kBackupNameRoom);
+  if (!backup) {
+    return SM_STATUS_NO_MEMORY;
+  }
+  u32 room = kBackupNameRoom;
+  if (const u32 status = GetBackupXMLLogPathFileName(path, backup.get(), &room)) {
+    return status;
+  }
+  if (strcmp(path, backup.get()) == 0) {
+    return kFailed;
+  }
+  const FileLockGuard lock(1);
+  if (!lock) {
+    return SM_STATUS_LOCK_FAILED;
+  }
+  // Another process may have moved the log since it was measured: then the backup that stands holds
+  // its entries and must not be deleted for the sake of a new, short log.
+  if (!ReachesMaximum(path, maxSize, entrySize)) {
+    return kFailed;
+  }
+  return MoveOverBackup(path, backup.get());
+}
+
+void CheckBackupLogFile(const astring* path, u32 maxSize, u32 entrySize, booln* backedUp) {
+  *backedUp = 0;
+  if (ReachesMaximum(path, maxSize, entrySize) &&
+      BackupLogFile(path, maxSize, entrySize) == SM_STATUS_SUCCESS) {
+    *backedUp = 1;
+  }
+}
+
+}  // namespace qvx

@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_XML_LOG_CONTENT_H
+#define QVX_XML_LOG_CONTENT_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+astring* CmdGetXMLLogContent(const astring* path);
+
+}  // namespace qvx
+
+#endif

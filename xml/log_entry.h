@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_XML_LOG_ENTRY_H
+#define QVX_XML_LOG_ENTRY_H
+
+#include "qvxcs/grow_string.h"
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// Longest texts of an event, in bytes without the NUL, and its largest data block.
+inline constexpr u32 kMaxLogUser = 1023;
+inline constexpr u32 kMaxLogDescription = 16383;
+inline constexpr u32 kMaxLogData = 32768;
+
+// Type and identifiers of the events that the library logs itself.
+inline constexpr u16 kLogInformation = 4;
+inline constexpr u32 kLogClearedId = 0;
+inline constexpr u32 kLogBackupId = 1;
+
+// What happened, as the caller tells it. Texts and data may be null.
+struct LogEvent {
+  u16 type;
+  u32 id;
+  const astring* user;
+  const astring* source;
+  const astring* description;
+  const void* data;
+  u32 dataSize;
+};
+
+// False when a text is empty or too long, or when the data is too large or missing.
+bool IsLoggable(const LogEvent& event);
+
+// One LogEntry element as text.
+class LogEntry {
+ public:
+  LogEntry() = default;
+  ~LogEntry();
+  LogEntry(const LogEntry&) = delete;
+  LogEntry& operator=(const LogEntry&) = delete;
+
+  // Builds the element with the current time and this machine's name; called once. The time's or
+  // the host name's status, else -1 when the element could not be built whole.
+  u32 Build(const LogEvent& event);
+
+  const astring* Text() const { return record_.text; }
+  u32 Length() const { return record_.length; }
+
+ private:
+  bool Add(const astring* text);
+  bool AddElement(const astring* name, const astring* text);
+  bool AddNumber(const astring* name, s64 number);
+  bool AddEscaped(const astring* name, const astring* text);
+  bool AddDump(const void* data, u32 dataSize);
+
+  SSAStr record_ = {};
+};
+
+}  // namespace qvx
+
+#endif

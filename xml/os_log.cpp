@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "xml/os_log.h"
+
+#include <syslog.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "qvxcs/status.h"
+
+#include "frame/heap.h"
+#include "text/locale_text.h"
+#include "text/uni_string.h"
+
+namespace qvx {
+namespace {
+
+constexpr u32 kFailed = 0xFFFFFFFF;
+
+constexpr u16 kErrorEvent = 1;
+constexpr u16 kWarningEvent = 2;
+
+constexpr u64 kLocalTextExtra = 6;
+constexpr u64 kMessageExtra = 256;
+
+int PriorityOf(u16 eventType) {
+  if (eventType == kErrorEvent) return LOG_ERR;
+  return eventType == kWarningEvent ? LOG_WARNING : LOG_INFO;
+}
+
+// The text in the locale's encoding. What does not fit the room is cut at a whole character; the
+// converter is offered one byte less than there is, so that the last one stays the terminator.
+u32 LocalText(HeapArray<astring>* local, const ustring* text) {
+  const u64 room = Uni_strlen(text) + kLocalTextExtra;
+  if (room > UINT32_MAX) return kFailed;
+  *local = AllocArray<astring>(room);
+  if (!*local) return kFailed;
+  memset(local->get(), 0, static_cast<size_t>(room));
+  auto size = static_cast<u32>(room) - 1;
+  return UnicodeToLocal(local->get(), &size, text);
+}
+
+void Log(const astring* source, int priority, const astring* message) {
+  openlog(source, LOG_NDELAY, LOG_DAEMON);
+  syslog(priority, "%s", message);
+  // The C library keeps the pointer to the source, not a copy, until the log is closed.
+  closelog();
+}
+
+}  // namespace
+
+u32 AppendToOSLog(u16 eventType, u32 eventNumber, const ustring* source, const ustring* text) {
+  if (source == nullptr || text == nullptr) return kFailed;
+  HeapArray<astring> localSource;
+  if (const u32 status = LocalText(&localSource, source)) return status;
+  HeapArray<astring> localText;
+  if (const u32 status = LocalText(&localText, text)) return status;
+  const u64 room = strlen(localText.get()) + kMessageExtra;
+  const auto message = AllocArray<astring>(room);
+  if (!message) return kFailed;
+  (void)snprintf(message.get(), static_cast<size_t>(room), "EventID: %u  %s", eventNumber,
+                 localText.get());
+  RemoveCarriageReturns(message.get());
+  Log(localSource.get(), PriorityOf(eventType), message.get());
+  return SM_STATUS_SUCCESS;
+}
+
+u32 ClearOSLog() { return SM_STATUS_SUCCESS; }
+
+void RemoveCarriageReturns(astring* text) {
+  if (text == nullptr) return;
+  for (astring* at = text; *at != '\0'; ++at) {
+    if (*at == '\r') *at = ' ';
+  }
+}
+
+}  // namespace qvx

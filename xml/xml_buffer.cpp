@@ -1,0 +1,261 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "xml/xml_buffer.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "qvxcs/status.h"
+#include "qvxcs/xml_buffer.h"
+
+#include "frame/heap.h"
+#include "text/grow_string.h"
+#include "text/xml_escape.h"
+#include "xml/xml_value.h"
+
+namespace qvx {
+namespace {
+
+constexpr u32 kSmallestCapacity = 64;
+constexpr u64 kMaxSize = 0xFFFFFFFF;
+constexpr char kStylesheet[] =
+    R"(<?xml-stylesheet type="text/xsl" version="1.0" encoding="UTF-8"?>)";
+
+// The names and texts of one element with their lengths, each measured once.
+struct Element {
+  SSAStr* buffer;
+  const astring* name;
+  const astring* attributes;  // null without any; an empty text still gets its blank
+  size_t nameLength;
+  size_t attributesLength;
+};
+
+Element ElementOf(void* buffer, const astring* name, const astring* attributes) {
+  return {static_cast<SSAStr*>(buffer), name, attributes, strlen(name),
+          attributes == nullptr ? 0 : strlen(attributes)};
+}
+
+// Scratch room for "<name attributes>", `valueLength` bytes, "</name>" and a NUL.
+HeapArray<astring> AllocScratch(const Element& element, u64 valueLength) {
+  const u64 room = 2 * u64{element.nameLength} + 7 + element.attributesLength + valueLength;
+  return room > kMaxSize ? nullptr : AllocArray<astring>(room);
+}
+
+astring* Put(astring* to, const astring* text, size_t length) {
+  memcpy(to, text, length);
+  return to + length;
+}
+
+// "<name attributes" and the end given; the place behind it.
+astring* PutOpening(astring* to, const Element& element, const astring* end) {
+  *to++ = '<';
+  to = Put(to, element.name, element.nameLength);
+  if (element.attributes != nullptr) {
+    *to++ = ' ';
+    to = Put(to, element.attributes, element.attributesLength);
+  }
+  return Put(to, end, strlen(end));
+}
+
+astring* PutClosing(astring* to, const Element& element) {
+  to = Put(to, "</", 2);
+  to = Put(to, element.name, element.nameLength);
+  return Put(to, ">", 1);
+}
+
+// Deliberate: an append for which the buffer cannot grow drops its piece, and the element call
+// still succeeds. Held by XmlBuffer.PieceThatDoesNotFitInMemoryIsDroppedSilently.
+void CatSpan(SSAStr* buffer, const astring* begin, const astring* end) {
+  (void)SSAStrCatChars(buffer, begin, static_cast<u64>(end - begin));
+}
+
+// The whole element from one scratch text by one append.
+u32 CatWhole(const Element& element, const astring* value, u64 valueLength) {
+  const HeapArray<astring> scratch = AllocScratch(element, valueLength);
+  if (!scratch) return SM_STATUS_NO_MEMORY;
+  astring* at = PutOpening(scratch.get(), element, ">");
+  if (valueLength > 0) at = Put(at, value, static_cast<size_t>(valueLength));
+  CatSpan(element.buffer, scratch.get(), PutClosing(at, element));
+  return SM_STATUS_SUCCESS;
+}
+
+// Opening tag, value and closing tag by an append each. Both tags are made before the first of
+// them, because the name may be text of the buffer that the append moves.
+template <typename CatValue>
+u32 CatPieces(const Element& element, CatValue catValue) {
+  const HeapArray<astring> scratch = AllocScratch(element, 0);
+  if (!scratch) return SM_STATUS_NO_MEMORY;
+  astring* const closing = PutOpening(scratch.get(), element, ">");
+  astring* const end = PutClosing(closing, element);
+  CatSpan(element.buffer, scratch.get(), closing);
+  catValue(element.buffer);
+  CatSpan(element.buffer, closing, end);
+  return SM_STATUS_SUCCESS;
+}
+
+u32 CatTag(const Element& element, const astring* end) {
+  const HeapArray<astring> scratch = AllocScratch(element, 0);
+  if (!scratch) return SM_STATUS_NO_MEMORY;
+  CatSpan(element.buffer, scratch.get(), PutOpening(scratch.get(), element, end));
+  return SM_STATUS_SUCCESS;
+}
+
+u32 CatEndTag(const Element& element) {
+  const HeapArray<astring> scratch = AllocScratch(element, 0);
+  if (!scratch) return SM_STATUS_NO_MEMORY;
+  CatSpan(element.buffer, scratch.get(), PutClosing(scratch.get(), element));
+  return SM_STATUS_SUCCESS;
+}
+
+u32 CatNumber(const Element& element, const ValueType& type, const void* value, s32 format) {
+  astring text[kValueTextRoom];
+  if (format == 0 || format == 10) {
+    return CatWhole(element, text, PutDecimal(text, type, value));
+  }
+  if (format == 16) return CatWhole(element, text, PutHexadecimal(text, type, value));
+  return SM_STATUS_INVALID_PARAMETER;
+}
+
+u32 CatBooln(const Element& element, const void* value) {
+  astring text[kValueTextRoom];
+  return CatWhole(element, text, PutBooln(text, value));
+}
+
+u32 CatLongNumber(const Element& element, const ValueType& type, const void* value) {
+  astring text[kValueTextRoom];
+  const u32 length = PutDecimal(text, type, value);
+  return CatPieces(element, [&](SSAStr* buffer) { CatSpan(buffer, text, text + length); });
+}
+
+u32 CatDouble(const Element& element, const void* value) {
+  astring text[kValueTextRoom];
+  const u32 length = PutDouble(text, value);
+  return CatPieces(element, [&](SSAStr* buffer) { CatSpan(buffer, text, text + length); });
+}
+
+u32 CatTime(const Element& element, const void* value) {
+  astring text[kValueTextRoom] = "-1";
+  u32 length = 2;
+  // Deliberate: time 0 is written "-1" as the times before it are; it stands for "no time". Held by
+  // XmlBuffer.TimesBelowOneAreMinusOne.
+  if (LoadValue<s32>(value) >= 1) length = PutTime(text, value);
+  return CatPieces(element, [&](SSAStr* buffer) { CatSpan(buffer, text, text + length); });
+}
+
+// Deliberate: a text that cannot be converted is left out between its tags, and the call succeeds.
+// Held by XmlBuffer.WideTextThatCannotBeConvertedLeavesTheElementEmpty.
+u32 CatWideText(const Element& element, const ustring* text) {
+  return CatPieces(element, [&](SSAStr* buffer) { (void)SSAStrCatUStr(buffer, text); });
+}
+
+u32 CatTextRecord(const Element& element, const SSAStr& record) {
+  const size_t length = record.text == nullptr ? 0 : strnlen(record.text, record.length);
+  return CatWhole(element, record.text, length);
+}
+
+// Takes the escaped text; it is null where escaping or its memory failed.
+u32 CatEscaped(const Element& element, astring* escaped) {
+  const HeapArray<astring> text(escaped);
+  if (!text) return SM_STATUS_NO_MEMORY;
+  return CatWhole(element, text.get(), strlen(text.get()));
+}
+
+u32 CatTypedValue(const Element& element, const PXTTypedValue& inner) {
+  if (ValueTypeOf(inner.type).form == ValueForm::kTypedValue) return SM_STATUS_INVALID_PARAMETER;
+  return PXMBufCatNodeT(element.buffer, element.name, element.attributes, inner.type, inner.value,
+                        inner.format);
+}
+
+}  // namespace
+
+void* PXMAllocBuf(u32 initialSize, booln stylesheet) {
+  HeapArray<SSAStr> buffer = AllocArray<SSAStr>(1);
+  if (!buffer || SSAStrAlloc(buffer.get(), std::max(initialSize, kSmallestCapacity)) == nullptr) {
+    return nullptr;
+  }
+  if (stylesheet == 1) (void)SSAStrCatAStr(buffer.get(), kStylesheet);
+  return buffer.release();
+}
+
+astring* PXMFreeBuf(void* buffer, u16 mode) {
+  if (buffer == nullptr) return nullptr;
+  SSAStr* record = static_cast<SSAStr*>(buffer);
+  astring* content = nullptr;
+  if (mode == 1) {
+    content = record->text;
+    *record = SSAStr{};
+  }
+  SSAStrFree(record);
+  FreeMem(record);
+  return content;
+}
+
+void PXMFreeBufContent(astring* text) { FreeMem(text); }
+
+u32 PXMBufCatBeginNode(void* buffer, const astring* name, const astring* attributes) {
+  return PXMBufCatNode(buffer, name, attributes, 18, nullptr);
+}
+
+u32 PXMBufCatEndNode(void* buffer, const astring* name) {
+  return PXMBufCatNode(buffer, name, nullptr, 19, nullptr);
+}
+
+u32 PXMBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes) {
+  if (buffer == nullptr || name == nullptr) return SM_STATUS_INVALID_PARAMETER;
+  return CatTag(ElementOf(buffer, name, attributes), "/>");
+}
+
+u32 PXMBufCatNode(void* buffer, const astring* name, const astring* attributes, s32 type,
+                  const void* value) {
+  return PXMBufCatNodeT(buffer, name, attributes, type, value, 0);
+}
+
+u32 PXMBufCatNodeT(void* buffer, const astring* name, const astring* attributes, s32 code,
+                   const void* value, s32 format) {
+  if (buffer == nullptr || name == nullptr) return SM_STATUS_INVALID_PARAMETER;
+  const ValueType& type = ValueTypeOf(code);
+  const bool tagOnly = type.form == ValueForm::kBeginTag || type.form == ValueForm::kEndTag;
+  if (value == nullptr && !tagOnly) return SM_STATUS_INVALID_PARAMETER;
+  const Element element = ElementOf(buffer, name, attributes);
+  const u32 passes = static_cast<u32>(std::max(format, 1));
+  // Deliberate: only the two escaped forms are escaped; every other text is written as it stands,
+  // markup of the caller's own included. Held by XmlBuffer.TextIsWrittenAsItStands.
+  switch (type.form) {
+    case ValueForm::kText:
+      return CatWhole(element, static_cast<const astring*>(value),
+                      strlen(static_cast<const astring*>(value)));
+    case ValueForm::kWideText:
+      return CatWideText(element, static_cast<const ustring*>(value));
+    case ValueForm::kBooln:
+      return CatBooln(element, value);
+    case ValueForm::kNumber:
+      return CatNumber(element, type, value, format);
+    case ValueForm::kLongNumber:
+      return CatLongNumber(element, type, value);
+    case ValueForm::kDouble:
+      return CatDouble(element, value);
+    case ValueForm::kTime:
+      return CatTime(element, value);
+    case ValueForm::kTextRecord:
+      return CatTextRecord(element, LoadValue<SSAStr>(value));
+    case ValueForm::kWideTextRecord:
+      return CatWideText(element, LoadValue<SSUStr>(value).text);
+    case ValueForm::kBeginTag:
+      return CatTag(element, ">");
+    case ValueForm::kEndTag:
+      return CatEndTag(element);
+    case ValueForm::kTypedValue:
+      return CatTypedValue(element, LoadValue<PXTTypedValue>(value));
+    case ValueForm::kEscapedText:
+      return CatEscaped(element,
+                        SUPTIntfGetXMLUTF8StrFromAStr(static_cast<const astring*>(value), passes));
+    case ValueForm::kEscapedWideText:
+      return CatEscaped(element,
+                        SUPTIntfGetXMLUTF8StrFromUStr(static_cast<const ustring*>(value), passes));
+    case ValueForm::kNone:
+      break;
+  }
+  return SM_STATUS_INVALID_PARAMETER;
+}
+
+}  // namespace qvx

@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_XML_XML_BUFFER_H
+#define QVX_XML_XML_BUFFER_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+void* PXMAllocBuf(u32 initialSize, booln stylesheet);
+void PXMFreeBufContent(astring* text);
+u32 PXMBufCatNode(void* buffer, const astring* name, const astring* attributes, s32 type,
+                  const void* value);
+u32 PXMBufCatBeginNode(void* buffer, const astring* name, const astring* attributes);
+u32 PXMBufCatEndNode(void* buffer, const astring* name);
+u32 PXMBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes);
+
+// Frees the buffer. With mode 1 its text is the caller's and is returned, else null.
+astring* PXMFreeBuf(void* buffer, u16 mode);
+
+// `format` is the radix of the numbers of up to 32 bits (0, 10, 16) and the number of escaping
+// passes of the escaped texts (below 1: one pass); the other types ignore it.
+u32 PXMBufCatNodeT(void* buffer, const astring* name, const astring* attributes, s32 code,
+                   const void* value, s32 format);
+
+}  // namespace qvx
+
+#endif
