@@ -274,7 +274,7 @@ QVX_EXPORT astring* PXTGetHostNameAStr(void);
  * @param[in] action     0 stop, 1 start, 3 and 4 restart
  * @param[in] reserved   not used
  * @param[out] exitCode  the shell's exit status, or NULL; -1 when no shell could be run. It is 0
- * for a command that a signal ended
+ * for a shell that a signal ended
  * @retval SM_STATUS_SUCCESS when the exit status is 0
  * @retval SM_STATUS_FILE_CREATE_FAILED when the exit status is 2
  * @retval 0xFFFFFFFF for any other exit status
