@@ -68,6 +68,9 @@ void QVAuthFileReader::CheckFilePermissions() {
 
 std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetRecords() {
   const ZarnCriticalSection section(*this);
+  // Deliberate: the default records that a login puts here stand for loaded ones until the file's
+  // time changes. Held by
+  // AuthFileReader.DefaultRecordsStandInForLoadedOnesUntilTheTimeChanges.
   if (loaded_) return records_;
   DeleteRecords();
   if (!stream_) throw QVXRoleMapFileReaderException(RoleFileOpenFailed, 0);

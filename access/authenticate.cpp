@@ -35,7 +35,8 @@ bool ToUTF8(const ustring* text, SecretText* out) {
   return UCS2StrToUTF8Str(out->Get(), &size, text) == SM_STATUS_SUCCESS;
 }
 
-// "user@domain", also where the domain is empty.
+// Deliberate: an empty domain is a domain here, and gives "user@", though authorizing takes it as
+// none. Held by Authenticate.AnEmptyDomainIsADomain.
 bool JoinLogin(const ustring* domain, const SecretText& user, SecretText* login) {
   SecretText domainName;
   if (!ToUTF8(domain, &domainName)) return false;

@@ -36,14 +36,13 @@ HeapArray<astring> OemPath(const astring* prefix, const astring* iniFile) {
   return HeapArray<astring>(SUPTIntfGetOEMINIPathFile(oem, file.get(), "0"));
 }
 
-bool HasOverride(const astring* path) {
-  const auto value = AllocArray<astring>(kOverrideRoom);
-  if (!value) return false;
+// `value` is scratch room of kOverrideRoom bytes.
+bool HasOverride(const astring* path, astring* value) {
   value[0] = '\0';
   u32 size = kOverrideRoom;
-  return ReadINIPathFileValue("data", "accessoverride", kTextValue, value.get(), &size, "", 1, path,
+  return ReadINIPathFileValue("data", "accessoverride", kTextValue, value, &size, "", 1, path,
                               kWaitForLock) == 0 &&
-         strcmp(value.get(), "true") == 0;
+         strcmp(value, "true") == 0;
 }
 
 void StoreReason(u32* reason, u32 code) {
@@ -76,10 +75,11 @@ u32 MaskProgramRights(u32 rights, const astring* prefix, const astring* iniFile,
   if ((rights & kLevelBits) == QVX_PRIV_ADMINISTRATOR) return rights;
   if (prefix == nullptr || iniFile == nullptr) return QVX_PRIV_NONE;
   const HeapArray<astring> path = OemPath(prefix, iniFile);
-  if (!path) return QVX_PRIV_NONE;
+  const auto value = AllocArray<astring>(kOverrideRoom);
+  if (!path || !value) return QVX_PRIV_NONE;
   // Deliberate: the override raises any level to administrator, no access too, and drops the high
   // bits. Held by MaskRights.TheOverrideRaisesAnyLevelAndDropsTheHighBits.
-  if (HasOverride(path.get())) return QVX_PRIV_ADMINISTRATOR;
+  if (HasOverride(path.get(), value.get())) return QVX_PRIV_ADMINISTRATOR;
   u32 mask = 0;
   u32 size = sizeof(mask);
   if (ReadINIPathFileValue("data", "accessmask", kNumberValue, &mask, &size, nullptr, 0, path.get(),

@@ -140,6 +140,9 @@ QVXRoleMapAlgorithm& QVXRoleMapAlgorithm::GetInstance() {
 
 void QVXRoleMapAlgorithm::Initialize(const std::deque<QVAuthFileRecord*>& records) {
   const ZarnCriticalSection section(*this);
+  // Deliberate: while the maps are in force other records change nothing, the default records too,
+  // so that the file's roles answer logins as well. Held by
+  // UserRights.MapsOfTheFileInForceAnswerLoginsToo.
   if (initialized_) return;
   userMap_.clear();
   groupMap_.clear();
@@ -172,6 +175,8 @@ void QVXRoleMapAlgorithm::GetUserPrivileges(QVXRole& query) const {
   query.privileges = QVX_PRIV_NONE;
   const LocalAddresses addresses;
   const std::wstring domainKey = DomainKey();
+  // Deliberate: an entry that names the user decides, also where it grants less than a group's or
+  // anyone's does. Held by RoleMapAlgorithm.APersonalEntryBeatsAGreaterGroupEntry.
   if (DecideByUser(query, addresses, domainKey)) return;
   RaiseByGroups(query);
   if (query.privileges == QVX_PRIV_NONE) DecideByAnyUser(query, addresses, domainKey);
@@ -188,8 +193,9 @@ bool QVXRoleMapAlgorithm::DecideByUser(QVXRole& query, const LocalAddresses& add
   // RoleMapAlgorithm.AUserEntryForThePlainHostNameGrantsNothing.
   query.privileges = GrantOfDomainPattern(hosts, query.host);
   if (query.privileges != QVX_PRIV_NONE) return true;
-  for (u32 at = 0; at < addresses.Count(); ++at)
+  for (u32 at = 0; at < addresses.Count(); ++at) {
     Raise(query, GrantOfAddress(hosts, addresses.At(at)));
+  }
   if (query.privileges != QVX_PRIV_NONE) return true;
   query.privileges = GrantOfDomain(hosts, domainKey);
   return query.privileges != QVX_PRIV_NONE;

@@ -22,6 +22,8 @@ bool RoleMapStream::GetLine(std::wstring& line) {
     if (byte == '\n') return true;
     line.push_back(static_cast<wchar_t>(byte));
   }
+  // Deliberate: what stands behind the last newline is lost, and so is the line of a byte above
+  // 0x7F with all that follows. Held by RoleMapStream.ALastLineWithoutNewlineIsNoLine.
   failed_ = true;
   return false;
 }

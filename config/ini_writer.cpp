@@ -70,8 +70,15 @@ u32 CopyRest(IniLine* room, FILE* in, FILE* out) {
   }
 }
 
-// Copies the section's lines that stay before the key's place: the key's own line, which is left in
-// `line`, the header that ends the section, or the end of the file (an empty line).
+// Deliberate: a bare line without "=" counts as its key's line, so that an empty key takes the
+// place of the first blank line. Held by IniWriter.EmptyKeyTakesTheFirstBlankLine.
+bool IsLineOfKey(const astring* line, const astring* key) {
+  return !IsComment(line) && IsKey(KeyOfLine(line), key);
+}
+
+// Copies the section's lines that stay before the key's place. What goes behind the key is left in
+// `line`: the header that ends the section, or nothing in place of the key's old line or at the end
+// of the file.
 u32 CopyUpToKey(const astring* key, IniLine* line, FILE* in, FILE* out) {
   for (;;) {
     const LineRead read = ReadLine(in, line);
@@ -81,9 +88,7 @@ u32 CopyUpToKey(const astring* key, IniLine* line, FILE* in, FILE* out) {
     if (read == LineRead::kEnd || EndsSection(line->text)) {
       return SM_STATUS_SUCCESS;
     }
-    if (!IsComment(line->text) && IsKey(KeyOfLine(line->text), key)) {
-      // Deliberate: a bare line without "=" counts as its key's line, so an empty key takes the
-      // place of the first blank line. Held by IniWriter.EmptyKeyTakesTheFirstBlankLine.
+    if (IsLineOfKey(line->text, key)) {
       // Deliberate: of a line longer than a read only the first piece is replaced; the rest of it
       // stays as a line of its own. Held by IniWriter.OldLongLinesAreReplacedInTheirFirstPieceOnly.
       line->length = 0;
@@ -100,6 +105,8 @@ struct Text {
   size_t length;
 };
 
+// Deliberate: a new section begins with its header, also behind a last line that has no line end,
+// to which it is then joined. Held by IniWriter.AppendedSectionJoinsALastLineWithoutItsLineEnd.
 Text NewSectionText(const astring* section, const astring* key, const astring* value) {
   constexpr char kForm[] = "[%s]\n%s=%s\n";
   const u64 room = u64{strlen(section)} + strlen(key) + strlen(value) + sizeof(kForm);

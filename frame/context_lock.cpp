@@ -85,7 +85,7 @@ u32 TakeSlot() {
 }  // namespace
 
 u32 AllocContextLock() {
-  const LocalMutex mutex = CreateLocalMutex();
+  LocalMutex mutex = CreateLocalMutex();
   if (mutex == nullptr) {
     return 0;
   }
@@ -108,7 +108,7 @@ void FreeContextLock(u32 handle) {
     return;
   }
   pthread_mutex_lock(&tableMutex);
-  const LocalMutex mutex = slot->mutex.exchange(nullptr, std::memory_order_acq_rel);
+  LocalMutex mutex = slot->mutex.exchange(nullptr, std::memory_order_acq_rel);
   if (mutex != nullptr) {
     slot->nextFree = firstFree;
     firstFree = handle;
@@ -119,14 +119,14 @@ void FreeContextLock(u32 handle) {
 }
 
 void LockContext(u32 handle) {
-  const LocalMutex mutex = FindMutex(handle);
+  LocalMutex mutex = FindMutex(handle);
   if (mutex != nullptr) {
     (void)WaitForLocalMutex(mutex, -1);
   }
 }
 
 void UnLockContext(u32 handle) {
-  const LocalMutex mutex = FindMutex(handle);
+  LocalMutex mutex = FindMutex(handle);
   if (mutex != nullptr) {
     (void)ReleaseLocalMutex(mutex);
   }

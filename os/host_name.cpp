@@ -49,7 +49,7 @@ u32 GetIPHostName(astring* name, u32* size) {
     // The C library reports a name that does not fit after it has filled the whole room.
     if (*size != 0) name[*size - 1] = '\0';
     // Deliberate: the system's refusal is not reported; the unchanged size alone tells of it.
-    // Held by HostName.ANameThatDoesNotFitIsASuccessThatLeavesTheSize.
+    // Held by LoadedHostName.ANameThatDoesNotFitIsASuccessThatLeavesTheSize.
     return SM_STATUS_SUCCESS;
   }
   *size = static_cast<u32>(strlen(name)) + 1;

@@ -74,6 +74,8 @@ u32 GetIPAddrStrList(const astring* /*ignored*/, u32* count, void* list) {
   if (count == nullptr) return SM_STATUS_BAD_ARGUMENT;
   const u32 capacity = *count;
   *count = 0;
+  // Deliberate: the count runs on beyond the capacity, so that it tells the slots needed.
+  // Held by Interfaces.ACapacityOfOneOnTwoAddressesCopiesOneAndCountsBoth.
   ifaddrs* first = nullptr;
   if (getifaddrs(&first) != 0) return kFailed;
   const InterfaceList owned(first);

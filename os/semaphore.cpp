@@ -27,6 +27,7 @@ union SemaphoreArgument {
   unsigned short* array;
 };
 
+// A value that the system refuses leaves the semaphore as it is.
 void SetValue(s32 handle, u32 value) {
   SemaphoreArgument argument{};
   argument.val = static_cast<int>(value);
@@ -63,6 +64,8 @@ s32 ReplaceSetZero(s32 key, u32 initial) {
 
 s32 CreateSemaphore(s32 key, u32 initial) {
   const int identifier = semget(key, kOneSemaphore, kNewSet);
+  // Deliberate: a set that is there already is used as it is, its value unchanged.
+  // Held by Semaphore.AnExistingSetIsUsedAsItIs.
   if (identifier == -1) return errno == EEXIST ? OpenSemaphore(key) : kInvalid;
   if (identifier == 0) return ReplaceSetZero(key, initial);
   SetValue(identifier, initial);

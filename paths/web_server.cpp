@@ -73,8 +73,8 @@ u32 CfgWebServer(u32 action, u32 /*reserved*/, s32* exitCode) {
   if (action == kRestart || action == kRestartToo) CloseInherited();
   astring command[kCommandRoom];
   FormatCommand(command, WordOf(action));
-  // Deliberate: only the upper bits of the wait status count, so that a command ended by a signal
-  // passes for a success. Held by WebServer.CommandEndedBySignalPassesForSuccess.
+  // Deliberate: only the upper bits of the wait status count, so that a shell ended by a signal
+  // passes for a success. Held by WebServer.ShellEndedBySignalPassesForSuccess.
   const s32 code = static_cast<s32>(system(command)) >> 8;
   if (exitCode != nullptr) *exitCode = code;
   if (code == 0) return SM_STATUS_SUCCESS;

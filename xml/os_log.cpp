@@ -29,8 +29,8 @@ int PriorityOf(u16 eventType) {
   return eventType == kWarningEvent ? LOG_WARNING : LOG_INFO;
 }
 
-// The text in the locale's encoding. What does not fit the room is cut at a whole character; the
-// converter is offered one byte less than there is, so that the last one stays the terminator.
+// The text in the locale's encoding. The converter is offered one byte less than there is, so that
+// the last one stays the terminator.
 u32 LocalText(HeapArray<astring>* local, const ustring* text) {
   const u64 room = Uni_strlen(text) + kLocalTextExtra;
   if (room > UINT32_MAX) return kFailed;
@@ -38,6 +38,8 @@ u32 LocalText(HeapArray<astring>* local, const ustring* text) {
   if (!*local) return kFailed;
   memset(local->get(), 0, static_cast<size_t>(room));
   auto size = static_cast<u32>(room) - 1;
+  // Deliberate: the room follows the units, not the bytes they become; what does not fit it is cut
+  // at a whole character. Held by OSLog.ATextLongerThanItsRoomIsCutAtAWholeCharacter.
   return UnicodeToLocal(local->get(), &size, text);
 }
 

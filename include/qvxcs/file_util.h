@@ -12,8 +12,8 @@
  * other pointer that is NULL; -1 as a status is 0xFFFFFFFF. A directory, FIFO, socket or device
  * where a file is expected counts as a file that cannot be opened.
  *
- * None of these calls takes the lock that the suite's processes share, and none keeps state. All but
- * PXTGetTmpFile(), which visits another working directory, may be called from any thread.
+ * None of these calls takes the lock that the suite's processes share, and none keeps state. All
+ * but PXTGetTmpFile(), which visits another working directory, may be called from any thread.
  */
 
 #include "qvxcs/types.h"
@@ -57,9 +57,9 @@ QVX_EXPORT u32 PXTGetSizeOfFile(const astring* path, u32* size);
 /**
  * Makes up the name of a temporary file that does not exist.
  *
- * The name has the form "/tmp/fileXXXXXX" with six random letters and digits: the directory given is
- * entered, and so must exist, but does not appear in the name. No file is created: whoever creates
- * it opens it exclusively, for another process may be quicker.
+ * The name has the form "/tmp/fileXXXXXX" with six random letters and digits: the directory given
+ * is entered, and so must exist, but does not appear in the name. No file is created: whoever
+ * creates it opens it exclusively, for another process may be quicker.
  *
  * @param[in] directory  a directory that can be entered
  * @param[out] name      room for the name, 20 bytes or more
@@ -74,8 +74,8 @@ QVX_EXPORT u32 PXTGetSizeOfFile(const astring* path, u32* size);
  * @par Memory
  * Allocates nothing.
  * @par Threads
- * For its duration the whole process has another working directory: no other thread may use relative
- * paths meanwhile.
+ * For its duration the whole process has another working directory: no other thread may use
+ * relative paths meanwhile.
  * @par Standards
  * The form of the name is that of tmpnam, ISO C.
  */

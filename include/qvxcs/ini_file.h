@@ -7,19 +7,19 @@
  * @file
  * Reading and writing INI files: settings under a section and a key.
  *
- * A file is 8-bit text, read line by line; the line end is "\n", and a "\r" before it belongs to the
- * line. A read takes 8,449 characters at most, so that a longer line is seen as several lines.
+ * A file is 8-bit text, read line by line; the line end is "\n", and a "\r" before it belongs to
+ * the line. A read takes 8,449 characters at most, so that a longer line is seen as several lines.
  *
  * - Header: behind any leading spaces and tabs "[", then the section's name up to the next "]";
  *   what follows is ignored. The name is not trimmed; its first 255 characters count. A "[" without
  *   its "]" is a malformed header.
  * - Comment: a line that begins with "#" or ";" in its first column.
  * - Key line: behind any leading spaces and tabs the key up to the first "=", then the value up to
- *   the line end. Neither is trimmed: the key of "name = x" is "name ", its value " x". There are no
- *   quotes, escapes or continuation lines.
+ *   the line end. Neither is trimmed: the key of "name = x" is "name ", its value " x". There are
+ *   no quotes, escapes or continuation lines.
  *
- * Names are compared exactly, case included. The first section of a name counts, up to the next line
- * that begins with "[", and in it the first line of the key.
+ * Names are compared exactly, case included. The first section of a name counts, up to the next
+ * line that begins with "[", and in it the first line of the key.
  *
  * | type | value | least size | text |
  * |---|---|---|---|
@@ -35,12 +35,12 @@
  *
  * Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
  *
- * Every call holds the lock that the suite's processes share for as long as it works on the file, so
- * that none sees a file that another is changing. With a lock flag of exactly 1 a call waits for it,
- * 60,000 attempts that are 1 ms apart; with any other it tries once. The lock keeps out processes,
- * not the threads of one process: a host whose threads write the same file, or any two files of one
- * directory, brings a lock of its own. The lock belongs to the process: the first release ends it
- * for all threads.
+ * Every call holds the lock that the suite's processes share for as long as it works on the file,
+ * so that none sees a file that another is changing. With a lock flag of exactly 1 a call waits for
+ * it, 60,000 attempts that are 1 ms apart; with any other it tries once. The lock keeps out
+ * processes, not the threads of one process: a host whose threads write the same file, or any two
+ * files of one directory, brings a lock of its own. The lock belongs to the process: the first
+ * release ends it for all threads.
  */
 
 #include "qvxcs/types.h"
@@ -55,22 +55,23 @@ QVX_BEGIN_DECLS
  * closes it. `*size` becomes the sum of the lengths plus one each: the closing NUL is not counted,
  * so that a list that fills `*size` exactly ends one byte behind it.
  *
- * When the value cannot be read the default takes its place; the status still tells why. What counts
- * as a default, and when:
+ * When the value cannot be read the default takes its place; the status still tells why. What
+ * counts as a default, and when:
  * - type 1: when the key was not found (the file, though, was opened) and the default's size is not
- *   0: as many bytes as both sizes allow, the last one made NUL. Else the value is "" and `*size` 0.
+ *   0: as many bytes as both sizes allow, the last one made NUL. Else the value is "" and `*size`
+ * 0.
  * - types 2 and 3: any failure but SM_STATUS_BUFFER_TOO_SMALL: as many bytes as both sizes allow.
  *   Else `*size` is 0.
  * - types 4 to 9: any failure, when the default's size is at least the type's: the value is the
  *   default, `*size` the type's size. Else `*size` is 0.
  *
- * A default may be the value itself. There is none after a missing pointer, a size too small for the
- * type or an unknown type; value and size then stay as they were.
+ * A default may be the value itself. There is none after a missing pointer, a size too small for
+ * the type or an unknown type; value and size then stay as they were.
  *
  * Texts are read so: of a `booln` the first word, ended by a space, counts. Bytes are hexadecimal
  * numbers between commas, with or without "0x"; the list ends quietly at the first piece that does
- * not begin with a number. A text that is no number is not reported: the value is 0. A number beyond
- * 32 bits gives types 5 and 6 its low 32 bits.
+ * not begin with a number. A text that is no number is not reported: the value is 0. A number
+ * beyond 32 bits gives types 5 and 6 its low 32 bits.
  *
  * @param[in] section       the section, or NULL (type 1) to list the sections
  * @param[in] key           the key, or NULL (type 1) to list the keys
@@ -87,13 +88,14 @@ QVX_BEGIN_DECLS
  * 2 to 9, `*size` is less than the type's least size (2 for a list), the type is unknown or the
  * default of type 2 is not a text of its size
  * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
- * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is no regular file
+ * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is no regular
+ * file
  * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header stands before the section (in a list
  * of sections: anywhere), or the file cannot be read on
  * @retval SM_STATUS_SECTION_NOT_FOUND when the file has no such section, or none at all
  * @retval SM_STATUS_KEY_NOT_FOUND when the section has no such key, or none at all
- * @retval SM_STATUS_BUFFER_TOO_SMALL when text, bytes or list do not fit: `*size` is the size needed.
- * The value is left alone (type 1) or holds the bytes or names that fit
+ * @retval SM_STATUS_BUFFER_TOO_SMALL when text, bytes or list do not fit: `*size` is the size
+ * needed. The value is left alone (type 1) or holds the bytes or names that fit
  * @retval SM_STATUS_DATA_TOO_LARGE when the text is no `booln`, or one of its bytes is negative or
  * above 255
  * @retval -1 without memory
@@ -141,18 +143,18 @@ QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s
  *
  * A missing file is created, and the last directory of its path too. In an existing file the key's
  * line is replaced where it stands; a new key comes before the next header, behind comments and
- * blank lines that end the section; a new section comes at the end of the file, where no line end is
- * added before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept byte by
- * byte. Of an old line longer than 8,449 characters only the first piece is replaced. A value is
- * written as it is: one with a line end in it becomes several lines.
+ * blank lines that end the section; a new section comes at the end of the file, where no line end
+ * is added before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept
+ * byte by byte. Of an old line longer than 8,449 characters only the first piece is replaced. A
+ * value is written as it is: one with a line end in it becomes several lines.
  *
  * A change of a section that exists is made in a copy, "pxtini32.tmp" beside the file, which then
  * takes its place: whoever opens the file sees the old one or the new one. For a path without a
  * directory, or in the root directory, the copy lies in the working directory. The file's mode
  * becomes 01664 (octal).
  *
- * A NULL value with size 0 deletes the key (types 1 to 3). To delete a key that the section does not
- * have is a success.
+ * A NULL value with size 0 deletes the key (types 1 to 3). To delete a key that the section does
+ * not have is a success.
  *
  * @param[in] section   at most 255 characters
  * @param[in] key       at most 255 characters
@@ -164,8 +166,8 @@ QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s
  * @param[in] path      the file
  * @param[in] lockFlag  1 to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_BAD_ARGUMENT when section, key or path is NULL, a name is too long, the value of
- * types 4 to 9 is NULL or the type is unknown
+ * @retval SM_STATUS_BAD_ARGUMENT when section, key or path is NULL, a name is too long, the value
+ * of types 4 to 9 is NULL or the type is unknown
  * @retval SM_STATUS_DATA_TOO_LARGE when the size does not fit the value, or a key is to be deleted
  * from a missing section or file
  * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
@@ -177,7 +179,8 @@ QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s
  * @retval SM_STATUS_FILE_CREATE_FAILED when the copy cannot be moved
  * @retval -1 when the directory cannot be created, or without memory
  *
- * After a failure the file is as it was; the copy may be left and is overwritten by the next change.
+ * After a failure the file is as it was; the copy may be left and is overwritten by the next
+ * change.
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads

@@ -3,13 +3,55 @@
 #ifndef QVXCS_OS_LOG_H
 #define QVXCS_OS_LOG_H
 
+/**
+ * @file
+ * Events of a host in the operating system's log.
+ *
+ * An event goes to the system's log service (syslog) under the host's source name, with facility
+ * "daemon". Texts are UCS-2 and are written in the encoding of the process's current locale, so a
+ * host that logs other than ASCII text calls `setlocale` first. Both calls run inside the export
+ * context; neither takes the lock that the suite's processes share.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/**
+ * Writes one event to the system's log.
+ *
+ * The message is "EventID: ", the number, two blanks and the text. Carriage returns become blanks,
+ * line feeds stay. The text is never taken for a format. A source or text whose encoded form is
+ * longer than its count of units and five bytes is cut there at a whole character.
+ *
+ * @param[in] eventType    1 is an error, 2 a warning, any other value informational
+ * @param[in] eventNumber  the event's number
+ * @param[in] source       the host's name, up to a 0 unit
+ * @param[in] text         what happened, up to a 0 unit
+ * @retval SM_STATUS_SUCCESS also when no log service listens: syslog reports nothing
+ * @retval 0xFFFFFFFF when a text is NULL or cannot be held by the locale, and without memory:
+ *         nothing is logged
+ * @par Memory
+ * Both texts stay the caller's; nothing is kept.
+ * @par Threads
+ * Any thread may call. The log is opened and closed in each call, and its identity is one for the
+ * process: a host that logs under a name of its own opens its log again afterwards. Calls of
+ * several threads are not serialised and may log under each other's source.
+ * @par Standards
+ * `openlog`, `syslog` and `closelog` of POSIX.1-2008.
+ */
 QVX_EXPORT u32 PXTAppendToOSLog(u16 eventType, u32 eventNumber, const ustring* source,
                                 const ustring* text);
 
+/**
+ * Stands for clearing the system's log, which this platform does not do.
+ *
+ * @retval SM_STATUS_SUCCESS always, without effect
+ * @par Memory
+ * Nothing is allocated.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT u32 PXTClearOSLog(void);
 
 QVX_END_DECLS

@@ -3,12 +3,45 @@
 #ifndef QVXCS_SHUTDOWN_H
 #define QVXCS_SHUTDOWN_H
 
+/**
+ * @file
+ * Shutting this machine down, and its kind.
+ *
+ * The work is done by the system's program /sbin/shutdown in a process of its own. No shell is
+ * involved, and no search path. Nothing is kept between calls and no lock is taken.
+ */
+
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/**
+ * Halts or reboots this machine.
+ *
+ * Runs /sbin/shutdown with the arguments "-h", "now" and "&", for a reboot with "-r" in the first
+ * place. The "&" reaches the program as it stands. The call neither waits nor tells whether the
+ * program could be run; a child that could not become the program ends with the error number as its
+ * exit status. The child is the host's to wait for.
+ *
+ * @param[in] ignored  not used
+ * @param[in] mode     exactly 1 reboots, any other value halts
+ * @retval 1 always
+ * @par Memory
+ * Nothing is allocated.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT u32 PXTOSShutdown(u16 ignored, u16 mode);
 
+/**
+ * Tells the family of the operating system.
+ *
+ * @retval 2 the code of this family, always
+ * @par Memory
+ * Nothing is allocated.
+ * @par Threads
+ * Any thread may call.
+ */
 QVX_EXPORT u32 PXTOSGetType(void);
 
 QVX_END_DECLS

@@ -3,22 +3,61 @@
 #ifndef QVXCS_THREAD_H
 #define QVXCS_THREAD_H
 
+/**
+ * @file
+ * Threads on records of the caller.
+ *
+ * A host starts a thread on a record of its own and waits for its end with the same record. The
+ * record must stay where it is until the thread has been waited for, and is not locked: one record
+ * is not started or stopped by two threads at once. Every thread that was started has to be
+ * stopped once, or its resources stay taken. Nothing of a thread is kept in the library.
+ */
+
 #include <pthread.h>
 
 #include "qvxcs/types.h"
 
 QVX_BEGIN_DECLS
 
+/** The body of a thread; its result is dropped. */
 typedef u32 (*PXTThreadEntry)(u32 argument);
 
+/** A thread, in memory of the caller and filled by `PXTThreadStart`. */
 typedef struct PXTThread {
-  PXTThreadEntry entry;
-  u32 argument;
-  pthread_t thread;
+  PXTThreadEntry entry; /**< the body */
+  u32 argument;         /**< what the body is called with */
+  pthread_t thread;     /**< set when the thread has been created */
 } PXTThread;
 
+/**
+ * Starts a thread with the system's default attributes.
+ *
+ * @param[out] thread   the record, which is filled and read by the new thread
+ * @param[in] entry     the body; no exception may leave it
+ * @param[in] argument  what the body is called with
+ * @retval 0 the thread was started
+ * @retval -1 when the record or the body is NULL (nothing is stored), or when the system has no
+ *         thread to give (body and argument are stored)
+ * @par Memory
+ * The record stays the caller's and must outlive the thread.
+ * @par Threads
+ * Any thread may call, with a record of its own.
+ */
 QVX_EXPORT s32 PXTThreadStart(PXTThread* thread, PXTThreadEntry entry, u32 argument);
 
+/**
+ * Waits for a thread to end.
+ *
+ * There is no way to interrupt a body: to stop a thread is to wait until it ends by itself.
+ *
+ * @param[in] thread  a record that was started and has not been stopped yet
+ * @retval 0 the thread has ended
+ * @retval -1 when the record is NULL
+ * @par Memory
+ * The system's resources of the thread are released; the record stays the caller's.
+ * @par Threads
+ * One thread stops a record, once. A thread does not stop itself.
+ */
 QVX_EXPORT s32 PXTThreadStop(PXTThread* thread);
 
 QVX_END_DECLS

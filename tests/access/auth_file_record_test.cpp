@@ -1,0 +1,148 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "access/auth_file_record.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "access/role_map_error.h"
+
+namespace qvx {
+namespace {
+
+struct Entry {
+  std::wstring user;
+  std::wstring host;
+  u32 privileges;
+  bool operator==(const Entry&) const = default;
+};
+using Entries = std::vector<Entry>;
+
+Entries EntriesOf(const std::wstring& line) {
+  QVAuthFileRecord record(line, 1);
+  record.PopulateQVXRoles();
+  std::deque<QVXRole*> roles;
+  record.GetRoles(roles);
+  Entries entries;
+  for (const QVXRole* role : roles)
+    entries.push_back({role->user, role->host, role->privileges});
+  return entries;
+}
+
+// The fault's code; 0 for a line that parses.
+int FaultOf(const std::wstring& line, unsigned long expectedLine = 23) {
+  QVAuthFileRecord record(line, static_cast<s32>(expectedLine));
+  try {
+    record.PopulateQVXRoles();
+  } catch (const QVXRoleMapFileReaderException& fault) {
+    EXPECT_EQ(fault.GetLineNumber(), expectedLine);
+    return fault.getErrorCode();
+  }
+  return 0;
+}
+
+TEST(AuthFileRecord, PairsEachUserWithEachHostUserByUser) {
+  EXPECT_EQ(EntriesOf(L"root,+wheel   *.lab,srv1  PowerUser"),
+            (Entries{{L"root", L"*.lab", 0x3},
+                     {L"root", L"srv1", 0x3},
+                     {L"+wheel", L"*.lab", 0x3},
+                     {L"+wheel", L"srv1", 0x3}}));
+}
+
+TEST(AuthFileRecord, RoleWordsGiveTheirMasksInAnyCase) {
+  EXPECT_EQ(EntriesOf(L"a * administrator"), (Entries{{L"a", L"*", 0x7}}));
+  EXPECT_EQ(EntriesOf(L"a * poweruser"), (Entries{{L"a", L"*", 0x3}}));
+  EXPECT_EQ(EntriesOf(L"a * user"), (Entries{{L"a", L"*", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"ROOT * ADMINISTRATOR"), (Entries{{L"ROOT", L"*", 0x7}}));
+  EXPECT_EQ(EntriesOf(L"a * UsEr"), (Entries{{L"a", L"*", 0x1}}));
+}
+
+TEST(AuthFileRecord, FewerThanThreeFieldsIsAMissingField) {
+  EXPECT_EQ(FaultOf(L"root *"), RoleMissingField);
+  EXPECT_EQ(FaultOf(L"root"), RoleMissingField);
+  EXPECT_EQ(FaultOf(L""), RoleMissingField);
+  EXPECT_EQ(FaultOf(L" \t "), RoleMissingField);
+  EXPECT_EQ(FaultOf(L"root * "), RoleMissingField);
+}
+
+TEST(AuthFileRecord, AnotherThirdWordIsAnInvalidRole) {
+  EXPECT_EQ(FaultOf(L"root * admin"), RoleInvalidRole);
+  EXPECT_EQ(FaultOf(L"root * users"), RoleInvalidRole);
+  EXPECT_EQ(FaultOf(L"root * user,poweruser"), RoleInvalidRole);
+  EXPECT_EQ(FaultOf(L"root * user#"), RoleInvalidRole);
+}
+
+TEST(AuthFileRecord, ACarriageReturnIsPartOfTheRoleWord) {
+  EXPECT_EQ(FaultOf(L"root * user\r"), RoleInvalidRole);
+}
+
+TEST(AuthFileRecord, TheFaultIsSeenBeforeAnyEntryIsMade) {
+  QVAuthFileRecord record(L"a,b h admin", 4);
+  EXPECT_THROW(record.PopulateQVXRoles(), QVXRoleMapFileReaderException);
+  std::deque<QVXRole*> roles;
+  record.GetRoles(roles);
+  EXPECT_TRUE(roles.empty());
+}
+
+TEST(AuthFileRecord, WhatFollowsTheRoleIsNotRead) {
+  EXPECT_EQ(EntriesOf(L"root * user extra words"), (Entries{{L"root", L"*", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"root * user\t# note"), (Entries{{L"root", L"*", 0x1}}));
+}
+
+TEST(AuthFileRecord, AdjacentCommasKeepTheEmptyNameBetweenThem) {
+  EXPECT_EQ(EntriesOf(L"a,,b * user"),
+            (Entries{{L"a", L"*", 0x1}, {L"", L"*", 0x1}, {L"b", L"*", 0x1}}));
+  EXPECT_EQ(EntriesOf(L",a h, user"),
+            (Entries{{L"", L"h", 0x1}, {L"", L"", 0x1}, {L"a", L"h", 0x1}, {L"a", L"", 0x1}}));
+}
+
+TEST(AuthFileRecord, SeveralBlanksOfBothKindsAreOneSeparator) {
+  EXPECT_EQ(EntriesOf(L"a \t \tb\t\t  user"), (Entries{{L"a", L"b", 0x1}}));
+}
+
+TEST(AuthFileRecord, HostsBecomeLowerCaseUsersDoNot) {
+  EXPECT_EQ(EntriesOf(L"Alice,+Wheel SRV1,*.Example user"),
+            (Entries{{L"Alice", L"srv1", 0x1},
+                     {L"Alice", L"*.example", 0x1},
+                     {L"+Wheel", L"srv1", 0x1},
+                     {L"+Wheel", L"*.example", 0x1}}));
+}
+
+TEST(AuthFileRecord, NamesWithDomainsAreOrdinaryNames) {
+  EXPECT_EQ(EntriesOf(L"u@d,D\\v * user"), (Entries{{L"u@d", L"*", 0x1}, {L"D\\v", L"*", 0x1}}));
+}
+
+TEST(AuthFileRecord, ARoleBeginsEmptyAndWithoutPrivileges) {
+  const QVXRole role;
+  EXPECT_EQ(role.user, L"");
+  EXPECT_EQ(role.host, L"");
+  EXPECT_EQ(role.privileges, 0u);
+}
+
+TEST(AuthFileRecord, GetRolesReplacesWhatTheQueueHeld) {
+  QVAuthFileRecord record(L"a b user", 9);
+  record.PopulateQVXRoles();
+  std::deque<QVXRole*> roles(3, nullptr);
+  record.GetRoles(roles);
+  EXPECT_EQ(roles.size(), 1u);
+  EXPECT_EQ(record.GetLineNumber(), 9);
+}
+
+TEST(AuthFileRecord, TrimsLeftRightOrBothOfSpacesAndTabsOnly) {
+  EXPECT_EQ(TrimWhitespace(L" \ta b\t ", TrimMode::kLeft), L"a b\t ");
+  EXPECT_EQ(TrimWhitespace(L" \ta b\t ", TrimMode::kRight), L" \ta b");
+  EXPECT_EQ(TrimWhitespace(L" \ta b\t ", TrimMode::kBoth), L"a b");
+  for (const TrimMode mode : {TrimMode::kLeft, TrimMode::kRight, TrimMode::kBoth}) {
+    EXPECT_EQ(TrimWhitespace(L" \t ", mode), L"");
+    EXPECT_EQ(TrimWhitespace(L"", mode), L"");
+    EXPECT_EQ(TrimWhitespace(L"\ra\v", mode), L"\ra\v");
+  }
+}
+
+TEST(AuthFileRecord, LowerCaseLeavesCharactersBeyondSevenBits) {
+  EXPECT_EQ(LowerCase(L"SRV-1\u00C9\u212A"), L"srv-1\u00C9\u212A");
+}
+
+}  // namespace
+}  // namespace qvx

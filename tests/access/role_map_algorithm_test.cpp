@@ -1,0 +1,309 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "access/role_map_algorithm.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <memory>
+#include <vector>
+
+#include "access/role_map_error.h"
+#include "frame/module.h"
+#include "tests/access/accounts.h"
+
+namespace qvx {
+namespace {
+
+// Records of the lines, numbered from 1.
+class Records {
+ public:
+  explicit Records(const std::vector<std::wstring>& lines) {
+    for (const std::wstring& line : lines) {
+      owned_.push_back(std::make_unique<QVAuthFileRecord>(line, static_cast<s32>(list.size()) + 1));
+      owned_.back()->PopulateQVXRoles();
+      list.push_back(owned_.back().get());
+    }
+  }
+  std::deque<QVAuthFileRecord*> list;
+
+ private:
+  std::vector<std::unique_ptr<QVAuthFileRecord>> owned_;
+};
+
+QVXRoleMapAlgorithm& Algorithm() { return QVXRoleMapAlgorithm::GetInstance(); }
+
+void Build(const std::vector<std::wstring>& lines) {
+  Algorithm().ForgetInitialized();
+  Algorithm().Initialize(Records(lines).list);
+}
+
+u32 Ask(const std::wstring& user, const std::wstring& host) {
+  QVXRole query{user, host, 0x55};
+  Algorithm().GetUserPrivileges(query);
+  return query.privileges;
+}
+
+u32 Grant(const std::vector<std::wstring>& lines, const std::wstring& user,
+          const std::wstring& host = L"srv1") {
+  Build(lines);
+  return Ask(user, host);
+}
+
+// The line of a conflict; 0 without one.
+unsigned long ConflictLine(const std::vector<std::wstring>& lines) {
+  try {
+    Build(lines);
+  } catch (const QVXRoleMapFileReaderException& fault) {
+    EXPECT_EQ(fault.getErrorCode(), RoleConflict);
+    return fault.GetLineNumber();
+  }
+  return 0;
+}
+
+// alice is in the groups users (primary), wheel and audit; bob in none but users.
+class RoleMapAlgorithm : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    test::OnlyRoot();
+    test::AddUser("alice", 7001, 7100);
+    test::AddUser("bob", 7002, 7100);
+    test::AddGroup("users", 7100);
+    test::AddGroup("wheel", 7101, "alice");
+    test::AddGroup("audit", 7102, "alice");
+    ASSERT_EQ(ModuleAttach(), 1);
+  }
+};
+
+TEST_F(RoleMapAlgorithm, APersonalEntryBeatsAGreaterGroupEntry) {
+  EXPECT_EQ(Grant({L"alice * user", L"+wheel * administrator", L"* * administrator"}, L"alice"),
+            0x1u);
+}
+
+TEST_F(RoleMapAlgorithm, APersonalEntryForAnotherHostLeavesTheGroups) {
+  EXPECT_EQ(Grant({L"alice otherhost user", L"+wheel * administrator"}, L"alice"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, AUserEntryForThePlainHostNameGrantsNothing) {
+  EXPECT_EQ(Grant({L"alice srv1 administrator"}, L"alice", L"srv1"), 0x0u);
+  EXPECT_EQ(Grant({L"+wheel srv1 administrator"}, L"alice", L"srv1"), 0x7u);
+  EXPECT_EQ(Grant({L"* srv1 administrator"}, L"alice", L"srv1"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, ADomainPatternThatBearsTheHostDecides) {
+  EXPECT_EQ(Grant({L"alice *.srv1 administrator"}, L"alice", L"srv1"), 0x7u);
+  EXPECT_EQ(Grant({L"alice a*.srv1.x administrator"}, L"alice", L"srv1"), 0x7u);
+  EXPECT_EQ(Grant({L"alice *srv1. administrator"}, L"alice", L"srv1"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, TheFirstPatternInOrderDecidesNotTheGreatest) {
+  EXPECT_EQ(Grant({L"alice *.a.srv1 user", L"alice *.b.srv1 administrator"}, L"alice", L"srv1"),
+            0x1u);
+}
+
+TEST_F(RoleMapAlgorithm, APatternBeatsTheDomainKeyAndTheWildcard) {
+  EXPECT_EQ(Grant({L"alice *.srv1 user", L"alice *.example,* administrator"}, L"alice", L"srv1"),
+            0x1u);
+}
+
+TEST_F(RoleMapAlgorithm, TheComputersDomainIsAKeyOfTheUserPhase) {
+  EXPECT_EQ(Grant({L"alice *.example administrator"}, L"alice", L"srv1"), 0x7u);
+  EXPECT_EQ(Grant({L"alice *.example poweruser", L"alice * administrator"}, L"alice", L"srv1"),
+            0x3u);
+  EXPECT_EQ(Grant({L"alice *.example.org administrator"}, L"alice", L"srv1"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, TheDomainKeyIsLowerCase) {
+  ASSERT_EQ(setdomainname("EXAMPLE.Org", 11), 0);
+  EXPECT_EQ(Grant({L"alice *.Example.ORG administrator"}, L"alice", L"srv1"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, WithoutADomainNameTheKeyIsTheBarePrefix) {
+  ASSERT_EQ(setdomainname("(none)", 6), 0);
+  EXPECT_EQ(Grant({L"alice *. administrator"}, L"alice", L"srv1"), 0x7u);
+  EXPECT_EQ(Grant({L"* *. poweruser"}, L"alice", L"srv1"), 0x3u);
+  EXPECT_EQ(Grant({L"alice *.example administrator"}, L"alice", L"srv1"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, TheWildcardComesLastInTheUserPhase) {
+  EXPECT_EQ(Grant({L"alice * poweruser"}, L"alice"), 0x3u);
+}
+
+TEST_F(RoleMapAlgorithm, TheEmptyHostIsInEveryDomainPattern) {
+  EXPECT_EQ(Grant({L"alice *.elsewhere poweruser"}, L"alice", L""), 0x3u);
+  EXPECT_EQ(Grant({L"alice *.elsewhere poweruser"}, L"alice", L"srv1"), 0x0u);
+  EXPECT_EQ(Grant({L"+wheel *.elsewhere poweruser"}, L"alice", L""), 0x3u);
+}
+
+TEST_F(RoleMapAlgorithm, UserNamesKeepTheirCase) {
+  EXPECT_EQ(Grant({L"Alice * administrator"}, L"alice"), 0x0u);
+  EXPECT_EQ(Grant({L"Alice * administrator"}, L"Alice"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, GroupGrantsCombineByMaximum) {
+  EXPECT_EQ(Grant({L"+wheel * user", L"+audit * poweruser"}, L"alice"), 0x3u);
+  EXPECT_EQ(Grant({L"+wheel * poweruser", L"+audit * user"}, L"alice"), 0x3u);
+  EXPECT_EQ(Grant({L"+wheel *.srv1 user", L"+wheel srv1 poweruser", L"+wheel * administrator"},
+                  L"alice", L"srv1"),
+            0x7u);
+  EXPECT_EQ(Grant({L"+wheel *.srv1 administrator", L"+wheel srv1 poweruser", L"+wheel * user"},
+                  L"alice", L"srv1"),
+            0x7u);
+  EXPECT_EQ(Grant({L"+wheel *.srv1 user", L"+wheel srv1 administrator", L"+wheel * poweruser"},
+                  L"alice", L"srv1"),
+            0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, TheDomainKeyIsNoKeyOfTheGroupPhase) {
+  EXPECT_EQ(Grant({L"+wheel *.example administrator"}, L"alice", L"srv1"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, ThePrimaryGroupCounts) {
+  EXPECT_EQ(Grant({L"+users * poweruser"}, L"bob"), 0x3u);
+}
+
+TEST_F(RoleMapAlgorithm, GroupsOfOthersAndUnknownGroupsGrantNothing) {
+  EXPECT_EQ(Grant({L"+wheel * administrator"}, L"bob"), 0x0u);
+  EXPECT_EQ(Grant({L"+nogroup * administrator"}, L"alice"), 0x0u);
+  EXPECT_EQ(Grant({L"+Wheel * administrator"}, L"alice"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, AGroupGrantBeatsTheAnyUserEntries) {
+  EXPECT_EQ(Grant({L"+wheel * user", L"* * administrator"}, L"alice"), 0x1u);
+  EXPECT_EQ(Grant({L"+wheel otherhost user", L"* * administrator"}, L"alice"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, MoreThanAHundredGroupsAreAllSeen) {
+  for (u32 at = 0; at < 150; ++at)
+    test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
+  EXPECT_EQ(Grant({L"+g149 * administrator"}, L"alice"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, AnUnknownUserHasTheAnyUserEntries) {
+  EXPECT_EQ(Grant({L"+wheel * administrator", L"* * user"}, L"nobody-here"), 0x1u);
+}
+
+TEST_F(RoleMapAlgorithm, TheAnyUserPhaseTriesHostThenDomainThenWildcard) {
+  const std::vector<std::wstring> lines = {L"* srv1 user", L"* *.example poweruser",
+                                           L"* * administrator"};
+  EXPECT_EQ(Grant(lines, L"bob", L"srv1"), 0x1u);
+  EXPECT_EQ(Grant(lines, L"bob", L"srv2"), 0x3u);
+  EXPECT_EQ(Grant({L"* srv1 user", L"* * administrator"}, L"bob", L"srv2"), 0x7u);
+  EXPECT_EQ(Grant({L"* srv1 user"}, L"bob", L"srv2"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, TheAnyUserPhaseKnowsNoPatterns) {
+  EXPECT_EQ(Grant({L"* *.srv1 administrator"}, L"bob", L"srv1"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, DefaultRecordsGiveRootItsGroupAndOthersTheirLevels) {
+  test::AddUser("member", 7003, 0);
+  const std::vector<std::wstring> lines = {L"root \t* \tadministrator", L"+root \t* \tpoweruser",
+                                           L"* \t* \tuser"};
+  EXPECT_EQ(Grant(lines, L"root"), 0x7u);
+  EXPECT_EQ(Grant(lines, L"member"), 0x3u);
+  EXPECT_EQ(Grant(lines, L"bob"), 0x1u);
+  EXPECT_EQ(Grant(lines, L"nobody-here"), 0x1u);
+}
+
+TEST_F(RoleMapAlgorithm, RepeatedGroupAndAnyUserGrantsNeverLower) {
+  EXPECT_EQ(Grant({L"+wheel * user", L"+wheel * poweruser"}, L"alice"), 0x3u);
+  EXPECT_EQ(Grant({L"+wheel * poweruser", L"+wheel * user"}, L"alice"), 0x3u);
+  EXPECT_EQ(Grant({L"* * user", L"* * poweruser"}, L"bob"), 0x3u);
+  EXPECT_EQ(Grant({L"* * poweruser", L"* * user"}, L"bob"), 0x3u);
+}
+
+TEST_F(RoleMapAlgorithm, APlainUserGivenTheSameHostTwiceIsAConflict) {
+  EXPECT_EQ(ConflictLine({L"alice h1 user", L"bob h1 user", L"alice h2,H1 poweruser"}), 3u);
+  EXPECT_EQ(ConflictLine({L"bob * user", L"alice h1,h1 user"}), 2u);
+  EXPECT_EQ(ConflictLine({L"alice,alice h1 user"}), 1u);
+  EXPECT_EQ(ConflictLine({L"alice h1 user", L"Alice h1 user"}), 0u);
+}
+
+TEST_F(RoleMapAlgorithm, AfterAConflictTheNextRecordsReplaceEverything) {
+  EXPECT_EQ(ConflictLine({L"bob * administrator", L"alice h,h user"}), 2u);
+  Algorithm().Initialize(Records({L"* * user"}).list);
+  EXPECT_EQ(Ask(L"bob", L"srv1"), 0x1u);
+}
+
+TEST_F(RoleMapAlgorithm, WhatAConflictLeftStandsUntilTheNextRecords) {
+  EXPECT_EQ(ConflictLine({L"bob * administrator", L"alice h,h user"}), 2u);
+  EXPECT_EQ(Ask(L"bob", L"srv1"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, OtherRecordsHaveNoEffectWhileInitialized) {
+  Build({L"bob * user"});
+  Algorithm().Initialize(Records({L"bob * administrator"}).list);
+  EXPECT_EQ(Ask(L"bob", L"srv1"), 0x1u);
+  Algorithm().ForgetInitialized();
+  Algorithm().Initialize(Records({L"bob * administrator"}).list);
+  EXPECT_EQ(Ask(L"bob", L"srv1"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, ALookUpAddsNothingToTheMaps) {
+  Build({L"+wheel h user"});
+  EXPECT_EQ(Ask(L"alice", L"srv1"), 0x0u);
+  EXPECT_EQ(Ask(L"", L""), 0x0u);
+  EXPECT_EQ(Ask(L"alice", L"srv1"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, ANameThatCannotBeNarrowedHasNoGroups) {
+  EXPECT_EQ(Grant({L"+users * administrator"}, L"\u20ACuro"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, AnEmptyUserNameIsAPlainUser) {
+  EXPECT_EQ(Grant({L"a,,b * poweruser"}, L""), 0x3u);
+}
+
+class RoleMapAddresses : public RoleMapAlgorithm {
+ protected:
+  void SetUp() override {
+    RoleMapAlgorithm::SetUp();
+    test::AddLocalAddresses("192.0.2.7", "198.51.100.9");
+  }
+};
+
+TEST_F(RoleMapAddresses, AnAddressOfThisMachineGrantsToItsUser) {
+  EXPECT_EQ(Grant({L"alice 192.0.2.7 poweruser"}, L"alice"), 0x3u);
+  EXPECT_EQ(Grant({L"alice 192.0.2.8 poweruser"}, L"alice"), 0x0u);
+}
+
+TEST_F(RoleMapAddresses, AddressGrantsOfAUserCombineByMaximumWhateverTheOrder) {
+  EXPECT_EQ(Grant({L"alice 192.0.2.7 poweruser", L"alice 198.51.100.9 user"}, L"alice"), 0x3u);
+  EXPECT_EQ(Grant({L"alice 192.0.2.7 user", L"alice 198.51.100.9 poweruser"}, L"alice"), 0x3u);
+}
+
+TEST_F(RoleMapAddresses, InTheUserPhaseAPatternBeatsAddressesWhichBeatTheDomain) {
+  EXPECT_EQ(Grant({L"alice *.srv1 user", L"alice 192.0.2.7 administrator"}, L"alice"), 0x1u);
+  EXPECT_EQ(Grant({L"alice 192.0.2.7 user", L"alice *.example,* administrator"}, L"alice"), 0x1u);
+}
+
+TEST_F(RoleMapAddresses, GroupsKnowNoAddresses) {
+  EXPECT_EQ(Grant({L"+wheel 192.0.2.7 administrator"}, L"alice"), 0x0u);
+}
+
+TEST_F(RoleMapAddresses, InTheAnyUserPhaseTheHostBeatsAddressesWhichBeatTheDomain) {
+  EXPECT_EQ(Grant({L"* srv1 user", L"* 192.0.2.7 administrator"}, L"bob", L"srv1"), 0x1u);
+  EXPECT_EQ(Grant({L"* 192.0.2.7 user", L"* *.example,* administrator"}, L"bob"), 0x1u);
+  EXPECT_EQ(Grant({L"* 192.0.2.7 user", L"* 198.51.100.9 poweruser"}, L"bob"), 0x3u);
+}
+
+TEST_F(RoleMapAddresses, AnEmptyHostNameIsNoAddress) {
+  EXPECT_EQ(Grant({L"alice h, administrator"}, L"alice"), 0x0u);
+}
+
+TEST_F(RoleMapAddresses, AHostKeyThatCannotBeNarrowedEqualsNoAddress) {
+  EXPECT_EQ(Grant({L"alice 192.0.2.7\u20AC administrator"}, L"alice"), 0x0u);
+  EXPECT_EQ(Grant({std::wstring(L"alice 192.0.2.7\0x administrator", 31)}, L"alice"), 0x0u);
+}
+
+TEST_F(RoleMapAddresses, AnIpv6AddressIsFoundInEverySpellingByTheUserPhaseOnly) {
+  test::Run("echo 0 > /proc/sys/net/ipv6/conf/qvxa/disable_ipv6");
+  test::Run("ip -6 addr add 2001:db8::7/64 dev qvxa nodad");
+  EXPECT_EQ(Grant({L"alice 2001:DB8:0:0:0:0:0:7 poweruser"}, L"alice"), 0x3u);
+  EXPECT_EQ(Grant({L"* 2001:db8:0:0:0:0:0:7 poweruser"}, L"bob"), 0x0u);
+  EXPECT_EQ(Grant({L"* 2001:db8::7 poweruser"}, L"bob"), 0x3u);
+}
+
+}  // namespace
+}  // namespace qvx

@@ -1,0 +1,293 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "access/user_rights.h"
+
+#include <gtest/gtest.h>
+#include <locale.h>
+#include <unistd.h>
+
+#include <thread>
+#include <vector>
+
+#include "qvxcs/access.h"
+
+#include "access/auth_file_reader.h"
+#include "access/role_map_algorithm.h"
+#include "frame/module.h"
+#include "support/alloc_fault.h"
+#include "support/processes.h"
+#include "tests/access/accounts.h"
+
+namespace qvx {
+namespace {
+
+using test::WriteRoleMap;
+
+u32 RightsOf(std::string login) { return get_user_rights(login.data()); }
+
+// How often a text stands in the command log.
+u32 LogCount(const std::string& text) {
+  if (!test::Exists(test::kCommandLog)) return 0;
+  const std::string log = test::ReadFile(test::kCommandLog);
+  u32 count = 0;
+  for (size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1))
+    ++count;
+  return count;
+}
+
+u32 FaultEntries() { return LogCount("QVXSERVER"); }
+
+// A login as the role map alone judges it: of a user that the system does not know.
+void Load(const std::string& roleMap, time_t time = 1000000) {
+  WriteRoleMap(roleMap, 0640, time);
+  ASSERT_EQ(PXTOpenRolemapFile(), 0u);
+  (void)PXTGetRightsUsingRolemap();
+}
+
+class UserRights : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    test::OnlyRoot();
+    test::AddUser("alice", 7001, 7100);
+    test::AddUser("member", 7002, 7100);
+    test::WriteFile("/etc/group", "root:x:0:member\nusers:x:7100:\n");
+    ASSERT_EQ(ModuleAttach(), 1);
+  }
+};
+
+TEST_F(UserRights, OpenAnswersZeroAndLeavesAFaultToTheQuery) {
+  WriteRoleMap("# note\n\nroot * admin\n");
+  EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  EXPECT_EQ(FaultEntries(), 0u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u) << "the built-in lines stand in";
+  EXPECT_EQ(FaultEntries(), 1u);
+  EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"3\"/>"), 1u);
+  EXPECT_EQ(LogCount("5915"), 1u) << "0x171B, an invalid role";
+}
+
+TEST_F(UserRights, AFaultsEntryIsTheParameterElementAlone) {
+  WriteRoleMap("root *\n");
+  (void)PXTOpenRolemapFile();
+  (void)PXTGetRightsUsingRolemap();
+  EXPECT_EQ(LogCount("<Description><Parameter name=\"line\" value=\"1\"/></Description>"), 1u);
+  EXPECT_EQ(LogCount("5911"), 1u) << "0x1717, a missing field";
+}
+
+TEST_F(UserRights, AMissingFileIsLoggedByTheOpenAndByTheQuery) {
+  EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  EXPECT_EQ(FaultEntries(), 1u);
+  EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"0\"/>"), 1u);
+  EXPECT_EQ(LogCount("5912"), 1u) << "0x1718, a failed open";
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(FaultEntries(), 2u);
+}
+
+TEST_F(UserRights, AWrongModeIsLogged) {
+  WriteRoleMap("root * user\n", 0644);
+  EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  EXPECT_EQ(LogCount("5913"), 1u) << "0x1719, bad permissions";
+}
+
+TEST_F(UserRights, AConflictIsLoggedWithItsLineAndTheDefaultsStandIn) {
+  WriteRoleMap("alice h user\nalice h user\n");
+  (void)PXTOpenRolemapFile();
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"2\"/>"), 1u);
+  EXPECT_EQ(LogCount("5916"), 1u) << "0x171C, a conflict";
+  EXPECT_EQ(RightsOf("alice"), 0x1u);
+}
+
+TEST_F(UserRights, AFaultThatCannotBeLoggedChangesNothingElse) {
+  ASSERT_EQ(system("rm -r /etc/cim/zarn/plinthos/var/log"), 0);
+  EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(RightsOf("alice"), 0x1u);
+}
+
+TEST_F(UserRights, TheProcessUserHasTheFilesGrantWithoutTheRootBit) {
+  Load("root * poweruser\n");
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x3u);
+}
+
+TEST_F(UserRights, TheProcessUserIsJudgedOnThisHostInLowerCase) {
+  ASSERT_EQ(sethostname("QVXTest", 7), 0);
+  Load("root *.qvxtest user\nroot * administrator\n");
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x1u);
+}
+
+TEST_F(UserRights, ASuperuserWithoutAGrantIsAnAdministratorAllTheSame) {
+  Load("alice * user\n");
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+}
+
+TEST_F(UserRights, OfTheSystemsAnswersOnlyTheSuperusersIsTakenForTheProcess) {
+  Load("alice h user\n");
+  EXPECT_EQ(test::InChild([] {
+              if (setresuid(7002, 0, 0) != 0) return 99;
+              return static_cast<int>(PXTGetRightsUsingRolemap());
+            }),
+            0);
+}
+
+TEST_F(UserRights, AProcessWithoutAUserNameHasNoRights) {
+  EXPECT_EQ(test::InChild([] {
+              if (setresuid(54321, 0, 0) != 0) return 99;
+              return static_cast<int>(PXTGetRightsUsingRolemap());
+            }),
+            0);
+  EXPECT_EQ(FaultEntries(), 0u) << "the role map is not even read";
+}
+
+TEST_F(UserRights, LoginsAloneUseTheBuiltInLines) {
+  WriteRoleMap("alice * administrator\n");
+  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(RightsOf("member"), 0x3u);
+  EXPECT_EQ(RightsOf("root"), 0x40007u);
+  EXPECT_EQ(RightsOf("nobody-here"), 0x1u);
+  EXPECT_EQ(FaultEntries(), 0u);
+}
+
+TEST_F(UserRights, ANullLoginHasNoRights) { EXPECT_EQ(get_user_rights(nullptr), 0u); }
+
+TEST_F(UserRights, MapsOfTheFileInForceAnswerLoginsToo) {
+  Load("alice * administrator\n");
+  EXPECT_EQ(RightsOf("alice"), 0x7u);
+  EXPECT_EQ(RightsOf("member"), 0x0u);
+}
+
+TEST_F(UserRights, ALoginBetweenOpenAndQueryLeavesTheDefaultsUntilTheTimeChanges) {
+  WriteRoleMap("alice * administrator\n");
+  (void)PXTOpenRolemapFile();
+  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  (void)PXTGetRightsUsingRolemap();
+  EXPECT_EQ(RightsOf("alice"), 0x1u) << "the maps of the defaults are in force";
+  (void)PXTOpenRolemapFile();
+  (void)PXTGetRightsUsingRolemap();
+  EXPECT_EQ(RightsOf("alice"), 0x1u) << "an unchanged time changes nothing";
+  Load("alice * administrator\n", 2000000);
+  EXPECT_EQ(RightsOf("alice"), 0x7u);
+}
+
+TEST_F(UserRights, ARoleMapThatGrantsNothingLeavesOnlyTheSuperuser) {
+  Load("nobody-here h user\n");
+  EXPECT_EQ(RightsOf("alice"), 0x0u);
+  EXPECT_EQ(RightsOf("member"), 0x0u);
+  EXPECT_EQ(RightsOf("root"), 0x40007u);
+}
+
+TEST_F(UserRights, TheGreaterOfRoleMapAndSystemIsTaken) {
+  Load("member,alice * user\n");
+  EXPECT_EQ(RightsOf("member"), 0x3u) << "by group 0";
+  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  Load("member * administrator\n", 2000000);
+  EXPECT_EQ(RightsOf("member"), 0x7u);
+}
+
+TEST_F(UserRights, TheSuperuserIsAboveTheRoleMap) {
+  Load("root * user\n");
+  EXPECT_EQ(RightsOf("root"), 0x40007u);
+}
+
+TEST_F(UserRights, AnAtSignPartsUserAndHost) {
+  Load("alice *.lab.x poweruser\nalice * user\n");
+  EXPECT_EQ(RightsOf("alice@LAB"), 0x3u);
+  EXPECT_EQ(RightsOf("alice@else"), 0x1u);
+  EXPECT_EQ(RightsOf("alice@@lab"), 0x3u) << "separators in a row are one";
+  EXPECT_EQ(RightsOf("@alice@lab@rest"), 0x3u) << "leading ones are skipped, a third token unread";
+}
+
+TEST_F(UserRights, ALoginThatEndsInAnAtSignIsOnTheEmptyHost) {
+  Load("alice *.lab.x poweruser\nalice * user\n");
+  EXPECT_EQ(RightsOf("alice@"), 0x3u) << "the empty host is in every pattern";
+}
+
+TEST_F(UserRights, ABackslashPartsDomainAndUser) {
+  Load("alice *.lab.x poweruser\nalice * user\n");
+  EXPECT_EQ(RightsOf("LAB\\alice"), 0x3u);
+  EXPECT_EQ(RightsOf("else\\alice"), 0x1u);
+}
+
+TEST_F(UserRights, TheAtSignIsSoughtBeforeTheBackslash) {
+  Load("lab\\alice *.srv poweruser\n");
+  EXPECT_EQ(RightsOf("lab\\alice@srv"), 0x3u);
+}
+
+TEST_F(UserRights, ADomainWithoutAUserIsTheEmptyUser) {
+  Load(",x *.lab.x poweruser\n");
+  EXPECT_EQ(RightsOf("LAB\\"), 0x3u);
+  EXPECT_EQ(RightsOf("else\\"), 0x0u);
+}
+
+TEST_F(UserRights, ALoneCommaNamesTheEmptyUserTwiceWhichIsAConflict) {
+  Load("alice * administrator\n, h user\n");
+  EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"2\"/>"), 1u);
+  EXPECT_EQ(RightsOf("alice"), 0x1u);
+}
+
+TEST_F(UserRights, ALoginOfSeparatorsOnlyIsNobodyOnTheEmptyHost) {
+  Load(",x *.lab.x poweruser\n");
+  EXPECT_EQ(RightsOf("@@"), 0x3u);
+  EXPECT_EQ(RightsOf("\\"), 0x3u);
+}
+
+TEST_F(UserRights, TheSystemIsAskedOfTheDomainOfADomainLogin) {
+  Load("alice,root * user\n");
+  EXPECT_EQ(RightsOf("root\\alice"), 0x40007u);
+  EXPECT_EQ(RightsOf("ROOT\\alice"), 0x1u) << "as written, case kept";
+  EXPECT_EQ(RightsOf("lab\\root"), 0x1u);
+  EXPECT_EQ(RightsOf("root@lab"), 0x40007u);
+  EXPECT_EQ(RightsOf("@root@lab"), 0x1u) << "the text still begins with its separator";
+}
+
+TEST_F(UserRights, TheLoginIsSplitInPlace) {
+  std::string login = "alice@lab";
+  (void)get_user_rights(login.data());
+  EXPECT_EQ(login, std::string("alice\0lab", 9));
+}
+
+TEST_F(UserRights, APlainLoginIsOnThisHost) {
+  Load("alice *.qvxtest.x poweruser\nalice * user\n");
+  EXPECT_EQ(RightsOf("alice"), 0x3u);
+}
+
+TEST_F(UserRights, ALoginThatCannotBeWidenedHasNoRoleMapRights) {
+  ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
+  EXPECT_EQ(RightsOf("a\xFFlice"), 0x0u);
+  EXPECT_EQ(RightsOf("root@\xFF"), 0x40007u) << "the superuser is the system's affair";
+  EXPECT_EQ(RightsOf("alice@\xFF"), 0x0u);
+}
+
+TEST_F(UserRights, AThisHostThatCannotBeWidenedGrantsNothing) {
+  ASSERT_EQ(sethostname("qvx\xFF", 4), 0);
+  EXPECT_EQ(RightsOf("alice"), 0x0u);
+  EXPECT_EQ(RightsOf("alice@h"), 0x1u);
+}
+
+TEST_F(UserRights, WithoutMemoryNothingIsThrownAndNothingExtraGranted) {
+  WriteRoleMap("alice * administrator\n");
+  test::FailEachAllocation(
+      [] {
+        (void)PXTOpenRolemapFile();
+        return PXTGetRightsUsingRolemap();
+      },
+      [](u32 rights) { EXPECT_TRUE(rights == 0x0 || rights == 0x7) << rights; });
+}
+
+TEST_F(UserRights, LoginsOfSeveralThreadsAreSafe) {
+  Load("alice * poweruser\n");
+  std::vector<std::thread> threads;
+  std::vector<u32> wrong(8, 0);
+  for (size_t at = 0; at < wrong.size(); ++at) {
+    threads.emplace_back([&wrong, at] {
+      for (u32 turn = 0; turn < 100; ++turn) {
+        if (RightsOf("alice@lab") != 0x3) ++wrong[at];
+      }
+    });
+  }
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(wrong, std::vector<u32>(8, 0));
+}
+
+}  // namespace
+}  // namespace qvx

@@ -1,0 +1,485 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "config/ini_writer.h"
+
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <string>
+
+#include "qvxcs/status.h"
+
+#include "config/ini_reader.h"
+#include "config/stdio_file.h"
+#include "frame/module.h"
+#include "support/alloc_fault.h"
+#include "support/files.h"
+#include "tests/config/ini_case.h"
+
+namespace qvx {
+namespace {
+
+using test::Exists;
+using test::LockHolder;
+using test::LockIsFree;
+using test::ModeOf;
+using test::ReadFile;
+using test::SmallDisk;
+using test::WriteFile;
+
+constexpr char kPath[] = "/tmp/d/a.ini";
+constexpr char kTmpPath[] = "/tmp/d/pxtini32.tmp";
+constexpr u32 kMinusOne = 0xFFFFFFFF;
+
+u32 Write(const std::string& section, const std::string& key, const std::string& value,
+          const std::string& path = kPath, booln flag = 0) {
+  return WriteINIFileValue_astring(section.c_str(), key.c_str(), value.c_str(),
+                                   static_cast<s32>(value.size()) + 1, path.c_str(), flag);
+}
+
+u32 Delete(const char* section, const char* key, const char* path = kPath) {
+  return WriteINIFileValue_astring(section, key, nullptr, 0, path, 0);
+}
+
+class IniWriter : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(ModuleAttach(), 1); }
+
+  // A file with this text, in a directory that holds nothing else.
+  static void Given(const std::string& text) {
+    (void)mkdir("/tmp/d", 0755);
+    WriteFile(kPath, text);
+  }
+
+  // What is in the file after "key" of section A was set to "value".
+  static std::string AfterSetting(const std::string& text, const char* key = "key") {
+    Given(text);
+    EXPECT_EQ(Write("A", key, "value"), SM_STATUS_SUCCESS);
+    return ReadFile(kPath);
+  }
+
+  static std::string AfterDeleting(const std::string& text) {
+    Given(text);
+    EXPECT_EQ(Delete("A", "key"), SM_STATUS_SUCCESS);
+    return ReadFile(kPath);
+  }
+};
+
+TEST_F(IniWriter, MissingFileIsCreatedWithItsDirectory) {
+  EXPECT_EQ(Write("Net", "port", "80"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[Net]\nport=80\n");
+  EXPECT_EQ(ModeOf(kPath), 01664u);
+  EXPECT_EQ(ModeOf("/tmp/d"), 0755u);
+  EXPECT_FALSE(Exists(kTmpPath));
+}
+
+TEST_F(IniWriter, KeyIsReplacedWhereItStands) {
+  Given("[Net]\nport=80\n[Log]\n");
+  EXPECT_EQ(Write("Net", "port", "81"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[Net]\nport=81\n[Log]\n");
+  EXPECT_EQ(ModeOf(kPath), 01664u);
+  EXPECT_FALSE(Exists(kTmpPath));
+}
+
+TEST_F(IniWriter, NewKeyComesBeforeTheNextHeader) {
+  Given("[Net]\nport=80\n[Log]\n");
+  EXPECT_EQ(Write("Net", "host", "x"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[Net]\nport=80\nhost=x\n[Log]\n");
+}
+
+TEST_F(IniWriter, NewKeyFollowsCommentsAndBlankLines) {
+  EXPECT_EQ(AfterSetting("[A]\nx=1\n; end\n\n [Bad\ny=2\n"),
+            "[A]\nx=1\n; end\n\nkey=value\n [Bad\ny=2\n");
+}
+
+TEST_F(IniWriter, NewKeyOfTheLastSectionComesAtTheEnd) {
+  EXPECT_EQ(AfterSetting("[B]\nkey=1\n[A]\nx=1\n"), "[B]\nkey=1\n[A]\nx=1\nkey=value\n");
+}
+
+TEST_F(IniWriter, MissingSectionIsAppended) {
+  Given("[Net]\nport=80\n");
+  ASSERT_EQ(chmod(kPath, 0600), 0);
+  EXPECT_EQ(Write("Sec", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[Net]\nport=80\n[Sec]\nkey=value\n");
+  EXPECT_EQ(ModeOf(kPath), 01664u);
+  EXPECT_FALSE(Exists(kTmpPath));
+}
+
+TEST_F(IniWriter, MissingSectionIsAppendedInPlace) {
+  Given("[Net]\n");
+  struct stat before = {};
+  struct stat after = {};
+  ASSERT_EQ(stat(kPath, &before), 0);
+  EXPECT_EQ(Write("Sec", "key", "value"), SM_STATUS_SUCCESS);
+  ASSERT_EQ(stat(kPath, &after), 0);
+  EXPECT_EQ(before.st_ino, after.st_ino);
+}
+
+TEST_F(IniWriter, AppendedSectionJoinsALastLineWithoutItsLineEnd) {
+  Given("[Net]\nport=80");
+  EXPECT_EQ(Write("Sec", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[Net]\nport=80[Sec]\nkey=value\n");
+}
+
+TEST_F(IniWriter, KeyJoinsALastLineWithoutItsLineEnd) {
+  EXPECT_EQ(AfterSetting("[A]\nx=1"), "[A]\nx=1key=value\n");
+  EXPECT_EQ(AfterSetting("[A]"), "[A]key=value\n");
+}
+
+TEST_F(IniWriter, LastLineWithoutItsLineEndIsReplacedWithOne) {
+  EXPECT_EQ(AfterSetting("[A]\nkey=1"), "[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, DeletedKeyLosesItsLine) {
+  EXPECT_EQ(AfterDeleting("[A]\nx=1\nkey=1\ny=2\n"), "[A]\nx=1\ny=2\n");
+  EXPECT_EQ(AfterDeleting("[A]\nkey=1"), "[A]\n");
+}
+
+TEST_F(IniWriter, DeletingAMissingKeyChangesNothing) {
+  EXPECT_EQ(AfterDeleting("[A]\nx=1\n[B]\nkey=1\n"), "[A]\nx=1\n[B]\nkey=1\n");
+  EXPECT_EQ(AfterDeleting("[A]\nx=1"), "[A]\nx=1");
+}
+
+TEST_F(IniWriter, DeletingInAMissingSectionChangesNothing) {
+  Given("[A]\nkey=1\n");
+  EXPECT_EQ(Delete("B", "key"), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=1\n");
+  EXPECT_FALSE(Exists(kTmpPath));
+  EXPECT_EQ(Delete("B", "key", "/tmp/d/missing.ini"), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_FALSE(Exists("/tmp/d/missing.ini"));
+}
+
+TEST_F(IniWriter, OnlyTheFirstKeyOfTheFirstSectionIsChanged) {
+  EXPECT_EQ(AfterSetting("[A]\nkey=1\nkey=2\n[A]\nkey=3\n"), "[A]\nkey=value\nkey=2\n[A]\nkey=3\n");
+  EXPECT_EQ(AfterSetting("key=0\n[A]\nx=1\n[A]\nkey=3\n"),
+            "key=0\n[A]\nx=1\nkey=value\n[A]\nkey=3\n");
+}
+
+TEST_F(IniWriter, KeysMatchAsTheReaderTakesThem) {
+  EXPECT_EQ(AfterSetting("[A]\n \tkey=1\n"), "[A]\nkey=value\n");
+  EXPECT_EQ(AfterSetting("[A]\nkey =1\n"), "[A]\nkey =1\nkey=value\n");
+  EXPECT_EQ(AfterSetting("[A]\nKey=1\n"), "[A]\nKey=1\nkey=value\n");
+  EXPECT_EQ(AfterSetting("[A]\n#key=1\n;key=1\n"), "[A]\n#key=1\n;key=1\nkey=value\n");
+  EXPECT_EQ(AfterSetting(" [A] more\nkey=1\n"), " [A] more\nkey=value\n");
+  EXPECT_EQ(AfterSetting("#[A]\n[A]\n"), "#[A]\n[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, BareLineCountsAsItsKeysLine) {
+  EXPECT_EQ(AfterSetting("[A]\n key\nx=1\n"), "[A]\nkey=value\nx=1\n");
+  EXPECT_EQ(AfterDeleting("[A]\nkey\n"), "[A]\n");
+  EXPECT_EQ(AfterSetting("[A]\nkey"), "[A]\nkey=value\n");
+  // With a carriage return it is another key.
+  EXPECT_EQ(AfterSetting("[A]\nkey\r\n"), "[A]\nkey\r\nkey=value\n");
+}
+
+TEST_F(IniWriter, EmptyKeyTakesTheFirstBlankLine) {
+  EXPECT_EQ(AfterSetting("[A]\nx=1\n\n\n", ""), "[A]\nx=1\n=value\n\n");
+  EXPECT_EQ(AfterSetting("[A]\nx=1\n  \n", ""), "[A]\nx=1\n=value\n");
+}
+
+TEST_F(IniWriter, OldLongLinesAreReplacedInTheirFirstPieceOnly) {
+  const std::string first = "key=" + std::string(8445, 'v');
+  EXPECT_EQ(AfterSetting("[A]\n" + first + "rest\n"), "[A]\nkey=value\nrest\n");
+}
+
+TEST_F(IniWriter, LongLinesAreKeptWhole) {
+  const std::string line = "x=" + std::string(30000, 'v') + "\n";
+  EXPECT_EQ(AfterSetting(line + "[A]\n" + line + "key=1\n" + line),
+            line + "[A]\n" + line + "key=value\n" + line);
+}
+
+TEST_F(IniWriter, BytesThatAreNotUnderstoodAreKept) {
+  const std::string before("\0\xFF\x80\r\n[A]\0tail\nx\0=\0\n", 19);
+  const std::string after("y=\0\0\n\0", 6);
+  Given(before + "key=1\n" + after);
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), before + "key=value\n" + after);
+}
+
+TEST_F(IniWriter, LineWithANulByteIsReplacedWhole) {
+  Given(std::string("[A]\nkey=1\0 2\nx=1\n", 17));
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=value\nx=1\n");
+}
+
+TEST_F(IniWriter, MalformedHeaderBeforeTheSectionLeavesTheFile) {
+  Given("[Bad\n[A]\nkey=1\n");
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_BAD_SECTION_HEADER);
+  EXPECT_EQ(ReadFile(kPath), "[Bad\n[A]\nkey=1\n");
+  EXPECT_TRUE(Exists(kTmpPath));
+  EXPECT_TRUE(LockIsFree());
+  // The copy left behind is no hindrance.
+  Given("[A]\n");
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_FALSE(Exists(kTmpPath));
+}
+
+TEST_F(IniWriter, MalformedHeaderBehindTheSectionIsCopied) {
+  EXPECT_EQ(AfterSetting("[A]\nkey=1\n[Bad\n"), "[A]\nkey=value\n[Bad\n");
+}
+
+TEST_F(IniWriter, LongestNamesAndValueAreWritten) {
+  const std::string name(255, 'n');
+  const std::string value(8192, 'v');
+  EXPECT_EQ(Write(name, name, value), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[" + name + "]\n" + name + "=" + value + "\n");
+  EXPECT_EQ(Write(name, name, "1"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[" + name + "]\n" + name + "=1\n");
+  EXPECT_EQ(Write(name, name, value), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[" + name + "]\n" + name + "=" + value + "\n");
+}
+
+TEST_F(IniWriter, LongerNamesAndMissingOnesAreBadArguments) {
+  const std::string name(256, 'n');
+  EXPECT_EQ(Write(name, "key", "value"), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(Write("A", name, "value"), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(WriteINIFileValue_astring(nullptr, "key", "v", 2, kPath, 0), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(WriteINIFileValue_astring("A", nullptr, "v", 2, kPath, 0), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(WriteINIFileValue_astring("A", "key", "v", 2, nullptr, 0), SM_STATUS_BAD_ARGUMENT);
+  // Names are looked at before sizes.
+  EXPECT_EQ(WriteINIFileValue_astring(nullptr, "key", "v", 9, kPath, 0), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_FALSE(Exists("/tmp/d"));
+}
+
+TEST_F(IniWriter, SizeMustBeTheLengthPlusOne) {
+  for (const s32 size : {6, 4, 1, 0, -1, -2147483647 - 1, 2147483647}) {
+    EXPECT_EQ(WriteINIFileValue_astring("A", "key", "abcd", size, kPath, 0),
+              SM_STATUS_DATA_TOO_LARGE)
+        << size;
+  }
+  for (const s32 size : {1, -1, 8194}) {
+    EXPECT_EQ(WriteINIFileValue_astring("A", "key", nullptr, size, kPath, 0),
+              SM_STATUS_DATA_TOO_LARGE)
+        << size;
+  }
+  EXPECT_EQ(Write("A", "key", std::string(8193, 'v')), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_FALSE(Exists("/tmp/d"));
+  EXPECT_EQ(WriteINIFileValue_astring("A", "key", "abcd", 5, kPath, 0), SM_STATUS_SUCCESS);
+  EXPECT_EQ(WriteINIFileValue_astring("A", "key", "", 1, kPath, 0), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=\n");
+}
+
+TEST_F(IniWriter, DirectoryThatCannotBeCreatedIsMinusOne) {
+  EXPECT_EQ(Write("A", "key", "value", "/tmp/d/e/a.ini"), kMinusOne);
+  EXPECT_FALSE(Exists("/tmp/d"));
+  WriteFile("/tmp/file", "");
+  EXPECT_EQ(Write("A", "key", "value", "/tmp/file/a.ini"), kMinusOne);
+  EXPECT_TRUE(LockIsFree());
+}
+
+TEST_F(IniWriter, PathWithoutADirectoryUsesTheWorkingDirectory) {
+  ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
+  ASSERT_EQ(chdir("/tmp/d"), 0);
+  // A directory in the copy's place shows where the copy would lie.
+  ASSERT_EQ(mkdir(kTmpPath, 0755), 0);
+  WriteFile("x.ini", "[A]\n");
+  EXPECT_EQ(Write("A", "key", "value", "x.ini"), SM_STATUS_FILE_OPEN_FAILED);
+  WriteFile("/x.ini", "[A]\n");
+  EXPECT_EQ(Write("A", "key", "value", "/x.ini"), SM_STATUS_FILE_OPEN_FAILED);
+  (void)unlink("/x.ini");
+  ASSERT_EQ(rmdir(kTmpPath), 0);
+  EXPECT_EQ(Write("A", "key", "value", "x.ini"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile("/tmp/d/x.ini"), "[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, FilesThatCannotBeOpenedAreRefused) {
+  ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
+  ASSERT_EQ(mkfifo("/tmp/d/fifo", 0666), 0);
+  ASSERT_EQ(mkdir("/tmp/d/e", 0755), 0);
+  for (const char* path : {"/tmp/d/fifo", "/tmp/d/e", "/tmp/d/"}) {
+    EXPECT_EQ(Write("A", "key", "value", path), SM_STATUS_FILE_OPEN_FAILED) << path;
+  }
+  EXPECT_TRUE(LockIsFree());
+}
+
+TEST_F(IniWriter, DanglingLinkIsAMissingFile) {
+  ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
+  ASSERT_EQ(symlink("/tmp/behind.ini", kPath), 0);
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile("/tmp/behind.ini"), "[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, CopyNeverFollowsALink) {
+  Given("[A]\n");
+  WriteFile("/tmp/other", "other");
+  ASSERT_EQ(symlink("/tmp/other", kTmpPath), 0);
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile("/tmp/other"), "other");
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, ProtectedFileIsLeft) {
+  Given("[A]\nkey=1\n");
+  ASSERT_EQ(mount(kPath, kPath, nullptr, MS_BIND, nullptr), 0);
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_FILE_DELETE_FAILED);
+  EXPECT_TRUE(LockIsFree());
+  ASSERT_EQ(umount(kPath), 0);
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=1\n");
+}
+
+TEST_F(IniWriter, ReadOnlyDiskIsLeft) {
+  const SmallDisk disk(4);
+  const std::string path = SmallDisk::Path("a.ini");
+  WriteFile(path, "[A]\nkey=1\n");
+  SmallDisk::MakeReadOnly();
+  EXPECT_EQ(Write("A", "key", "value", path), SM_STATUS_FILE_OPEN_FAILED);
+  EXPECT_EQ(Write("A", "key", "value", SmallDisk::Path("new.ini")), SM_STATUS_FILE_OPEN_FAILED);
+  EXPECT_EQ(ReadFile(path), "[A]\nkey=1\n");
+  EXPECT_TRUE(LockIsFree());
+}
+
+TEST_F(IniWriter, FullDiskLeavesTheOldFile) {
+  // Three pages of four are taken, which leaves no room for the copy.
+  const SmallDisk disk(4);
+  const std::string path = SmallDisk::Path("a.ini");
+  const std::string text = "[A]\nkey=1\n[B]\n" + std::string(12000, '#') + "\n";
+  WriteFile(path, text);
+  EXPECT_EQ(Write("A", "key", "value", path), SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(ReadFile(path), text);
+  EXPECT_EQ(Write("Sec", "key", "value", path), SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(ReadFile(path), text);
+  EXPECT_TRUE(LockIsFree());
+}
+
+TEST_F(IniWriter, SmallCopyOnAFullDiskLeavesTheOldFile) {
+  // The copy is written only when it is closed.
+  const SmallDisk disk(2);
+  const std::string path = SmallDisk::Path("a.ini");
+  WriteFile(path, "[A]\nkey=1\n");
+  WriteFile(SmallDisk::Path("filler"), std::string(4096, 'f'));
+  EXPECT_EQ(Write("A", "key", "value", path), SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(ReadFile(path), "[A]\nkey=1\n");
+}
+
+TEST_F(IniWriter, FailedAppendIsCutBack) {
+  // The copy of two pages fits beside the file and is gone when the append needs three more.
+  const SmallDisk disk(4);
+  const std::string path = SmallDisk::Path("a.ini");
+  const std::string text = std::string(8189, '#') + "\n";
+  WriteFile(path, text);
+  EXPECT_EQ(Write("Sec", std::string(255, 'k'), std::string(8192, 'v'), path),
+            SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(ReadFile(path), text);
+  EXPECT_EQ(Write("Sec", "key", "value", path), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(path), text + "[Sec]\nkey=value\n");
+}
+
+TEST_F(IniWriter, NewFileOnAFullDiskStaysEmpty) {
+  const SmallDisk disk(2);
+  const std::string path = SmallDisk::Path("a.ini");
+  WriteFile(SmallDisk::Path("filler"), std::string(8192, 'f'));
+  EXPECT_EQ(Write("A", "key", "value", path), SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(ReadFile(path), "");
+  EXPECT_TRUE(LockIsFree());
+}
+
+TEST_F(IniWriter, LockHeldByAnotherProcessRefusesTheWrite) {
+  Given("[A]\nkey=1\n");
+  LockHolder holder;
+  for (const booln flag : {booln{0}, booln{2}, booln{0x101}}) {
+    EXPECT_EQ(Write("A", "key", "value", kPath, flag), SM_STATUS_LOCK_FAILED);
+  }
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=1\n");
+  EXPECT_FALSE(Exists(kTmpPath));
+  holder.Kill();
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, WaitingEndsAfter60000Milliseconds) {
+  Given("[A]\nkey=1\n");
+  const LockHolder holder;
+  const test::CountSleeps sleeps;
+  EXPECT_EQ(Write("A", "key", "value", kPath, 1), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(test::CountSleeps::Count(), 60000u);
+}
+
+TEST_F(IniWriter, WaitingWriterGetsTheLockOfAProcessThatEnds) {
+  Given("[A]\nkey=1\n");
+  const LockHolder holder(50000);
+  EXPECT_EQ(Write("A", "key", "value", kPath, 1), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile(kPath), "[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, SixteenProcessesLoseNoKey) {
+  Given("[A]\n");
+  constexpr int kProcesses = 16;
+  constexpr int kRounds = 10;
+  for (int process = 0; process < kProcesses; ++process) {
+    if (fork() == 0) {
+      for (int round = 0; round < kRounds; ++round) {
+        const std::string key = "k" + std::to_string(process) + "." + std::to_string(round);
+        if (Write("A", key, "1", kPath, 1) != SM_STATUS_SUCCESS) {
+          _exit(4);
+        }
+      }
+      _exit(3);
+    }
+  }
+  for (int process = 0; process < kProcesses; ++process) {
+    int status = 0;
+    ASSERT_GT(wait(&status), 0);
+    EXPECT_EQ(WEXITSTATUS(status), 3);
+  }
+  for (int process = 0; process < kProcesses; ++process) {
+    for (int round = 0; round < kRounds; ++round) {
+      const std::string key = "k" + std::to_string(process) + "." + std::to_string(round);
+      astring value[2];
+      u32 size = 2;
+      EXPECT_EQ(ReadINIFileValue_astring("A", key.c_str(), value, &size, nullptr, 0, kPath, 0),
+                SM_STATUS_SUCCESS)
+          << key;
+    }
+  }
+}
+
+TEST_F(IniWriter, WithoutMemoryTheFileIsAsItWas) {
+  const std::string text = "[A]\nkey=1\n";
+  for (const char* section : {"A", "Sec"}) {
+    const u32 met = test::FailEachAllocation(
+        [&] {
+          Given(text);
+          return Write(section, "key", "value");
+        },
+        [&](u32 status) {
+          EXPECT_EQ(status, kMinusOne);
+          EXPECT_EQ(ReadFile(kPath), text);
+          EXPECT_TRUE(LockIsFree());
+        });
+    EXPECT_GE(met, 4u) << section;
+    EXPECT_NE(ReadFile(kPath), text);
+  }
+}
+
+TEST_F(IniWriter, ReadErrorIsABadSectionHeader) {
+  // Address 0 of a process cannot be read.
+  const FilePtr in = OpenFile("/proc/self/mem", "r");
+  const FilePtr out = OpenFile("/tmp/out", "w");
+  ASSERT_TRUE(in);
+  EXPECT_EQ(FindSection("A", in.get(), out.get()), SM_STATUS_BAD_SECTION_HEADER);
+  EXPECT_EQ(FindKeyUpdateValue("key", "v", in.get(), out.get()), SM_STATUS_BAD_SECTION_HEADER);
+}
+
+TEST_F(IniWriter, WriteErrorOfTheCopyIsAWriteFailure) {
+  Given("[A]\nx=1\n[B]\n");
+  FILE* const full = fopen("/dev/full", "we");
+  ASSERT_NE(full, nullptr);
+  setbuf(full, nullptr);
+  const FilePtr in = OpenFile(kPath, "r");
+  EXPECT_EQ(FindSection("A", in.get(), full), SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(FindKeyUpdateValue("key", "v", in.get(), full), SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(FindKeyUpdateValue("key", "v", in.get(), full), SM_STATUS_WRITE_FAILED);
+  (void)fclose(full);
+}
+
+TEST(IniWriterUnattached, WritingIsRefused) {
+  EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_LOCK_FAILED);
+  EXPECT_FALSE(Exists(kPath));
+}
+
+}  // namespace
+}  // namespace qvx

@@ -1,0 +1,164 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_TESTS_XML_LOG_FILES_H
+#define QVX_TESTS_XML_LOG_FILES_H
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/ptrace.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "qvxcs/types.h"
+
+#include "paths/layout.h"
+#include "support/files.h"
+#include "support/processes.h"
+
+// What the tests of the XML logs share: the texts that a log is made of, and ways to look at one.
+namespace qvx::test {
+
+inline constexpr u32 kMinusOne = 0xFFFFFFFF;
+inline constexpr u32 kNoMaximum = 0xFFFFFFFF;
+inline constexpr uid_t kNobody = 65534;
+
+inline const char kLogHead[] =
+    "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?><EventLog>";
+inline const char kLogTail[] = "</EventLog>";
+
+// A log with something between its tags.
+inline std::string LogOf(const std::string& entries) { return kLogHead + entries + kLogTail; }
+
+// An entry of the sandbox's host without its two times.
+inline std::string EntryOf(u32 type, u32 id, const std::string& user, const std::string& source,
+                           const std::string& description, const std::string& data = "") {
+  return "<LogEntry><ComputerName>qvxtest</ComputerName><Type>" + std::to_string(type) +
+         "</Type><ID>" + std::to_string(id) + "</ID><UserInfo>" + user + "</UserInfo><Source>" +
+         source + "</Source><Description>" + description + "</Description><Data>" + data +
+         "</Data></LogEntry>";
+}
+
+// The text with every TimeStamp and DateTime element taken out.
+inline std::string WithoutTimes(std::string text) {
+  for (const char* name : {"TimeStamp", "DateTime"}) {
+    const std::string opening = std::string("<") + name + ">";
+    const std::string closing = std::string("</") + name + ">";
+    for (size_t at = 0; (at = text.find(opening, at)) != std::string::npos;) {
+      const size_t end = text.find(closing, at);
+      if (end == std::string::npos) {
+        return "(an element without its closing tag)";
+      }
+      text.erase(at, end + closing.size() - at);
+    }
+  }
+  return text;
+}
+
+// What stands in each element of this name, in the order of the text.
+inline std::vector<std::string> ElementsOf(const std::string& text, const std::string& name) {
+  const std::string opening = "<" + name + ">";
+  std::vector<std::string> found;
+  for (size_t at = 0; (at = text.find(opening, at)) != std::string::npos;) {
+    at += opening.size();
+    found.push_back(text.substr(at, text.find("</" + name + ">", at) - at));
+  }
+  return found;
+}
+
+inline bool IsWellFormed(const std::string& path) {
+  return system(("xmllint --huge --noout " + path).c_str()) == 0;
+}
+
+inline int OpenDescriptors() {
+  int count = 0;
+  DIR* const folder = opendir("/proc/self/fd");
+  while (readdir(folder) != nullptr) {
+    ++count;
+  }
+  closedir(folder);
+  return count;
+}
+
+// Whether another process could take the suite's file lock now.
+inline bool LockIsFree() {
+  return InChild([] {
+           struct flock whole = {};
+           whole.l_type = F_WRLCK;
+           whole.l_whence = SEEK_SET;
+           const int file = open(kIPCFilePath, O_RDWR | O_CLOEXEC);
+           return fcntl(file, F_SETLK, &whole) == 0 ? 0 : 1;
+         }) == 0;
+}
+
+// Runs `body` in a child that is no superuser and gives its result.
+template <typename Body>
+bool HoldsForNobody(Body body) {
+  return InChild([&body] { return seteuid(kNobody) == 0 && body() ? 0 : 1; }) == 0;
+}
+
+inline constexpr int kKilled = -1;
+
+// Runs `body` in a child that stops at the begin and the end of each of its system calls, where
+// `look` is asked whether it goes on. Gives the child's exit status, or kKilled when `look` said
+// no.
+template <typename Body, typename Look>
+int RunStepwise(Body body, Look look) {
+  const pid_t child = fork();
+  if (child == 0) {
+    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+    (void)raise(SIGSTOP);
+    _exit(body());
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  while (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) == 0 &&
+         waitpid(child, &status, 0) == child && WIFSTOPPED(status)) {
+    if (!look()) {
+      kill(child, SIGKILL);
+      waitpid(child, &status, 0);
+      return kKilled;
+    }
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : kKilled;
+}
+
+// A file system of its own of 64 KiB.
+class SmallDisk {
+ public:
+  SmallDisk() {
+    RequireSandbox();
+    if (mkdir(kFolder, 0755) != 0 || mount("tmpfs", kFolder, "tmpfs", 0, "size=64k") != 0) {
+      abort();
+    }
+  }
+  ~SmallDisk() { umount2(kFolder, MNT_DETACH); }
+  SmallDisk(const SmallDisk&) = delete;
+  SmallDisk& operator=(const SmallDisk&) = delete;
+
+  void Fill() {
+    const int file = open(kFiller, O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+    const std::string page(4096, 'x');
+    while (write(file, page.data(), page.size()) > 0) {
+    }
+    close(file);
+  }
+  void MakeRoom() { unlink(kFiller); }
+  bool MakeReadOnly() {
+    return mount(nullptr, kFolder, nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+  }
+
+ private:
+  static constexpr char kFolder[] = "/tmp/disk";
+  static constexpr char kFiller[] = "/tmp/disk/filler";
+};
+
+}  // namespace qvx::test
+
+#endif
