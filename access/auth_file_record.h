@@ -24,7 +24,7 @@ enum class TrimMode { kLeft, kRight, kBoth };
 // Without spaces and tabs at the ends named.
 std::wstring TrimWhitespace(const std::wstring& text, TrimMode mode);
 
-// Lower-case by the C library's `tolower`, which knows no character beyond a byte: others stay.
+// Lower-case by the C library's `tolower`, which knows no character beyond 7 bits: others stay.
 std::wstring LowerCase(std::wstring text);
 
 // One line of the role map: users, hosts and a role, parted by blanks. Names of a field are parted

@@ -23,7 +23,7 @@ namespace {
 
 // The answers so far, passwords among them.
 void DiscardResponses(pam_response* responses, int count) {
-  for (u16 at = 0; at < count; ++at) {
+  for (int at = 0; at < count; ++at) {
     if (responses[at].resp == nullptr) continue;
     explicit_bzero(responses[at].resp, strlen(responses[at].resp));
     free(responses[at].resp);
@@ -46,7 +46,7 @@ const astring* AnswerTo(const pam_message* message, const PamAnswers& answers) {
 
 bool AnswerAll(int count, const pam_message** messages, pam_response* responses,
                const PamAnswers& answers) {
-  for (u16 at = 0; at < count; ++at) {
+  for (int at = 0; at < count; ++at) {
     // Deliberate: an informational message ends the conversation, and with it the login, as an
     // error message does. Held by PamLogin.AnInformationalMessageFailsTheLogin.
     const astring* answer = AnswerTo(messages[at], answers);

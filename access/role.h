@@ -15,10 +15,9 @@ enum QVXPrivilege : u32 {
   QVX_PRIV_USER = 0x1,
   QVX_PRIV_POWERUSER = 0x3,
   QVX_PRIV_ADMINISTRATOR = 0x7,
+  // Stands beside the level of the operating system's superuser.
+  QVX_PRIV_ROOT = 0x40000,
 };
-
-// Stands beside the level of the operating system's superuser.
-inline constexpr u32 QVX_PRIV_ROOT = 0x40000;
 
 // One user on one host: an entry of the role map, or a query that is to be answered.
 struct QVXRole {

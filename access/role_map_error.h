@@ -24,6 +24,8 @@ class QVXRoleMapFileReaderException : public ZarnSupport::ZarnException {
       : lineNumber_(lineNumber), errorCode_(code) {}
   QVXRoleMapFileReaderException(const QVXRoleMapFileReaderException&) = default;
   QVXRoleMapFileReaderException& operator=(const QVXRoleMapFileReaderException&) = default;
+  QVXRoleMapFileReaderException(QVXRoleMapFileReaderException&&) = default;
+  QVXRoleMapFileReaderException& operator=(QVXRoleMapFileReaderException&&) = default;
   ~QVXRoleMapFileReaderException() override;
 
   fileReadErrorCode getErrorCode() const { return errorCode_; }

@@ -27,7 +27,7 @@ std::array<std::atomic<Slot*>, kChunkCount> chunks;
 pthread_mutex_t tableMutex = PTHREAD_MUTEX_INITIALIZER;
 u32 slotsUsed = 0;   // guarded by tableMutex
 u32 slotsInUse = 0;  // guarded by tableMutex
-u32 firstFree = 0;  // guarded by tableMutex
+u32 firstFree = 0;   // guarded by tableMutex
 
 // Chunk n holds 64 << n slots, so slot s + 64 has its chunk in its highest bit.
 u32 ChunkOf(u32 slot) {
@@ -132,8 +132,8 @@ void UnLockContext(u32 handle) {
   }
 }
 
-// The slots belong to the loaded image: a host that loads and unloads it often gets them back. While
-// a handle is in use they stay, because a thread may still hold its lock.
+// The slots belong to the loaded image: a host that loads and unloads it often gets them back.
+// While a handle is in use they stay, because a thread may still hold its lock.
 void ReleaseContextLockSlots() {
   if (slotsInUse != 0) {
     return;

@@ -7,6 +7,9 @@ namespace {
 
 constexpr s32 kFailed = -1;
 
+// What a record holds that has no thread to wait for; the system gives no thread this identifier.
+constexpr pthread_t kNoThread{};
+
 void* RunRecord(void* record) {
   (void)OSThreadStub(static_cast<PXTThread*>(record));
   return nullptr;
@@ -18,14 +21,19 @@ s32 OSThreadStart(PXTThread* thread, PXTThreadEntry entry, u32 argument) {
   if (thread == nullptr || entry == nullptr) return kFailed;
   thread->entry = entry;
   thread->argument = argument;
-  return pthread_create(&thread->thread, nullptr, RunRecord, thread) == 0 ? 0 : kFailed;
+  if (pthread_create(&thread->thread, nullptr, RunRecord, thread) == 0) return 0;
+  // A failed attempt may leave the identifier of a thread that never ran.
+  thread->thread = kNoThread;
+  return kFailed;
 }
 
 s32 OSThreadStop(PXTThread* thread) {
   if (thread == nullptr) return kFailed;
   // Deliberate: a body cannot be interrupted, so to stop a thread is to wait for its end, and a
   // thread that cannot be joined has none to wait for. Held by Thread.StopWaitsForTheBodyToEnd.
-  (void)pthread_join(thread->thread, nullptr);
+  if (thread->thread == kNoThread) return 0;
+  // A thread is joined once: a second stop finds none.
+  if (pthread_join(thread->thread, nullptr) == 0) thread->thread = kNoThread;
   return 0;
 }
 

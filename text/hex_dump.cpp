@@ -33,7 +33,7 @@ astring Shown(u8 byte) {
 
 void PutBytes(astring* line, const u8* bytes, u32 count) {
   for (u32 i = 0; i < count; ++i) {
-    astring* digits = line + kFirstDigitColumn + 3 * i;
+    astring* digits = line + kFirstDigitColumn + size_t{3} * i;
     digits[0] = kHexDigits[bytes[i] >> 4];
     digits[1] = kHexDigits[bytes[i] & 0xF];
     if (i % 4 == 3 && i + 1 < count) digits[2] = ':';

@@ -95,7 +95,7 @@ u32 ASCIIToUnicode(ustring* out, u32* size, const astring* text) {
   for (size_t at = 0; at < count; ++at) {
     // Deliberate: a character beyond 0xFFFF is cut to its low 16 bits.
     // Held by LocaleText.CharactersBeyondSixteenBitsAreCut.
-    out[at] = static_cast<ustring>(wide.get()[at]);
+    out[at] = static_cast<ustring>(static_cast<u32>(wide.get()[at]));
   }
   out[count] = 0;
   return StoreUnits(size, count);

@@ -10,7 +10,7 @@ ZarnTokenizer::ZarnTokenizer(const std::wstring& text, const std::wstring& separ
 std::wstring ZarnTokenizer::nextToken() {
   if (exhausted_) return std::wstring();
   const std::wstring::size_type end = text_.find_first_of(separators_, at_);
-  const std::wstring token = text_.substr(at_, end - at_);
+  std::wstring token = text_.substr(at_, end - at_);
   exhausted_ = end == std::wstring::npos;
   at_ = exhausted_ ? text_.size() : end + 1;
   return token;

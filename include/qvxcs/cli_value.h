@@ -36,14 +36,16 @@ typedef struct PXTCommand {
  *
  * Types: 1 (stores the text pointer itself, nothing is copied), 4, 5, 7, 9, 11, 13, 20 to 23, and
  * 99: a count of thousandths, stored divided by 1000 (toward zero) as `s64`. Values of 8 and 16
- * bits are cut to their width and values beyond 32 bits to their low 32 bits, without a fault.
+ * bits are cut to their width and values beyond 32 bits to their low 32 bits, without a fault; a
+ * text of type 13 that is no number is 0, without a fault too.
  *
  * @param[in] text  the text
  * @param[in] type  type code
  * @param[out] out  room for the value
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_INVALID_PARAMETER when `out` is NULL; when the text is no number or boolean,
- *         where 0 is stored; when a quotient of type 99 leaves 32 bits, where nothing is stored
+ * @retval SM_STATUS_INVALID_PARAMETER when `out` is NULL; when the text is no number or boolean
+ *         (not for type 13), where 0 is stored; when a quotient of type 99 leaves 32 bits,
+ *         where nothing is stored
  * @retval SM_STATUS_BAD_ARGUMENT for any other type code; nothing is stored
  * @retval 0xFFFFFFFF when `text` is NULL; nothing is stored
  * @par Memory

@@ -237,8 +237,8 @@ QVX_EXPORT s32 PXTAStrnicmp(const astring* first, const astring* second, u32 cou
  * @param[in] replace   what takes its place; may be empty
  * @param[in,out] size  bytes of room in `out`, NUL counted; the bytes needed when there is too
  *                      little
- * @param[in,out] out   room for the result, or NULL to ask for its size; neither `find` nor
- *                      `replace` may lie in it
+ * @param[in,out] out   room for the result, or NULL to ask for its size. It may be `text` itself;
+ *                      other texts that lie in it give no useful result
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER when `text`, `find`, `replace` or `size` is NULL, when
  *         `text` or `find` is empty, or when `find` is the longer; nothing is changed

@@ -57,9 +57,11 @@ QVX_BEGIN_DECLS
  *
  * When the value cannot be read the default takes its place; the status still tells why. What
  * counts as a default, and when:
- * - type 1: when the key was not found (the file, though, was opened) and the default's size is not
- *   0: as many bytes as both sizes allow, the last one made NUL. Else the value is "" and `*size`
- * 0.
+ * - type 1: any failure behind the opening of the file but SM_STATUS_BUFFER_TOO_SMALL, when the
+ *   default's size is not 0: as many bytes as both sizes allow, the last one made NUL. Else the
+ *   value is "" and its size 0. When the lock or the file is not to be had, value and size stay as
+ *   they were. Lists have no default, and but for SM_STATUS_BUFFER_TOO_SMALL a failed one leaves
+ * its size.
  * - types 2 and 3: any failure but SM_STATUS_BUFFER_TOO_SMALL: as many bytes as both sizes allow.
  *   Else `*size` is 0.
  * - types 4 to 9: any failure, when the default's size is at least the type's: the value is the
@@ -179,8 +181,8 @@ QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s
  * @retval SM_STATUS_FILE_CREATE_FAILED when the copy cannot be moved
  * @retval -1 when the directory cannot be created, or without memory
  *
- * After a failure the file is as it was; the copy may be left and is overwritten by the next
- * change.
+ * After a failure the file's text is as it was, and a file that was to be created may be left
+ * empty; the copy may be left, too, and is overwritten by the next change.
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads

@@ -33,8 +33,7 @@ QVX_BEGIN_DECLS
  * Tests whether a text is a decimal integer.
  *
  * @param[in] text       the text
- * @param[in] allowSign  non-zero allows one "+" or "-" in front; the sign alone is then accepted
- * too
+ * @param[in] allowSign  non-zero allows one "+" or "-" in front, the sign alone too
  * @retval SM_STATUS_SUCCESS every character is a digit, less the sign
  * @retval SM_STATUS_INVALID_PARAMETER otherwise, and when `text` is NULL or empty
  * @par Memory
@@ -247,8 +246,8 @@ QVX_EXPORT s32 PXTASCIIToSigned32VT(const astring* text, u32 base, u32* status);
  * @param[in] text     the text, without white space
  * @param[in] base     8, 10 or 16
  * @param[out] status  `SM_STATUS_SUCCESS`, for a sign alone too; `SM_STATUS_INVALID_PARAMETER` when
- *                     the text is NULL, empty or not of the base's digits, or the base another;
- * NULL is allowed
+ *                     the text is NULL, empty or not of the base's digits, or the base
+ *                     another; NULL is allowed
  * @return in base 10 what `PXTASCIIToUnSigned64` gives, so 0 for a text with "-"; in the others 0
  * @par Memory
  * Reads the text only.

@@ -32,15 +32,15 @@ QVX_BEGIN_DECLS
  * resource found" without the byte order mark, "Failed to allocate memory".
  *
  * @param[in] stringId        the text's identifier
- * @param[in,out] languageId  the language, or NULL for the neutral one; set to 0 when 1033, 437 or
- *                            the neutral language in place of one without the text
+ * @param[in,out] languageId  the language, or NULL for the neutral one; set to 0 for 1033 and 437,
+ *                            and when it has not the text and the neutral language is tried
  * @param[in] path            the file
  * @param[out] buffer         room for the text, or NULL
- * @param[in,out] size        bytes of room, or NULL; then the result. There is no size query: give
- * a buffer that is large enough for the longest text
+ * @param[in,out] size        bytes of room, or NULL; then the result. There is no size query:
+ *                            give a buffer that is large enough for the longest text
  * @return the bytes delivered, the 0 unit counted; 0 when there is no such text, the buffer is
- *         missing or too small, or memory is exhausted. With `buffer` and `size` both NULL the
- * bytes that the text needs
+ *         missing or too small, or memory is exhausted. With `buffer` and `size` both
+ *         NULL the bytes that the text needs
  * @par Memory
  * Hands out none; at most `*size` bytes of `buffer` are written.
  * @par Threads

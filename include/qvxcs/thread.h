@@ -26,7 +26,7 @@ typedef u32 (*PXTThreadEntry)(u32 argument);
 typedef struct PXTThread {
   PXTThreadEntry entry; /**< the body */
   u32 argument;         /**< what the body is called with */
-  pthread_t thread;     /**< set when the thread has been created */
+  pthread_t thread;     /**< set when the thread has been created, zeroed when it was stopped */
 } PXTThread;
 
 /**
@@ -37,7 +37,7 @@ typedef struct PXTThread {
  * @param[in] argument  what the body is called with
  * @retval 0 the thread was started
  * @retval -1 when the record or the body is NULL (nothing is stored), or when the system has no
- *         thread to give (body and argument are stored)
+ *         thread to give (body and argument are stored, the thread is zeroed)
  * @par Memory
  * The record stays the caller's and must outlive the thread.
  * @par Threads
@@ -50,13 +50,14 @@ QVX_EXPORT s32 PXTThreadStart(PXTThread* thread, PXTThreadEntry entry, u32 argum
  *
  * There is no way to interrupt a body: to stop a thread is to wait until it ends by itself.
  *
- * @param[in] thread  a record that was started and has not been stopped yet
- * @retval 0 the thread has ended
+ * @param[in,out] thread  a record that was started, or a zeroed one
+ * @retval 0 the thread has ended; at once for a record whose start failed, that has been stopped
+ *         already or is zeroed
  * @retval -1 when the record is NULL
  * @par Memory
  * The system's resources of the thread are released; the record stays the caller's.
  * @par Threads
- * One thread stops a record, once. A thread does not stop itself.
+ * One thread at a time stops a record. A thread does not stop itself.
  */
 QVX_EXPORT s32 PXTThreadStop(PXTThread* thread);
 

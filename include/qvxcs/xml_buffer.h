@@ -15,28 +15,28 @@
  * The value of an element is given by a pointer and a type code. Values behind a pointer need no
  * alignment; exactly their bytes are read.
  *
- * | code | the pointer points to           | written between the tags                            |
- * |-----:|---------------------------------|-----------------------------------------------------|
- * |    1 | `astring` text                  | the text as it stands                               |
- * |    2 | `ustring` text                  | the text as UTF-8, not escaped                      |
- * |    4 | `booln`                         | "true" for exactly 1, else "false"                  |
- * |    5 | `u32`                           | a number                                            |
- * |    7 | `s32`                           | a number                                            |
- * |    9 | `u64`                           | a decimal number                                    |
- * |   11 | `s64`                           | a decimal number                                    |
- * |   13 | `d64`                           | eight decimal places, cut at 31 characters          |
- * |   15 | `s32`, seconds since 1970       | local time ("Thu Jan  1 00:00:01 1970"), "-1" below 1
- * | |   16 | `SSAStr`                        | its text as it stands; empty without one | |   17 |
- * `SSUStr`                        | its text as UTF-8, not escaped; empty without one   | |   18 |
- * nothing, may be NULL            | the opening tag alone                               | |   19 |
- * nothing, may be NULL            | the closing tag alone, without attributes           | |   20 |
- * unsigned 8 bits                 | a number                                            | |   21 |
- * signed 8 bits                   | a number                                            | |   22 |
- * unsigned 16 bits                | a number                                            | |   23 |
- * signed 16 bits                  | a number                                            | |   25 |
- * `PXTTypedValue`                 | its value, by its own type and format               | |   26 |
- * `astring` text                  | the text, escaped for XML                           | |   27 |
- * `ustring` text                  | the text as UTF-8, escaped for XML                  |
+ * | code | the pointer points to     | written between the tags                              |
+ * |-----:|---------------------------|-------------------------------------------------------|
+ * |    1 | `astring` text            | the text as it stands                                 |
+ * |    2 | `ustring` text            | the text as UTF-8, not escaped                        |
+ * |    4 | `booln`                   | "true" for exactly 1, else "false"                    |
+ * |    5 | `u32`                     | a number                                              |
+ * |    7 | `s32`                     | a number                                              |
+ * |    9 | `u64`                     | a decimal number                                      |
+ * |   11 | `s64`                     | a decimal number                                      |
+ * |   13 | `d64`                     | eight decimal places, cut at 31 characters            |
+ * |   15 | `s32`, seconds since 1970 | local time, "Thu Jan  1 00:00:01 1970"; below 1: "-1" |
+ * |   16 | `SSAStr`                  | its text as it stands; empty without one              |
+ * |   17 | `SSUStr`                  | its text as UTF-8, not escaped; empty without one     |
+ * |   18 | nothing, may be NULL      | the opening tag alone                                 |
+ * |   19 | nothing, may be NULL      | the closing tag alone, without attributes             |
+ * |   20 | unsigned 8 bits           | a number                                              |
+ * |   21 | signed 8 bits             | a number                                              |
+ * |   22 | unsigned 16 bits          | a number                                              |
+ * |   23 | signed 16 bits            | a number                                              |
+ * |   25 | `PXTTypedValue`           | its value, by its own type and format                 |
+ * |   26 | `astring` text            | the text, escaped for XML                             |
+ * |   27 | `ustring` text            | the text as UTF-8, escaped for XML                    |
  *
  * The gaps are no types and are refused; the codes never change. A "number" is decimal unless a
  * `PXTTypedValue` asks for radix 16.

@@ -16,6 +16,8 @@ class ZarnException {
   explicit ZarnException(int code) : code_(code) {}
   ZarnException(const ZarnException&) = default;
   ZarnException& operator=(const ZarnException&) = default;
+  ZarnException(ZarnException&&) = default;
+  ZarnException& operator=(ZarnException&&) = default;
   virtual ~ZarnException();
 
   int getCode() const { return code_; }

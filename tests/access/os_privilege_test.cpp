@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "access/role.h"
+#include "frame/heap.h"
 #include "support/alloc_fault.h"
 #include "support/processes.h"
 #include "tests/access/accounts.h"
@@ -61,8 +62,9 @@ TEST(OsPrivilege, AProcessUserWithoutANameIsNull) {
 
 TEST(OsPrivilege, TheProcessUserIsNullWithoutMemory) {
   test::OnlyRoot();
-  const u32 met = test::FailEachAllocation([] { return OSGetProcessUser(); },
-                                           [](astring* name) { EXPECT_EQ(name, nullptr); });
+  const u32 met =
+      test::FailEachAllocation([] { return HeapArray<astring>(OSGetProcessUser()); },
+                               [](const HeapArray<astring>& name) { EXPECT_FALSE(name); });
   EXPECT_GE(met, 2u);
 }
 

@@ -328,6 +328,16 @@ TEST(FileUtil, ReplacedFileHasTheNewContentAndMode01664) {
   EXPECT_FALSE(Exists("/tmp/source"));
 }
 
+TEST(FileUtil, ReplacedFileHadItsModeSetBeforeItWent) {
+  WriteFile("/tmp/target", "old");
+  WriteFile("/tmp/source", "new");
+  ASSERT_EQ(link("/tmp/target", "/tmp/kept"), 0);
+  ASSERT_EQ(chmod("/tmp/kept", 0600), 0);
+  EXPECT_EQ(ReplaceFile("/tmp/target", "/tmp/source"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ModeOf("/tmp/kept"), 01664u);
+  EXPECT_EQ(ReadFile("/tmp/kept"), "old");
+}
+
 TEST(FileUtil, ReplaceNeedsATargetFile) {
   WriteFile("/tmp/source", "new");
   ASSERT_EQ(mkdir("/tmp/d", 0755), 0);

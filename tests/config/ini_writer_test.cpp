@@ -119,6 +119,21 @@ TEST_F(IniWriter, MissingSectionIsAppendedInPlace) {
   EXPECT_EQ(before.st_ino, after.st_ino);
 }
 
+TEST_F(IniWriter, AppendingMakesTheFileWritableFirst) {
+  constexpr uid_t kNobody = 65534;
+  Given("[Net]\n");
+  ASSERT_EQ(chmod(kPath, 0400), 0);
+  ASSERT_EQ(chown(kPath, kNobody, static_cast<gid_t>(-1)), 0);
+  const int result = test::InChild([] {
+    if (setuid(kNobody) != 0) {
+      return 1;
+    }
+    return AppendValue("Sec", "key", "value", kPath) == SM_STATUS_SUCCESS ? 3 : 4;
+  });
+  EXPECT_EQ(result, 3);
+  EXPECT_EQ(ReadFile(kPath), "[Net]\n[Sec]\nkey=value\n");
+}
+
 TEST_F(IniWriter, AppendedSectionJoinsALastLineWithoutItsLineEnd) {
   Given("[Net]\nport=80");
   EXPECT_EQ(Write("Sec", "key", "value"), SM_STATUS_SUCCESS);

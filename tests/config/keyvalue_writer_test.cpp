@@ -147,6 +147,20 @@ TEST_F(KeyValueWriter, KeyAndValueOf8449CharactersAreTooLarge) {
   EXPECT_EQ(Content(), "a=" + largest + "\n");
 }
 
+TEST_F(KeyValueWriter, PairIsCheckedBeforeTheDirectoryIsCreated) {
+  const char* const path = "/tmp/kv/new/test.properties";
+  EXPECT_EQ(Set(path, "a", std::string(8448, 'v'), 0), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(PXTCFGSetKeyValue(path, nullptr, 0), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_FALSE(test::Exists("/tmp/kv/new"));
+}
+
+TEST_F(KeyValueWriter, DirectoryIsCreatedBeforeTheLockIsTaken) {
+  const test::LockHolder other(kLockFile);
+  const test::CountSleeps sleeps;
+  EXPECT_EQ(Set("/tmp/kv/new/test.properties", "a", "1", 0), SM_STATUS_LOCK_FAILED);
+  EXPECT_TRUE(test::Exists("/tmp/kv/new"));
+}
+
 TEST_F(KeyValueWriter, NullArgumentsAreRefused) {
   test::WriteFile(kFile, "a=1\n");
   astring text[] = "a";

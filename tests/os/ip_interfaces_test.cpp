@@ -39,6 +39,10 @@ constexpr u32 kSlot = 65;
 const char* commandBeforeReading = nullptr;
 int readingsUntilCommand = 0;
 
+// What the next reading gives in place of the system's list: a block of the heap, or none.
+bool givesSubstitute = false;
+ifaddrs* substitute = nullptr;
+
 void Shell(const std::string& command) { ASSERT_EQ(system(command.c_str()), 0) << command; }
 
 unsigned int FlagsOf(const char* interface) {
@@ -134,6 +138,23 @@ TEST_F(Interfaces, AnExactCapacityIsASuccess) {
 }
 
 TEST_F(Interfaces, InterfacesWithoutAddressTextAreNotCounted) { EXPECT_EQ(Counted(), 0U); }
+
+TEST_F(Interfaces, AnEntryWithoutAnAddressIsPassedOver) {
+  substitute = static_cast<ifaddrs*>(calloc(1, sizeof(ifaddrs)));
+  ASSERT_NE(substitute, nullptr);
+  substitute->ifa_flags = IFF_UP | IFF_RUNNING;
+  givesSubstitute = true;
+  EXPECT_EQ(Counted(), 0U);
+  EXPECT_FALSE(givesSubstitute);
+}
+
+TEST_F(Interfaces, AnEmptyListIsASuccessOfNone) {
+  AddTwoAddresses();
+  substitute = nullptr;
+  givesSubstitute = true;
+  EXPECT_EQ(Counted(), 0U);
+  EXPECT_FALSE(givesSubstitute);
+}
 
 TEST_F(Interfaces, LoopbackAddressesArePassedOver) {
   Shell("ip link set lo up");
@@ -277,6 +298,11 @@ TEST(HostNameText, IsNullAndSoIsTheHostListBeforeTheSupportIsLoaded) {
 
 // Stands before the C library's, so that the list can change between two readings.
 extern "C" int getifaddrs(ifaddrs** list) noexcept {
+  if (givesSubstitute) {
+    givesSubstitute = false;
+    *list = substitute;
+    return 0;
+  }
   if (readingsUntilCommand != 0 && --readingsUntilCommand == 0) {
     if (system(commandBeforeReading) != 0) abort();
   }

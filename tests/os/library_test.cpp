@@ -5,7 +5,10 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "qvxcs/status.h"
@@ -121,6 +124,15 @@ TEST(Library, ANullHandleLinksToNullAndUnloadsAsRefused) {
   EXPECT_EQ(qvx::OSLibLinkToExportFN(&library, "malloc"), nullptr);
   EXPECT_EQ(qvx::OSLibUnLoad(&library), kFailed);
   EXPECT_EQ(library.path, nullptr);
+}
+
+TEST(Library, ThePathIsReleasedWhenTheLoaderRefusesToUnload) {
+  // The loader takes an image that nobody has opened for one that cannot be closed.
+  const auto unopened = std::make_unique<std::array<std::max_align_t, 512>>();
+  PXTLibrary library = {strdup("copy"), unopened->data()};
+  EXPECT_EQ(qvx::OSLibUnLoad(&library), kFailed);
+  EXPECT_EQ(library.path, nullptr);
+  EXPECT_EQ(library.handle, unopened->data());
 }
 
 TEST(Library, AnErrorOfAnEarlierLoadDoesNotSpoilALink) {

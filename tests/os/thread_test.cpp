@@ -52,6 +52,15 @@ TEST(Thread, ARecordCanBeStartedAgainAfterItWasStopped) {
   }
 }
 
+TEST(Thread, ARecordWithoutAThreadStopsAtOnce) {
+  PXTThread thread = {};
+  EXPECT_EQ(qvx::OSThreadStop(&thread), 0);
+  ASSERT_EQ(qvx::OSThreadStart(&thread, Remember, 5), 0);
+  EXPECT_EQ(qvx::OSThreadStop(&thread), 0);
+  EXPECT_EQ(thread.thread, 0U);
+  EXPECT_EQ(qvx::OSThreadStop(&thread), 0);
+}
+
 TEST(Thread, ANullRecordOrEntryStartsNothing) {
   PXTThread thread = {};
   EXPECT_EQ(qvx::OSThreadStart(nullptr, Remember, 1), -1);
@@ -67,7 +76,9 @@ TEST(Thread, FailsWhenTheSystemHasNoThreadToGive) {
               pthread_attr_setstacksize(&attributes, SIZE_MAX / 4);  // no room for such a stack
               if (pthread_setattr_default_np(&attributes) != 0) return 100;
               PXTThread thread = {};
+              thread.thread = pthread_self();
               if (qvx::OSThreadStart(&thread, Remember, 9) != -1) return 101;
+              if (thread.thread != 0 || qvx::OSThreadStop(&thread) != 0) return 103;
               return thread.entry == &Remember && thread.argument == 9 && seen == 0 ? 0 : 102;
             }),
             0);

@@ -11,8 +11,10 @@
 
 #include "frame/heap.h"
 #include "frame/module.h"
+#include "paths/layout.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
+#include "support/processes.h"
 
 namespace qvx {
 namespace {
@@ -127,6 +129,21 @@ TEST(Oem, SchemaPrefixIsZarnWhenTheConfiguredOneDoesNotFit) {
 TEST(Oem, SchemaPrefixIsZarnWhileTheLibraryIsNotAttached) {
   test::WriteFile(kOemFile, "[data]\nadschemaprefix=acme\n");
   EXPECT_EQ(Text(PXTGetOEMADSchemaPrefix()), "zarn");
+}
+
+TEST(Oem, BothQuestionsWaitForTheLock) {
+  ASSERT_EQ(ModuleAttach(), 1);
+  test::WriteFile(kChassisFile, "[blade]\nblade=true\n");
+  test::WriteFile(kOemFile, "[data]\nadschemaprefix=acme\n");
+  const test::LockHolder other(kIPCFilePath);
+  {
+    const test::CountSleeps sleeps;
+    EXPECT_EQ(PXTCheckModularChassis(), 0u);
+    EXPECT_EQ(test::CountSleeps::Count(), 60000u);
+  }
+  const test::CountSleeps sleeps;
+  EXPECT_EQ(Text(PXTGetOEMADSchemaPrefix()), "zarn");
+  EXPECT_EQ(test::CountSleeps::Count(), 60000u);
 }
 
 TEST(Oem, SchemaPrefixIsNullOnlyWithoutItsOwnBlock) {

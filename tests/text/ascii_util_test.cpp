@@ -176,6 +176,16 @@ TEST(AsciiUtil, BadArgumentsAreInvalidParameters) {
   EXPECT_STREQ(out, "old");
 }
 
+TEST(AsciiUtil, TextIsReplacedWithinItself) {
+  GuardBuffer<astring> text(9);
+  memcpy(text.data(), "abcdef", 7);
+  u32 size = 9;
+  EXPECT_EQ(ASCIIReplaceSubstr(text.data(), "cd", "1234", &size, text.data()), SM_STATUS_SUCCESS);
+  EXPECT_STREQ(text.data(), "ab1234ef");
+  EXPECT_EQ(ASCIIReplaceSubstr(text.data(), "1234", "", &size, text.data()), SM_STATUS_SUCCESS);
+  EXPECT_STREQ(text.data(), "abef");
+}
+
 TEST(AsciiUtil, WithoutAMatchTheStandingTextsLengthIsCopied) {
   const Replaced shorter = Replace("abcdef", "xy", "", 9, "123");
   EXPECT_EQ(shorter.status, kMinusOne);

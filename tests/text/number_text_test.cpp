@@ -194,7 +194,7 @@ TEST(NumberText, Base16TakesTheBaseFromTheText) {
                 {"10", 16, 10, 0},
                 {"010", 16, 8, 0},
                 {"08", 16, 0, 0},    // octal up to the first digit that does not belong
-                {"1f", 16, 1, 0},    // decimal up to the letter
+                {"1f", 16, 1, 0},    // decimal, up to its f
                 {"0b11", 16, 0, 0},  // no binary prefix
                 {"ff", 16, 0, kInvalid},
                 {"FF", 16, 0, kInvalid},

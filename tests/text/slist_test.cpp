@@ -301,6 +301,32 @@ TEST_F(SList, CompareRunsUnderTheListsLock) {
   EXPECT_TRUE(otherGotIn);
 }
 
+// A count seen to change before the lock is let go would be an operation that did not wait for it.
+TEST_F(SList, EveryOperationWaitsForTheListsLock) {
+  using Operation = void (*)(Header*, Entry*);
+  const Operation operations[] = {
+      [](Header* list, Entry* entry) { qvx::SLListInsertEntryAtHead(list, entry); },
+      [](Header* list, Entry* entry) { qvx::SLListInsertEntryAtTail(list, entry); },
+      [](Header* list, Entry* entry) { (void)qvx::SLListInsertKeyed(list, entry, CompareKeys); },
+      [](Header* list, Entry* entry) { (void)qvx::SLListInsertOrdered(list, entry, CompareKeys); },
+      [](Header* list, Entry*) { (void)qvx::SLListRemoveEntryAtHead(list); },
+      [](Header* list, Entry*) { (void)qvx::SLListRemoveEntryAtTail(list); },
+      [](Header* list, Entry*) { qvx::SLListDeleteEntry(list, list->head); },
+  };
+  s32 key = 0;
+  for (const Operation operation : operations) {
+    Entry* fresh = Make(++key);
+    const u32 before = list_->count;
+    qvx::LockContext(list_->lock);
+    std::thread waiting([&] { operation(list_, fresh); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_EQ(list_->count, before) << key;
+    qvx::UnLockContext(list_->lock);
+    waiting.join();
+    EXPECT_NE(list_->count, before) << key;
+  }
+}
+
 TEST_F(SList, FreeingWaitsForAnOperationUnderWay) {
   Header* list = qvx::SLListAlloc();
   std::atomic<bool> freed = false;

@@ -130,6 +130,15 @@ TEST(LogBackup, LogThatReachesTheMaximumReplacesTheOldBackup) {
   EXPECT_TRUE(test::LockIsFree());
 }
 
+TEST(LogBackup, OldBackupGetsItsModeBeforeItGoes) {
+  AttachWith("123456789", "old");
+  ASSERT_EQ(chmod(kBackup, 0600), 0);
+  ASSERT_EQ(link(kBackup, "/tmp/other-name"), 0);
+  EXPECT_EQ(Checked(kLog, 1, 1), 1);
+  EXPECT_EQ(test::ReadFile("/tmp/other-name"), "old");
+  EXPECT_EQ(ModeOf("/tmp/other-name"), 01664u);
+}
+
 TEST(LogBackup, FirstBackupNeedsNoOldOne) {
   ASSERT_EQ(ModuleAttach(), 1);
   WriteFile(kLog, "1");

@@ -89,6 +89,12 @@ TEST(LogEntry, UserAndSourceAreEscapedOnce) {
             EntryOf(1, 2, "a&lt;b", "&quot;&amp;&apos;&gt;&amp;amp;", "d"));
 }
 
+TEST(LogEntry, TextsOfSeveralBytesACharacterKeepTheirBytes) {
+  EXPECT_EQ(
+      WithoutTimes(Attached({1, 2, "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", nullptr, 0})),
+      EntryOf(1, 2, "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"));
+}
+
 TEST(LogEntry, DescriptionIsWrittenAsItStands) {
   EXPECT_EQ(WithoutTimes(Attached({1, 2, "u", "s", "a<b & \"c\"", nullptr, 0})),
             EntryOf(1, 2, "u", "s", "a<b & \"c\""));

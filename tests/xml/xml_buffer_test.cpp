@@ -101,6 +101,23 @@ TEST(XmlBuffer, AllocWithoutMemoryIsNull) {
   EXPECT_EQ(allocations, 2u);
 }
 
+TEST(XmlBuffer, StylesheetThatDoesNotFitInMemoryIsDroppedSilently) {
+  void* buffer = nullptr;
+  {
+    const FailNthAllocation fault(3);  // behind the record and its text
+    buffer = PXMAllocBuf(64, 1);
+  }
+  ASSERT_NE(buffer, nullptr);
+  EXPECT_STREQ(static_cast<SSAStr*>(buffer)->text, "");
+  (void)PXMFreeBuf(buffer, 0);
+}
+
+TEST(XmlBuffer, EscapedTextThatEndsAtAnUntouchablePageIsReadNoFurther) {
+  GuardBuffer<astring> text(4);
+  memcpy(text.data(), "a<b", 4);
+  EXPECT_EQ(ElementOf(26, text.data(), 3), "<T>a&amp;amp;lt;b</T>");
+}
+
 TEST(XmlBuffer, TakenTextOutlivesItsBuffer) {
   void* const buffer = PXTXAllocBuf(0, 0);
   ASSERT_EQ(PXTXBufCatEmptyNode(buffer, "Node", nullptr), SM_STATUS_SUCCESS);

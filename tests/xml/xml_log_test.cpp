@@ -92,6 +92,16 @@ TEST(XmlLog, ModeIsSetBeforeTheLogIsOpened) {
   EXPECT_EQ(ModeOf(kLog), 01664u);
 }
 
+TEST(XmlLog, OwnerWithoutTheRightToWriteGetsItFromTheMode) {
+  Attach();
+  ASSERT_EQ(chmod("/tmp", 0777), 0);
+  WriteFile(kLog, LogOf(""));
+  ASSERT_EQ(chown(kLog, test::kNobody, test::kNobody), 0);
+  ASSERT_EQ(chmod(kLog, 0400), 0);
+  EXPECT_TRUE(test::HoldsForNobody([] { return Append(kLog, 1, "d") == SM_STATUS_SUCCESS; }));
+  EXPECT_EQ(LogNow(), LogOf(Plain(1, "d")));
+}
+
 TEST(XmlLog, BadArgumentsTouchNothing) {
   Attach();
   const std::string user1024(1024, 'u');
@@ -247,6 +257,14 @@ TEST(XmlLog, WithoutAnAttachNothingIsAppended) {
   EXPECT_EQ(ReadFile(kLog), LogOf("kept"));
   EXPECT_EQ(DeleteLogFile(kLog), SM_STATUS_LOCK_FAILED);
   EXPECT_TRUE(Exists(kLog));
+}
+
+TEST(XmlLog, DirectoryIsMadeBeforeTheHostIsAskedForItsName) {
+  test::RequireSandbox();
+  EXPECT_EQ(Append("/tmp/other/deeper/log.xml", 1, "d"), kMinusOne);
+  EXPECT_EQ(Append("/tmp/new/log.xml", 1, "d"), SM_STATUS_NOT_LOADED);
+  EXPECT_TRUE(Exists("/tmp/new"));
+  EXPECT_FALSE(Exists("/tmp/new/log.xml"));
 }
 
 TEST(XmlLog, LockIsGivenBackAndNothingStaysOpen) {
@@ -411,6 +429,26 @@ TEST(XmlLog, BackupCreatedEntryNamesTheSameUserAndSource) {
                                         std::string(16, ' ') + "\r\n")));
 }
 
+TEST(XmlLog, BackupCreatedEntryThatFailsIsNotReported) {
+  Attach();
+  bool entryAlone = false;
+  bool fired = true;
+  for (u32 nth = 1; fired; ++nth) {
+    WriteFile(kLog, LogOf("full"));
+    (void)unlink(kBackup);
+    u32 status = 0;
+    {
+      const test::FailNthAllocation fault(nth);
+      status = Append(kLog, 9, "d", 1);
+      fired = test::FailNthAllocation::Fired();
+    }
+    if (status == SM_STATUS_SUCCESS && Exists(kBackup) && LogNow() == LogOf(Plain(9, "d"))) {
+      entryAlone = true;
+    }
+  }
+  EXPECT_TRUE(entryAlone);
+}
+
 TEST(XmlLog, MissingLogHasNoBackupWhateverTheMaximum) {
   Attach();
   EXPECT_EQ(Append(kLog, 1, "d", 0), SM_STATUS_SUCCESS);
@@ -527,6 +565,15 @@ TEST(XmlLog, DeleteIsMinusOneWhereTheUnlinkFails) {
   EXPECT_EQ(DeleteLogFile("/tmp"), kMinusOne);
   EXPECT_EQ(DeleteLogFile(nullptr), SM_STATUS_INVALID_PARAMETER);
   EXPECT_TRUE(test::LockIsFree());
+}
+
+TEST(XmlLog, DeleteSetsTheModeFirst) {
+  Attach();
+  WriteFile(kLog, "x");
+  ASSERT_EQ(chmod(kLog, 0600), 0);
+  ASSERT_EQ(link(kLog, "/tmp/other-name"), 0);
+  EXPECT_EQ(DeleteLogFile(kLog), SM_STATUS_SUCCESS);
+  EXPECT_EQ(ModeOf("/tmp/other-name"), 01664u);
 }
 
 TEST(XmlLog, DeleteNeedsNoModeThatCanBeSet) {

@@ -6,7 +6,6 @@
 #define PAM_SM_AUTH
 #define PAM_SM_ACCOUNT
 #include <security/pam_modules.h>
-
 #include <stdlib.h>
 #include <string.h>
 

@@ -1,0 +1,147 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "config/stdio_file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include "support/files.h"
+#include "tests/config/ini_case.h"
+
+namespace qvx {
+namespace {
+
+using test::Exists;
+using test::ReadFile;
+using test::SmallDisk;
+using test::WriteFile;
+
+constexpr char kPath[] = "/tmp/a";
+
+TEST(StdioFile, EveryDescriptorIsClosedOnExec) {
+  WriteFile(kPath, "text");
+  for (const char* mode : {"r", "rb", "r+", "a", "w", "w+"}) {
+    const FilePtr file = OpenFile(kPath, mode);
+    ASSERT_TRUE(file) << mode;
+    EXPECT_EQ(fcntl(fileno(file.get()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC) << mode;
+  }
+  const FilePtr temporary = OpenTemporary(kPath);
+  ASSERT_TRUE(temporary);
+  EXPECT_EQ(fcntl(fileno(temporary.get()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+TEST(StdioFile, OnlyRegularFilesAreOpened) {
+  ASSERT_EQ(mkfifo("/tmp/fifo", 0666), 0);
+  for (const char* path : {"/tmp", "/tmp/fifo", "/dev/zero"}) {
+    EXPECT_FALSE(OpenFile(path, "r")) << path;
+    EXPECT_EQ(errno, EINVAL) << path;
+  }
+  for (const char* mode : {"w", "a", "r+", "w+"}) {
+    EXPECT_FALSE(OpenFile("/tmp", mode)) << mode;
+    EXPECT_FALSE(OpenFile("/tmp/fifo", mode)) << mode;
+    EXPECT_FALSE(OpenFile("/dev/null", mode)) << mode;
+  }
+}
+
+TEST(StdioFile, RefusedFilesLeaveNoDescriptorOpen) {
+  const int before = dup(0);
+  ASSERT_GE(before, 0);
+  (void)close(before);
+  EXPECT_FALSE(OpenFile("/dev/zero", "r"));
+  EXPECT_FALSE(OpenFile("/tmp", "r"));
+  const int after = dup(0);
+  EXPECT_EQ(after, before);
+  (void)close(after);
+}
+
+TEST(StdioFile, MissingFileIsToldByItsError) {
+  for (const char* mode : {"r", "r+"}) {
+    errno = 0;
+    EXPECT_FALSE(OpenFile("/tmp/missing", mode)) << mode;
+    EXPECT_EQ(errno, ENOENT) << mode;
+    EXPECT_FALSE(Exists("/tmp/missing")) << mode;
+  }
+}
+
+TEST(StdioFile, WritingBeginsAnewAndAppendingGoesOn) {
+  WriteFile(kPath, "old text");
+  FilePtr file = OpenFile(kPath, "w");
+  ASSERT_TRUE(file);
+  EXPECT_EQ(ReadFile(kPath), "");
+  EXPECT_GE(fputs("new", file.get()), 0);
+  EXPECT_TRUE(CloseWritten(std::move(file)));
+  file = OpenFile(kPath, "a");
+  ASSERT_TRUE(file);
+  EXPECT_GE(fputs("er", file.get()), 0);
+  EXPECT_TRUE(CloseSynced(std::move(file)));
+  EXPECT_EQ(ReadFile(kPath), "newer");
+}
+
+TEST(StdioFile, TemporaryTakesTheNameFromAnOldFileOrLink) {
+  WriteFile("/tmp/other", "other");
+  ASSERT_EQ(symlink("/tmp/other", "/tmp/link"), 0);
+  ASSERT_EQ(link("/tmp/other", kPath), 0);
+  for (const char* path : {"/tmp/link", kPath}) {
+    FilePtr file = OpenTemporary(path);
+    ASSERT_TRUE(file) << path;
+    EXPECT_GE(fputs("mine", file.get()), 0);
+    EXPECT_TRUE(CloseWritten(std::move(file)));
+    EXPECT_EQ(ReadFile(path), "mine");
+    EXPECT_EQ(ReadFile("/tmp/other"), "other");
+  }
+}
+
+TEST(StdioFile, TemporaryInPlaceOfADirectoryFails) {
+  ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
+  EXPECT_FALSE(OpenTemporary("/tmp/d"));
+  EXPECT_TRUE(Exists("/tmp/d"));
+}
+
+TEST(StdioFile, TextThatWaitsForAFullDiskFailsWhenClosed) {
+  for (bool (*const finish)(FilePtr) : {CloseWritten, CloseSynced}) {
+    const SmallDisk disk(1);
+    WriteFile(SmallDisk::Path("filler"), std::string(4096, 'f'));
+    FilePtr file = OpenFile(SmallDisk::Path("a").c_str(), "w");
+    ASSERT_TRUE(file);
+    EXPECT_GE(fputs("text", file.get()), 0);
+    EXPECT_FALSE(finish(std::move(file)));
+  }
+}
+
+TEST(StdioFile, EarlierWriteErrorIsToldWhenClosed) {
+  for (bool (*const finish)(FilePtr) : {CloseWritten, CloseSynced}) {
+    WriteFile(kPath, "");
+    // A stream that may only be read refuses the write and has nothing left to flush.
+    FilePtr file = OpenFile(kPath, "r");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(fputc('x', file.get()), EOF);
+    EXPECT_FALSE(finish(std::move(file)));
+  }
+}
+
+TEST(StdioFile, SizeIsToldAndThePositionStays) {
+  WriteFile(kPath, "0123456789");
+  const FilePtr file = OpenFile(kPath, "r");
+  ASSERT_TRUE(file);
+  ASSERT_EQ(fseek(file.get(), 3, SEEK_SET), 0);
+  EXPECT_EQ(StreamSize(file.get()), 10);
+  EXPECT_EQ(fgetc(file.get()), '3');
+}
+
+TEST(StdioFile, PipeHasNoSize) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+  const FilePtr reader(fdopen(ends[0], "r"));
+  ASSERT_TRUE(reader);
+  EXPECT_EQ(StreamSize(reader.get()), -1);
+  (void)close(ends[1]);
+}
+
+}  // namespace
+}  // namespace qvx
