@@ -89,14 +89,16 @@ std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetRecords() {
 std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetDefaultRecords() {
   const ZarnCriticalSection section(*this);
   DeleteRecords();
-  for (const wchar_t* line : kDefaultLines)
+  for (const wchar_t* line : kDefaultLines) {
     AppendRecord(line, 0);
+}
   return records_;
 }
 
 void QVAuthFileReader::DeleteRecords() {
-  for (const QVAuthFileRecord* record : records_)
+  for (const QVAuthFileRecord* record : records_) {
     delete record;
+}
   records_.clear();
 }
 

@@ -92,8 +92,9 @@ void QVAuthFileRecord::PopulateQVXRoles() {
   if (privileges == QVX_PRIV_NONE) throw QVXRoleMapFileReaderException(RoleInvalidRole, line);
   const std::deque<std::wstring> hostNames = NamesOf(hosts);
   for (const std::wstring& user : NamesOf(users)) {
-    for (const std::wstring& host : hostNames)
+    for (const std::wstring& host : hostNames) {
       AppendRole(user, host, privileges);
+}
   }
 }
 

@@ -19,8 +19,9 @@ namespace {
 
 u64 UnitsOf(const ustring* text) {
   u64 units = 0;
-  while (text[units] != 0)
+  while (text[units] != 0) {
     ++units;
+}
   return units;
 }
 

@@ -54,8 +54,6 @@ FilePtr StreamOver(int file, const astring* mode) {
   return FilePtr(stream);
 }
 
-bool Close(FilePtr file, bool good) { return fclose(file.release()) == 0 && good; }
-
 }  // namespace
 
 FilePtr OpenFile(const astring* path, const astring* mode) {
@@ -70,13 +68,7 @@ FilePtr OpenTemporary(const astring* path) {
 
 bool CloseWritten(FilePtr file) {
   const bool good = fflush(file.get()) == 0 && ferror(file.get()) == 0;
-  return Close(std::move(file), good);
-}
-
-bool CloseSynced(FilePtr file) {
-  const bool good =
-      fflush(file.get()) == 0 && ferror(file.get()) == 0 && fsync(fileno(file.get())) == 0;
-  return Close(std::move(file), good);
+  return fclose(file.release()) == 0 && good;
 }
 
 s64 StreamSize(FILE* file) {

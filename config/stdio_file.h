@@ -27,9 +27,6 @@ FilePtr OpenTemporary(const astring* path);
 // Flushes and closes; false when any write, the flush or the close failed.
 bool CloseWritten(FilePtr file);
 
-// The same after the data has reached the disk.
-bool CloseSynced(FilePtr file);
-
 // The stream's length, its position restored; -1 when it cannot be told.
 s64 StreamSize(FILE* file);
 

@@ -96,8 +96,9 @@ u32 DLListInsertOrdered(PXTDLList* list, PXTDLListEntry* entry, PXTDLListCompare
   PXTDLListEntry* at = list->head;
   // Deliberate: the walk ends at an equal key, so of equal keys the newest comes first. Held by
   // DList.OrderedInsertionPutsTheNewestOfEqualKeysFirst.
-  for (; at != nullptr && compare(entry, at) > 0; at = at->next)
+  for (; at != nullptr && compare(entry, at) > 0; at = at->next) {
     previous = at;
+}
   Link(list, entry, previous, at);
   return SM_STATUS_SUCCESS;
 }

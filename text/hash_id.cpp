@@ -78,8 +78,9 @@ s32 ReleaseHashID(void* table, u32 size, u32 id) {
 u32 GetMaxInUseID(void* table, u32 size) {
   for (u32 word = WordCount(size); word-- > 0;) {
     const u32 used = ReadWord(table, word) & (word == 0 ? ~kReservedBit : ~0u);
-    if (used != 0)
+    if (used != 0) {
       return word * kWordBits + kWordBits - 1 - static_cast<u32>(std::countl_zero(used));
+}
   }
   return 0;
 }

@@ -243,8 +243,9 @@ void strrev(astring* text) {
   const size_t length = strlen(text);
   const HeapArray<astring> reversed = AllocArray<astring>(u64{length} + 1);
   if (!reversed) return;
-  for (size_t at = 0; at < length; ++at)
+  for (size_t at = 0; at < length; ++at) {
     reversed[at] = text[length - 1 - at];
+}
   memcpy(text, reversed.get(), length);
 }
 

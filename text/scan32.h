@@ -29,8 +29,9 @@ inline bool IsAsciiSpace(astring character) {
 }
 
 inline const astring* SkipAsciiSpace(const astring* text) {
-  while (IsAsciiSpace(*text))
+  while (IsAsciiSpace(*text)) {
     ++text;
+}
   return text;
 }
 

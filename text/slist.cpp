@@ -75,8 +75,9 @@ void SLListDeleteEntry(PXTSLList* list, PXTSLListEntry* entry) {
   const ListGuard guard(list->lock);
   PXTSLListEntry* previous = nullptr;
   PXTSLListEntry* at = list->head;
-  for (; at != nullptr && at != entry; at = at->next)
+  for (; at != nullptr && at != entry; at = at->next) {
     previous = at;
+}
   if (at != nullptr) UnlinkBehind(list, entry, previous);
 }
 

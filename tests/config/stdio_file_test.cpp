@@ -79,7 +79,7 @@ TEST(StdioFile, WritingBeginsAnewAndAppendingGoesOn) {
   file = OpenFile(kPath, "a");
   ASSERT_TRUE(file);
   EXPECT_GE(fputs("er", file.get()), 0);
-  EXPECT_TRUE(CloseSynced(std::move(file)));
+  EXPECT_TRUE(CloseWritten(std::move(file)));
   EXPECT_EQ(ReadFile(kPath), "newer");
 }
 
@@ -104,25 +104,21 @@ TEST(StdioFile, TemporaryInPlaceOfADirectoryFails) {
 }
 
 TEST(StdioFile, TextThatWaitsForAFullDiskFailsWhenClosed) {
-  for (bool (*const finish)(FilePtr) : {CloseWritten, CloseSynced}) {
-    const SmallDisk disk(1);
-    WriteFile(SmallDisk::Path("filler"), std::string(4096, 'f'));
-    FilePtr file = OpenFile(SmallDisk::Path("a").c_str(), "w");
-    ASSERT_TRUE(file);
-    EXPECT_GE(fputs("text", file.get()), 0);
-    EXPECT_FALSE(finish(std::move(file)));
-  }
+  const SmallDisk disk(1);
+  WriteFile(SmallDisk::Path("filler"), std::string(4096, 'f'));
+  FilePtr file = OpenFile(SmallDisk::Path("a").c_str(), "w");
+  ASSERT_TRUE(file);
+  EXPECT_GE(fputs("text", file.get()), 0);
+  EXPECT_FALSE(CloseWritten(std::move(file)));
 }
 
 TEST(StdioFile, EarlierWriteErrorIsToldWhenClosed) {
-  for (bool (*const finish)(FilePtr) : {CloseWritten, CloseSynced}) {
-    WriteFile(kPath, "");
-    // A stream that may only be read refuses the write and has nothing left to flush.
-    FilePtr file = OpenFile(kPath, "r");
-    ASSERT_TRUE(file);
-    EXPECT_EQ(fputc('x', file.get()), EOF);
-    EXPECT_FALSE(finish(std::move(file)));
-  }
+  WriteFile(kPath, "");
+  // A stream that may only be read refuses the write and has nothing left to flush.
+  FilePtr file = OpenFile(kPath, "r");
+  ASSERT_TRUE(file);
+  EXPECT_EQ(fputc('x', file.get()), EOF);
+  EXPECT_FALSE(CloseWritten(std::move(file)));
 }
 
 TEST(StdioFile, SizeIsToldAndThePositionStays) {
