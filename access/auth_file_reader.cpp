@@ -91,14 +91,14 @@ std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetDefaultRecords() {
   DeleteRecords();
   for (const wchar_t* line : kDefaultLines) {
     AppendRecord(line, 0);
-}
+  }
   return records_;
 }
 
 void QVAuthFileReader::DeleteRecords() {
   for (const QVAuthFileRecord* record : records_) {
     delete record;
-}
+  }
   records_.clear();
 }
 

@@ -94,7 +94,7 @@ void QVAuthFileRecord::PopulateQVXRoles() {
   for (const std::wstring& user : NamesOf(users)) {
     for (const std::wstring& host : hostNames) {
       AppendRole(user, host, privileges);
-}
+    }
   }
 }
 

@@ -21,7 +21,7 @@ u64 UnitsOf(const ustring* text) {
   u64 units = 0;
   while (text[units] != 0) {
     ++units;
-}
+  }
   return units;
 }
 

@@ -98,7 +98,7 @@ u32 DLListInsertOrdered(PXTDLList* list, PXTDLListEntry* entry, PXTDLListCompare
   // DList.OrderedInsertionPutsTheNewestOfEqualKeysFirst.
   for (; at != nullptr && compare(entry, at) > 0; at = at->next) {
     previous = at;
-}
+  }
   Link(list, entry, previous, at);
   return SM_STATUS_SUCCESS;
 }

@@ -80,7 +80,7 @@ u32 GetMaxInUseID(void* table, u32 size) {
     const u32 used = ReadWord(table, word) & (word == 0 ? ~kReservedBit : ~0u);
     if (used != 0) {
       return word * kWordBits + kWordBits - 1 - static_cast<u32>(std::countl_zero(used));
-}
+    }
   }
   return 0;
 }

@@ -245,7 +245,7 @@ void strrev(astring* text) {
   if (!reversed) return;
   for (size_t at = 0; at < length; ++at) {
     reversed[at] = text[length - 1 - at];
-}
+  }
   memcpy(text, reversed.get(), length);
 }
 

@@ -31,7 +31,7 @@ inline bool IsAsciiSpace(astring character) {
 inline const astring* SkipAsciiSpace(const astring* text) {
   while (IsAsciiSpace(*text)) {
     ++text;
-}
+  }
   return text;
 }
 

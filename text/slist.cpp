@@ -77,7 +77,7 @@ void SLListDeleteEntry(PXTSLList* list, PXTSLListEntry* entry) {
   PXTSLListEntry* at = list->head;
   for (; at != nullptr && at != entry; at = at->next) {
     previous = at;
-}
+  }
   if (at != nullptr) UnlinkBehind(list, entry, previous);
 }
 
