@@ -30,6 +30,11 @@ TEST(IPCName, BlanksBeforeTheEqualsSignDoNotMatch) {
   EXPECT_EQ(CreateIPCName(30000), 130000);
 }
 
+TEST(IPCName, BlanksBeforeTheNumberAreSkippedLikeThoseBeforeTheWord) {
+  WriteFile("/etc/qvx.conf", "ipcnamebase= 5000\n");
+  EXPECT_EQ(CreateIPCName(30000), 35000);
+}
+
 TEST(IPCName, TheFirstMatchingLineWinsAndWhatFollowsTheNumberIsIgnored) {
   WriteFile("/etc/qvx.conf",
             "# ipcnamebase=1\nipcnamebase=x\nipcnamebase=7 eight\nipcnamebase=9\n");
