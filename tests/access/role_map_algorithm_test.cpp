@@ -305,5 +305,14 @@ TEST_F(RoleMapAddresses, AnIpv6AddressIsFoundInEverySpellingByTheUserPhaseOnly) 
   EXPECT_EQ(Grant({L"* 2001:db8::7 poweruser"}, L"bob"), 0x3u);
 }
 
+// "0" sorts before ":", so the full spelling is met first.
+TEST_F(RoleMapAddresses, TheFirstOfTwoSpellingsOfAnAddressDecides) {
+  test::Run("echo 0 > /proc/sys/net/ipv6/conf/qvxa/disable_ipv6");
+  test::Run("ip -6 addr add 2001:db8::7/64 dev qvxa nodad");
+  EXPECT_EQ(
+      Grant({L"alice 2001:db8::7 administrator", L"alice 2001:db8:0:0:0:0:0:7 user"}, L"alice"),
+      0x1u);
+}
+
 }  // namespace
 }  // namespace qvx
