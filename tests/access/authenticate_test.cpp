@@ -142,6 +142,13 @@ TEST_F(Authenticate, TextThatCannotBeConvertedIsRefused) {
   EXPECT_EQ(Authorize(nullptr, unpaired), 0u);
 }
 
+TEST_F(Authenticate, ALoginOfTenThousandUnitsIsRefused) {
+  const std::u16string name(10000, u'a');
+  EXPECT_EQ(LogIn(nullptr, name.c_str(), kPassword), 0u);
+  EXPECT_EQ(LogIn(name.c_str(), u"alice", kPassword), 0u);
+  EXPECT_EQ(LogIn(nullptr, u"alice", name.c_str()), 0u);
+}
+
 TEST_F(Authenticate, NothingBehindThePasswordsTerminatorIsWritten) {
   test::GuardBuffer<ustring> secret(3);
   secret[0] = 'x';

@@ -496,5 +496,17 @@ TEST(IniWriterUnattached, WritingIsRefused) {
   EXPECT_FALSE(Exists(kPath));
 }
 
+TEST_F(IniWriter, ALineOf64MegabytesIsCopiedAndReadPast) {
+  const std::string head = "[A]\n" + std::string(size_t{64} << 20, 'x') + "\n";
+  Given(head + "key=old\n");
+  EXPECT_EQ(Write("A", "key", "new"), SM_STATUS_SUCCESS);
+  EXPECT_TRUE(ReadFile(kPath) == head + "key=new\n");
+  astring value[8] = {};
+  u32 size = sizeof value;
+  EXPECT_EQ(ReadINIFileValue_astring("A", "key", value, &size, nullptr, 0, kPath, 0),
+            SM_STATUS_SUCCESS);
+  EXPECT_STREQ(value, "new");
+}
+
 }  // namespace
 }  // namespace qvx
