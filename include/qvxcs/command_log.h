@@ -20,7 +20,7 @@
  * Sizes are in bytes.
  *
  * @par Locks
- * The sizes are read under the suite's file lock (see locking.md), which all calls wait for up to a
+ * The sizes are read under the suite's file lock, which all calls wait for up to a
  * minute. It belongs to the process and does not nest: reading the properties file, or making a
  * missing log, ends the outer hold as well, and the rest of that call runs unlocked. Threads that
  * append take turns by a lock of their own.

@@ -32,7 +32,7 @@
  * Sizes and text limits are in bytes. Logs and backups get mode 01664, their directory 0755.
  *
  * @par Locks
- * Append, delete and backup hold the suite's file lock (see locking.md), for which they wait up to
+ * Append, delete and backup hold the suite's file lock, for which they wait up to
  * a minute; entries are built outside it. The lock keeps processes apart, not the threads of one
  * process: threads that write to one log take turns by a lock of their own.
  */
