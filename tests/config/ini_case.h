@@ -16,22 +16,9 @@
 
 #include "paths/layout.h"
 #include "support/files.h"
+#include "support/processes.h"
 
 namespace qvx::test {
-
-// Runs the work in a process of its own; gives what it returns.
-template <typename Work>
-int InChild(Work work) {
-  const pid_t child = fork();
-  if (child == 0) {
-    _exit(work());
-  }
-  int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
-    return -1;
-  }
-  return WEXITSTATUS(status);
-}
 
 inline bool TakeRecordLock() {
   const int file = open(kIPCFilePath, O_RDWR | O_CLOEXEC);
@@ -47,9 +34,9 @@ inline bool LockIsFree() {
 }
 
 // Another process that holds the suite's lock, until it is killed or for as long as it is told.
-class LockHolder {
+class TimedLockHolder {
  public:
-  explicit LockHolder(unsigned microseconds = 0) {
+  explicit TimedLockHolder(unsigned microseconds = 0) {
     int ready[2];
     if (pipe2(ready, O_CLOEXEC) != 0) {
       abort();
@@ -69,9 +56,9 @@ class LockHolder {
     (void)close(ready[0]);
     (void)close(ready[1]);
   }
-  ~LockHolder() { Kill(); }
-  LockHolder(const LockHolder&) = delete;
-  LockHolder& operator=(const LockHolder&) = delete;
+  ~TimedLockHolder() { Kill(); }
+  TimedLockHolder(const TimedLockHolder&) = delete;
+  TimedLockHolder& operator=(const TimedLockHolder&) = delete;
 
   void Kill() {
     if (child_ > 0) {

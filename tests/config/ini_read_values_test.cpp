@@ -21,8 +21,8 @@ namespace qvx {
 namespace {
 
 using test::GuardBuffer;
-using test::LockHolder;
 using test::LockIsFree;
+using test::TimedLockHolder;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/a.ini";
@@ -385,7 +385,7 @@ TEST_F(IniReadValues, DefaultMayBeTheValueItself) {
 
 TEST_F(IniReadValues, LockedFilesGiveTheTypedDefaults) {
   GivenText("1");
-  const LockHolder holder;
+  const TimedLockHolder holder;
   u32 value = 0;
   u32 size = 4;
   const u32 given = 5;
@@ -400,7 +400,7 @@ TEST_F(IniReadValues, LockedFilesGiveTheTypedDefaults) {
 }
 
 TEST_F(IniReadValues, BadArgumentsComeBeforeTheLock) {
-  const LockHolder holder;
+  const TimedLockHolder holder;
   u16 value = 0;
   u32 size = 2;
   EXPECT_EQ(ReadINIPathFileValue("A", "x", kU32, &value, &size, nullptr, 0, kPath, 0),

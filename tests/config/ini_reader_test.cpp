@@ -22,8 +22,8 @@ namespace qvx {
 namespace {
 
 using test::GuardBuffer;
-using test::LockHolder;
 using test::LockIsFree;
+using test::TimedLockHolder;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/a.ini";
@@ -402,7 +402,7 @@ TEST_F(IniReader, FilesThatCannotBeOpenedLeaveValueAndSize) {
 
 TEST_F(IniReader, LockHeldByAnotherProcessRefusesASingleAttempt) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const LockHolder holder;
+  const TimedLockHolder holder;
   // Only exactly 1 waits.
   for (const booln flag : {booln{0}, booln{2}, booln{0x101}}) {
     GuardBuffer<astring> value(5);
@@ -416,7 +416,7 @@ TEST_F(IniReader, LockHeldByAnotherProcessRefusesASingleAttempt) {
 
 TEST_F(IniReader, WaitingEndsAfter60000Milliseconds) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const LockHolder holder;
+  const TimedLockHolder holder;
   astring value[5];
   u32 size = 5;
   const test::CountSleeps sleeps;
@@ -428,7 +428,7 @@ TEST_F(IniReader, WaitingEndsAfter60000Milliseconds) {
 
 TEST_F(IniReader, WaitingReaderGetsTheLockOfAProcessThatEnds) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const LockHolder holder(50000);
+  const TimedLockHolder holder(50000);
   astring value[5];
   u32 size = 5;
   EXPECT_EQ(ReadINIFileValue_astring("A", "x", value, &size, nullptr, 0, kPath, 1),
@@ -438,7 +438,7 @@ TEST_F(IniReader, WaitingReaderGetsTheLockOfAProcessThatEnds) {
 
 TEST_F(IniReader, KilledHolderFreesTheLock) {
   WriteFile(kPath, "[A]\nx=1\n");
-  LockHolder holder;
+  TimedLockHolder holder;
   EXPECT_EQ(Read("A", "x").status, SM_STATUS_LOCK_FAILED);
   holder.Kill();
   EXPECT_EQ(Read("A", "x"), Found("1"));

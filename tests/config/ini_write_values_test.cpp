@@ -213,7 +213,7 @@ TEST_F(IniWriteValues, UnknownTypesAreBadArguments) {
 }
 
 TEST_F(IniWriteValues, LockIsTakenByEveryType) {
-  const test::LockHolder holder;
+  const test::TimedLockHolder holder;
   const u64 value = 0;
   EXPECT_EQ(StatusOf(kAstring, "", 1), SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(StatusOf(kUstring, &value, 2), SM_STATUS_LOCK_FAILED);
