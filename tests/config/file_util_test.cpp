@@ -375,6 +375,13 @@ TEST(FileUtil, ProtectedTargetsAreLeft) {
   EXPECT_EQ(ReadFile("/tmp/target"), "old");
 }
 
+// A file of /proc is a regular one that cannot be flushed to any disk.
+TEST(FileUtil, ASourceThatCannotBeFlushedReplacesNothing) {
+  WriteFile("/tmp/target", "old");
+  EXPECT_EQ(ReplaceFile("/tmp/target", "/proc/self/comm"), SM_STATUS_WRITE_FAILED);
+  EXPECT_EQ(ReadFile("/tmp/target"), "old");
+}
+
 TEST(FileUtil, TargetsOfAReadOnlyDiskAreLeft) {
   const SmallDisk disk(4);
   WriteFile(SmallDisk::Path("target"), "old");

@@ -16,6 +16,7 @@
 
 #include "frame/module.h"
 #include "support/alloc_fault.h"
+#include "support/immutable.h"
 #include "xml/log_files.h"
 
 namespace qvx {
@@ -375,6 +376,22 @@ TEST(XmlLog, FirstEntryThatDoesNotFitLeavesAnEmptyFile) {
   disk.MakeRoom();
   EXPECT_EQ(Append(kDiskLog, 2, "d"), SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(kDiskLog), LogOf(Plain(2, "d")));
+}
+
+TEST(XmlLog, ImmutableLogIsMinusOneAndStaysAsItIs) {
+  Attach();
+  ASSERT_EQ(Append(kLog, 1, "d"), SM_STATUS_SUCCESS);
+  const std::string before = ReadFile(kLog);
+  {
+    const test::Immutable immutable(kLog);
+    EXPECT_EQ(Append(kLog, 2, "d"), kMinusOne);
+    EXPECT_EQ(Append(kLog, 2, "d", 1), kMinusOne);
+    EXPECT_EQ(ClearXMLLog(kLog, "u", "s"), kMinusOne);
+    EXPECT_EQ(ReadFile(kLog), before);
+    EXPECT_TRUE(test::LockIsFree());
+  }
+  EXPECT_EQ(Append(kLog, 2, "d"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(LogNow(), LogOf(Plain(1, "d") + Plain(2, "d")));
 }
 
 TEST(XmlLog, ReadOnlyDiskIsMinusOneAndKeepsTheLog) {
