@@ -133,16 +133,21 @@ void UnLockContext(u32 handle) {
 }
 
 // The slots belong to the loaded image: a host that loads and unloads it often gets them back.
-// While a handle is in use they stay, because a thread may still hold its lock.
+// While a handle is in use they stay, because a thread may still hold its lock; at the end of a
+// process threads may also be making locks. A table that is busy is left, not waited for: in a
+// forked child the thread that was changing it does not exist.
 void ReleaseContextLockSlots() {
-  if (slotsInUse != 0) {
+  if (pthread_mutex_trylock(&tableMutex) != 0) {
     return;
   }
-  for (std::atomic<Slot*>& chunk : chunks) {
-    free(chunk.exchange(nullptr, std::memory_order_acq_rel));
+  if (slotsInUse == 0) {
+    for (std::atomic<Slot*>& chunk : chunks) {
+      free(chunk.exchange(nullptr, std::memory_order_acq_rel));
+    }
+    slotsUsed = 0;
+    firstFree = 0;
   }
-  slotsUsed = 0;
-  firstFree = 0;
+  pthread_mutex_unlock(&tableMutex);
 }
 
 }  // namespace qvx

@@ -16,8 +16,11 @@ s32 WaitForGlobalMutex(u32 handle, s32 timeout);
 s32 ReleaseGlobalMutex(u32 handle);
 void DestroyGlobalMutex();
 
-// The lock that serialises file work between the suite's processes. It belongs to the process: a
-// second take in the same process succeeds, and the first release ends every hold.
+// Deliberate: the lock belongs to the process: a second take in the same process succeeds, and the
+// first release ends every hold.
+// Held by FileLockTest.TheInnerReleaseOfANestedHoldEndsTheOuterOne.
+//
+// It serialises file work between the suite's processes.
 // A wait flag of 1 tries up to 60,000 times, 1 ms apart; any other value tries once.
 u32 FileLock(u16 wait);
 s32 FileUnlock();

@@ -81,6 +81,8 @@ s32 LockIPCFileRecord([[maybe_unused]] u32 handle, s32 timeout) {
   if (timeout == -1) {
     return WaitForRecord();
   }
+  // Deliberate: a single attempt on a file opened read-only fails, for only the next one asks for
+  // the shared lock. Held by FileLockTest.ASingleAttemptWithoutWriteAccessFails.
   short type = F_WRLCK;
   return PollWait(timeout, [&type] {
     if (SetRecord(F_SETLK, type) == 0) {

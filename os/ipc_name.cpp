@@ -29,18 +29,23 @@ bool ScanBase(const astring* line, s32* base) {
 
 }  // namespace
 
-// A configured base of -1 reads as "not read yet", so the file is read again at the next call.
-s32 CreateIPCName(u32 offset) {
-  if (ipcNameBase != kUnread) {
-    return Sum(ipcNameBase, offset);
-  }
-  ipcNameBase = kDefaultBase;
+s32 ReadIPCNameBase() {
+  s32 base = kDefaultBase;
   const FilePtr file = OpenFile(kIPCConfigPath, "r");
   if (file == nullptr) {
-    return Sum(ipcNameBase, offset);
+    return base;
   }
   astring line[kLineRoom];
-  while (fgets(line, kLineRoom, file.get()) != nullptr && !ScanBase(line, &ipcNameBase)) {
+  while (fgets(line, kLineRoom, file.get()) != nullptr && !ScanBase(line, &base)) {
+  }
+  return base;
+}
+
+// Deliberate: a configured base of -1 reads as "not read yet", so the file is read again at the
+// next call. Held by IPCName.ABaseOfMinusOneIsReadAgain.
+s32 CreateIPCName(u32 offset) {
+  if (ipcNameBase == kUnread) {
+    ipcNameBase = ReadIPCNameBase();
   }
   return Sum(ipcNameBase, offset);
 }

@@ -7,6 +7,10 @@
 
 namespace qvx {
 
+// The base that the configuration file tells, as it stands now; 100,000 without one.
+s32 ReadIPCNameBase();
+
+// The base, read once, and the offset.
 s32 CreateIPCName(u32 offset);
 
 }  // namespace qvx

@@ -27,7 +27,8 @@ union SemaphoreArgument {
   unsigned short* array;
 };
 
-// A value that the system refuses leaves the semaphore as it is.
+// Deliberate: a value that the system refuses leaves the semaphore as it is.
+// Held by Semaphore.AValueThatTheSystemRefusesLeavesANewSetAtZero.
 void SetValue(s32 handle, u32 value) {
   SemaphoreArgument argument{};
   argument.val = static_cast<int>(value);

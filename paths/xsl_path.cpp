@@ -86,7 +86,8 @@ bool FindLocaleFile(SheetPath* path, const Search& search, const astring* file,
   return FindFile(path, search, file, directory.text);
 }
 
-// The default locale stands in for `*locale`, and does so from then on.
+// Deliberate: where the default locale had to stand in once, found or not, it does so from then on.
+// Held by XslPath.GlobalsAreSoughtOnlyUnderTheStandInOnceItWasNeeded.
 bool FindLocaleOrDefaultFile(SheetPath* path, const Search& search, const astring* file,
                              const astring** locale) {
   if (FindLocaleFile(path, search, file, *locale)) return true;

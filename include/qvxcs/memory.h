@@ -37,7 +37,8 @@ QVX_EXPORT void* PXTAllocMem(u32 size);
  * The bytes up to the smaller of the two sizes are kept; those behind them are undefined.
  *
  * @param[in] block  the block, or NULL to allocate a new one
- * @param[in] size   the bytes wanted; for 0 the C library's `realloc` decides
+ * @param[in] size   the bytes wanted; for 0 the C library's `realloc` decides, which may release
+ *                   the block and return NULL
  * @return the block; NULL without memory, and then `block` stays as it was and still is the
  * caller's
  * @par Memory

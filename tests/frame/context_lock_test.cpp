@@ -3,7 +3,9 @@
 #include "frame/context_lock.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <set>
 #include <thread>
 #include <vector>
@@ -86,6 +88,56 @@ TEST(ContextLock, ThreadsMakeAndFreeLocksAtOnce) {
   for (std::thread& thread : threads) {
     thread.join();
   }
+}
+
+// A process may end, and the library go, while a thread still makes locks.
+TEST(ContextLock, TheSlotsGoOnlyWhileNoThreadMakesOrHasALock) {
+  std::atomic<int> running = 4;
+  std::atomic<int> releases = 0;
+  std::vector<std::thread> threads;
+  for (int at = running; at > 0; --at) {
+    threads.emplace_back([&running, &releases] {
+      for (int round = 0; round < 2000 || releases < 50000; ++round) {
+        const u32 handle = PXTAllocContextLock();
+        PXTLockContext(handle);
+        PXTUnLockContext(handle);
+        PXTFreeContextLock(handle);
+      }
+      --running;
+    });
+  }
+  while (running != 0) {
+    qvx::ReleaseContextLockSlots();
+    ++releases;
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  const u32 first = PXTAllocContextLock();
+  const u32 second = PXTAllocContextLock();
+  EXPECT_NE(first, 0U);
+  EXPECT_NE(second, 0U);
+  EXPECT_NE(first, second);
+  PXTFreeContextLock(first);
+  PXTFreeContextLock(second);
+}
+
+TEST(ContextLock, ALockInUseKeepsTheSlots) {
+  const u32 handle = PXTAllocContextLock();
+  PXTLockContext(handle);
+  qvx::ReleaseContextLockSlots();
+  std::atomic<bool> taken = false;
+  std::thread other([&taken, handle] {
+    PXTLockContext(handle);
+    taken = true;
+    PXTUnLockContext(handle);
+  });
+  usleep(20000);
+  EXPECT_FALSE(taken);
+  PXTUnLockContext(handle);
+  other.join();
+  EXPECT_TRUE(taken);
+  PXTFreeContextLock(handle);
 }
 
 TEST(ContextLock, ExhaustedMemoryGivesZeroAndLeaksNothing) {

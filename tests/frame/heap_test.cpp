@@ -31,6 +31,12 @@ TEST(Heap, ReAllocOfNullIsAnAllocation) {
   PXTFreeMem(block);
 }
 
+TEST(Heap, ASizeOfZeroIsForTheCLibraryToDecide) {
+  void* const block = PXTAllocMem(0);
+  EXPECT_NE(block, nullptr);
+  EXPECT_EQ(PXTReAllocMem(block, 0), nullptr);  // and the block is gone
+}
+
 TEST(Heap, EveryFreeTakesBlocksOfTheProcessHeapAndIgnoresNull) {
   PXTFreeMem(malloc(3));
   PXTGenericFree(malloc(3));

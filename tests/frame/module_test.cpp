@@ -17,14 +17,18 @@
 #include "qvxcs/status.h"
 #include "qvxcs/xml_log.h"
 
+#include "frame/export_context.h"
 #include "os/file_lock.h"
 #include "os/ipc_file.h"
 #include "paths/layout.h"
+#include "support/alarms.h"
 #include "support/files.h"
 #include "support/processes.h"
 
 namespace {
 
+using qvx::test::AlarmsEndTheHold;
+using qvx::test::LockHolder;
 using qvx::test::WriteFile;
 
 int OpenDescriptors() {
@@ -50,6 +54,41 @@ TEST(Module, OnlyTheFirstAttachOpensAndOnlyTheLastDetachCloses) {
   EXPECT_EQ(qvx::hGFileLock, 0U);
   EXPECT_EQ(qvx::ModuleDetach(), 0);
   EXPECT_EQ(qvx::modAttachCount, 0);
+}
+
+TEST(Module, OnlyTheFirstAttachCapturesTheExportContext) {
+  qvx::origECI = 7;
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::origECI, 0U);
+  qvx::origECI = 7;
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::origECI, 7U);
+}
+
+TEST(Module, FirstAttachAndLastDetachWaitForTheLockAndTheOthersDoNot) {
+  qvx::test::RequireSandbox();
+  {
+    LockHolder other(qvx::kIPCFilePath);
+    const AlarmsEndTheHold alarms(&other);
+    EXPECT_EQ(qvx::ModuleAttach(), 1);
+    EXPECT_GE(AlarmsEndTheHold::Count(), 3);
+  }
+  LockHolder other(qvx::kIPCFilePath);
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::ModuleDetach(), 1);
+  const AlarmsEndTheHold alarms(&other);
+  EXPECT_EQ(qvx::ModuleDetach(), 1);
+  EXPECT_GE(AlarmsEndTheHold::Count(), 3);
+}
+
+TEST(Module, ARefusedAttachWaitsForTheLockToo) {
+  qvx::test::RequireSandbox();
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::ModuleDetach(), 1);
+  LockHolder other(qvx::kIPCFilePath);
+  const AlarmsEndTheHold alarms(&other);
+  EXPECT_EQ(qvx::ModuleAttach(), 0);
+  EXPECT_GE(AlarmsEndTheHold::Count(), 3);
 }
 
 TEST(Module, AttachAfterTheLastDetachIsRefused) {
@@ -85,7 +124,7 @@ TEST(Module, AnIPCNameOfZeroFailsTheAttachAndOpensNothing) {
 
 TEST(Module, TheLockIsFreeAfterAttach) {
   EXPECT_EQ(qvx::ModuleAttach(), 1);
-  const qvx::test::LockHolder other(qvx::kIPCFilePath);
+  const LockHolder other(qvx::kIPCFilePath);
   EXPECT_EQ(qvx::FileLock(0), 0U);
 }
 
@@ -165,8 +204,28 @@ TEST(Module, ALockFileThatIsNoRegularFileFailsTheAttach) {
   qvx::test::RequireSandbox();
   (void)unlink(qvx::kIPCFilePath);
   ASSERT_EQ(mkfifo(qvx::kIPCFilePath, 0666), 0);
+  const int before = OpenDescriptors();
   EXPECT_EQ(qvx::ModuleAttach(), 0);
   EXPECT_EQ(qvx::IPCFileDescriptor(), -1);
+  EXPECT_EQ(OpenDescriptors(), before);
+  ASSERT_EQ(unlink(qvx::kIPCFilePath), 0);
+  ASSERT_EQ(mkdir(qvx::kIPCFilePath, 0777), 0);
+  EXPECT_EQ(qvx::ModuleAttach(), 0);
+  EXPECT_EQ(qvx::hGFileLock, 0U);
+  EXPECT_EQ(OpenDescriptors(), before);
+}
+
+// A failure at the lock file comes before the support for addresses is loaded, which is loaded
+// once.
+TEST(Module, AnAttachThatFoundNoLockFileMayBeTriedAgain) {
+  qvx::test::RequireSandbox();
+  const char folder[] = "/etc/cim/zarn/plinthos/var/lib";
+  const char gone[] = "/etc/cim/zarn/plinthos/var/gone";
+  ASSERT_EQ(rename(folder, gone), 0);
+  EXPECT_EQ(qvx::ModuleAttach(), 0);
+  ASSERT_EQ(rename(gone, folder), 0);
+  EXPECT_EQ(qvx::ModuleAttach(), 1);
+  EXPECT_EQ(qvx::modAttachCount, 1);
 }
 
 TEST(Module, InitAndFiniGiveTheResultsInSixteenBits) {

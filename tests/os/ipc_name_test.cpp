@@ -20,6 +20,13 @@ TEST(IPCName, WithoutAFileTheBaseIsAHundredThousandForGood) {
   EXPECT_EQ(CreateIPCName(30000), 130000);
 }
 
+TEST(IPCName, WithoutAMatchingLineTheBaseIsAHundredThousandForGood) {
+  WriteFile("/etc/qvx.conf", "IPCNAMEBASE=1\nxipcnamebase=2\nipcnamebase\n=3\n");
+  EXPECT_EQ(CreateIPCName(30000), 130000);
+  WriteFile("/etc/qvx.conf", "ipcnamebase=5000\n");
+  EXPECT_EQ(CreateIPCName(30000), 130000);
+}
+
 TEST(IPCName, LeadingBlanksAreSkipped) {
   WriteFile("/etc/qvx.conf", "  ipcnamebase=5000\n");
   EXPECT_EQ(CreateIPCName(30000), 35000);
@@ -53,6 +60,17 @@ TEST(IPCName, ABaseOfMinusOneIsReadAgain) {
 TEST(IPCName, TheSumWrapsAtThirtyTwoBits) {
   WriteFile("/etc/qvx.conf", "ipcnamebase=2147483647\n");
   EXPECT_EQ(CreateIPCName(1), INT32_MIN);
+  EXPECT_EQ(CreateIPCName(0xFFFFFFFF), 2147483646);
+}
+
+TEST(IPCName, ANumberBeyondThirtyTwoBitsKeepsItsLowOnes) {
+  WriteFile("/etc/qvx.conf", "ipcnamebase=4294967303\n");
+  EXPECT_EQ(CreateIPCName(0), 7);
+}
+
+TEST(IPCName, TheNumberMayHaveASignAndEndWithTheFile) {
+  WriteFile("/etc/qvx.conf", "\tipcnamebase=+12x");
+  EXPECT_EQ(CreateIPCName(0), 12);
 }
 
 TEST(IPCName, LongLinesAreReadInPieces) {

@@ -3,7 +3,9 @@
 #include "os/local_mutex.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <thread>
 
 #include "qvxcs/status.h"
@@ -25,6 +27,7 @@ TEST(LocalMutex, IsNotRecursiveAndATimeOutOfZeroIsOneAttempt) {
   {
     const qvx::test::CountSleeps sleeps;
     EXPECT_EQ(qvx::WaitForLocalMutex(mutex, 0), static_cast<s32>(SM_STATUS_TIMEOUT));
+    EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -2), static_cast<s32>(SM_STATUS_TIMEOUT));
     EXPECT_EQ(qvx::test::CountSleeps::Count(), 0U);
   }
   EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
@@ -41,6 +44,36 @@ TEST(LocalMutex, ATimeOutCountsSleepsOfAMillisecond) {
   EXPECT_EQ(qvx::test::CountSleeps::Count(), 5U);
   EXPECT_EQ(qvx::test::CountSleeps::Microseconds(), 5000U);
   EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
+  qvx::DestroyLocalMutex(mutex);
+}
+
+TEST(LocalMutex, AWaitWithoutLimitEndsWhenTheHolderReleases) {
+  const qvx::LocalMutex mutex = qvx::CreateLocalMutex();
+  EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -1), 0);
+  std::atomic<bool> taken = false;
+  std::thread other([&taken, mutex] {
+    EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -1), 0);
+    taken = true;
+    EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
+  });
+  usleep(20000);
+  EXPECT_FALSE(taken);
+  EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
+  other.join();
+  EXPECT_TRUE(taken);
+  qvx::DestroyLocalMutex(mutex);
+}
+
+TEST(LocalMutex, APolledWaitTakesTheMutexAtALaterAttempt) {
+  const qvx::LocalMutex mutex = qvx::CreateLocalMutex();
+  EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -1), 0);
+  std::thread other([mutex] {
+    EXPECT_EQ(qvx::WaitForLocalMutex(mutex, 60000), 0);
+    EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
+  });
+  usleep(5000);
+  EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
+  other.join();
   qvx::DestroyLocalMutex(mutex);
 }
 

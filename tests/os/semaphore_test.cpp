@@ -87,6 +87,30 @@ TEST_F(Semaphore, ASystemWithoutSetsToGiveIsAFailure) {
   EXPECT_EQ(SetsInUse(), 0);
 }
 
+// The placeholder takes the one set that there is to have.
+TEST_F(Semaphore, WhereThereIsOneSetOnlyIdentifierZeroIsNotHandedOut) {
+  qvx::test::WriteFile("/proc/sys/kernel/sem", "250 32000 32 1\n");
+  EXPECT_EQ(qvx::CreateSemaphore(kKey, 1), 0);
+  EXPECT_EQ(SetsInUse(), 0);
+}
+
+TEST_F(Semaphore, AValueThatTheSystemRefusesLeavesANewSetAtZero) {
+  for (const u32 initial : {u32{kMaximum} + 1, 0x80000000U, 0xFFFFFFFFU}) {
+    const s32 handle = qvx::CreateSemaphore(kKey, initial);
+    EXPECT_GT(handle, 0) << initial;
+    EXPECT_EQ(ValueOf(handle), 0) << initial;
+    EXPECT_EQ(qvx::DestroySemaphore(handle), 0);
+  }
+}
+
+TEST_F(Semaphore, ASetOutlivesTheProcessThatMadeIt) {
+  EXPECT_EQ(InChild([] { return qvx::CreateSemaphore(kKey, 7) > 0 ? 0 : 1; }), 0);
+  const s32 handle = qvx::OpenSemaphore(kKey);
+  EXPECT_GT(handle, 0);
+  EXPECT_EQ(ValueOf(handle), 7);
+  EXPECT_EQ(qvx::DestroySemaphore(handle), 0);
+}
+
 TEST_F(Semaphore, AWaitTakesAndAReleaseGivesBack) {
   const s32 handle = qvx::CreateSemaphore(kKey, 2);
   EXPECT_EQ(qvx::WaitForSemaphore(handle, 0), 0);

@@ -154,6 +154,22 @@ TEST(XslPath, TemplateSheetDoesNotLookOutsideTheTemplate) {
   EXPECT_EQ(Find("en"), Include("template/d/f.xsl"));
 }
 
+TEST(XslPath, WithoutTheTemplatesSheetItsLocalesDoNotCount) {
+  MakeSheet("template/en/US/d/f.xsl");
+  MakeSheet("template/en/d/f.xsl");
+  MakeSheet("template/d/globals.xsl");
+  EXPECT_EQ(Find("en_US", 14), kBase + "/d/f.xsl");
+}
+
+TEST(XslPath, GlobalsLieInTheCountryDirectoryOrTheLanguages) {
+  MakeSheet("template/d/f.xsl");
+  MakeSheet("template/zh/d/f.xsl");
+  MakeSheet("template/zh/d/globals.xsl");
+  MakeSheet("template/zh/TW/d/globals.xsl");
+  EXPECT_EQ(Find("zh_TW"), Include("template/d/f.xsl") + Include("template/zh/d/f.xsl") +
+                               Include("template/zh/TW/d/globals.xsl"));
+}
+
 TEST(XslPath, BlanksAreEscapedAndBackslashesTurned) {
   EXPECT_EQ(Text(PXTGetXSLPathLocale("p", "a b", "c\\d.xsl", nullptr, 0, 0)),
             kBase + "/a%20b/c/d.xsl");
@@ -236,6 +252,13 @@ TEST(XslPath, PermutationTriesThePairThenTheLanguage) {
   MakeSheet("zh/d/f.xsl");
   EXPECT_EQ(Text(SIGetXSLPathLocalePermutate(base, "d", "f.xsl", "zh_TW", 0, 1)),
             kBase + "/zh/d/f.xsl");
+}
+
+TEST(XslPath, PermutationTurnsTheFirstMarkOnly) {
+  EXPECT_EQ(Text(SIGetXSLPathLocalePermutate("r", "d", "f", "a_b_c", 0, 0)), "r/a/b_c/d/f");
+  MakeSheet("a/d/f.xsl");
+  EXPECT_EQ(Text(SIGetXSLPathLocalePermutate(kBase.c_str(), "d", "f.xsl", "a_b_c", 0, 1)),
+            kBase + "/a/d/f.xsl");
 }
 
 TEST(XslPath, PermutationRefusesLongLocalesAndNullPieces) {
