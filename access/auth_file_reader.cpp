@@ -26,6 +26,20 @@ constexpr wchar_t kCommentMark = L'#';
 
 }  // namespace
 
+void QVAuthFileRecords::Append(const std::wstring& line, s32 lineNumber) {
+  auto record = std::make_unique<QVAuthFileRecord>(line, lineNumber);
+  record->PopulateQVXRoles();
+  list_.push_back(record.get());
+  (void)record.release();
+}
+
+void QVAuthFileRecords::Clear() {
+  for (const QVAuthFileRecord* record : list_) {
+    delete record;
+  }
+  list_.clear();
+}
+
 QVAuthFileReader& QVAuthFileReader::GetInstance() {
   static QVAuthFileReader reader;
   return reader;
@@ -35,7 +49,7 @@ QVAuthFileReader::QVAuthFileReader() : path_(kRoleMapPath) {}
 
 QVAuthFileReader::~QVAuthFileReader() {
   const ZarnCriticalSection section(*this);
-  DeleteRecords();
+  records_.Clear();
   stream_.reset();
 }
 
@@ -71,43 +85,48 @@ std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetRecords() {
   // Deliberate: the default records that a login puts here stand for loaded ones until the file's
   // time changes. Held by
   // AuthFileReader.DefaultRecordsStandInForLoadedOnesUntilTheTimeChanges.
-  if (loaded_) return records_;
-  DeleteRecords();
+  if (loaded_) return records_.List();
+  records_.Clear();
   if (!stream_) throw QVXRoleMapFileReaderException(RoleFileOpenFailed, 0);
+  try {
+    ReadRecords();
+  } catch (const QVXRoleMapFileReaderException&) {
+    throw;
+  } catch (...) {
+    // Deliberate: without memory the reading never goes on, for the rest of the file would be taken
+    // for the whole of it: the default records stand until the process ends. Held by
+    // UserRights.WithoutMemoryNoPartOfTheRoleMapIsTakenForTheWhole.
+    StopReading();
+    throw;
+  }
+  if (records_.List().empty()) throw QVXRoleMapFileReaderException(RoleNoRecords, 0);
+  stream_.reset();
+  loaded_ = true;
+  return records_.List();
+}
+
+void QVAuthFileReader::ReadRecords() {
   std::wstring line;
   for (u32 number = 1; stream_->GetLine(line); ++number) {
     const std::wstring trimmed = TrimWhitespace(line, TrimMode::kBoth);
     if (trimmed.empty() || trimmed.front() == kCommentMark) continue;
-    AppendRecord(trimmed, static_cast<s32>(number));
+    records_.Append(trimmed, static_cast<s32>(number));
   }
-  if (records_.empty()) throw QVXRoleMapFileReaderException(RoleNoRecords, 0);
-  stream_.reset();
-  loaded_ = true;
-  return records_;
 }
 
 std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetDefaultRecords() {
   const ZarnCriticalSection section(*this);
-  DeleteRecords();
+  QVAuthFileRecords defaults;
   for (const wchar_t* line : kDefaultLines) {
-    AppendRecord(line, 0);
+    defaults.Append(line, 0);
   }
-  return records_;
+  records_.Swap(defaults);
+  return records_.List();
 }
 
-void QVAuthFileReader::DeleteRecords() {
-  for (const QVAuthFileRecord* record : records_) {
-    delete record;
-  }
-  records_.clear();
-}
-
-// A line that does not parse throws and leaves the list as it was.
-void QVAuthFileReader::AppendRecord(const std::wstring& line, s32 lineNumber) {
-  auto record = std::make_unique<QVAuthFileRecord>(line, lineNumber);
-  record->PopulateQVXRoles();
-  records_.push_back(record.get());
-  (void)record.release();
+void QVAuthFileReader::StopReading() {
+  const ZarnCriticalSection section(*this);
+  if (stream_) stream_->Fail();
 }
 
 }  // namespace qvx

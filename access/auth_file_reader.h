@@ -15,6 +15,24 @@
 
 namespace qvx {
 
+// Records in the order of their lines, owned.
+class QVAuthFileRecords {
+ public:
+  QVAuthFileRecords() = default;
+  ~QVAuthFileRecords() { Clear(); }
+  QVAuthFileRecords(const QVAuthFileRecords&) = delete;
+  QVAuthFileRecords& operator=(const QVAuthFileRecords&) = delete;
+
+  // A line that does not parse throws and leaves the list as it was.
+  void Append(const std::wstring& line, s32 lineNumber);
+  void Clear();
+  void Swap(QVAuthFileRecords& other) { list_.swap(other.list_); }
+  std::deque<QVAuthFileRecord*>& List() { return list_; }
+
+ private:
+  std::deque<QVAuthFileRecord*> list_;
+};
+
 // Reads the role map file, again only when its modification time has changed. One for the process;
 // its calls exclude each other, but the lists they return are the reader's own: use them at once.
 // Every fault is thrown as a QVXRoleMapFileReaderException.
@@ -30,23 +48,27 @@ class QVAuthFileReader : public ZarnSupport::ZarnCriticalSectionObject {
   // A new modification time makes the records and the algorithm's maps stale. Runs under Open.
   void CheckFilePermissions();
 
-  // The records of the file, read when they are not loaded.
+  // The records of the file, read when they are not loaded. Without memory nothing more of the file
+  // is read, now or later.
   std::deque<QVAuthFileRecord*>& GetRecords();
 
   // Three built-in lines in place of the records: the superuser administers, its group are power
-  // users, everybody else is a user. Does not count as loaded.
+  // users, everybody else is a user. Does not count as loaded. Without memory the records stay as
+  // they were.
   std::deque<QVAuthFileRecord*>& GetDefaultRecords();
+
+  // Reads nothing more of a file that is open: what is left of it is not the whole of it.
+  void StopReading();
 
  private:
   QVAuthFileReader();
   ~QVAuthFileReader();
 
-  void DeleteRecords();
-  void AppendRecord(const std::wstring& line, s32 lineNumber);
+  void ReadRecords();
 
   bool loaded_ = false;
   std::string path_;
-  std::deque<QVAuthFileRecord*> records_;
+  QVAuthFileRecords records_;
   std::unique_ptr<RoleMapStream> stream_;
   time_t lastModification_ = 0;
 };

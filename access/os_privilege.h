@@ -14,7 +14,7 @@ u32 OSGetProcessRights();
 astring* OSGetProcessUser();
 
 // What the operating system alone says of a user: its superuser administers, the members of group 0
-// are power users, any other known user is a user.
+// are power users, any other known user is a user. Without memory it answers less, never more.
 u32 GetOSPrivilege(const astring* userName);
 
 // The groups that list the user as a member; the primary group counts only where it does. At most

@@ -98,6 +98,9 @@ struct GroupList {
   int count = 0;
 };
 
+// Deliberate: without memory for the list the user has no groups, so that the entries for anyone
+// decide, also where they grant more. Held by
+// RoleMapAlgorithm.WithoutMemoryForTheGroupListOnlyTheAnyUserEntriesCount.
 GroupList GroupsOf(const astring* user, gid_t primary) {
   GroupList list{HeapArray<gid_t>(static_cast<gid_t*>(AllocMem(kGroupRoom * sizeof(gid_t)))), 0};
   int count = kGroupRoom;

@@ -18,6 +18,9 @@ class RoleMapStream {
   void Open(const std::string& path);
   bool IsOpen() const { return file_ != nullptr; }
 
+  // Reads nothing more of the file that is open.
+  void Fail() { failed_ = true; }
+
   // The next line without its newline. False, and failed, when the file ends first: a last line
   // without a newline is no line. A byte above 0x7F ends the file.
   bool GetLine(std::wstring& line);

@@ -67,11 +67,17 @@ void AppendFault(void* buffer, const QVXRoleMapFileReaderException& fault) {
   PXMFreeBufContent(description);
 }
 
-// The default records stand in, also where the fault cannot be logged.
+// The default records stand in, also where the fault cannot be logged. Where they cannot be had,
+// the lines behind the fault must not be what the next query reads.
 void ReportFault(const QVXRoleMapFileReaderException& fault) {
   if (void* buffer = PXMAllocBuf(kDescriptionRoom, 0)) AppendFault(buffer, fault);
-  QVXRoleMapAlgorithm::GetInstance().Initialize(
-      QVAuthFileReader::GetInstance().GetDefaultRecords());
+  QVAuthFileReader& reader = QVAuthFileReader::GetInstance();
+  try {
+    QVXRoleMapAlgorithm::GetInstance().Initialize(reader.GetDefaultRecords());
+  } catch (...) {
+    reader.StopReading();
+    throw;
+  }
 }
 
 // What the role map grants; nothing to a name that cannot be widened.

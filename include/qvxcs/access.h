@@ -31,12 +31,28 @@ QVX_BEGIN_DECLS
  * A role map that is missing, has another mode, or holds a fault does not leave the system without
  * an answer: the fault is written to the command log, by user "root" and source "QVXSERVER" with
  * the line at fault, and three built-in lines stand in. The superuser then administers, the
- * superuser's group are power users, and everybody else is a user. After a fault within the file
- * they stand until the process ends, also when the file is corrected.
+ * superuser's group are power users, and everybody else is a user. A file that goes missing or gets
+ * another mode while its lines are in force leaves them in force.
+ *
+ * When a file in which a line is at fault, or without any line that counts, is opened once more,
+ * the built-in lines stand until the process ends, also when the file has been corrected. To give a
+ * user the same host twice is a fault as well, but one that is gone when a corrected file is
+ * opened.
  *
  * A host that wants the file's roles opens it with PXTOpenRolemapFile() and asks once with
  * PXTGetRightsUsingRolemap(), which reads it; logins then are answered from it too. A login between
  * the two finds the built-in lines, and keeps them until an open sees another modification time.
+ *
+ * Memory may run out while the role map is read. The call then answers 0 and logs nothing, and the
+ * file may be left half read: it is not read on, and the built-in lines stand in until the process
+ * ends. Neither a part of the file nor a part of the built-in lines is ever in force, so a reading
+ * that failed gives nobody rights that neither the whole file nor the built-in lines grant. Where
+ * memory is lacking only to report a fault, the built-in lines stand in as ever, and the log may
+ * lack the entry.
+ *
+ * What a question needs and cannot get, also for want of memory, grants nothing: the machine's
+ * addresses and its domain's name, the groups of the user. The entries that remain decide, those
+ * for anyone too, which may grant more than the entry of a group that is not seen.
  *
  * Several threads may log users in at the same time. The role map should be opened and queried from
  * one thread: the calls exclude each other, but what one call reads is in force for all.
@@ -48,7 +64,8 @@ QVX_BEGIN_DECLS
  * The file is not parsed here: a fault within a line is found, and logged, by the next
  * PXTGetRightsUsingRolemap(). A file whose modification time has not changed since it was read is
  * not opened again. A file that is missing, cannot be opened or has another mode than 0640 and
- * 01640 is logged, and the built-in lines stand in.
+ * 01640 is logged, and the built-in lines stand in. When memory runs out the file is not opened:
+ * they stand in at the next question, unless the file is opened before it.
  *
  * @retval 0 always
  * @par Memory
@@ -62,7 +79,9 @@ QVX_EXPORT u32 PXTOpenRolemapFile(void);
  * Tells the level of the process's real user on this machine, by the role map.
  *
  * Where the role map grants nothing, the superuser is an administrator all the same. The superuser
- * bit 0x40000 is not given here. A fault of the role map is logged.
+ * bit 0x40000 is not given here. A fault of the role map is logged by each call that meets it. When
+ * memory runs out while the file is read, it is not read on: the built-in lines stand in from then
+ * on.
  *
  * @retval 0 when nothing is granted, the real user has no name, or memory runs out
  * @retval 1 user
@@ -85,6 +104,10 @@ QVX_EXPORT u32 PXTGetRightsUsingRolemap(void);
  * is this machine, and a name of the form "user@host" or "domain\user" is split. The operating
  * system is asked of what stands before the separator.
  *
+ * The texts are converted as by PXTUCS2StrToUTF8Str(): each surrogate becomes the character that
+ * its text begins with, and a text that begins with an unpaired one is refused. The role map is
+ * asked of a name only where the locale in force has its characters.
+ *
  * @param[in] domain       UCS-2 text, or NULL for none; the empty text is one
  * @param[in] userName     UCS-2 text; as UTF-8 it may have one byte more than it has units
  * @param[in,out] password UCS-2 text under the same rule; every unit is 0 afterwards, whatever the
@@ -106,6 +129,9 @@ QVX_EXPORT u32 PXTAuthenticateUser(const ustring* domain, const ustring* userNam
 
 /**
  * Tells the rights of a local user without asking for a password.
+ *
+ * The name is converted and split as that of a login. A name that the system does not know has what
+ * the role map grants to it or to anyone.
  *
  * @param[in] domain   UCS-2 text; a user of a domain is refused, so NULL or the empty text
  * @param[in] userName UCS-2 text; as UTF-8 it may have one byte more than it has units

@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// A request from its login to its record in the log, without memory at each of its steps, and by
-// several threads at once.
+// A request from its login to its record in the log: without memory at each of its steps, by
+// several threads at once, and by users whose names are markup.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <malloc.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -18,6 +19,7 @@
 #include <vector>
 
 #include "qvxcs/access.h"
+#include "qvxcs/cli_value.h"
 #include "qvxcs/command_log.h"
 #include "qvxcs/memory.h"
 #include "qvxcs/status.h"
@@ -30,6 +32,7 @@
 #include "support/kill_at_stop.h"
 #include "support/processes.h"
 #include "tests/access/accounts.h"
+#include "tests/xml/log_files.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define QVX_LEAK_SANITIZER 1
@@ -253,6 +256,182 @@ TEST_F(MainJob, EightThreadsLogInAtOnce) {
     thread.join();
   }
   EXPECT_EQ(wrong, 0u);
+}
+
+constexpr s32 kVerbatimUnits = 2;
+constexpr s32 kEscapedUnits = 27;
+
+// Markup, both quotes, "&", a letter of two bytes, a pair of surrogates, a surrogate without its
+// other half. Each surrogate becomes the character that the name begins with.
+constexpr ustring kMarkup[] = {'<',    'b',    '>',    '&',    '"', '\'',
+                               0x00E9, 0xD83D, 0xDE00, 0xD800, 'z', 0};
+constexpr char kMarkupLogin[] = "<b>&\"'\xC3\xA9<<<z";
+constexpr char kMarkupEscaped[] = "&lt;b&gt;&amp;&quot;&apos;\xC3\xA9&lt;&lt;&lt;z";
+
+// A pair in front is one character, which stands for both of its units.
+constexpr ustring kFace[] = {0xD83D, 0xDE00, '&', 0};
+constexpr char kFaceLogin[] = "\xF0\x9F\x98\x80\xF0\x9F\x98\x80&";
+constexpr char kFaceEscaped[] = "\xF0\x9F\x98\x80\xF0\x9F\x98\x80&amp;";
+
+// What begins with half a pair is no text.
+constexpr ustring kHalf[] = {0xD800, '<', 'z', 0};
+
+u32 LogIn(const ustring* user) {
+  ustring password[kLength + 1] = {};
+  std::copy_n(kPassword, kLength, password);
+  const u32 rights = PXTAuthenticateUser(nullptr, user, password);
+  EXPECT_TRUE(std::all_of(std::begin(password), std::end(password), [](ustring unit) {
+    return unit == 0;
+  })) << "wiped";
+  return rights;
+}
+
+// The text that a host has of the name, for its answers and its log.
+std::string LoginOf(const ustring* user) {
+  astring text[64] = "untouched";
+  u32 size = sizeof text;
+  const u32 status = PXTUCS2StrToUTF8Str(text, &size, user);
+  return status == SM_STATUS_SUCCESS ? text : "status " + std::to_string(status);
+}
+
+std::string Taken(void* buffer) {
+  astring* const text = PXTXFreeBufGetContent(buffer);
+  const std::string taken = text == nullptr ? "(none)" : text;
+  PXTXFreeBufContent(text);
+  return taken;
+}
+
+// The element that describes the user, for the description of a log entry.
+std::string ParameterOf(const ustring* user) {
+  void* const buffer = PXTXAllocBuf(16, 0);
+  EXPECT_EQ(PXTNVSBufCatSetCmdParam(buffer, "user", nullptr, nullptr, user, kEscapedUnits),
+            SM_STATUS_SUCCESS);
+  return Taken(buffer);
+}
+
+std::string AnswerTo(const ustring* user, const std::string& login) {
+  void* const answer = PXTXAllocBuf(16, 1);
+  EXPECT_EQ(PXTXBufCatBeginNode(answer, "Answer", "command=\"login\""), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTXBufCatNode(answer, "Login", nullptr, kEscapedText, login.c_str()),
+            SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTXBufCatNode(answer, "User", nullptr, kEscapedUnits, user), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTXBufCatEndNode(answer, "Answer"), SM_STATUS_SUCCESS);
+  return Taken(answer);
+}
+
+std::string ExpectedAnswer(const std::string& escaped) {
+  return "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?>"
+         "<Answer command=\"login\"><Login>" +
+         escaped + "</Login><User>" + escaped + "</User></Answer>";
+}
+
+// The log as a host sends it, its times taken out.
+std::string LogContent() {
+  astring* const path = PXTGetCmdLogPathFileName();
+  astring* const content = PXTCmdGetXMLLogContent(path);
+  const std::string taken = content == nullptr ? "(none)" : content;
+  PXTFreeMem(content);
+  PXTFreeMem(path);
+  return test::WithoutTimes(taken);
+}
+
+std::string ExpectedContent(const std::string& entry) {
+  return "<Content>" +
+         test::LogOf(test::EntryOf(4, 0, "Local System", "QVPX", "Log was cleared") + entry) +
+         "</Content><SMStatus>0</SMStatus>";
+}
+
+// What an XML parser reads at this place; "" where the text is not well-formed.
+std::string Parsed(const std::string& text, const std::string& xpath) {
+  test::WriteFile("/tmp/parsed.xml", text);
+  const std::string command =
+      "xmllint --xpath 'string(" + xpath + ")' /tmp/parsed.xml > /tmp/parsed.txt";
+  if (!test::IsWellFormed("/tmp/parsed.xml") || system(command.c_str()) != 0) return "";
+  const std::string found = test::ReadFile("/tmp/parsed.txt");
+  return found.substr(0, found.find('\n'));
+}
+
+class MainJobNames : public MainJob {
+ protected:
+  void SetUp() override {
+    MainJob::SetUp();
+    test::AddUser(kMarkupLogin, 7003, 7100, test::Hash(kPassword));
+    test::AddUser(kFaceLogin, 7004, 7100, test::Hash(kPassword));
+    test::WriteRoleMap("+users * poweruser\n");
+    ASSERT_EQ(PXTOpenRolemapFile(), 0u);
+    ASSERT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+    ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
+  }
+};
+
+TEST_F(MainJobNames, ANameOfMarkupLogsInByItsConvertedText) {
+  EXPECT_EQ(LogIn(kMarkup), 0x3u);
+  EXPECT_EQ(PXTAuthorizeUser(nullptr, kMarkup), 0x3u);
+  ASSERT_NE(setlocale(LC_ALL, "C"), nullptr);
+  EXPECT_EQ(LogIn(kMarkup), 0x0u) << "a locale without its letter knows no such user";
+}
+
+TEST_F(MainJobNames, ANameOfMarkupIsEscapedInTheAnswer) {
+  const std::string login = LoginOf(kMarkup);
+  EXPECT_EQ(login, kMarkupLogin);
+  const std::string answer = AnswerTo(kMarkup, login);
+  EXPECT_EQ(answer, ExpectedAnswer(kMarkupEscaped));
+  EXPECT_EQ(Parsed(answer, "/Answer/Login"), kMarkupLogin);
+  EXPECT_EQ(Parsed(answer, "/Answer/User"), kMarkupLogin);
+}
+
+TEST_F(MainJobNames, ANameOfMarkupIsEscapedInTheLogAndItsContent) {
+  ASSERT_EQ(LogIn(kMarkup), 0x3u);
+  EXPECT_EQ(PXTAppendToCmdLog(5001, kMarkupLogin, "\"<&>'", ParameterOf(kMarkup).c_str(), 4),
+            SM_STATUS_SUCCESS);
+  EXPECT_TRUE(test::IsWellFormed(test::kCommandLog));
+  const std::string content = LogContent();
+  EXPECT_EQ(content,
+            ExpectedContent(test::EntryOf(
+                4, 5001, kMarkupEscaped, "&quot;&lt;&amp;&gt;&apos;",
+                std::string("<Parameter name=\"user\" value=\"") + kMarkupEscaped + "\"/>")));
+  const std::string page = "<Page>" + content + "</Page>";
+  EXPECT_EQ(Parsed(page, "//LogEntry[2]/UserInfo"), kMarkupLogin);
+  EXPECT_EQ(Parsed(page, "//LogEntry[2]/Source"), "\"<&>'");
+  EXPECT_EQ(Parsed(page, "//LogEntry[2]/Description/Parameter/@value"), kMarkupLogin);
+}
+
+// Nine bytes for three units do not fit the login's room, the XML has room for all.
+TEST_F(MainJobNames, ANameThatBeginsWithAPairIsRefusedAndShownWithThePairTwice) {
+  EXPECT_EQ(LogIn(kFace), 0x0u);
+  EXPECT_EQ(PXTAuthorizeUser(nullptr, kFace), 0x0u);
+  const std::string login = LoginOf(kFace);
+  EXPECT_EQ(login, kFaceLogin);
+  const std::string answer = AnswerTo(kFace, login);
+  EXPECT_EQ(answer, ExpectedAnswer(kFaceEscaped));
+  EXPECT_EQ(Parsed(answer, "/Answer/User"), kFaceLogin);
+  EXPECT_EQ(PXTAppendToCmdLog(5002, login.c_str(), "WEB", ParameterOf(kFace).c_str(), 4),
+            SM_STATUS_SUCCESS);
+  const std::string content = LogContent();
+  EXPECT_EQ(content,
+            ExpectedContent(test::EntryOf(
+                4, 5002, kFaceEscaped, "WEB",
+                std::string("<Parameter name=\"user\" value=\"") + kFaceEscaped + "\"/>")));
+  EXPECT_EQ(Parsed("<Page>" + content + "</Page>", "//LogEntry[2]/UserInfo"), kFaceLogin);
+}
+
+TEST_F(MainJobNames, ANameThatBeginsWithHalfAPairIsRefusedAndLeftOut) {
+  EXPECT_EQ(LogIn(kHalf), 0x0u);
+  EXPECT_EQ(PXTAuthorizeUser(nullptr, kHalf), 0x0u);
+  EXPECT_EQ(LoginOf(kHalf), "status " + std::to_string(SM_STATUS_BAD_DATA));
+  void* const answer = PXTXAllocBuf(16, 0);
+  EXPECT_EQ(PXTXBufCatBeginNode(answer, "Answer", nullptr), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTXBufCatNode(answer, "User", nullptr, kEscapedUnits, kHalf), SM_STATUS_NO_MEMORY);
+  EXPECT_EQ(PXTXBufCatNode(answer, "Name", nullptr, kVerbatimUnits, kHalf), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTXBufCatEndNode(answer, "Answer"), SM_STATUS_SUCCESS);
+  const std::string text = Taken(answer);
+  EXPECT_EQ(text, "<Answer><Name></Name></Answer>");
+  EXPECT_EQ(ParameterOf(kHalf), "<Parameter name=\"user\"/>");
+  EXPECT_EQ(PXTAppendToCmdLog(5003, "?", "WEB", ParameterOf(kHalf).c_str(), 4), SM_STATUS_SUCCESS);
+  const std::string content = LogContent();
+  EXPECT_EQ(content,
+            ExpectedContent(test::EntryOf(4, 5003, "?", "WEB", "<Parameter name=\"user\"/>")));
+  EXPECT_EQ(Parsed("<Page>" + content + "</Page>", "//LogEntry[2]/UserInfo"), "?");
 }
 
 }  // namespace

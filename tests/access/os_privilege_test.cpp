@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <vector>
+
 #include "access/role.h"
 #include "frame/heap.h"
 #include "support/alloc_fault.h"
@@ -94,6 +96,22 @@ TEST(OsPrivilege, ManyGroupsAreAllSeen) {
   }
   test::WriteFile("/etc/group", groups + "root:x:0:alice\n");
   EXPECT_EQ(GetOSPrivilege("alice"), 0x3u);
+}
+
+// Its answers with each allocation failing in turn: the account's entry, then the group list.
+std::vector<u32> PrivilegesWithoutMemory(const char* user) {
+  std::vector<u32> found;
+  (void)test::FailEachAllocation([user] { return GetOSPrivilege(user); },
+                                 [&found](u32 privilege) { found.push_back(privilege); });
+  return found;
+}
+
+TEST(OsPrivilege, WithoutMemoryForTheGroupListAMemberOfGroupZeroIsAUser) {
+  test::OnlyRoot();
+  test::AddUser("member", 7002, 7002);
+  test::WriteFile("/etc/group", "root:x:0:member\n");
+  EXPECT_EQ(PrivilegesWithoutMemory("member"), (std::vector<u32>{0x0, 0x1}));
+  EXPECT_EQ(PrivilegesWithoutMemory("root"), (std::vector<u32>{0x0}));
 }
 
 TEST(OsPrivilege, GroupsAreThoseThatListTheUserCaseKept) {

@@ -122,6 +122,26 @@ TEST_F(PamLogin, ARefusingAccountFailsTheLogin) {
   EXPECT_EQ(Login("anybody", "anything"), -1);
 }
 
+// The module's record of a login by these arguments; in Linux-PAM the flag that forbids empty
+// passwords is 1, an authentication error 7, an expired account 13.
+std::string RecordOf(const std::string& authenticate, const std::string& account) {
+  const std::string module = QVX_PAM_MODULE_PATH;
+  test::WritePamService("qvauth", "auth required " + module + " record " + authenticate +
+                                      "\naccount required " + module + " record " + account + "\n");
+  (void)unlink("/tmp/pam_record");
+  (void)Login("anybody", "anything");
+  return test::ReadFile("/tmp/pam_record");
+}
+
+TEST_F(PamLogin, BothStepsForbidEmptyPasswords) {
+  EXPECT_EQ(RecordOf("", ""), "authenticate 1\naccount 1\nend 0\n");
+}
+
+TEST_F(PamLogin, TheTransactionEndsWithTheStatusOfTheStepThatFailed) {
+  EXPECT_EQ(RecordOf("info", ""), "authenticate 1\nend 7\n");
+  EXPECT_EQ(RecordOf("", "expired"), "authenticate 1\naccount 1\nend 13\n");
+}
+
 constexpr PamAnswers kAnswers = {"alice", "secret"};
 
 // A conversation of messages of these styles.

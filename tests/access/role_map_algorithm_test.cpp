@@ -5,11 +5,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "access/role_map_error.h"
 #include "frame/module.h"
+#include "support/alloc_fault.h"
 #include "tests/access/accounts.h"
 
 namespace qvx {
@@ -140,6 +143,12 @@ TEST_F(RoleMapAlgorithm, UserNamesKeepTheirCase) {
   EXPECT_EQ(Grant({L"Alice * administrator"}, L"Alice"), 0x7u);
 }
 
+TEST_F(RoleMapAlgorithm, AUserNamedLikeAGroupOrLikeAnyoneIsNeither) {
+  EXPECT_EQ(Grant({L"+wheel * administrator"}, L"+wheel"), 0x0u);
+  EXPECT_EQ(Grant({L"+wheel * administrator", L"* * user"}, L"+wheel"), 0x1u);
+  EXPECT_EQ(Grant({L"* h administrator"}, L"*"), 0x0u);
+}
+
 TEST_F(RoleMapAlgorithm, GroupGrantsCombineByMaximum) {
   EXPECT_EQ(Grant({L"+wheel * user", L"+audit * poweruser"}, L"alice"), 0x3u);
   EXPECT_EQ(Grant({L"+wheel * poweruser", L"+audit * user"}, L"alice"), 0x3u);
@@ -177,6 +186,63 @@ TEST_F(RoleMapAlgorithm, MoreThanAHundredGroupsAreAllSeen) {
   for (u32 at = 0; at < 150; ++at)
     test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
   EXPECT_EQ(Grant({L"+g149 * administrator"}, L"alice"), 0x7u);
+}
+
+// alice's rights with each allocation failing in turn; kThrown where the question was given up.
+constexpr u32 kThrown = 99;
+std::vector<u32> RightsWithoutMemory(const std::vector<std::wstring>& lines) {
+  Build(lines);
+  std::vector<u32> rights;
+  QVXRole query{L"alice", L"srv1", 0x55};
+  (void)test::FailEachAllocation(
+      [&query] {
+        try {
+          Algorithm().GetUserPrivileges(query);
+        } catch (const std::bad_alloc&) {
+          return kThrown;
+        }
+        return query.privileges;
+      },
+      [&rights](u32 found) { rights.push_back(found); });
+  return rights;
+}
+
+// The account's entry, the list, and the entry and the name of the one group that counts.
+TEST_F(RoleMapAlgorithm, WithoutMemoryForTheGroupListOnlyTheAnyUserEntriesCount) {
+  const std::vector<u32> rights = RightsWithoutMemory({L"+wheel * user", L"* * administrator"});
+  EXPECT_EQ(std::count(rights.begin(), rights.end(), 0x7u), 4);
+  EXPECT_GE(std::count(rights.begin(), rights.end(), 0x1u), 4) << "the other groups' entries";
+  EXPECT_GE(std::count(rights.begin(), rights.end(), kThrown), 1);
+}
+
+TEST_F(RoleMapAlgorithm, WithoutMemoryForTheGroupListAGroupGrantsNothing) {
+  const std::vector<u32> rights = RightsWithoutMemory({L"+wheel * administrator"});
+  EXPECT_EQ(std::count(rights.begin(), rights.end(), 0x0u), 4);
+  for (const u32 found : rights)
+    EXPECT_TRUE(found == 0x0 || found == 0x7 || found == kThrown) << found;
+}
+
+// More groups than the list's first room holds: its growth is the fifth that can fail.
+TEST_F(RoleMapAlgorithm, WithoutMemoryForALongerGroupListThereAreNoGroups) {
+  for (u32 at = 0; at < 98; ++at)
+    test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
+  const std::vector<u32> rights = RightsWithoutMemory({L"+wheel * user", L"* * administrator"});
+  EXPECT_EQ(std::count(rights.begin(), rights.end(), 0x7u), 5);
+}
+
+TEST_F(RoleMapAlgorithm, AGroupWithoutANameIsPassedOver) {
+  test::AddUser("carol", 7003, 9999);
+  test::AddGroup("crew", 7103, "carol");
+  EXPECT_EQ(Grant({L"+crew * poweruser"}, L"carol"), 0x3u);
+  EXPECT_EQ(Grant({L"+ * poweruser"}, L"carol"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, AGroupWhoseNameCannotBeWidenedIsPassedOver) {
+  test::AddUser("carol", 7003, 9999);
+  test::AddGroup("cr\xFFw", 7103, "carol");
+  test::AddGroup("crew", 7104, "carol");
+  EXPECT_EQ(Grant({L"+cr,+cr\u00FFw,+crew * poweruser"}, L"carol"), 0x3u);
+  EXPECT_EQ(Grant({L"+cr,+cr\u00FFw * poweruser"}, L"carol"), 0x0u);
 }
 
 TEST_F(RoleMapAlgorithm, AnUnknownUserHasTheAnyUserEntries) {

@@ -6,6 +6,8 @@
 #include <locale.h>
 #include <unistd.h>
 
+#include <deque>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -95,6 +97,36 @@ TEST_F(UserRights, AConflictIsLoggedWithItsLineAndTheDefaultsStandIn) {
   EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"2\"/>"), 1u);
   EXPECT_EQ(LogCount("5916"), 1u) << "0x171C, a conflict";
   EXPECT_EQ(RightsOf("alice"), 0x1u);
+}
+
+TEST_F(UserRights, LinesInForceOutlastTheirFile) {
+  Load("alice * poweruser\n");
+  ASSERT_EQ(chmod(test::kRoleMap, 0644), 0);
+  EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  EXPECT_EQ(FaultEntries(), 1u);
+  EXPECT_EQ(RightsOf("alice"), 0x3u);
+  ASSERT_EQ(unlink(test::kRoleMap), 0);
+  EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  EXPECT_EQ(FaultEntries(), 2u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(FaultEntries(), 2u) << "the query has records";
+  EXPECT_EQ(RightsOf("alice"), 0x3u);
+}
+
+TEST_F(UserRights, AConflictIsMendedByACorrectedFile) {
+  Load("alice h user\nalice h user\n");
+  ASSERT_EQ(FaultEntries(), 1u);
+  Load("alice * poweruser\n", 2000000);
+  EXPECT_EQ(RightsOf("alice"), 0x3u);
+  EXPECT_EQ(FaultEntries(), 1u);
+}
+
+TEST_F(UserRights, AFaultWithinALineIsNotMendedByACorrectedFile) {
+  Load("alice * nothing\n");
+  ASSERT_EQ(FaultEntries(), 1u);
+  Load("alice * poweruser\n", 2000000);
+  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(LogCount("5914"), 1u) << "0x171A, no records";
 }
 
 TEST_F(UserRights, AFaultThatCannotBeLoggedChangesNothingElse) {
@@ -188,6 +220,13 @@ TEST_F(UserRights, TheSuperuserIsAboveTheRoleMap) {
   EXPECT_EQ(RightsOf("root"), 0x40007u);
 }
 
+// Without IP support there is no host name, as before the library is attached.
+TEST(UserRightsOfAnUnknownHost, APlainLoginIsOnTheEmptyHost) {
+  test::OnlyRoot();
+  Load("alice *.elsewhere poweruser\nalice * user\n");
+  EXPECT_EQ(RightsOf("alice"), 0x3u) << "the empty host is in every pattern";
+}
+
 TEST_F(UserRights, AnAtSignPartsUserAndHost) {
   Load("alice *.lab.x poweruser\nalice * user\n");
   EXPECT_EQ(RightsOf("alice@LAB"), 0x3u);
@@ -261,6 +300,8 @@ TEST_F(UserRights, AThisHostThatCannotBeWidenedGrantsNothing) {
   ASSERT_EQ(sethostname("qvx\xFF", 4), 0);
   EXPECT_EQ(RightsOf("alice"), 0x0u);
   EXPECT_EQ(RightsOf("alice@h"), 0x1u);
+  Load("root * user\n");
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u) << "what the system says, not the role map";
 }
 
 TEST_F(UserRights, WithoutMemoryNothingIsThrownAndNothingExtraGranted) {
@@ -271,6 +312,69 @@ TEST_F(UserRights, WithoutMemoryNothingIsThrownAndNothingExtraGranted) {
         return PXTGetRightsUsingRolemap();
       },
       [](u32 rights) { EXPECT_TRUE(rights == 0x0 || rights == 0x7) << rights; });
+}
+
+// In processes of their own, for a file is read only once. What a login finds afterwards is what
+// the whole file or the built-in lines grant: to both users 0x1 at the most.
+u32 MetWithoutMemory(const std::string& roleMap) {
+  WriteRoleMap(roleMap);
+  constexpr int kWidened = 1;
+  constexpr int kFinished = 2;
+  for (u32 nth = 1; nth < 1000; ++nth) {
+    const int findings = test::InChild([nth] {
+      bool fired = false;
+      {
+        const test::FailNthAllocation fault(nth);
+        (void)PXTOpenRolemapFile();
+        (void)PXTGetRightsUsingRolemap();
+        fired = test::FailNthAllocation::Fired();
+      }
+      (void)PXTGetRightsUsingRolemap();
+      const bool within = RightsOf("alice") <= 0x1 && RightsOf("mallory") <= 0x1;
+      return (within ? 0 : kWidened) | (fired ? 0 : kFinished);
+    });
+    EXPECT_EQ(findings & ~kFinished, 0) << "allocation " << nth;
+    if (findings >= 256 || (findings & kFinished) != 0) return nth - 1;
+  }
+  return 0;
+}
+
+// Read from the middle, the first line would name mallory; without the second, alice's group
+// counts.
+TEST_F(UserRights, WithoutMemoryNoPartOfTheRoleMapIsTakenForTheWhole) {
+  EXPECT_GE(MetWithoutMemory("#aa,mallory * administrator\n"
+                             "alice * user\n"
+                             "+users * administrator\n"),
+            20u);
+}
+
+TEST_F(UserRights, WithoutMemoryForTheDefaultsTheLinesBehindAFaultStayUnread) {
+  EXPECT_GE(MetWithoutMemory("alice * user\n"
+                             "mallory * nothing\n"
+                             "+users,mallory * administrator\n"),
+            20u);
+}
+
+TEST_F(UserRights, WithoutMemoryForTheDefaultsTheRecordsStay) {
+  WriteRoleMap("alice * poweruser\n");
+  QVAuthFileReader& reader = QVAuthFileReader::GetInstance();
+  reader.Open();
+  const std::deque<QVAuthFileRecord*> standing = reader.GetRecords();
+  const u32 met = test::FailEachAllocation(
+      [&reader] {
+        try {
+          (void)reader.GetDefaultRecords();
+        } catch (const std::bad_alloc&) {
+          return true;
+        }
+        return false;
+      },
+      [&](bool thrown) {
+        EXPECT_TRUE(thrown);
+        EXPECT_EQ(reader.GetRecords(), standing);
+      });
+  EXPECT_GE(met, 6u) << "a record and its entry of each line";
+  EXPECT_EQ(reader.GetRecords().size(), 3u);
 }
 
 TEST_F(UserRights, LoginsOfSeveralThreadsAreSafe) {
