@@ -14,8 +14,9 @@
  *
  * Sizes are always bytes. Acquiring, listing and the maximum use whole words, size / 4 rounded
  * down; verifying and releasing reach every identifier up to size * 8 - 1, those of a partial last
- * word too. Table pointers and cursors are not checked. There is no lock: threads that share a
- * table take turns by means of their own.
+ * word too. Words behind the first 512 MiB are not used: their identifiers do not fit in 32 bits.
+ * Table pointers and cursors are not checked. There is no lock: threads that share a table take
+ * turns by means of their own.
  */
 
 #include "qvxcs/types.h"

@@ -38,9 +38,9 @@ QVX_BEGIN_DECLS
  * @param[out] buffer         room for the text, or NULL
  * @param[in,out] size        bytes of room, or NULL; then the result. There is no size query:
  *                            give a buffer that is large enough for the longest text
- * @return the bytes delivered, the 0 unit counted; 0 when there is no such text, the buffer is
- *         missing or too small, or memory is exhausted. With `buffer` and `size` both
- *         NULL the bytes that the text needs
+ * @return the bytes delivered, the 0 unit counted; 0 when there is no such text, `buffer` or `size`
+ *         is NULL, the text does not fit, or memory is exhausted. With both NULL the bytes that the
+ *         text needs
  * @par Memory
  * Hands out none; at most `*size` bytes of `buffer` are written.
  * @par Threads

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -232,6 +233,43 @@ TEST(StringResource, WithoutTheKeyBufferTheResultIsAMessage) {
   }
   EXPECT_EQ(Narrow(buffer), "Failed to allocate memory");
   EXPECT_EQ(size, 52u);
+}
+
+// The message for a path when the n-th allocation fails; "" when nothing is delivered.
+std::string MessageWithoutAllocation(u32 nth, const char* path) {
+  ustring buffer[64] = {};
+  u32 size = sizeof(buffer);
+  {
+    const test::FailNthAllocation fault(nth);
+    (void)GetUnicodeStringFromIDPathFile(1, nullptr, path, buffer, &size);
+  }
+  return Narrow(buffer);
+}
+
+TEST(StringResource, MemoryForTheLineThenThePathThenTheKeyThenTheFileAreAskedFor) {
+  EXPECT_EQ(MessageWithoutAllocation(1, nullptr), "");
+  EXPECT_EQ(MessageWithoutAllocation(2, nullptr), "Invalid Path File Name");
+  EXPECT_EQ(MessageWithoutAllocation(2, "/tmp/missing.txt"), "Failed to allocate memory");
+}
+
+// The number that the next open file would get: higher by one for each that was left open.
+int NextDescriptor() {
+  const int next = dup(STDIN_FILENO);
+  close(next);
+  return next;
+}
+
+TEST(StringResource, FileIsClosedWhateverItHolds) {
+  const int before = NextDescriptor();
+  u32 language = 0x40C;
+  WriteResource("0:1=one\r\n40C:2=deux\r\n");
+  EXPECT_EQ(Find(2, &language), "deux");
+  EXPECT_EQ(Find(1, &language), "one");  // read twice
+  EXPECT_EQ(Find(3, &language), "(none)");
+  test::WriteFile(kFile, "");
+  EXPECT_EQ(Find(1, &language), "Invalid string resource found");
+  EXPECT_EQ(Find(1, &language, "/tmp"), "String resource not found");
+  EXPECT_EQ(NextDescriptor(), before);
 }
 
 TEST(StringDestination, CopiesWhatFitsExactly) {

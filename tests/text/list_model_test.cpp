@@ -6,53 +6,17 @@
 #include <type_traits>
 #include <vector>
 
-#include "text/dlist.h"
-#include "text/slist.h"
+#include "tests/text/list_kinds.h"
 
 namespace {
 
+using qvx::test::CompareKeys;
+using qvx::test::Doubly;
+using qvx::test::KeyOf;
+using qvx::test::Singly;
+
 constexpr u32 kOperations = 5000;
 constexpr s32 kKeys = 12;
-
-template <typename Entry>
-s32 KeyOf(const Entry* entry) {
-  return *static_cast<const s32*>(entry->data);
-}
-
-template <typename Entry>
-s32 Compare(Entry* newEntry, Entry* listEntry) {
-  return (KeyOf(newEntry) - KeyOf(listEntry)) * 7;
-}
-
-struct Doubly {
-  using Entry = PXTDLListEntry;
-  static constexpr auto kAlloc = qvx::DLListAlloc;
-  static constexpr auto kFree = qvx::DLListFree;
-  static constexpr auto kEntryAlloc = qvx::DLListEntryAlloc;
-  static constexpr auto kEntryFree = qvx::DLListEntryFree;
-  static constexpr auto kAtHead = qvx::DLListInsertEntryAtHead;
-  static constexpr auto kAtTail = qvx::DLListInsertEntryAtTail;
-  static constexpr auto kRemoveHead = qvx::DLListRemoveEntryAtHead;
-  static constexpr auto kRemoveTail = qvx::DLListRemoveEntryAtTail;
-  static constexpr auto kDelete = qvx::DLListDeleteEntry;
-  static constexpr auto kKeyed = qvx::DLListInsertKeyed;
-  static constexpr auto kOrdered = qvx::DLListInsertOrdered;
-};
-
-struct Singly {
-  using Entry = PXTSLListEntry;
-  static constexpr auto kAlloc = qvx::SLListAlloc;
-  static constexpr auto kFree = qvx::SLListFree;
-  static constexpr auto kEntryAlloc = qvx::SLListEntryAlloc;
-  static constexpr auto kEntryFree = qvx::SLListEntryFree;
-  static constexpr auto kAtHead = qvx::SLListInsertEntryAtHead;
-  static constexpr auto kAtTail = qvx::SLListInsertEntryAtTail;
-  static constexpr auto kRemoveHead = qvx::SLListRemoveEntryAtHead;
-  static constexpr auto kRemoveTail = qvx::SLListRemoveEntryAtTail;
-  static constexpr auto kDelete = qvx::SLListDeleteEntry;
-  static constexpr auto kKeyed = qvx::SLListInsertKeyed;
-  static constexpr auto kOrdered = qvx::SLListInsertOrdered;
-};
 
 // A list beside a vector of the entries that it should hold, in order.
 template <typename Kind>
@@ -73,9 +37,9 @@ class Pair {
       case 1:
         return AddAtTail(Make());
       case 2:
-        return Remove(Kind::kRemoveHead(list_), 0);
+        return Remove(Kind::kRemoveAtHead(list_), 0);
       case 3:
-        return Remove(Kind::kRemoveTail(list_), model_.size() - 1);
+        return Remove(Kind::kRemoveAtTail(list_), model_.size() - 1);
       case 4:
         return DeleteOne();
       case 5:
@@ -108,11 +72,11 @@ class Pair {
     return entry;
   }
   void AddAtHead(Entry* entry) {
-    Kind::kAtHead(list_, entry);
+    Kind::kInsertAtHead(list_, entry);
     model_.insert(model_.begin(), entry);
   }
   void AddAtTail(Entry* entry) {
-    Kind::kAtTail(list_, entry);
+    Kind::kInsertAtTail(list_, entry);
     model_.push_back(entry);
   }
   void Remove(Entry* removed, size_t at) {
@@ -140,17 +104,17 @@ class Pair {
   }
   void AddOrdered(Entry* entry) {
     const size_t at = PlaceOf(entry);
-    ASSERT_EQ(Kind::kOrdered(list_, entry, Compare<Entry>), 0u);
+    ASSERT_EQ(Kind::kInsertOrdered(list_, entry, CompareKeys<Entry>), 0u);
     model_.insert(model_.begin() + static_cast<std::ptrdiff_t>(at), entry);
   }
   void AddKeyed(Entry* entry) {
     const size_t at = PlaceOf(entry);
     if (at < model_.size() && KeyOf(model_[at]) == KeyOf(entry)) {
-      ASSERT_EQ(Kind::kKeyed(list_, entry, Compare<Entry>), 2u);
+      ASSERT_EQ(Kind::kInsertKeyed(list_, entry, CompareKeys<Entry>), 2u);
       Kind::kEntryFree(entry);
       return;
     }
-    ASSERT_EQ(Kind::kKeyed(list_, entry, Compare<Entry>), 0u);
+    ASSERT_EQ(Kind::kInsertKeyed(list_, entry, CompareKeys<Entry>), 0u);
     model_.insert(model_.begin() + static_cast<std::ptrdiff_t>(at), entry);
   }
   std::mt19937 next_{21};

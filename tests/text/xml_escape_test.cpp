@@ -244,6 +244,19 @@ TEST(XmlEscape, EscapesWithoutMemoryLeaveOutputAndSize) {
   EXPECT_EQ(room.substr(8994), std::string("\\u00e9\0", 7));
 }
 
+// How many blocks the escapes of so many plain characters ask for.
+u32 BlocksForEscapesOf(size_t characters) {
+  Units text(characters, 'a');
+  text.push_back(0);
+  return test::FailEachAllocation([&] { return UnicodeToEscape(nullptr, nullptr, text.data()); },
+                                  [](u32 status) { EXPECT_EQ(status, kEscapeFailed); });
+}
+
+TEST(XmlEscape, TheFirstBlockForEscapesHolds6144Bytes) {
+  EXPECT_EQ(BlocksForEscapesOf(6143), 1u);  // and the NUL
+  EXPECT_EQ(BlocksForEscapesOf(6144), 2u);
+}
+
 TEST(XmlEscape, EachPassEscapesTheAmpersandsOfTheOneBefore) {
   EXPECT_EQ(Taken(PXTGetXMLUTF8StrFromAStr("a&b", 1)), "a&amp;b");
   EXPECT_EQ(Taken(PXTGetXMLUTF8StrFromAStr("a&b", 2)), "a&amp;amp;b");
