@@ -106,8 +106,8 @@ astring* SSAStrCatUStr(SSAStr* record, const ustring* text) {
   if (record == nullptr || record->text == nullptr) return nullptr;
   u32 size = 0;
   if (text == nullptr || UCS2StrToUTF8Str(nullptr, &size, text) != 0) return record->text;
-  const HeapArray<astring> bytes = size == 0 ? nullptr : AllocArray<astring>(size);
-  if (!bytes) return nullptr;  // a size of 0 is one that left 32 bits
+  const HeapArray<astring> bytes = AllocArray<astring>(size);
+  if (!bytes) return nullptr;
   --size;  // the converter stores its terminator one byte past the room it is offered
   if (UCS2StrToUTF8Str(bytes.get(), &size, text) != 0) return record->text;
   return SSAStrCatAStr(record, bytes.get());

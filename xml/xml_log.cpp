@@ -124,13 +124,21 @@ u32 WriteNextEntry(int descriptor, s64 size, const LogEntry& entry) {
   return SM_STATUS_SUCCESS;
 }
 
+// A directory or a device that stands in a log's place keeps its mode.
+void SetLogMode(const astring* path) {
+  struct stat status;
+  if (stat(path, &status) == 0 && S_ISREG(status.st_mode)) {
+    (void)chmod(path, kFileMode);
+  }
+}
+
 // Only a missing log is created: one that cannot be opened is left to whoever protected it.
 FilePtr OpenLog(const astring* path) {
-  (void)chmod(path, kFileMode);
+  SetLogMode(path);
   FilePtr file = OpenFile(path, "r+b");
   if (!file && errno == ENOENT) {
     file = OpenFile(path, "w+b");
-    (void)chmod(path, kFileMode);
+    SetLogMode(path);
   }
   return file;
 }
@@ -221,7 +229,7 @@ u32 DeleteLogFile(const astring* path) {
   if (!lock) {
     return SM_STATUS_LOCK_FAILED;
   }
-  (void)chmod(path, kFileMode);
+  SetLogMode(path);
   return unlink(path) == 0 ? SM_STATUS_SUCCESS : kFailed;
 }
 

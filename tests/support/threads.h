@@ -4,6 +4,7 @@
 #define QVX_TESTS_SUPPORT_THREADS_H
 
 #include <barrier>
+#include <cstddef>
 #include <thread>
 #include <vector>
 
@@ -14,7 +15,7 @@ namespace qvx::test {
 // Runs `body(0)` to `body(count - 1)` in threads that begin together, and waits for all.
 template <typename Body>
 void InThreads(u32 count, Body body) {
-  std::barrier<> start(count);
+  std::barrier<> start(static_cast<std::ptrdiff_t>(count));
   std::vector<std::thread> threads;
   for (u32 at = 0; at < count; ++at) {
     threads.emplace_back([at, &start, &body] {

@@ -334,7 +334,7 @@ void ExpectLikeTheModel(Convert convert, const std::vector<From>& text, u32 room
                         const std::vector<To>& written, u32 status, u64 sizeAfter) {
   test::GuardBuffer<From> input(text.size());  // nothing readable behind the terminator
   std::copy(text.begin(), text.end(), input.data());
-  test::GuardBuffer<To> output(u64{room} + 1);
+  test::GuardBuffer<To> output(size_t{room} + 1);
   u32 size = room;
   ASSERT_EQ(convert(output.data(), &size, input.data()), status);
   ASSERT_EQ(size, status == SM_STATUS_SUCCESS ? sizeAfter : room);

@@ -62,7 +62,7 @@ TEST(LogEntry, OneTimeIsToldInSecondsAndInLocalTime) {
   const time_t before = time(nullptr);
   const std::string entry = Attached(kPlain);
   const time_t after = time(nullptr);
-  const time_t stamp = std::stoll(OnlyElement(entry, "TimeStamp"));
+  const time_t stamp = std::stol(OnlyElement(entry, "TimeStamp"));
   EXPECT_GE(stamp, before);
   EXPECT_LE(stamp, after);
   const time_t east = stamp + 3 * 3600 + 30 * 60;

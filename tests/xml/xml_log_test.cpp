@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -376,6 +377,19 @@ TEST(XmlLog, FirstEntryThatDoesNotFitLeavesAnEmptyFile) {
   disk.MakeRoom();
   EXPECT_EQ(Append(kDiskLog, 2, "d"), SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(kDiskLog), LogOf(Plain(2, "d")));
+}
+
+TEST(XmlLog, ADirectoryOrADeviceInALogsPlaceKeepsItsMode) {
+  Attach();
+  ASSERT_EQ(mkdir("/tmp/folder", 0755), 0);
+  ASSERT_EQ(mknod("/tmp/device", S_IFCHR | 0666, makedev(1, 3)), 0);
+  ASSERT_EQ(chmod("/tmp/device", 0666), 0);
+  EXPECT_EQ(Append("/tmp/folder", 1, "d"), kMinusOne);
+  EXPECT_EQ(Append("/tmp/device", 1, "d"), kMinusOne);
+  EXPECT_EQ(DeleteLogFile("/tmp/folder"), kMinusOne);
+  EXPECT_EQ(ModeOf("/tmp/folder"), 0755u);
+  EXPECT_EQ(ModeOf("/tmp/device"), 0666u);
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST(XmlLog, ImmutableLogIsMinusOneAndStaysAsItIs) {
