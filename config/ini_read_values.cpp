@@ -133,9 +133,10 @@ void GiveBytesDefault(const Read& read) {
 }
 
 // Turns a list of hexadecimal bytes into the bytes, in place: each took two characters or more.
-// The list ends quietly at the first piece that does not begin with a number.
+// The list ends quietly at the first piece that does not begin with a number, and with a failure at
+// one that is no byte; `*count` bytes stand before it.
 u32 ParseBytes(astring* text, u32* count) {
-  u32 found = 0;
+  *count = 0;
   const astring* piece = text;
   while (piece != nullptr) {
     const ScannedNumber number = ScanNumber(piece, kHexBase);
@@ -149,11 +150,18 @@ u32 ParseBytes(astring* text, u32* count) {
     if (piece != nullptr) {
       ++piece;
     }
-    text[found] = static_cast<astring>(number.magnitude);
-    ++found;
+    text[*count] = static_cast<astring>(number.magnitude);
+    ++*count;
   }
-  *count = found;
   return SM_STATUS_SUCCESS;
+}
+
+// Deliberate: bytes before one that is too large are stored all the same, where the default leaves
+// them room; the size does not count them. Held by IniReadValues.BytesBeforeOneTooLargeAreStored.
+void LeaveBytesBehind(u32 given, void* value, const astring* bytes, u32 count) {
+  if (count > given) {
+    memcpy(static_cast<u8*>(value) + given, bytes + given, count - given);
+  }
 }
 
 u32 DeliverBytes(const Read& read, const astring* bytes, u32 count) {
@@ -174,7 +182,9 @@ u32 ReadBinary(const Read& read) {
     status = ParseBytes(text.get(), &count);
   }
   if (status != SM_STATUS_SUCCESS) {
+    const u32 room = *read.size;
     GiveBytesDefault(read);
+    LeaveBytesBehind(*read.size, read.value, text.get(), count < room ? count : room);
     return status;
   }
   return DeliverBytes(read, text.get(), count);

@@ -111,9 +111,14 @@ u32 WriteBytes(const Write& write) {
   return WriteText(write, text.get(), static_cast<s32>(count * kByteText));
 }
 
+// The size is looked at before the names, as that of a value is.
+u32 DeleteKey(const Write& write) {
+  return write.size == 0 ? WriteText(write, nullptr, 0) : SM_STATUS_DATA_TOO_LARGE;
+}
+
 u32 WriteBinary(const Write& write) {
   if (write.value == nullptr) {
-    return WriteText(write, nullptr, write.size);
+    return DeleteKey(write);
   }
   if (write.size < 1 || write.size > kMostBytes) {
     return SM_STATUS_DATA_TOO_LARGE;
@@ -123,7 +128,7 @@ u32 WriteBinary(const Write& write) {
 
 u32 WriteUstring(const Write& write) {
   if (write.value == nullptr) {
-    return WriteText(write, nullptr, write.size);
+    return DeleteKey(write);
   }
   if (write.size < 1 || write.size > kMostBytes ||
       !IsUstringOfSize(write.value, static_cast<u32>(write.size))) {

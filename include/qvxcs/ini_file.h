@@ -63,7 +63,7 @@ QVX_BEGIN_DECLS
  *   they were. Lists have no default, and but for SM_STATUS_BUFFER_TOO_SMALL a failed one leaves
  * its size.
  * - types 2 and 3: any failure but SM_STATUS_BUFFER_TOO_SMALL: as many bytes as both sizes allow.
- *   Else `*size` is 0.
+ *   Else `*size` is 0. Bytes that stood before one above 255 may lie in the room behind that size.
  * - types 4 to 9: any failure, when the default's size is at least the type's: the value is the
  *   default, `*size` the type's size. Else `*size` is 0.
  *

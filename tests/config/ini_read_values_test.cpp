@@ -214,6 +214,35 @@ TEST_F(IniReadValues, BytesAbove255AreTooLarge) {
   }
 }
 
+TEST_F(IniReadValues, BytesBeforeOneTooLargeAreStored) {
+  GivenText("41,42,43,100,44");
+  const auto left = [](u32 room, const char* standIn) {
+    GuardBuffer<u8> value(room);
+    u32 size = room;
+    const u32 standInSize = static_cast<u32>(strlen(standIn));
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value.data(), &size, standIn, standInSize,
+                                   kPath, 0),
+              SM_STATUS_DATA_TOO_LARGE);
+    EXPECT_EQ(size, standInSize);
+    EXPECT_TRUE(value.UntouchedFrom(room < 3 ? room : 3));
+    return std::string(value.data(), value.data() + (room < 3 ? room : 3));
+  };
+  EXPECT_EQ(left(5, ""), "ABC");
+  EXPECT_EQ(left(2, ""), "AB");
+  EXPECT_EQ(left(5, "d"), "dBC");
+  EXPECT_EQ(left(3, "def"), "def");
+}
+
+TEST_F(IniReadValues, ADefaultInTheRoomOutlastsBytesBeforeOneTooLarge) {
+  GivenText("41,42,43,100");
+  astring value[] = "de..";
+  u32 size = 4;
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value, &size, value, 2, kPath, 0),
+            SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(size, 2u);
+  EXPECT_STREQ(value, "deC.");
+}
+
 TEST_F(IniReadValues, BytesThatDoNotFitAreCounted) {
   EXPECT_BYTES(BytesOf(kBinary, "41,42,43", 2), SM_STATUS_BUFFER_TOO_SMALL, 3, "AB");
   // A fault behind the room is found as well.

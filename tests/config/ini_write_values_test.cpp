@@ -187,6 +187,15 @@ TEST_F(IniWriteValues, TextsBytesAndUstringsDeleteWithANullValue) {
   }
 }
 
+TEST_F(IniWriteValues, DeletingBytesOrUstringsLooksAtTheSizeBeforeTheNames) {
+  for (const s32 type : {2, 3}) {
+    EXPECT_EQ(WriteINIPathFileValue(nullptr, "x", type, nullptr, 1, kPath, 0),
+              SM_STATUS_DATA_TOO_LARGE);
+    EXPECT_EQ(WriteINIPathFileValue(nullptr, "x", type, nullptr, 0, kPath, 0),
+              SM_STATUS_BAD_ARGUMENT);
+  }
+}
+
 TEST_F(IniWriteValues, NamesAreRequiredOfEveryType) {
   const u64 value = 0;
   const std::string longName(256, 'n');
