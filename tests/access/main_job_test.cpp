@@ -131,7 +131,7 @@ int Judge(const Outcome& outcome) {
   const bool withinRights =
       (outcome.process == 0x7 || outcome.process == 0x0) && outcome.rights <= 3;
   findings |= withinRights ? 0 : kRaised;
-  return findings | (test::NobodyHoldsTheLock() ? 0 : kLockHeld);
+  return findings | (test::LockIsFree() ? 0 : kLockHeld);
 }
 
 // A block that comes back may be a few bytes larger than the one that was freed; a leak of the

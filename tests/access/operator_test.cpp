@@ -72,7 +72,7 @@ class Operator : public ::testing::Test {
       EXPECT_EQ(setuid(kAlice), 0);
       EXPECT_EQ(ModuleAttach(), 1);
       body();
-      EXPECT_TRUE(test::NobodyHoldsTheLock());
+      EXPECT_TRUE(test::LockIsFree());
       (void)fflush(nullptr);
       return testing::Test::HasFailure() ? 1 : 0;
     });

@@ -16,7 +16,8 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
-#include "tests/config/ini_case.h"
+#include "support/processes.h"
+#include "support/small_disk.h"
 
 namespace qvx {
 namespace {

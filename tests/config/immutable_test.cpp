@@ -16,7 +16,8 @@
 #include "config/file_util.h"
 #include "frame/module.h"
 #include "support/files.h"
-#include "tests/config/ini_case.h"
+#include "support/processes.h"
+#include "support/small_disk.h"
 
 namespace qvx {
 namespace {

@@ -15,14 +15,15 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
-#include "tests/config/ini_case.h"
+#include "support/processes.h"
+#include "support/small_disk.h"
 
 namespace qvx {
 namespace {
 
 using test::GuardBuffer;
+using test::LockHolder;
 using test::LockIsFree;
-using test::TimedLockHolder;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/a.ini";
@@ -414,7 +415,7 @@ TEST_F(IniReadValues, DefaultMayBeTheValueItself) {
 
 TEST_F(IniReadValues, LockedFilesGiveTheTypedDefaults) {
   GivenText("1");
-  const TimedLockHolder holder;
+  const LockHolder holder;
   u32 value = 0;
   u32 size = 4;
   const u32 given = 5;
@@ -429,7 +430,7 @@ TEST_F(IniReadValues, LockedFilesGiveTheTypedDefaults) {
 }
 
 TEST_F(IniReadValues, BadArgumentsComeBeforeTheLock) {
-  const TimedLockHolder holder;
+  const LockHolder holder;
   u16 value = 0;
   u32 size = 2;
   EXPECT_EQ(ReadINIPathFileValue("A", "x", kU32, &value, &size, nullptr, 0, kPath, 0),

@@ -16,14 +16,15 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
-#include "tests/config/ini_case.h"
+#include "support/processes.h"
+#include "support/small_disk.h"
 
 namespace qvx {
 namespace {
 
 using test::GuardBuffer;
+using test::LockHolder;
 using test::LockIsFree;
-using test::TimedLockHolder;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/a.ini";
@@ -402,7 +403,7 @@ TEST_F(IniReader, FilesThatCannotBeOpenedLeaveValueAndSize) {
 
 TEST_F(IniReader, LockHeldByAnotherProcessRefusesASingleAttempt) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const TimedLockHolder holder;
+  const LockHolder holder;
   // Only exactly 1 waits.
   for (const booln flag : {booln{0}, booln{2}, booln{0x101}}) {
     GuardBuffer<astring> value(5);
@@ -416,7 +417,7 @@ TEST_F(IniReader, LockHeldByAnotherProcessRefusesASingleAttempt) {
 
 TEST_F(IniReader, WaitingEndsAfter60000Milliseconds) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const TimedLockHolder holder;
+  const LockHolder holder;
   astring value[5];
   u32 size = 5;
   const test::CountSleeps sleeps;
@@ -428,7 +429,7 @@ TEST_F(IniReader, WaitingEndsAfter60000Milliseconds) {
 
 TEST_F(IniReader, WaitingReaderGetsTheLockOfAProcessThatEnds) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const TimedLockHolder holder(50000);
+  const LockHolder holder(kIPCFilePath, 50000);
   astring value[5];
   u32 size = 5;
   EXPECT_EQ(ReadINIFileValue_astring("A", "x", value, &size, nullptr, 0, kPath, 1),
@@ -438,7 +439,7 @@ TEST_F(IniReader, WaitingReaderGetsTheLockOfAProcessThatEnds) {
 
 TEST_F(IniReader, KilledHolderFreesTheLock) {
   WriteFile(kPath, "[A]\nx=1\n");
-  TimedLockHolder holder;
+  LockHolder holder;
   EXPECT_EQ(Read("A", "x").status, SM_STATUS_LOCK_FAILED);
   holder.Kill();
   EXPECT_EQ(Read("A", "x"), Found("1"));

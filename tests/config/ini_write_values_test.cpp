@@ -17,7 +17,8 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
-#include "tests/config/ini_case.h"
+#include "support/processes.h"
+#include "support/small_disk.h"
 
 namespace qvx {
 namespace {
@@ -222,7 +223,7 @@ TEST_F(IniWriteValues, UnknownTypesAreBadArguments) {
 }
 
 TEST_F(IniWriteValues, LockIsTakenByEveryType) {
-  const test::TimedLockHolder holder;
+  const test::LockHolder holder;
   const u64 value = 0;
   EXPECT_EQ(StatusOf(kAstring, "", 1), SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(StatusOf(kUstring, &value, 2), SM_STATUS_LOCK_FAILED);

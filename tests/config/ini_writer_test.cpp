@@ -18,17 +18,18 @@
 #include "frame/module.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
-#include "tests/config/ini_case.h"
+#include "support/processes.h"
+#include "support/small_disk.h"
 
 namespace qvx {
 namespace {
 
 using test::Exists;
+using test::LockHolder;
 using test::LockIsFree;
 using test::ModeOf;
 using test::ReadFile;
 using test::SmallDisk;
-using test::TimedLockHolder;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/d/a.ini";
@@ -394,7 +395,7 @@ TEST_F(IniWriter, NewFileOnAFullDiskStaysEmpty) {
 
 TEST_F(IniWriter, LockHeldByAnotherProcessRefusesTheWrite) {
   Given("[A]\nkey=1\n");
-  TimedLockHolder holder;
+  LockHolder holder;
   for (const booln flag : {booln{0}, booln{2}, booln{0x101}}) {
     EXPECT_EQ(Write("A", "key", "value", kPath, flag), SM_STATUS_LOCK_FAILED);
   }
@@ -407,7 +408,7 @@ TEST_F(IniWriter, LockHeldByAnotherProcessRefusesTheWrite) {
 
 TEST_F(IniWriter, WaitingEndsAfter60000Milliseconds) {
   Given("[A]\nkey=1\n");
-  const TimedLockHolder holder;
+  const LockHolder holder;
   const test::CountSleeps sleeps;
   EXPECT_EQ(Write("A", "key", "value", kPath, 1), SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(test::CountSleeps::Count(), 60000u);
@@ -415,7 +416,7 @@ TEST_F(IniWriter, WaitingEndsAfter60000Milliseconds) {
 
 TEST_F(IniWriter, WaitingWriterGetsTheLockOfAProcessThatEnds) {
   Given("[A]\nkey=1\n");
-  const TimedLockHolder holder(50000);
+  const LockHolder holder(kIPCFilePath, 50000);
   EXPECT_EQ(Write("A", "key", "value", kPath, 1), SM_STATUS_SUCCESS);
   EXPECT_EQ(ReadFile(kPath), "[A]\nkey=value\n");
 }

@@ -25,7 +25,6 @@ namespace {
 using namespace std::string_literals;
 
 constexpr char kFile[] = "/tmp/test.properties";
-constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc";
 constexpr u32 kFailed = 0xFFFFFFFF;
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
@@ -45,16 +44,6 @@ Pairs EntriesOf(const std::string& content) {
   PXTKeyValue* const entries = PXTCFGGetKeyValueEntries(kFile, &count);
   EXPECT_EQ(entries == nullptr, count == 0);
   return Taken(entries, count);
-}
-
-bool LockIsFree() {
-  return test::InChild([] {
-           struct flock whole = {};
-           whole.l_type = F_WRLCK;
-           whole.l_whence = SEEK_SET;
-           const int file = open(kLockFile, O_RDWR | O_CLOEXEC);
-           return fcntl(file, F_SETLK, &whole) == 0 ? 0 : 1;
-         }) == 0;
 }
 
 class KeyValueReader : public testing::Test {
@@ -136,15 +125,15 @@ TEST_F(KeyValueReader, InstallRelativeNameLiesBelowTheIniPath) {
 
 TEST_F(KeyValueReader, ReadingLeavesTheLockFree) {
   EXPECT_EQ(EntriesOf("a=1\n").size(), 1u);
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
   u32 count = 0;
   EXPECT_EQ(PXTCFGGetKeyValueEntries("/tmp/missing.properties", &count), nullptr);
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST_F(KeyValueReader, WaitsForTheLockAndThenGivesUp) {
   test::WriteFile(kFile, "a=1\n");
-  const test::LockHolder other(kLockFile);
+  const test::LockHolder other;
   const test::CountSleeps sleeps;
   u32 count = 0;
   EXPECT_EQ(PopulateKeyValueEntries(kFile, nullptr, &count), SM_STATUS_LOCK_FAILED);
@@ -216,7 +205,7 @@ TEST_F(KeyValueReader, FillingPassWithoutMemoryStoresNothing) {
       status = PopulateKeyValueEntries(kFile, entries, &count);
     }
     EXPECT_EQ(status, SM_STATUS_NO_MEMORY) << nth;
-    EXPECT_TRUE(LockIsFree());
+    EXPECT_TRUE(test::LockIsFree());
   }
 }
 

@@ -24,7 +24,6 @@ using namespace std::string_literals;
 
 constexpr char kFile[] = "/tmp/kv/test.properties";
 constexpr char kTemporary[] = "/tmp/kv/pxtcfg32.tmp";
-constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc";
 constexpr u32 kFailed = 0xFFFFFFFF;
 
 u32 Set(const std::string& path, std::string key, std::string value, u32 index) {
@@ -33,16 +32,6 @@ u32 Set(const std::string& path, std::string key, std::string value, u32 index) 
 }
 
 std::string Content() { return test::ReadFile(kFile); }
-
-bool LockIsFree() {
-  return test::InChild([] {
-           struct flock whole = {};
-           whole.l_type = F_WRLCK;
-           whole.l_whence = SEEK_SET;
-           const int file = open(kLockFile, O_RDWR | O_CLOEXEC);
-           return fcntl(file, F_SETLK, &whole) == 0 ? 0 : 1;
-         }) == 0;
-}
 
 class KeyValueWriter : public testing::Test {
  protected:
@@ -72,7 +61,7 @@ TEST_F(KeyValueWriter, OccurrenceBeyondTheNextIsRefused) {
   EXPECT_EQ(Set(kFile, "a", "x", 3), SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(Set(kFile, "b", "x", 1), SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(Content(), "a=1\na=2\n");
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST_F(KeyValueWriter, FirstOccurrenceIsAppendedToAFileWithoutIt) {
@@ -119,7 +108,7 @@ TEST_F(KeyValueWriter, LongLineIsReplacedInItsFirstPieceOnly) {
 TEST_F(KeyValueWriter, MissingFileIsAnOpenError) {
   EXPECT_EQ(Set(kFile, "a", "1", 0), SM_STATUS_FILE_OPEN_ERROR);
   EXPECT_FALSE(test::Exists(kFile));
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST_F(KeyValueWriter, PathThatIsNoFileIsAnOpenError) {
@@ -155,7 +144,7 @@ TEST_F(KeyValueWriter, PairIsCheckedBeforeTheDirectoryIsCreated) {
 }
 
 TEST_F(KeyValueWriter, DirectoryIsCreatedBeforeTheLockIsTaken) {
-  const test::LockHolder other(kLockFile);
+  const test::LockHolder other;
   const test::CountSleeps sleeps;
   EXPECT_EQ(Set("/tmp/kv/new/test.properties", "a", "1", 0), SM_STATUS_LOCK_FAILED);
   EXPECT_TRUE(test::Exists("/tmp/kv/new"));
@@ -243,7 +232,7 @@ TEST_F(KeyValueWriter, FileHasMode01664AndNoCopyRemains) {
   EXPECT_EQ(Set(kFile, "a", "2", 0), SM_STATUS_SUCCESS);
   EXPECT_EQ(test::ModeOf(kFile), 01664u);
   EXPECT_FALSE(test::Exists(kTemporary));
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST_F(KeyValueWriter, OldTemporaryFileIsNotWrittenThrough) {
@@ -262,14 +251,14 @@ TEST_F(KeyValueWriter, FullDiskIsAWriteFailureAndLeavesTheFile) {
   test::WriteFile(kFile, content);
   EXPECT_EQ(Set(kFile, "a", "1", 0), SM_STATUS_WRITE_FAILED);
   EXPECT_EQ(Content(), content);
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST_F(KeyValueWriter, FileThatCannotBeReadToItsEndFails) {
   test::WriteFile(kFile, "");
   ASSERT_EQ(mount("/proc/self/mem", kFile, nullptr, MS_BIND, nullptr), 0);
   EXPECT_EQ(Set(kFile, "a", "1", 0), kFailed);
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST_F(KeyValueWriter, ProtectedFileCannotBeReplaced) {
@@ -277,12 +266,12 @@ TEST_F(KeyValueWriter, ProtectedFileCannotBeReplaced) {
   ASSERT_EQ(mount(kFile, kFile, nullptr, MS_BIND, nullptr), 0);
   EXPECT_EQ(Set(kFile, "a", "2", 0), SM_STATUS_FILE_DELETE_FAILED);
   EXPECT_EQ(Content(), "a=1\n");
-  EXPECT_TRUE(LockIsFree());
+  EXPECT_TRUE(test::LockIsFree());
 }
 
 TEST_F(KeyValueWriter, WaitsForTheLockAndThenGivesUp) {
   test::WriteFile(kFile, "a=1\n");
-  const test::LockHolder other(kLockFile);
+  const test::LockHolder other;
   const test::CountSleeps sleeps;
   EXPECT_EQ(Set(kFile, "a", "2", 0), SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(test::CountSleeps::Count(), 60000u);
@@ -298,7 +287,7 @@ TEST_F(KeyValueWriter, WithoutMemoryTheFileStays) {
                                            [](u32 status) {
                                              EXPECT_EQ(status, SM_STATUS_NO_MEMORY);
                                              EXPECT_EQ(Content(), "a=1\n");
-                                             EXPECT_TRUE(LockIsFree());
+                                             EXPECT_TRUE(test::LockIsFree());
                                            });
   EXPECT_GE(met, 2u);
   EXPECT_EQ(Content(), "a=2\n");

@@ -15,6 +15,7 @@
 #include "frame/module.h"
 #include "support/files.h"
 #include "support/kill_at_stop.h"
+#include "support/processes.h"
 
 namespace qvx {
 namespace {
@@ -74,7 +75,7 @@ TEST_F(Kill, AnUpdatedIniFileIsTheOldOneOrTheNewOne) {
       [this](u32 nth) {
         SCOPED_TRACE(nth);
         Count(test::ReadFile(kIniFile), IniText("before"), IniText("a longer value"));
-        EXPECT_TRUE(test::NobodyHoldsTheLock());
+        EXPECT_TRUE(test::LockIsFree());
         EXPECT_EQ(WriteIni("second", "after"), SM_STATUS_SUCCESS);
         EXPECT_EQ(test::ReadFile(kIniFile), IniText("after"));
         EXPECT_FALSE(test::Exists("/tmp/kill/pxtini32.tmp")) << "the next write clears it away";
@@ -95,7 +96,7 @@ TEST_F(Kill, ADeletedIniKeyIsThereOrGone) {
                              [&](u32 nth) {
                                SCOPED_TRACE(nth);
                                Count(test::ReadFile(kIniFile), with, without);
-                               EXPECT_TRUE(test::NobodyHoldsTheLock());
+                               EXPECT_TRUE(test::LockIsFree());
                              });
   EXPECT_GE(oldSeen_, kFewestStops / 2);
   EXPECT_GE(newSeen_, 2u);
@@ -110,7 +111,7 @@ TEST_F(Kill, ANewIniSectionIsAppendedWholeOrNotAtAll) {
       [&](u32 nth) {
         SCOPED_TRACE(nth);
         Count(test::ReadFile(kIniFile), standing, appended);
-        EXPECT_TRUE(test::NobodyHoldsTheLock());
+        EXPECT_TRUE(test::LockIsFree());
         EXPECT_EQ(WriteIni("fourth", "after"), SM_STATUS_SUCCESS);
         EXPECT_EQ(test::ReadFile(kIniFile), standing + "[fourth]\nkey=after\n");
       });
@@ -131,7 +132,7 @@ TEST_F(Kill, ANewIniFileIsMissingEmptyOrWhole) {
                              } else {
                                ++missing;
                              }
-                             EXPECT_TRUE(test::NobodyHoldsTheLock());
+                             EXPECT_TRUE(test::LockIsFree());
                              EXPECT_EQ(WriteIni("first", "after"), SM_STATUS_SUCCESS);
                              EXPECT_EQ(test::ReadFile(kIniFile), "[first]\nkey=after\n");
                            });
@@ -157,7 +158,7 @@ TEST_F(Kill, AKeyValueFileIsTheOldOneOrTheNewOne) {
       [this](u32 nth) {
         SCOPED_TRACE(nth);
         Count(test::ReadFile(kPairFile), PairText("before"), PairText("a longer value"));
-        EXPECT_TRUE(test::NobodyHoldsTheLock());
+        EXPECT_TRUE(test::LockIsFree());
         EXPECT_EQ(SetPair("key", "after", 1), SM_STATUS_SUCCESS);
         EXPECT_EQ(test::ReadFile(kPairFile), PairText("after"));
         EXPECT_FALSE(test::Exists("/tmp/kill/pxtcfg32.tmp")) << "the next write clears it away";
@@ -175,7 +176,7 @@ TEST_F(Kill, AnAppendedPairIsThereWholeOrNotAtAll) {
                                SCOPED_TRACE(nth);
                                Count(test::ReadFile(kPairFile), standing,
                                      standing + "new=a value\n");
-                               EXPECT_TRUE(test::NobodyHoldsTheLock());
+                               EXPECT_TRUE(test::LockIsFree());
                              });
   EXPECT_GE(oldSeen_, kFewestStops / 2);
   EXPECT_GE(newSeen_, 2u);

@@ -12,7 +12,8 @@
 #include <utility>
 
 #include "support/files.h"
-#include "tests/config/ini_case.h"
+#include "support/processes.h"
+#include "support/small_disk.h"
 
 namespace qvx {
 namespace {

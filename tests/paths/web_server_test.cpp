@@ -27,7 +27,6 @@ constexpr char kSystemctl[] = "/usr/bin/systemctl";
 constexpr char kInitScript[] = "/etc/init.d/hvn_qv_connsvc";
 constexpr char kOsRelease[] = "/etc/os-release";
 constexpr char kRecord[] = "/run/record";
-constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc";
 constexpr u32 kFailed = 0xFFFFFFFF;
 
 void MakeProgram(const std::string& path, const std::string& action) {
@@ -172,17 +171,6 @@ TEST(WebServer, CommandIsSilentOnItsStandardOutput) {
 
 bool IsOpen(int file) { return fcntl(file, F_GETFD) != -1; }
 
-// Whether another process is kept out of the lock file.
-bool LockIsHeld() {
-  return test::InChild([] {
-           struct flock whole = {};
-           whole.l_type = F_WRLCK;
-           whole.l_whence = SEEK_SET;
-           const int file = open(kLockFile, O_RDWR | O_CLOEXEC);
-           return fcntl(file, F_SETLK, &whole) == 0 ? 0 : 1;
-         }) == 1;
-}
-
 constexpr char kListDescriptors[] = "ls -l /proc/$$/fd >/run/descriptors\nexit 0\n";
 
 TEST(WebServer, RestartClosesDescriptors3To255) {
@@ -219,13 +207,13 @@ TEST(WebServer, RestartKeepsTheLockAndTheServiceDoesNotInheritItsFile) {
   ASSERT_GE(lockFile, 3);
   ASSERT_LE(lockFile, 255);
   ASSERT_EQ(FileLock(1), 1u);
-  ASSERT_TRUE(LockIsHeld());
+  ASSERT_FALSE(test::LockIsFree());
   EXPECT_EQ(PXTWebServer(3, 0, nullptr), SM_STATUS_SUCCESS);
   EXPECT_TRUE(IsOpen(lockFile));
-  EXPECT_TRUE(LockIsHeld());
+  EXPECT_FALSE(test::LockIsFree());
   EXPECT_EQ(test::ReadFile("/run/descriptors").find(".qvxipc"), std::string::npos);
   (void)FileUnlock();
-  EXPECT_FALSE(LockIsHeld());
+  EXPECT_TRUE(test::LockIsFree());
   EXPECT_EQ(FileLock(0), 1u);
 }
 

@@ -62,6 +62,10 @@ void* operator new(size_t size) {
   return block;
 }
 
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  return MustFail() ? nullptr : __real_malloc(size == 0 ? 1 : size);
+}
+
 void* operator new[](size_t size) { return operator new(size); }
 void operator delete(void* block) noexcept { free(block); }
 void operator delete[](void* block) noexcept { free(block); }

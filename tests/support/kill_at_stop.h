@@ -3,7 +3,6 @@
 #ifndef QVX_TESTS_SUPPORT_KILL_AT_STOP_H
 #define QVX_TESTS_SUPPORT_KILL_AT_STOP_H
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
@@ -13,42 +12,52 @@
 
 #include "qvxcs/types.h"
 
-#include "paths/layout.h"
-
 namespace qvx::test {
 
-// Runs `work` in another process that is killed at its n-th system-call stop; each call has two,
-// one before and one behind it. Gives whether it was killed; a process that comes to its end must
-// have been told `true` by its work.
-template <typename Work>
-bool KilledAtStop(u32 nth, Work work) {
+inline constexpr int kKilled = -1;
+
+// Runs `body` in another process that stops before and behind each of its system calls, where
+// `look` is asked whether it goes on. Gives the process's exit status, or kKilled when `look` said
+// no.
+template <typename Body, typename Look>
+int RunStepwise(Body body, Look look) {
   const pid_t child = fork();
   if (child == 0) {
     if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0 || raise(SIGSTOP) != 0) {
       _exit(9);
     }
-    _exit(work() ? 0 : 8);
+    // Not _exit, which writes the counts of a coverage build: thousands of stops more.
+    _Exit(body());
   }
   int status = 0;
   if (child < 0 || waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
     abort();
   }
-  for (u32 stop = 1; stop <= nth; ++stop) {
-    if (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) != 0 ||
-        waitpid(child, &status, 0) != child) {
-      abort();
-    }
-    if (!WIFSTOPPED(status)) {
-      if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        abort();
-      }
-      return false;
+  while (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) == 0 &&
+         waitpid(child, &status, 0) == child && WIFSTOPPED(status)) {
+    if (!look()) {
+      kill(child, SIGKILL);
+      waitpid(child, &status, 0);
+      return kKilled;
     }
   }
-  if (kill(child, SIGKILL) != 0 || waitpid(child, &status, 0) != child || !WIFSIGNALED(status)) {
+  if (!WIFEXITED(status)) {
     abort();
   }
-  return true;
+  return WEXITSTATUS(status);
+}
+
+// Runs `work` in another process that is killed at its n-th stop. Gives whether it was killed; a
+// process that comes to its end must have been told `true` by its work.
+template <typename Work>
+bool KilledAtStop(u32 nth, Work work) {
+  u32 stop = 0;
+  const int status =
+      RunStepwise([&work] { return work() ? 0 : 8; }, [&stop, nth] { return ++stop < nth; });
+  if (status != kKilled && status != 0) {
+    abort();
+  }
+  return status == kKilled;
 }
 
 // Kills `work` at its first, second, ... stop until it finishes: `prepare` comes before each of its
@@ -63,22 +72,6 @@ u32 KillAtEachStop(Prepare prepare, Work work, Check check) {
       return nth - 1;
     }
   }
-}
-
-// Whether nobody holds a record lock over the suite's lock file. Asked by another process, because
-// closing any descriptor of the file ends this one's hold.
-inline bool NobodyHoldsTheLock() {
-  const pid_t child = fork();
-  if (child == 0) {
-    struct flock whole = {};
-    whole.l_type = F_WRLCK;
-    whole.l_whence = SEEK_SET;
-    const int file = open(kIPCFilePath, O_RDONLY | O_CLOEXEC);
-    _exit(file >= 0 && fcntl(file, F_GETLK, &whole) == 0 && whole.l_type == F_UNLCK ? 0 : 1);
-  }
-  int status = 0;
-  return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) &&
-         WEXITSTATUS(status) == 0;
 }
 
 }  // namespace qvx::test

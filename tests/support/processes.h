@@ -4,11 +4,14 @@
 #define QVX_TESTS_SUPPORT_PROCESSES_H
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
+
+#include "paths/layout.h"
 
 namespace qvx::test {
 
@@ -28,11 +31,24 @@ int InChild(Body body) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status);
 }
 
-// Another process that holds an exclusive record lock over a whole file from construction to
-// Release() or Kill().
+// Whether another process could take the suite's file lock now. Another one is asked, because
+// closing any descriptor of the lock file ends this one's hold.
+inline bool LockIsFree() {
+  return InChild([] {
+           struct flock whole = {};
+           whole.l_type = F_WRLCK;
+           whole.l_whence = SEEK_SET;
+           const int file = open(kIPCFilePath, O_RDONLY | O_CLOEXEC);
+           const bool told = file >= 0 && fcntl(file, F_GETLK, &whole) == 0;
+           return told && whole.l_type == F_UNLCK ? 0 : 1;
+         }) == 0;
+}
+
+// Another process that holds an exclusive record lock over a whole file, the suite's lock file if
+// no other is named, from construction to Release() or Kill(), or for as long as it is told.
 class LockHolder {
  public:
-  explicit LockHolder(const char* path) {
+  explicit LockHolder(const char* path = kIPCFilePath, unsigned microseconds = 0) {
     int ready[2];
     int go[2];
     if (pipe2(ready, O_CLOEXEC) != 0 || pipe2(go, O_CLOEXEC) != 0) {
@@ -40,7 +56,8 @@ class LockHolder {
     }
     child_ = fork();
     if (child_ == 0) {
-      Hold(path, ready[1], go[0], go[1]);
+      close(go[1]);
+      Hold(path, ready[1], go[0], microseconds);
     }
     close(ready[1]);
     close(go[0]);
@@ -70,8 +87,7 @@ class LockHolder {
   }
 
  private:
-  [[noreturn]] static void Hold(const char* path, int ready, int go, int goWriter) {
-    close(goWriter);
+  [[noreturn]] static void Hold(const char* path, int ready, int go, unsigned microseconds) {
     struct flock whole = {};
     whole.l_type = F_WRLCK;
     whole.l_whence = SEEK_SET;
@@ -79,8 +95,9 @@ class LockHolder {
     if (file < 0 || fcntl(file, F_SETLK, &whole) != 0 || write(ready, "r", 1) != 1) {
       _exit(1);
     }
-    char byte = 0;
-    (void)!read(go, &byte, 1);
+    pollfd released = {go, POLLIN, 0};
+    const timespec time = {0, static_cast<long>(microseconds) * 1000};
+    (void)ppoll(&released, 1, microseconds == 0 ? nullptr : &time, nullptr);
     _exit(0);
   }
 

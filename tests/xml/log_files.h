@@ -4,12 +4,6 @@
 #define QVX_TESTS_XML_LOG_FILES_H
 
 #include <dirent.h>
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/mount.h>
-#include <sys/ptrace.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -18,9 +12,10 @@
 
 #include "qvxcs/types.h"
 
-#include "paths/layout.h"
 #include "support/files.h"
+#include "support/kill_at_stop.h"
 #include "support/processes.h"
+#include "support/small_disk.h"
 
 // What the tests of the XML logs share: the texts that a log is made of, and ways to look at one.
 namespace qvx::test {
@@ -86,78 +81,11 @@ inline int OpenDescriptors() {
   return count;
 }
 
-// Whether another process could take the suite's file lock now.
-inline bool LockIsFree() {
-  return InChild([] {
-           struct flock whole = {};
-           whole.l_type = F_WRLCK;
-           whole.l_whence = SEEK_SET;
-           const int file = open(kIPCFilePath, O_RDWR | O_CLOEXEC);
-           return fcntl(file, F_SETLK, &whole) == 0 ? 0 : 1;
-         }) == 0;
-}
-
 // Runs `body` in a child that is no superuser and gives its result.
 template <typename Body>
 bool HoldsForNobody(Body body) {
   return InChild([&body] { return seteuid(kNobody) == 0 && body() ? 0 : 1; }) == 0;
 }
-
-inline constexpr int kKilled = -1;
-
-// Runs `body` in a child that stops at the begin and the end of each of its system calls, where
-// `look` is asked whether it goes on. Gives the child's exit status, or kKilled when `look` said
-// no.
-template <typename Body, typename Look>
-int RunStepwise(Body body, Look look) {
-  const pid_t child = fork();
-  if (child == 0) {
-    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-    (void)raise(SIGSTOP);
-    _exit(body());
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  while (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) == 0 &&
-         waitpid(child, &status, 0) == child && WIFSTOPPED(status)) {
-    if (!look()) {
-      kill(child, SIGKILL);
-      waitpid(child, &status, 0);
-      return kKilled;
-    }
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : kKilled;
-}
-
-// A file system of its own of 64 KiB.
-class SmallDisk {
- public:
-  SmallDisk() {
-    RequireSandbox();
-    if (mkdir(kFolder, 0755) != 0 || mount("tmpfs", kFolder, "tmpfs", 0, "size=64k") != 0) {
-      abort();
-    }
-  }
-  ~SmallDisk() { umount2(kFolder, MNT_DETACH); }
-  SmallDisk(const SmallDisk&) = delete;
-  SmallDisk& operator=(const SmallDisk&) = delete;
-
-  void Fill() {
-    const int file = open(kFiller, O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
-    const std::string page(4096, 'x');
-    while (write(file, page.data(), page.size()) > 0) {
-    }
-    close(file);
-  }
-  void MakeRoom() { unlink(kFiller); }
-  bool MakeReadOnly() {
-    return mount(nullptr, kFolder, nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0;
-  }
-
- private:
-  static constexpr char kFolder[] = "/tmp/disk";
-  static constexpr char kFiller[] = "/tmp/disk/filler";
-};
 
 }  // namespace qvx::test
 

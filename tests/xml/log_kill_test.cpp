@@ -62,7 +62,7 @@ TEST_F(LogKill, AnAppendIsThereWholeOrNotAtAll) {
         } else {
           EXPECT_EQ(found, test::LogOf(ManyEntries() + Entry(1)));
         }
-        EXPECT_TRUE(test::NobodyHoldsTheLock());
+        EXPECT_TRUE(test::LockIsFree());
         const std::string before = found.substr(0, found.size() - sizeof "</EventLog>" + 1);
         EXPECT_EQ(Append(2), SM_STATUS_SUCCESS);
         EXPECT_EQ(FileOrNothing(kLog), before + Entry(2) + "</EventLog>");
@@ -83,7 +83,7 @@ TEST_F(LogKill, WhatStandsBehindTheTagCostsNoEntry) {
                                const bool unchanged = found == test::LogOf(ManyEntries());
                                const std::string kept = ManyEntries() + (unchanged ? "" : Entry(1));
                                EXPECT_EQ(found, test::LogOf(kept));
-                               EXPECT_TRUE(test::NobodyHoldsTheLock());
+                               EXPECT_TRUE(test::LockIsFree());
                                EXPECT_EQ(Append(2), SM_STATUS_SUCCESS);
                                EXPECT_EQ(FileOrNothing(kLog), test::LogOf(kept + Entry(2)));
                              });
@@ -97,7 +97,7 @@ TEST_F(LogKill, ANewLogIsMissingEmptyOrWhole) {
         const std::string found = FileOrNothing(kLog);
         const bool whole = found == test::LogOf(Entry(1));
         EXPECT_TRUE(whole || found.empty() || found == "(missing)") << found;
-        EXPECT_TRUE(test::NobodyHoldsTheLock());
+        EXPECT_TRUE(test::LockIsFree());
         EXPECT_EQ(Append(2), SM_STATUS_SUCCESS);
         EXPECT_EQ(FileOrNothing(kLog), test::LogOf((whole ? Entry(1) : "") + Entry(2)));
       });
@@ -127,7 +127,7 @@ TEST_F(LogKill, AMoveToTheBackupLosesNoEntryOfTheLog) {
                       log == test::LogOf(begun + Entry(1)))
               << log;
         }
-        EXPECT_TRUE(test::NobodyHoldsTheLock());
+        EXPECT_TRUE(test::LockIsFree());
         const bool empty = log.empty() || log == "(missing)";
         EXPECT_EQ(Append(2), SM_STATUS_SUCCESS);
         EXPECT_EQ(FileOrNothing(kLog), empty
@@ -149,7 +149,7 @@ TEST_F(LogKill, AClearedLogIsTheOldOneMissingEmptyOrBegunAnew) {
         const std::string found = FileOrNothing(kLog);
         EXPECT_TRUE(found == standing || found == "(missing)" || found.empty() || found == cleared)
             << found;
-        EXPECT_TRUE(test::NobodyHoldsTheLock());
+        EXPECT_TRUE(test::LockIsFree());
         EXPECT_EQ(Append(2), SM_STATUS_SUCCESS);
       });
   EXPECT_EQ(test::WithoutTimes(test::ReadFile(kLog)),

@@ -328,11 +328,11 @@ TEST(XmlLog, FullDiskCutsTheLogBackToItsOldEnd) {
   test::SmallDisk disk;
   ASSERT_EQ(Append(kDiskLog, 1, "d"), SM_STATUS_SUCCESS);
   const std::string before = ReadFile(kDiskLog);
-  disk.Fill();
+  test::SmallDisk::Fill();
   EXPECT_EQ(Append(kDiskLog, 2, std::string(16000, 'd').c_str()), SM_STATUS_WRITE_FAILED);
   EXPECT_EQ(ReadFile(kDiskLog), before);
   EXPECT_TRUE(test::LockIsFree());
-  disk.MakeRoom();
+  test::SmallDisk::MakeRoom();
   EXPECT_EQ(Append(kDiskLog, 3, "d"), SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(kDiskLog), LogOf(Plain(1, "d") + Plain(3, "d")));
 }
@@ -341,7 +341,7 @@ TEST(XmlLog, SmallEntryThatFillsTheDiskIsTakenBackToo) {
   Attach();
   test::SmallDisk disk;
   ASSERT_EQ(Append(kDiskLog, 0, "d"), SM_STATUS_SUCCESS);
-  disk.Fill();
+  test::SmallDisk::Fill();
   std::string before = ReadFile(kDiskLog);
   u32 id = 1;
   u32 status = SM_STATUS_SUCCESS;
@@ -359,7 +359,7 @@ TEST(XmlLog, BytesBehindTheClosingTagAreCutOnAFullDiskToo) {
   Attach();
   test::SmallDisk disk;
   WriteFile(kDiskLog, LogOf("kept") + "rest");
-  disk.Fill();
+  test::SmallDisk::Fill();
   EXPECT_EQ(Append(kDiskLog, 2, std::string(16000, 'd').c_str()), SM_STATUS_WRITE_FAILED);
   EXPECT_EQ(ReadFile(kDiskLog), LogOf("kept"));
 }
@@ -368,13 +368,13 @@ TEST(XmlLog, FirstEntryThatDoesNotFitLeavesAnEmptyFile) {
   Attach();
   test::SmallDisk disk;
   WriteFile(kDiskLog, "damaged");
-  disk.Fill();
+  test::SmallDisk::Fill();
   EXPECT_EQ(Append(kDiskLog, 1, std::string(16000, 'd').c_str()), SM_STATUS_WRITE_FAILED);
   EXPECT_EQ(ReadFile(kDiskLog), "");
   EXPECT_EQ(Append("/tmp/disk/new.xml", 1, std::string(16000, 'd').c_str()),
             SM_STATUS_WRITE_FAILED);
   EXPECT_EQ(ReadFile("/tmp/disk/new.xml"), "");
-  disk.MakeRoom();
+  test::SmallDisk::MakeRoom();
   EXPECT_EQ(Append(kDiskLog, 2, "d"), SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(kDiskLog), LogOf(Plain(2, "d")));
 }
@@ -413,7 +413,7 @@ TEST(XmlLog, ReadOnlyDiskIsMinusOneAndKeepsTheLog) {
   test::SmallDisk disk;
   ASSERT_EQ(Append(kDiskLog, 1, "d"), SM_STATUS_SUCCESS);
   const std::string before = ReadFile(kDiskLog);
-  ASSERT_TRUE(disk.MakeReadOnly());
+  test::SmallDisk::MakeReadOnly();
   EXPECT_EQ(Append(kDiskLog, 2, "d"), kMinusOne);
   EXPECT_EQ(Append(kDiskLog, 2, "d", 1), kMinusOne);
   EXPECT_EQ(Append("/tmp/disk/new.xml", 2, "d"), kMinusOne);
