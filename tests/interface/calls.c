@@ -170,7 +170,7 @@ static void CheckThatAllWereCalled(const char* map) {
   if (file != NULL) {
     fclose(file);
   }
-  EXPECT_EQ(names, 231);
+  EXPECT(names != 0);
   EXPECT_EQ(calledCount, names);
 }
 

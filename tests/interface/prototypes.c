@@ -537,9 +537,10 @@ static const Function kFunctions[] = {
 };
 
 int main(void) {
-  size_t found = pam_servicename != NULL ? 1 : 0;
   for (size_t at = 0; at < sizeof kFunctions / sizeof *kFunctions; ++at) {
-    found += kFunctions[at] != NULL ? 1 : 0;
+    if (kFunctions[at] == NULL) {
+      return 1;
+    }
   }
-  return found == 231 ? 0 : 1;
+  return pam_servicename != NULL ? 0 : 1;
 }
