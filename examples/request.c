@@ -60,7 +60,7 @@ static int Authenticate(const char* login, char* password, u32* rights) {
   ustring* const secret = Widen(password);
   Wipe(password);
   const int usable = user != NULL && secret != NULL;
-  *rights = usable ? PXTAuthenticateUser(NULL, user, secret) : 0;
+  *rights = PXTAuthenticateUser(NULL, user, secret); /* wipes `secret` without a user, too */
   PXTFreeMem(user);
   PXTFreeMem(secret);
   return usable;
@@ -118,6 +118,7 @@ static int PrintLog(void) {
 }
 
 static char* ReadPassword(char* room, int size) {
+  setvbuf(stdin, NULL, _IONBF, 0); /* a buffer of the stream would keep a copy */
   if (fgets(room, size, stdin) == NULL) {
     return NULL;
   }

@@ -1,0 +1,79 @@
+/* SPDX-FileCopyrightText: Copyright The libqvxcs authors */
+/* SPDX-License-Identifier: MIT */
+
+/*
+ * login USER
+ *
+ * Checks a login and prints in words what the user may do. The password is one line on standard
+ * input. The PAM service "qvauth" says whether it is right (see pam/), the role map which rights
+ * the user has. The exit status is 0 when the login was granted, 1 when it was refused, 2 when it
+ * could not be checked.
+ */
+#include <locale.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "qvxcs/qvxcs.h"
+
+enum { kLevel = 0xFFFF, kSuperuser = 0x40000 };
+
+static const char* LevelInWords(u32 rights) {
+  switch (rights & kLevel) {
+    case 7:
+      return "administrator";
+    case 3:
+      return "power user";
+    case 1:
+      return "user";
+    default:
+      return "no access";
+  }
+}
+
+/* Volatile, so that no compiler leaves out a write to memory that is not read again. */
+static void Wipe(void* memory, size_t size) {
+  volatile unsigned char* const bytes = memory;
+  for (size_t at = 0; at < size; ++at) {
+    bytes[at] = 0;
+  }
+}
+
+/* One line without its end; 0 when there is none or it is longer than the room. */
+static int ReadLine(char* room, int size) {
+  setvbuf(stdin, NULL, _IONBF, 0); /* a buffer of the stream would keep a copy */
+  if (fgets(room, size, stdin) == NULL) {
+    return 0;
+  }
+  const size_t length = strcspn(room, "\n");
+  const int whole = room[length] == '\n' || feof(stdin);
+  room[length] = '\0';
+  return whole;
+}
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    fprintf(stderr, "usage: login USER\n");
+    return 2;
+  }
+  setlocale(LC_CTYPE, ""); /* the role map is asked of names that the locale has */
+  char password[256];
+  const int read = ReadLine(password, sizeof password);
+  ustring* const user = PXTNVSAstrToUstr(argv[1], NULL);
+  ustring* const secret = read ? PXTNVSAstrToUstr(password, NULL) : NULL;
+  Wipe(password, sizeof password);
+  const int usable = user != NULL && secret != NULL;
+
+  /* Logins are answered from the role map only once the file was opened and read by a question. */
+  (void)PXTOpenRolemapFile();
+  (void)PXTGetRightsUsingRolemap();
+  const u32 rights = PXTAuthenticateUser(NULL, user, secret); /* wipes `secret` in any case */
+  PXTFreeMem(user);
+  PXTFreeMem(secret);
+  if (!usable) {
+    fprintf(stderr, "login: name or password is missing, too long or no UTF-8 text\n");
+    return 2;
+  }
+  printf("%s: %s%s\n", argv[1], LevelInWords(rights),
+         (rights & kSuperuser) != 0 ? ", superuser" : "");
+  return rights != 0 ? 0 : 1;
+}

@@ -1,0 +1,95 @@
+/* SPDX-FileCopyrightText: Copyright The libqvxcs authors */
+/* SPDX-License-Identifier: MIT */
+
+/*
+ * rolemap
+ *
+ * Checks the role map for its administrator: opens it, asks it a question, and shows the line and
+ * the reason of its fault. Run it after each change of the file. The exit status is 0 without a
+ * fault, 1 with one, 2 when the file could not be checked.
+ */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "qvxcs/qvxcs.h"
+
+enum { kCheckBegins = 5101, kInformation = 4 };
+
+#define SOURCE "ROLEMAP"
+
+/* The identifiers under which the command log keeps faults of the role map. */
+static const struct {
+  const char* id;
+  const char* reason;
+} kFaults[] = {
+    {"<ID>5911</ID>", "a field is missing: users, hosts and a role are needed"},
+    {"<ID>5912</ID>", "the file is missing or cannot be opened"},
+    {"<ID>5913</ID>", "the file's mode is neither 0640 nor 01640"},
+    {"<ID>5914</ID>", "the file has no line that counts"},
+    {"<ID>5915</ID>", "the role is none of administrator, poweruser and user"},
+    {"<ID>5916</ID>", "a user is given the same host a second time"},
+};
+
+/* The part of the log behind the last entry of this program; all of a log that was begun anew. */
+static const char* BehindOurEntry(const char* log) {
+  static const char kOurs[] = "<Source>" SOURCE "</Source>";
+  for (const char* at = strstr(log, kOurs); at != NULL; at = strstr(log, kOurs)) {
+    log = at + strlen(kOurs);
+  }
+  return log;
+}
+
+/* The first fault is the reason; the question after a failed opening may add one without a line. */
+static int ShowFirstFault(const char* entries) {
+  const char* first = NULL;
+  const char* reason = NULL;
+  for (size_t at = 0; at < sizeof kFaults / sizeof *kFaults; ++at) {
+    const char* const found = strstr(entries, kFaults[at].id);
+    if (found != NULL && (first == NULL || found < first)) {
+      first = found;
+      reason = kFaults[at].reason;
+    }
+  }
+  if (first == NULL) {
+    return 0;
+  }
+  static const char kLine[] = "name=\"line\" value=\"";
+  const char* const line = strstr(first, kLine);
+  const unsigned long number = line == NULL ? 0 : strtoul(line + strlen(kLine), NULL, 10);
+  if (number != 0) {
+    printf("line %lu: ", number);
+  }
+  printf("%s; the built-in lines stand in\n", reason);
+  return 1;
+}
+
+int main(void) {
+  /* Marks where the check begins, and shows that a fault can be recorded. */
+  const u32 status =
+      PXTAppendToCmdLog(kCheckBegins, "root", SOURCE, "Role map check", kInformation);
+  if (status != SM_STATUS_SUCCESS) {
+    fprintf(stderr, "rolemap: the command log cannot be written (0x%x)\n", (unsigned)status);
+    return 2;
+  }
+  (void)PXTOpenRolemapFile();                    /* finds a missing file and a wrong mode */
+  const u32 rights = PXTGetRightsUsingRolemap(); /* reads the lines */
+  astring* const path = PXTGetCmdLogPathFileName();
+  astring* const log = PXTCmdGetXMLLogContent(path);
+  PXTFreeMem(path);
+  if (log == NULL) {
+    fprintf(stderr, "rolemap: the command log cannot be read\n");
+    return 2;
+  }
+  const int fault = ShowFirstFault(BehindOurEntry(log));
+  PXTXFreeBufContent(log);
+  if (fault) {
+    return 1;
+  }
+  if (rights == 0) {
+    fprintf(stderr, "rolemap: nothing is granted to this user, or memory ran out\n");
+    return 2;
+  }
+  printf("no fault\n");
+  return 0;
+}
