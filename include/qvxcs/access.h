@@ -196,7 +196,7 @@ QVX_EXPORT u32 PXTGetProcessRights(void);
 /**
  * Gives the name of the process's real user.
  *
- * @retval NULL when the user database knows no such user, or memory runs out
+ * @return the name; NULL when the user database knows no such user, or memory runs out
  * @par Memory
  * The name is a new text: free it with PXTFreeMem().
  * @par Threads
@@ -219,8 +219,8 @@ QVX_EXPORT astring* PXTGetProcessUser(void);
  * @param[in] iniFile name of the product's INI file that names the OEM
  * @param[out] reason stored only where a level is lowered to 0: 1001 for a user's, 1002 for a power
  *                    user's; may be NULL
- * @retval 0 when an argument is NULL, or the OEM, its file or the mask cannot be read; also a
- *           result of masking
+ * @return the rights that remain; 0 also when an argument is NULL, or the OEM, its file or the mask
+ *         cannot be read
  * @par Memory
  * Nothing is handed to the caller.
  * @par Threads
@@ -234,6 +234,11 @@ QVX_EXPORT u32 PXTMaskProgramRights(u32 rights, const astring* prefix, const ast
  *
  * A host may point it at another text, which must stay valid while users are logged in; it is read
  * at each login, and no text (NULL) refuses every login.
+ *
+ * @par Memory
+ * The text stays the host's; the library neither copies nor frees it.
+ * @par Threads
+ * Reads of the pointer are not locked: set it before the first login.
  */
 QVX_EXPORT extern astring* pam_servicename;
 

@@ -34,13 +34,21 @@ typedef uint16_t ustring;
 /** A 16-bit boolean: exactly 1 is true, any other value counts as false. */
 typedef uint16_t booln;
 
+/** 8 bits, 0 to 255. */
 typedef unsigned char u8;
+/** 8 bits with a sign. */
 typedef int8_t s8;
+/** 16 bits, 0 to 65,535. */
 typedef uint16_t u16;
+/** 16 bits with a sign. */
 typedef int16_t s16;
+/** 32 bits, 0 to 4,294,967,295; every status and size. */
 typedef uint32_t u32;
+/** 32 bits with a sign. */
 typedef int32_t s32;
+/** 64 bits without a sign. */
 typedef uint64_t u64;
+/** 64 bits with a sign. */
 typedef int64_t s64;
 /** A 64-bit IEEE double. */
 typedef double d64;
