@@ -34,6 +34,15 @@ QVX_BEGIN_DECLS
  * superuser's group are power users, and everybody else is a user. A file that goes missing or gets
  * another mode while its lines are in force leaves them in force.
  *
+ * The entry's identifier tells the fault:
+ *
+ * - 5911: a line has fewer than three fields
+ * - 5912: the file cannot be examined or opened
+ * - 5913: its mode is neither 0640 nor 01640
+ * - 5914: it has no line that counts
+ * - 5915: a line's third field is no role
+ * - 5916: a user is given the same host twice
+ *
  * When a file in which a line is at fault, or without any line that counts, is opened once more,
  * the built-in lines stand until the process ends, also when the file has been corrected. To give a
  * user the same host twice is a fault as well, but one that is gone when a corrected file is
