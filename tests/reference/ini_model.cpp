@@ -392,7 +392,7 @@ bool FitsItsSize(const IniChange& change) {
   const s32 size = change.size;
   if (!change.value) return size == 0;
   if (change.type == 2)
-    return size < 2049 && size >= 0 && WideSize(*change.value) == static_cast<size_t>(size);
+    return size < 2049 && size >= 2 && WideSize(*change.value) == static_cast<size_t>(size);
   if (change.type == 3) return size >= 1 && size <= 2048;
   return size >= static_cast<s32>(WidthOf(change.type));
 }
