@@ -94,6 +94,11 @@ inline void AddLocalAddresses(const std::string& first, const std::string& secon
       "echo 1 > /proc/sys/net/ipv6/conf/qvxb/disable_ipv6; true");
   Run("ip addr add " + first + "/24 dev qvxa && ip addr add " + second + "/24 dev qvxb");
   Run("ip link set qvxa up && ip link set qvxb up");
+  // An interface counts once it has found its peer.
+  for (const char* name : {"qvxa", "qvxb"}) {
+    Run("for i in $(seq 1000); do ip -o link show " + std::string(name) +
+        " | grep -q 'state UP' && exit 0; sleep .005; done; exit 1");
+  }
 }
 
 }  // namespace qvx::test

@@ -7,6 +7,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
 #include <vector>
 
 #include "access/role_map_algorithm.h"
@@ -246,6 +249,32 @@ TEST(AuthFileReader, DefaultRecordsStandInForLoadedOnesUntilTheTimeChanges) {
   ASSERT_EQ(Reader().GetRecords().size(), 2u);
   (void)Reader().GetDefaultRecords();
   EXPECT_EQ(LineNumbers(Reader().GetRecords()), (Lines{0, 0, 0}));
+}
+
+TEST(AuthFileReader, EveryOperationWaitsForTheReadersLock) {
+  WriteRoleMap("root * user\n");
+  using Operation = void (*)();
+  const Operation operations[] = {
+      [] { (void)Open(); },
+      [] { (void)Read(); },
+      [] { (void)Reader().GetDefaultRecords(); },
+      [] { Reader().StopReading(); },
+  };
+  for (const Operation operation : operations) {
+    std::atomic<bool> done{false};
+    std::thread waiting;
+    {
+      const ZarnSupport::ZarnCriticalSection section(Reader());
+      waiting = std::thread([operation, &done] {
+        operation();
+        done = true;
+      });
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));
+      EXPECT_FALSE(done);
+    }
+    waiting.join();
+    EXPECT_TRUE(done);
+  }
 }
 
 TEST(AuthFileReader, ItsDescriptorIsCloseOnExec) {

@@ -191,6 +191,16 @@ TEST_F(Authenticate, AuthorizingTakesAnEmptyDomainAsNoneAndRefusesOthers) {
   EXPECT_EQ(Authorize(u"lab", nullptr), 0u);
 }
 
+TEST_F(Authenticate, AuthorizingWithoutMemoryGrantsNoMore) {
+  const Units name = Text(u"alice");
+  const u32 met = test::FailEachAllocation(
+      [&name] { return PXTAuthorizeUser(nullptr, name.data()); },
+      [](u32 rights) { EXPECT_TRUE(rights == 0 || rights == 0x1) << rights; });
+  // The name, the reader of the role map and the text that is sought in it.
+  EXPECT_GE(met, 3u);
+  EXPECT_EQ(Authorize(nullptr, u"alice"), 0x1u);
+}
+
 TEST_F(Authenticate, AuthorizingLeavesTheCallersNameAlone) {
   const Units name = Text(u"lab\\alice");
   const Units standing = name;

@@ -6,8 +6,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <memory>
 #include <new>
+#include <thread>
 #include <vector>
 
 #include "access/role_map_error.h"
@@ -304,6 +307,23 @@ TEST_F(RoleMapAlgorithm, OtherRecordsHaveNoEffectWhileInitialized) {
   Algorithm().ForgetInitialized();
   Algorithm().Initialize(Records({L"bob * administrator"}).list);
   EXPECT_EQ(Ask(L"bob", L"srv1"), 0x7u);
+}
+
+TEST_F(RoleMapAlgorithm, TheMapsAreBuiltUnderTheirLock) {
+  const Records records({L"bob * user"});
+  std::atomic<bool> built{false};
+  std::thread builder;
+  {
+    const ZarnSupport::ZarnCriticalSection section(Algorithm());
+    builder = std::thread([&records, &built] {
+      Algorithm().Initialize(records.list);
+      built = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_FALSE(built);
+  }
+  builder.join();
+  EXPECT_EQ(Ask(L"bob", L"srv1"), 0x1u);
 }
 
 TEST_F(RoleMapAlgorithm, ALookUpAddsNothingToTheMaps) {

@@ -315,7 +315,8 @@ TEST_F(RoleMapModel, HostileFilesAreReadAndJudgedAsTheModelDoes) {
     // Mostly with a line that can be read behind all faults.
     if (maps.Below(12) != 0) file += "\n" + maps.SoundFile();
     if (!file.empty() && maps.Below(8) == 0) file.pop_back();
-    ASSERT_NO_FATAL_FAILURE(ExpectAgreement(&maps, file, 1000000 + input))
+    ASSERT_NO_FATAL_FAILURE(
+        ExpectAgreement(&maps, file, time_t{1000000} + static_cast<time_t>(input)))
         << input << ": " << Shown(file);
   }
 }
@@ -324,7 +325,8 @@ TEST_F(RoleMapModel, SoundFilesAreReadAndJudgedAsTheModelDoes) {
   HostileRoleMaps maps = Maps(42);
   for (u32 input = 0; input < kInputs; ++input) {
     const std::string file = maps.SoundFile();
-    ASSERT_NO_FATAL_FAILURE(ExpectAgreement(&maps, file, 1000000 + input))
+    ASSERT_NO_FATAL_FAILURE(
+        ExpectAgreement(&maps, file, time_t{1000000} + static_cast<time_t>(input)))
         << input << ": " << Shown(file);
   }
 }

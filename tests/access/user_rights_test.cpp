@@ -2,10 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "access/user_rights.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <locale.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <deque>
 #include <new>
 #include <thread>
@@ -375,6 +382,78 @@ TEST_F(UserRights, WithoutMemoryForTheDefaultsTheRecordsStay) {
       });
   EXPECT_GE(met, 6u) << "a record and its entry of each line";
   EXPECT_EQ(reader.GetRecords().size(), 3u);
+}
+
+// A login in a thread of its own. It hangs where it asks the system for its users, which are a pipe
+// that nobody writes to, until this ends.
+class HangingLogin {
+ public:
+  explicit HangingLogin(const std::string& user) {
+    if (rename(kUsers, kAside) != 0 || mkfifo(kUsers, 0644) != 0) abort();
+    login_ = std::thread([this, user] {
+      thread_ = gettid();
+      (void)RightsOf(user);
+    });
+    for (u32 turn = 0; turn < 1000 && !Hangs(); ++turn) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(Hangs());
+  }
+  ~HangingLogin() {
+    const int pipe = open(kUsers, O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    (void)rename(kAside, kUsers);
+    close(pipe);
+    login_.join();
+  }
+  HangingLogin(const HangingLogin&) = delete;
+  HangingLogin& operator=(const HangingLogin&) = delete;
+
+ private:
+  // Whether the thread waits in the call that opens a file.
+  [[nodiscard]] bool Hangs() const {
+    const std::string path = "/proc/self/task/" + std::to_string(thread_) + "/syscall";
+    return test::ReadFile(path).rfind(std::to_string(SYS_openat) + " ", 0) == 0;
+  }
+
+  static constexpr char kUsers[] = "/etc/passwd";
+  static constexpr char kAside[] = "/etc/passwd.aside";
+  std::atomic<pid_t> thread_{0};
+  std::thread login_;
+};
+
+TEST_F(UserRights, TheRoleMapIsNotOpenedWhileALoginIsDecided) {
+  Load("alice * user\n");
+  std::atomic<bool> opened{false};
+  std::thread other;
+  {
+    const HangingLogin login("member");  // it has no line, so its groups are asked for
+    other = std::thread([&opened] {
+      (void)PXTOpenRolemapFile();
+      opened = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_FALSE(opened);
+  }
+  other.join();
+  EXPECT_TRUE(opened);
+}
+
+TEST_F(UserRights, TheRoleMapIsFreeWhileTheSystemIsAskedForItsJudgement) {
+  Load("alice * user\n");
+  std::atomic<bool> opened{false};
+  std::thread other;
+  {
+    const HangingLogin login("alice");  // its line decides
+    other = std::thread([&opened] {
+      (void)PXTOpenRolemapFile();
+      opened = true;
+    });
+    for (u32 turn = 0; turn < 1000 && !opened; ++turn) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(opened);
+  }
+  other.join();
 }
 
 TEST_F(UserRights, LoginsOfSeveralThreadsAreSafe) {

@@ -95,6 +95,17 @@ TEST(FileUtil, FileOfAnotherUserInAWritableDirectoryStays) {
   EXPECT_EQ(ReadFile("/tmp/d/a"), "text");
 }
 
+TEST(FileUtil, OwnFileInADirectoryOfAnotherUserStays) {
+  ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
+  WriteFile("/tmp/d/a", "text");
+  ASSERT_EQ(chown("/tmp/d/a", kNobody, kNobody), 0);
+  // Setting the mode succeeds here; unlinking does not.
+  EXPECT_EQ(
+      InChild([] { return setuid(kNobody) == 0 && DelFile("/tmp/d/a") == kMinusOne ? 3 : 4; }), 3);
+  EXPECT_EQ(ReadFile("/tmp/d/a"), "text");
+  EXPECT_EQ(ModeOf("/tmp/d/a"), 01664u);
+}
+
 TEST(FileUtil, SizeIsTheLengthInBytes) {
   u32 size = 99;
   WriteFile("/tmp/a", std::string("ab\0cd", 5));
@@ -406,6 +417,18 @@ TEST(FileUtil, TargetsOfAnotherUserInAStickyDirectoryAreLeft) {
   });
   EXPECT_EQ(result, 3);
   EXPECT_EQ(ReadFile("/tmp/d/target"), "old");
+}
+
+TEST(FileUtil, ReplaceOfATargetThatAFileIsMountedOverLeavesBoth) {
+  WriteFile("/tmp/a", "old");
+  WriteFile("/tmp/b", "new");
+  WriteFile("/tmp/over", "over");
+  ASSERT_EQ(mount("/tmp/over", "/tmp/a", nullptr, MS_BIND, nullptr), 0);
+  EXPECT_EQ(ReplaceFile("/tmp/a", "/tmp/b"), SM_STATUS_FILE_DELETE_FAILED);
+  EXPECT_EQ(ReadFile("/tmp/a"), "over");
+  EXPECT_EQ(ReadFile("/tmp/b"), "new");
+  ASSERT_EQ(umount("/tmp/a"), 0);
+  EXPECT_EQ(ReadFile("/tmp/a"), "old");
 }
 
 TEST(FileUtil, ReplaceWithoutAPointerIsAFailure) {

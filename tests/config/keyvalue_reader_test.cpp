@@ -247,6 +247,14 @@ TEST(KeyValueLookup, KeyIsComparedExactly) {
   }
 }
 
+TEST(KeyValueLookup, AnEntryWithoutAKeyIsPassedOver) {
+  astring key[] = "key";
+  astring value[] = "v";
+  const PXTKeyValue entries[] = {{nullptr, key}, {key, value}};
+  EXPECT_EQ(PXTCFGGetKeyValue(entries, 2, "key", 0), value);
+  EXPECT_EQ(PXTCFGGetKeyValue(entries, 1, "key", 0), nullptr);
+}
+
 TEST(KeyValueLookup, NullArgumentsAndNoEntriesAreNull) {
   astring key[] = "key";
   const PXTKeyValue entries[] = {{key, key}};

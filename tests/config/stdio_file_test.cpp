@@ -84,6 +84,16 @@ TEST(StdioFile, WritingBeginsAnewAndAppendingGoesOn) {
   EXPECT_EQ(ReadFile(kPath), "newer");
 }
 
+TEST(StdioFile, WritingGoesOnWhereThePositionIs) {
+  FilePtr file = OpenFile(kPath, "w");
+  ASSERT_TRUE(file);
+  EXPECT_GE(fputs("first", file.get()), 0);
+  EXPECT_EQ(fseek(file.get(), 0, SEEK_SET), 0);
+  EXPECT_GE(fputs("wo", file.get()), 0);
+  EXPECT_TRUE(CloseWritten(std::move(file)));
+  EXPECT_EQ(ReadFile(kPath), "worst");
+}
+
 TEST(StdioFile, TemporaryTakesTheNameFromAnOldFileOrLink) {
   WriteFile("/tmp/other", "other");
   ASSERT_EQ(symlink("/tmp/other", "/tmp/link"), 0);

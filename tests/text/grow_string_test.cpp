@@ -3,6 +3,8 @@
 #include "text/grow_string.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <cstring>
@@ -44,6 +46,41 @@ std::u16string Wide(const SSUStr& record) {
   EXPECT_EQ(record.text[record.length], 0);
   return text;
 }
+
+// A text of 2 GiB, its terminator counted, that takes little memory: one block, mapped many times.
+class HugeText {
+ public:
+  HugeText() {
+    const int block = memfd_create("huge text", MFD_CLOEXEC);
+    const std::string letters(kBlock, 'a');
+    EXPECT_EQ(write(block, letters.data(), kBlock), static_cast<ssize_t>(kBlock));
+    void* const base =
+        mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (base != MAP_FAILED) {
+      text_ = static_cast<astring*>(base);
+      for (size_t at = 0; at < kSize; at += kBlock) {
+        EXPECT_NE(
+            mmap(text_ + at, kBlock, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_FIXED, block, 0),
+            MAP_FAILED);
+      }
+      text_[kSize - 1] = '\0';
+    }
+    close(block);
+  }
+  ~HugeText() {
+    if (text_ != nullptr) munmap(text_, kSize);
+  }
+  HugeText(const HugeText&) = delete;
+  HugeText& operator=(const HugeText&) = delete;
+
+  // Null where the address space has no room for it.
+  [[nodiscard]] const astring* get() const { return text_; }
+
+ private:
+  static constexpr size_t kBlock = size_t{1} << 20;
+  static constexpr size_t kSize = size_t{1} << 31;
+  astring* text_ = nullptr;
+};
 
 const ustring* Units(const char16_t* text) { return reinterpret_cast<const ustring*>(text); }
 
@@ -384,6 +421,15 @@ TEST(GrowString, ConversionWithoutItsBlockGivesNull) {
   EXPECT_EQ(Wide(wide), u"abc");
   SSAStrFree(&narrow);
   SSUStrFree(&wide);
+}
+
+TEST(GrowString, ConversionThatNeeds4GiBGivesNull) {
+  const HugeText text;
+  if (text.get() == nullptr) GTEST_SKIP() << "no room for a text of 2 GiB";
+  SSUStr record = HoldingWide(8, u"abc");
+  EXPECT_EQ(SSUStrCatAStr(&record, text.get()), nullptr);  // (2^31 - 1) x 2 + 2 bytes
+  EXPECT_EQ(Wide(record), u"abc");
+  SSUStrFree(&record);
 }
 
 TEST(GrowString, ConvertedTextThatCannotGrowTheRecordGivesTheOldText) {

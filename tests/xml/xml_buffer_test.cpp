@@ -3,6 +3,7 @@
 #include "xml/xml_buffer.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -137,6 +138,17 @@ TEST(XmlBuffer, EveryModeButOneFreesTheText) {
   EXPECT_EQ(PXMFreeBuf(PXMAllocBuf(0, 1), 2), nullptr);
   EXPECT_EQ(PXMFreeBuf(PXMAllocBuf(0, 1), 0x101), nullptr);
   EXPECT_EQ(PXTXFreeBuf(PXTXAllocBuf(0, 1)), nullptr);
+}
+
+TEST(XmlBuffer, BuffersThatAreFreedOrTakenLeaveNothingBehind) {
+  constexpr u32 kBuffers = 10000;
+  const size_t before = mallinfo2().uordblks;
+  for (u32 at = 0; at < kBuffers; ++at) {
+    (void)PXTXFreeBuf(PXTXAllocBuf(0, 0));
+    PXTXFreeBufContent(PXTXFreeBufGetContent(PXTXAllocBuf(0, 0)));
+  }
+  // A block that stayed of each would be 24 bytes and more.
+  EXPECT_LT(mallinfo2().uordblks, before + kBuffers);
 }
 
 TEST(XmlBuffer, NullBuffersAndTextsAreIgnored) {

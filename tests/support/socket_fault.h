@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_TESTS_SUPPORT_SOCKET_FAULT_H
+#define QVX_TESTS_SUPPORT_SOCKET_FAULT_H
+
+namespace qvx::test {
+
+// From here to the end of this process the library gets no socket of the family. Use it in a child
+// process.
+void RefuseFamily(int family);
+
+}  // namespace qvx::test
+
+#endif
