@@ -59,6 +59,11 @@ int RunWithExactHeap() {
                                                                                : -1;
 }
 
+// A block is up to 16 bytes larger than asked where the rest would be too small to stand alone, so
+// what is kept on purpose weighs a few such pieces more or less. A byte lost by each call would be
+// 160,000.
+constexpr size_t kRounding = 256;
+
 struct Holdings {
   size_t heap;
   u32 descriptors;
@@ -88,7 +93,7 @@ void ExpectNoGrowth(Call call) {
   }
   const Holdings after = Count();
   EXPECT_EQ(failures, 0u);
-  EXPECT_LE(after.heap, before.heap);
+  EXPECT_LE(after.heap, before.heap + kRounding);
   EXPECT_EQ(after.descriptors, before.descriptors);
 }
 
