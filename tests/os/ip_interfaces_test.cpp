@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <ifaddrs.h>
 #include <linux/if_tun.h>
+#include <malloc.h>
 #include <net/if.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
@@ -154,6 +155,19 @@ TEST_F(Interfaces, AnEmptyListIsASuccessOfNone) {
   givesSubstitute = true;
   EXPECT_EQ(Counted(), 0U);
   EXPECT_FALSE(givesSubstitute);
+}
+
+TEST_F(Interfaces, TheSystemsListIsGivenBack) {
+  constexpr u32 kReadings = 1000;
+  AddTwoAddresses();
+  size_t first = 0;
+  for (u32 at = 0; at <= kReadings; ++at) {
+    u32 count = 0;
+    ASSERT_EQ(PXTGetIPAddrStrList(nullptr, &count, nullptr), SM_STATUS_SUCCESS);
+    if (at == 0) first = mallinfo2().uordblks;
+  }
+  // A list that stayed of each reading would be hundreds of bytes.
+  EXPECT_LT(mallinfo2().uordblks, first + kReadings);
 }
 
 TEST_F(Interfaces, LoopbackAddressesArePassedOver) {
