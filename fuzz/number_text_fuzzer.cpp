@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Input: base, room and precision, one a line, then the text. What the text says as a number is
+// Input: base, room and precision, one a line, then the text. The number that the text holds is
 // also written, as numbers of every kind and as a time.
 #include <time.h>
 

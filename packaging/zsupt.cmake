@@ -11,7 +11,7 @@ if(QVXCS_ZSUPT STREQUAL "bundled")
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/zsupt/*.cpp)
   add_library(zsupt SHARED EXCLUDE_FROM_ALL ${sources})
   target_link_libraries(zsupt PRIVATE qvx_flags)
-  set_target_properties(zsupt PROPERTIES VERSION 1.0.0 SOVERSION 1)
+  set_target_properties(zsupt PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1)
   install(
     TARGETS zsupt
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}

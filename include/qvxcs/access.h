@@ -9,7 +9,7 @@ QVX_BEGIN_DECLS
 
 /**
  * @file
- * Who somebody is, and what they may do.
+ * Logins by password, roles and rights: who somebody is, and what they may do.
  *
  * A rights value is a `u32`. Its low 16 bits are a level: 0 no access, 1 user, 3 power user, 7
  * administrator. Each level contains the lower ones, so that of two grants the greater number is
@@ -111,7 +111,8 @@ QVX_EXPORT u32 PXTGetRightsUsingRolemap(void);
  * goes on without an answer. Then the role map decides. With a domain the login is
  * "user@domain", and the domain's text is the host that the role map is asked for; without one it
  * is this machine, and a name of the form "user@host" or "domain\user" is split. The operating
- * system is asked of what stands before the separator.
+ * system is asked of what stands before the separator. A refusal may take seconds, about two where
+ * `pam_unix` asks PAM for a delay, and the modules write its reason to the system's log.
  *
  * The texts are converted as by PXTUCS2StrToUTF8Str(): each surrogate becomes the character that
  * its text begins with, and a text that begins with an unpaired one is refused. The role map is
@@ -242,7 +243,8 @@ QVX_EXPORT u32 PXTMaskProgramRights(u32 rights, const astring* prefix, const ast
  * The PAM service that logins go to, initially "qvauth".
  *
  * A host may point it at another text, which must stay valid while users are logged in; it is read
- * at each login, and no text (NULL) refuses every login.
+ * at each login, and no text (NULL) refuses every login. The service is a file of that name in
+ * /etc/pam.d; where there is none, PAM asks the service "other", which may let everybody in.
  *
  * @par Memory
  * The text stays the host's; the library neither copies nor frees it.

@@ -33,6 +33,7 @@
  * | 8 | `s64` | 8 | decimal |
  * | 9 | `d64` | 8 | decimal, written with eight places |
  *
+ * These are the types of INI files only; PXTXBufCatNode() gives some of the numbers other meanings.
  * Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
  *
  * Every call holds the lock that the suite's processes share for as long as it works on the file,

@@ -15,11 +15,14 @@
 
 /** The operation succeeded. */
 #define SM_STATUS_SUCCESS 0x0000u
-/** A required pointer of the INI and IP families is NULL; a duplicate key; an unknown type code. */
+/**
+ * An argument is not fit: a pointer is NULL, a text too long, a type code unknown; or an equal
+ * entry is in the list already. Some families report these as SM_STATUS_INVALID_PARAMETER.
+ */
 #define SM_STATUS_BAD_ARGUMENT 0x0002u
 /** A polled wait gave up after its last attempt; attempts are 1000 microseconds apart. */
 #define SM_STATUS_TIMEOUT 0x0003u
-/** The INI file could not be opened. */
+/** The INI file, or the copy that is to replace it, could not be opened. */
 #define SM_STATUS_FILE_OPEN_FAILED 0x0007u
 /** The lock that the suite's processes share could not be taken. */
 #define SM_STATUS_LOCK_FAILED 0x000Bu
@@ -27,7 +30,7 @@
 #define SM_STATUS_SIZE_REQUIRED 0x000Fu
 /** The caller's buffer is too small. */
 #define SM_STATUS_BUFFER_TOO_SMALL 0x0010u
-/** IP support is not loaded. */
+/** The library is not attached, as when its lock file cannot be opened; no IP support is loaded. */
 #define SM_STATUS_NOT_LOADED 0x0011u
 /** Writing to the file failed. */
 #define SM_STATUS_WRITE_FAILED 0x0013u

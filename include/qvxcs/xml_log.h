@@ -90,7 +90,7 @@ QVX_EXPORT u32 PXTClearXMLLog(const astring* path, const astring* user, const as
  * write it is not reported.
  *
  * @param[in] path         the log
- * @param[in] type         the entry's type; 4 is information
+ * @param[in] type         the entry's type; 1 is an error, 2 a warning, 4 information
  * @param[in] id           the entry's identifier
  * @param[in] user         1 to 1,023 bytes, or NULL
  * @param[in] source       1 to 1,023 bytes, or NULL
