@@ -202,11 +202,16 @@ u32 ReplaceFile(const astring* target, const astring* source) {
   return SM_STATUS_SUCCESS;
 }
 
-HeapArray<astring> DirectoryPart(const astring* path) {
+bool HasDirectoryPart(const astring* path) {
   const astring* const slash = strrchr(path, '/');
-  if (slash == nullptr || slash == path) {
+  return slash != nullptr && slash != path;
+}
+
+HeapArray<astring> DirectoryPart(const astring* path) {
+  if (!HasDirectoryPart(path)) {
     return CopyText(".");
   }
+  const astring* const slash = strrchr(path, '/');
   const size_t length = static_cast<size_t>(slash - path);
   HeapArray<astring> directory = AllocArray<astring>(length + 1);
   if (directory) {

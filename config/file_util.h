@@ -28,6 +28,9 @@ u32 DelDir(const astring* path);
 // data could not be brought to the disk.
 u32 ReplaceFile(const astring* target, const astring* source);
 
+// Whether something stands before the path's last "/".
+bool HasDirectoryPart(const astring* path);
+
 // The part of a path before its last "/"; "." when there is none or nothing stands before it.
 // Empty without memory.
 HeapArray<astring> DirectoryPart(const astring* path);

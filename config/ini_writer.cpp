@@ -133,18 +133,19 @@ bool WriteAll(int file, const astring* text, size_t length) {
   return true;
 }
 
-// One write, so that a kill leaves all of the text or none; taken back as a whole when it fails.
-bool AppendText(FILE* file, const Text& text) {
-  const s64 oldSize = StreamSize(file);
+// One write, so that a kill leaves all of the text or none; taken back as a whole when it fails, or
+// when the file tells so only as it is closed.
+bool AppendText(FilePtr file, const astring* path, const Text& text) {
+  const s64 oldSize = StreamSize(file.get());
   if (oldSize < 0) {
     return false;
   }
-  const int descriptor = fileno(file);
-  const bool written = WriteAll(descriptor, text.characters.get(), text.length);
-  if (!written) {
-    [[maybe_unused]] const int cut = ftruncate(descriptor, static_cast<off_t>(oldSize));
+  const bool written = WriteAll(fileno(file.get()), text.characters.get(), text.length);
+  if (CloseWritten(std::move(file)) && written) {
+    return true;
   }
-  return written;
+  [[maybe_unused]] const int cut = truncate(path, static_cast<off_t>(oldSize));
+  return false;
 }
 
 }  // namespace
@@ -209,8 +210,7 @@ u32 AppendValue(const astring* section, const astring* key, const astring* value
     return SM_STATUS_FILE_OPEN_FAILED;
   }
   (void)chmod(path, kFileMode);
-  const bool appended = AppendText(file.get(), text);
-  return CloseWritten(std::move(file)) && appended ? SM_STATUS_SUCCESS : SM_STATUS_WRITE_FAILED;
+  return AppendText(std::move(file), path, text) ? SM_STATUS_SUCCESS : SM_STATUS_WRITE_FAILED;
 }
 
 u32 UpdateValue(const astring* section, const astring* key, const astring* value,
@@ -254,7 +254,7 @@ u32 WriteINIFileValue_astring(const astring* section, const astring* key, const 
   if (!directory) {
     return kOutOfMemory;
   }
-  if (CreateDir(directory.get()) != SM_STATUS_SUCCESS) {
+  if (HasDirectoryPart(path) && CreateDir(directory.get()) != SM_STATUS_SUCCESS) {
     return kFailed;
   }
   const HeapArray<astring> tmpPath = TmpPathIn(directory.get());

@@ -88,8 +88,7 @@ u32 SetKeyValueEntry(const astring* path, const PXTKeyValue* pair, u32 index) {
   }
   Places places;
   if (const u32 status = FindPlaces(path, &places)) return status;
-  // Empty for a file in the root directory.
-  if (places.directory[0] != '\0' && CreateDir(places.directory.get()) != 0) return kFailed;
+  if (HasDirectoryPart(path) && CreateDir(places.directory.get()) != 0) return kFailed;
 
   const FileLockGuard lock(kWait);
   if (!lock) return SM_STATUS_LOCK_FAILED;

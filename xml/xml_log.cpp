@@ -234,6 +234,9 @@ u32 DeleteLogFile(const astring* path) {
 }
 
 u32 CreateLogDir(const astring* path) {
+  if (!HasDirectoryPart(path)) {
+    return SM_STATUS_SUCCESS;
+  }
   const HeapArray<astring> directory = DirectoryPart(path);
   if (!directory) {
     return SM_STATUS_NO_MEMORY;

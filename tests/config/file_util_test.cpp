@@ -468,6 +468,12 @@ TEST(FileUtil, DirectoryPartEndsBeforeTheLastSlash) {
   for (const auto& each : cases) {
     EXPECT_STREQ(DirectoryPart(each.path).get(), each.directory) << each.path;
   }
+  for (const char* path : {"d/x.ini", "/d/x", "//x", "./x.ini"}) {
+    EXPECT_TRUE(HasDirectoryPart(path)) << path;
+  }
+  for (const char* path : {"x.ini", "/x.ini", "", "/"}) {
+    EXPECT_FALSE(HasDirectoryPart(path)) << path;
+  }
 }
 
 TEST(FileUtil, DirectoryPartWithoutMemoryIsEmpty) {

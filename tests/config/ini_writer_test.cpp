@@ -328,6 +328,17 @@ TEST_F(IniWriter, CopyNeverFollowsALink) {
   EXPECT_EQ(ReadFile(kPath), "[A]\nkey=value\n");
 }
 
+// The directory that a path names is made; of one that it does not name nothing is asked.
+TEST_F(IniWriter, ABareNameInADirectoryThatCannotBeEnteredIsAnOpenFailure) {
+  ASSERT_EQ(mkdir("/tmp/d", 0700), 0);
+  ASSERT_EQ(chdir("/tmp/d"), 0);
+  EXPECT_EQ(test::InChild([] {
+              if (setuid(65534) != 0) return 100;
+              return static_cast<int>(Write("A", "key", "value", "x.ini", 1));
+            }),
+            static_cast<int>(SM_STATUS_FILE_OPEN_FAILED));
+}
+
 TEST_F(IniWriter, ProtectedFileIsLeft) {
   Given("[A]\nkey=1\n");
   ASSERT_EQ(mount(kPath, kPath, nullptr, MS_BIND, nullptr), 0);

@@ -42,6 +42,17 @@ class KeyValueWriter : public testing::Test {
   }
 };
 
+// The directory that a path names is made; of one that it does not name nothing is asked.
+TEST_F(KeyValueWriter, ABareNameInADirectoryThatCannotBeEnteredIsAnOpenFailure) {
+  ASSERT_EQ(chmod("/tmp/kv", 0700), 0);
+  ASSERT_EQ(chdir("/tmp/kv"), 0);
+  EXPECT_EQ(test::InChild([] {
+              if (setuid(65534) != 0) return 100;
+              return Set("x", "a", "1", 0) == SM_STATUS_FILE_OPEN_ERROR ? 3 : 4;
+            }),
+            3);
+}
+
 TEST_F(KeyValueWriter, IndexChoosesTheOccurrenceToReplace) {
   test::WriteFile(kFile, "a=1\nb=2\na=3\n");
   EXPECT_EQ(Set(kFile, "a", "x", 1), SM_STATUS_SUCCESS);

@@ -218,6 +218,7 @@ TEST(StreamFault, ASectionThatIsLostOnCloseIsNotWritten) {
               return AppendValue("B", "k", "2", "/tmp/a") == SM_STATUS_WRITE_FAILED ? 3 : 4;
             }),
             3);
+  EXPECT_EQ(ReadFile("/tmp/a"), "[A]\nk=1\n");
 }
 
 // Whether an update is a write failure, in a process where the file's copy is lost on close.
