@@ -28,36 +28,48 @@ static_assert(sizeof(astring) == 1 && sizeof(u8) == 1 && sizeof(s8) == 1);
 static_assert(sizeof(ustring) == 2 && sizeof(booln) == 2 && sizeof(u16) == 2 && sizeof(s16) == 2);
 static_assert(sizeof(u32) == 4 && sizeof(s32) == 4);
 static_assert(sizeof(u64) == 8 && sizeof(s64) == 8 && sizeof(d64) == 8);
-static_assert(std::is_unsigned_v<ustring> && std::is_unsigned_v<booln> && std::is_unsigned_v<u8>);
-static_assert(std::is_unsigned_v<u16> && std::is_unsigned_v<u32> && std::is_unsigned_v<u64>);
-static_assert(std::is_signed_v<s8> && std::is_signed_v<s16> && std::is_signed_v<s32>);
-static_assert(std::is_signed_v<s64> && std::is_floating_point_v<d64>);
+static_assert(std::is_unsigned_v<ustring>);
+static_assert(std::is_unsigned_v<booln>);
+static_assert(std::is_unsigned_v<u8>);
+static_assert(std::is_unsigned_v<u16>);
+static_assert(std::is_unsigned_v<u32>);
+static_assert(std::is_unsigned_v<u64>);
+static_assert(std::is_signed_v<s8>);
+static_assert(std::is_signed_v<s16>);
+static_assert(std::is_signed_v<s32>);
+static_assert(std::is_signed_v<s64>);
+static_assert(std::is_floating_point_v<d64>);
 // The platform's own types cross the border as the platform has them.
 static_assert(sizeof(time_t) == kPointer && sizeof(pthread_t) == kPointer);
 
-static_assert(kIs<decltype(SSAStr::text), astring*> && kIs<decltype(SSAStr::capacity), u32>);
+static_assert(kIs<decltype(SSAStr::text), astring*>);
+static_assert(kIs<decltype(SSAStr::capacity), u32>);
 static_assert(kIs<decltype(SSAStr::length), u32>);
 static_assert(offsetof(SSAStr, text) == 0 && offsetof(SSAStr, capacity) == kPointer);
 static_assert(offsetof(SSAStr, length) == kPointer + 4 && sizeof(SSAStr) == kPointer + 8);
 
-static_assert(kIs<decltype(SSUStr::text), ustring*> && kIs<decltype(SSUStr::capacity), u32>);
+static_assert(kIs<decltype(SSUStr::text), ustring*>);
+static_assert(kIs<decltype(SSUStr::capacity), u32>);
 static_assert(kIs<decltype(SSUStr::length), u32>);
 static_assert(offsetof(SSUStr, text) == 0 && offsetof(SSUStr, capacity) == kPointer);
 static_assert(offsetof(SSUStr, length) == kPointer + 4 && sizeof(SSUStr) == kPointer + 8);
 
-static_assert(kIs<decltype(PXTTypedValue::type), s32> && kIs<decltype(PXTTypedValue::format), s32>);
+static_assert(kIs<decltype(PXTTypedValue::type), s32>);
+static_assert(kIs<decltype(PXTTypedValue::format), s32>);
 static_assert(std::is_pointer_v<decltype(PXTTypedValue::value)>);
 static_assert(offsetof(PXTTypedValue, type) == 0 && offsetof(PXTTypedValue, format) == 4);
 static_assert(offsetof(PXTTypedValue, value) == 8 && sizeof(PXTTypedValue) == kPointer + 8);
 
-static_assert(kIs<decltype(PXTDLList::lock), u32> && kIs<decltype(PXTDLList::count), u32>);
+static_assert(kIs<decltype(PXTDLList::lock), u32>);
+static_assert(kIs<decltype(PXTDLList::count), u32>);
 static_assert(kIs<decltype(PXTDLList::head), PXTDLListEntry*>);
 static_assert(kIs<decltype(PXTDLList::tail), PXTDLListEntry*>);
 static_assert(offsetof(PXTDLList, lock) == 0 && offsetof(PXTDLList, head) == kPointer);
 static_assert(offsetof(PXTDLList, tail) == 2 * kPointer);
 static_assert(offsetof(PXTDLList, count) == 3 * kPointer && sizeof(PXTDLList) == 4 * kPointer);
 
-static_assert(kIs<decltype(PXTSLList::lock), u32> && kIs<decltype(PXTSLList::count), u32>);
+static_assert(kIs<decltype(PXTSLList::lock), u32>);
+static_assert(kIs<decltype(PXTSLList::count), u32>);
 static_assert(kIs<decltype(PXTSLList::head), PXTSLListEntry*>);
 static_assert(kIs<decltype(PXTSLList::tail), PXTSLListEntry*>);
 static_assert(offsetof(PXTSLList, lock) == 0 && offsetof(PXTSLList, head) == kPointer);
