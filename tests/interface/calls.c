@@ -247,11 +247,12 @@ int main(int argc, char** argv) {
   CallOs();
   CheckQuiet();
   if (library != NULL) {
+    EXPECT(strstr(ReadText("/proc/self/maps"), "/libqvxcs.so") != NULL);
     EXPECT_EQ(dlclose(library), 0);
     lastCalled = "the unloading";
     CheckQuiet();
     EXPECT_EQ(NumbersIn("/proc/self/fd"), descriptors);
-    EXPECT(strstr(ReadText("/proc/self/maps"), "libqvxcs") == NULL);
+    EXPECT(strstr(ReadText("/proc/self/maps"), "/libqvxcs.so") == NULL);
   }
   CheckThatAllWereCalled(argv[1]);
   dprintf(kReport, "%zu names called, %d faults\n", calledCount, failures);

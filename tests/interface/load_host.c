@@ -63,7 +63,8 @@ static int UseOnce(const char* path) {
   if (EntriesOf("/proc/self/task") != 3) { /* ".", ".." and one thread */
     return 5;
   }
-  return dlclose(library) == 0 && !Mapped("libqvxcs") ? 0 : 6;
+  const int mapped = Mapped("/libqvxcs.so");
+  return mapped && dlclose(library) == 0 && !Mapped("/libqvxcs.so") ? 0 : 6;
 }
 
 int main(int argc, char** argv) {
