@@ -1,11 +1,16 @@
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
-# 32-bit x86: compiled against, and run in, a Debian root of its own, made by scripts/i386_root.
-set(QVXCS_ROOT ${CMAKE_CURRENT_LIST_DIR}/../build/i386-root CACHE PATH "Debian root for i386")
+# 32-bit x86: compiled against, and run in, a Debian root of its own, made by scripts/i386_root the
+# first time.
+set(made_root ${CMAKE_CURRENT_LIST_DIR}/../build/i386-root)
+set(QVXCS_ROOT ${made_root} CACHE PATH "Debian root for i386")
+if(QVXCS_ROOT STREQUAL made_root)
+  execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../scripts/i386_root)
+endif()
 get_filename_component(QVXCS_ROOT ${QVXCS_ROOT} REALPATH)
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QVXCS_ROOT)
 if(NOT EXISTS ${QVXCS_ROOT}/usr/include/security/pam_appl.h)
-  message(FATAL_ERROR "m32: there is no i386 root at ${QVXCS_ROOT}; scripts/i386_root makes it")
+  message(FATAL_ERROR "m32: there is no i386 root at ${QVXCS_ROOT}; scripts/i386_root could not make it")
 endif()
 
 set(CMAKE_SYSTEM_NAME Linux)
