@@ -45,8 +45,8 @@ astring* OSGetComputerDomainName() {
 u32 GetIPHostName(astring* name, u32* size) {
   if (!IPSuptLoaded()) return SM_STATUS_NOT_LOADED;
   if (name == nullptr || size == nullptr) return SM_STATUS_BAD_ARGUMENT;
-  if (gethostname(name, *size) != 0) {
-    // The C library reports a name that does not fit after it has filled the whole room.
+  if (gethostname(name, *size) != 0 || strnlen(name, *size) == *size) {
+    // A name that does not fit has filled the whole room. This C library reports it, others do not.
     if (*size != 0) name[*size - 1] = '\0';
     // Deliberate: the system's refusal is not reported; the unchanged size alone tells of it.
     // Held by LoadedHostName.ANameThatDoesNotFitIsASuccessThatLeavesTheSize.

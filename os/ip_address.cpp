@@ -99,7 +99,7 @@ u32 CheckIPEqual(const astring* a, const astring* b) {
   u32 secondSize = sizeof second;
   if (IPAddrASCIIToNetwork(a, first, &firstSize) != SM_STATUS_SUCCESS) return kNo;
   if (IPAddrASCIIToNetwork(b, second, &secondSize) != SM_STATUS_SUCCESS) return kNo;
-  return firstSize == secondSize && memcmp(first, second, firstSize) == 0 ? kYes : kNo;
+  return memcmp(first, second, sizeof first) == 0 ? kYes : kNo;
 }
 
 }  // namespace qvx
