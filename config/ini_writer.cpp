@@ -219,7 +219,7 @@ u32 UpdateValue(const astring* section, const astring* key, const astring* value
   if (!in) {
     return errno == ENOENT ? AppendValue(section, key, value, path) : SM_STATUS_FILE_OPEN_FAILED;
   }
-  FilePtr out = OpenTemporary(tmpPath);
+  FilePtr out = OpenTemporary(tmpPath, in.get());
   if (!out) {
     return SM_STATUS_FILE_OPEN_FAILED;
   }

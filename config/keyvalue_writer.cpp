@@ -94,7 +94,7 @@ u32 SetKeyValueEntry(const astring* path, const PXTKeyValue* pair, u32 index) {
   if (!lock) return SM_STATUS_LOCK_FAILED;
   FilePtr in = OpenFile(path, "r");
   if (!in) return SM_STATUS_FILE_OPEN_ERROR;
-  FilePtr out = OpenTemporary(places.temporary.get());
+  FilePtr out = OpenTemporary(places.temporary.get(), in.get());
   if (!out) return SM_STATUS_FILE_OPEN_ERROR;
   if (const u32 status = CopyWithPair(in.get(), out.get(), pair, index)) return status;
   in.reset();

@@ -54,13 +54,21 @@ FilePtr StreamOver(int file, const astring* mode) {
   return FilePtr(stream);
 }
 
+bool IsFileOf(FILE* stream, const astring* path) {
+  struct stat opened = {};
+  struct stat named = {};
+  return fstat(fileno(stream), &opened) == 0 && lstat(path, &named) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
 }  // namespace
 
 FilePtr OpenFile(const astring* path, const astring* mode) {
   return StreamOver(open(path, OpenFlags(mode) | kAlways, kNewFileMode), mode);
 }
 
-FilePtr OpenTemporary(const astring* path) {
+FilePtr OpenTemporary(const astring* path, FILE* source) {
+  if (IsFileOf(source, path)) return nullptr;
   (void)unlink(path);
   constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
   return StreamOver(open(path, kFlags | kAlways, kNewFileMode), "w");

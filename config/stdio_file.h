@@ -21,8 +21,9 @@ using FilePtr = std::unique_ptr<FILE, FileCloser>;
 // or is no regular file (EINVAL); a file that does not exist and is not created gives ENOENT.
 FilePtr OpenFile(const astring* path, const astring* mode);
 
-// A new file of this name for writing: an old one is unlinked first, a link is not followed.
-FilePtr OpenTemporary(const astring* path);
+// A new file of this name for writing, to which `source` is to be copied: an old one is unlinked
+// first, a link is not followed. Null when the old one is the source itself, which stays.
+FilePtr OpenTemporary(const astring* path, FILE* source);
 
 // Flushes and closes; false when any write, the flush or the close failed.
 bool CloseWritten(FilePtr file);

@@ -153,8 +153,8 @@ QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s
  *
  * A change of a section that exists is made in a copy, "pxtini32.tmp" beside the file, which then
  * takes its place: whoever opens the file sees the old one or the new one. For a path without a
- * directory, or in the root directory, the copy lies in the working directory. The file's mode
- * becomes 01664 (octal).
+ * directory, or in the root directory, the copy lies in the working directory. A file of the copy's
+ * own name is refused with SM_STATUS_FILE_OPEN_FAILED. The file's mode becomes 01664 (octal).
  *
  * A NULL value with size 0 deletes the key (types 1 to 3). To delete a key that the section does
  * not have is a success.

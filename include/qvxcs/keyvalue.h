@@ -105,8 +105,8 @@ QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, u32 count);
  *         stands less than `index` times in the file
  * @retval SM_STATUS_DATA_TOO_LARGE when key and value have more than 8,448 characters together
  * @retval SM_STATUS_LOCK_FAILED
- * @retval SM_STATUS_FILE_OPEN_ERROR when the name is too long, or the file or its copy cannot be
- *         opened
+ * @retval SM_STATUS_FILE_OPEN_ERROR when the name is too long or is the copy's own, or the file or
+ *         its copy cannot be opened
  * @retval SM_STATUS_WRITE_FAILED
  * @retval SM_STATUS_NO_MEMORY
  * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced

@@ -78,6 +78,17 @@ TEST_F(IniWriter, MissingFileIsCreatedWithItsDirectory) {
   EXPECT_FALSE(Exists(kTmpPath));
 }
 
+TEST_F(IniWriter, AFileOfTheCopysOwnNameIsRefusedAndKept) {
+  ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
+  WriteFile(kTmpPath, "[Net]\nport=80\n");
+  ASSERT_EQ(symlink(kTmpPath, kPath), 0);
+  for (const char* path : {kTmpPath, kPath}) {
+    EXPECT_EQ(Write("Net", "port", "81", path), SM_STATUS_FILE_OPEN_FAILED) << path;
+    EXPECT_EQ(Delete("Log", "port", path), SM_STATUS_FILE_OPEN_FAILED) << path;
+    EXPECT_EQ(ReadFile(kTmpPath), "[Net]\nport=80\n") << path;
+  }
+}
+
 TEST_F(IniWriter, KeyIsReplacedWhereItStands) {
   Given("[Net]\nport=80\n[Log]\n");
   EXPECT_EQ(Write("Net", "port", "81"), SM_STATUS_SUCCESS);

@@ -53,6 +53,16 @@ TEST_F(KeyValueWriter, ABareNameInADirectoryThatCannotBeEnteredIsAnOpenFailure) 
             3);
 }
 
+TEST_F(KeyValueWriter, AFileOfTheCopysOwnNameIsRefusedAndKept) {
+  test::WriteFile(kTemporary, "a=1\n");
+  ASSERT_EQ(symlink(kTemporary, kFile), 0);
+  for (const char* path : {kTemporary, kFile}) {
+    EXPECT_EQ(Set(path, "a", "2", 0), SM_STATUS_FILE_OPEN_ERROR) << path;
+    EXPECT_EQ(Set(path, "a", "2", 7), SM_STATUS_FILE_OPEN_ERROR) << path;
+    EXPECT_EQ(test::ReadFile(kTemporary), "a=1\n") << path;
+  }
+}
+
 TEST_F(KeyValueWriter, IndexChoosesTheOccurrenceToReplace) {
   test::WriteFile(kFile, "a=1\nb=2\na=3\n");
   EXPECT_EQ(Set(kFile, "a", "x", 1), SM_STATUS_SUCCESS);

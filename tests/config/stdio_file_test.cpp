@@ -32,7 +32,9 @@ TEST(StdioFile, EveryDescriptorIsClosedOnExec) {
     ASSERT_TRUE(file) << mode;
     EXPECT_EQ(fcntl(fileno(file.get()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC) << mode;
   }
-  const FilePtr temporary = OpenTemporary(kPath);
+  WriteFile("/tmp/source", "text");
+  const FilePtr source = OpenFile("/tmp/source", "r");
+  const FilePtr temporary = OpenTemporary(kPath, source.get());
   ASSERT_TRUE(temporary);
   EXPECT_EQ(fcntl(fileno(temporary.get()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
@@ -98,8 +100,10 @@ TEST(StdioFile, TemporaryTakesTheNameFromAnOldFileOrLink) {
   WriteFile("/tmp/other", "other");
   ASSERT_EQ(symlink("/tmp/other", "/tmp/link"), 0);
   ASSERT_EQ(link("/tmp/other", kPath), 0);
+  WriteFile("/tmp/source", "text");
+  const FilePtr source = OpenFile("/tmp/source", "r");
   for (const char* path : {"/tmp/link", kPath}) {
-    FilePtr file = OpenTemporary(path);
+    FilePtr file = OpenTemporary(path, source.get());
     ASSERT_TRUE(file) << path;
     EXPECT_GE(fputs("mine", file.get()), 0);
     EXPECT_TRUE(CloseWritten(std::move(file)));
@@ -110,8 +114,25 @@ TEST(StdioFile, TemporaryTakesTheNameFromAnOldFileOrLink) {
 
 TEST(StdioFile, TemporaryInPlaceOfADirectoryFails) {
   ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
-  EXPECT_FALSE(OpenTemporary("/tmp/d"));
+  WriteFile(kPath, "text");
+  EXPECT_FALSE(OpenTemporary("/tmp/d", OpenFile(kPath, "r").get()));
   EXPECT_TRUE(Exists("/tmp/d"));
+}
+
+TEST(StdioFile, TheSourceIsNotUnlinkedForItsOwnCopy) {
+  WriteFile(kPath, "text");
+  ASSERT_EQ(symlink(kPath, "/tmp/link"), 0);
+  for (const char* path : {kPath, "/tmp/link"}) {
+    EXPECT_FALSE(OpenTemporary(kPath, OpenFile(path, "r").get())) << path;
+    EXPECT_EQ(ReadFile(kPath), "text") << path;
+  }
+}
+
+TEST(StdioFile, ALinkToTheSourceGivesWayToItsCopy) {
+  WriteFile(kPath, "text");
+  ASSERT_EQ(symlink(kPath, "/tmp/link"), 0);
+  EXPECT_TRUE(OpenTemporary("/tmp/link", OpenFile(kPath, "r").get()));
+  EXPECT_EQ(ReadFile(kPath), "text");
 }
 
 TEST(StdioFile, TextThatWaitsForAFullDiskFailsWhenClosed) {
