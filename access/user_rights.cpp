@@ -8,6 +8,7 @@
 #include <cwchar>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "access/auth_file_reader.h"
@@ -30,12 +31,37 @@ constexpr u16 kFaultEntryType = 2;
 constexpr size_t kHostNameRoom = 65;
 constexpr size_t kLineNumberRoom = 21;
 
-// Held from the reading of the role map to the decision, so that logins of several threads do not
-// meet half-built maps.
-std::mutex& RoleMapMutex() {
-  static std::mutex mutex;
-  return mutex;
-}
+// Its lock is held from the reading of the role map to the decision, so that logins of several
+// threads do not meet half-built maps.
+class RoleMap {
+ public:
+  using Lock = std::unique_lock<std::mutex>;
+
+  // Throws once the process's exit has taken the reader and the algorithm away, under which other
+  // threads and later exit handlers may still come to log somebody in.
+  static Lock Enter() {
+    static const RoleMap roleMap;
+    Lock lock(mutex_);
+    if (gone_) throw std::logic_error("the process ends");
+    return lock;
+  }
+
+ private:
+  // Made behind both, it goes before them.
+  RoleMap() {
+    (void)QVAuthFileReader::GetInstance();
+    (void)QVXRoleMapAlgorithm::GetInstance();
+  }
+  ~RoleMap() {
+    const Lock lock(mutex_);
+    gone_ = true;
+  }
+
+  static std::mutex mutex_;
+  static bool gone_;
+};
+constinit std::mutex RoleMap::mutex_;
+constinit bool RoleMap::gone_ = false;
 
 // By the locale in force; nothing when the text is not in its encoding.
 std::optional<std::wstring> Widen(const astring* text) {
@@ -91,7 +117,7 @@ u32 RoleMapPrivileges(const astring* user, const astring* host) {
 }
 
 void OpenRolemapFile() {
-  const std::lock_guard<std::mutex> lock(RoleMapMutex());
+  const RoleMap::Lock lock = RoleMap::Enter();
   try {
     QVAuthFileReader::GetInstance().Open();
   } catch (const QVXRoleMapFileReaderException& fault) {
@@ -100,7 +126,7 @@ void OpenRolemapFile() {
 }
 
 u32 ProcessPrivileges(const astring* user) {
-  const std::lock_guard<std::mutex> lock(RoleMapMutex());
+  const RoleMap::Lock lock = RoleMap::Enter();
   try {
     QVXRoleMapAlgorithm::GetInstance().Initialize(QVAuthFileReader::GetInstance().GetRecords());
   } catch (const QVXRoleMapFileReaderException& fault) {
@@ -164,7 +190,7 @@ u32 OSGetRightsUsingRolemap() {
 
 u32 get_user_rights(astring* login) {
   if (login == nullptr) return QVX_PRIV_NONE;
-  std::unique_lock<std::mutex> lock(RoleMapMutex());
+  RoleMap::Lock lock = RoleMap::Enter();
   QVXRoleMapAlgorithm::GetInstance().Initialize(
       QVAuthFileReader::GetInstance().GetDefaultRecords());
   const HostName thisHost;

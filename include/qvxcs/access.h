@@ -64,7 +64,8 @@ QVX_BEGIN_DECLS
  * for anyone too, which may grant more than the entry of a group that is not seen.
  *
  * Several threads may log users in at the same time. The role map should be opened and queried from
- * one thread: the calls exclude each other, but what one call reads is in force for all.
+ * one thread: the calls exclude each other, but what one call reads is in force for all. When the
+ * process exits, a reading that has begun is waited for, and afterwards nobody has rights.
  */
 
 /**

@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <exception>
 #include <new>
 #include <thread>
 #include <vector>
@@ -470,6 +471,51 @@ TEST_F(UserRights, LoginsOfSeveralThreadsAreSafe) {
   for (std::thread& thread : threads)
     thread.join();
   EXPECT_EQ(wrong, std::vector<u32>(8, 0));
+}
+
+// The exit status of a child that asks for all rights in an exit handler that runs after those of
+// the library: 0 when it was refused everything, without memory being touched that is gone.
+int AskBehindTheLibrarysExitHandlers() {
+  (void)atexit([] {
+    const u32 opened = OSOpenRolemapFile();
+    const u32 byMap = OSGetRightsUsingRolemap();
+    astring login[] = "alice";
+    u32 byLogin = 0;
+    try {
+      byLogin = get_user_rights(login);
+    } catch (const std::exception&) {
+    }
+    _exit(opened != 0 ? 1 : byMap != 0 ? 2 : byLogin != 0 ? 3 : 0);
+  });
+  Load("root * poweruser\nalice * poweruser\n");
+  const bool granted = OSGetRightsUsingRolemap() == 0x3 && RightsOf("alice") == 0x3;
+  exit(granted ? 4 : 5);
+}
+
+TEST_F(UserRights, AtTheEndOfExitNobodyHasRights) {
+  EXPECT_EQ(test::InChild(AskBehindTheLibrarysExitHandlers), 0);
+}
+
+TEST_F(UserRights, AProcessMayExitWhileThreadsLogIn) {
+  for (int round = 0; round < 20; ++round) {
+    const int status = test::InChild([]() -> int {
+      Load("alice * poweruser\n");
+      for (int at = 0; at < 4; ++at) {
+        std::thread([] {
+          for (;;) {
+            try {
+              if (RightsOf("alice@lab") != 0x3) _exit(1);
+            } catch (const std::exception&) {
+              // the process ends
+            }
+          }
+        }).detach();
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      exit(0);
+    });
+    ASSERT_EQ(status, 0) << "round " << round;
+  }
 }
 
 }  // namespace
