@@ -10,7 +10,7 @@ set_property(CACHE QVXCS_ZSUPT PROPERTY STRINGS bundled system)
 if(QVXCS_ZSUPT STREQUAL "bundled")
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/zsupt/*.cpp)
   add_library(zsupt SHARED EXCLUDE_FROM_ALL ${sources})
-  target_link_libraries(zsupt PRIVATE qvx_flags)
+  target_link_libraries(zsupt PRIVATE qvx_flags qvx_hardening)
   set_target_properties(zsupt PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1)
   install(
     TARGETS zsupt
