@@ -8,7 +8,7 @@
  * What command-line programs need around the XML buffer: typed values from and to text, and the
  * elements of settings, statuses and help.
  *
- * A value is a pointer and a type code of qvxcs/xml_buffer.h. Values behind a pointer need no
+ * A value is a pointer and a type code of xml_buffer.h. Values behind a pointer need no
  * alignment, and exactly as many bytes as the type has are read or written. Numbers are decimal.
  *
  * Nothing here takes a lock or keeps state; any thread may call. Texts returned are new and belong
