@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "access/role_map_stream.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 
 namespace qvx {
@@ -13,12 +15,26 @@ void RoleMapStream::Open(const std::string& path) {
   }
   file_ = OpenFile(path.c_str(), "r");
   failed_ = file_ == nullptr;
+  next_ = end_ = 0;
+  position_ = 0;
+}
+
+// A child that was forked with the file open shares the descriptor, so each keeps its own place.
+int RoleMapStream::NextByte() {
+  if (next_ == end_) {
+    const ssize_t count = pread(fileno(file_.get()), block_, sizeof block_, position_);
+    if (count <= 0) return EOF;
+    position_ += count;
+    next_ = 0;
+    end_ = static_cast<size_t>(count);
+  }
+  return static_cast<u8>(block_[next_++]);
 }
 
 bool RoleMapStream::GetLine(std::wstring& line) {
   line.clear();
   if (failed_ || !IsOpen()) return false;
-  for (int byte = getc(file_.get()); byte >= 0 && byte <= 0x7F; byte = getc(file_.get())) {
+  for (int byte = NextByte(); byte >= 0 && byte <= 0x7F; byte = NextByte()) {
     if (byte == '\n') return true;
     line.push_back(static_cast<wchar_t>(byte));
   }

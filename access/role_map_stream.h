@@ -3,6 +3,8 @@
 #ifndef QVX_ACCESS_ROLE_MAP_STREAM_H
 #define QVX_ACCESS_ROLE_MAP_STREAM_H
 
+#include <sys/types.h>
+
 #include <string>
 
 #include "config/stdio_file.h"
@@ -26,8 +28,14 @@ class RoleMapStream {
   bool GetLine(std::wstring& line);
 
  private:
+  int NextByte();
+
   FilePtr file_;
   bool failed_ = false;
+  off_t position_ = 0;  // of what follows the block
+  size_t next_ = 0;     // in the block
+  size_t end_ = 0;
+  char block_[4096];
 };
 
 }  // namespace qvx

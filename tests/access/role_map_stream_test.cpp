@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "support/files.h"
+#include "support/processes.h"
 
 namespace qvx {
 namespace {
@@ -64,6 +65,27 @@ TEST(RoleMapStream, AFailedOpenLeavesItClosedAndTheNextWorks) {
   stream.Open(kPath);
   ASSERT_TRUE(stream.GetLine(line));
   EXPECT_EQ(line, L"a");
+}
+
+TEST(RoleMapStream, AForkedChildAndItsParentEachReadTheWholeFile) {
+  std::string text;
+  for (int line = 0; line < 1000; ++line)
+    text += "line " + std::to_string(line) + "\n";
+  test::WriteFile(kPath, text);
+  RoleMapStream stream;
+  stream.Open(kPath);
+  const auto count = [&stream] {
+    int lines = 0;
+    for (std::wstring line; stream.GetLine(line); ++lines)
+      ASSERT_EQ(line, L"line " + std::to_wstring(lines));
+    EXPECT_EQ(lines, 1000);
+  };
+  EXPECT_EQ(test::InChild([&count] {
+              count();
+              return testing::Test::HasFailure() ? 1 : 0;
+            }),
+            0);
+  count();
 }
 
 TEST(RoleMapStream, OnlyARegularFileOpens) {
