@@ -36,6 +36,8 @@ constexpr size_t kLineNumberRoom = 21;
 class RoleMap {
  public:
   using Lock = std::unique_lock<std::mutex>;
+  RoleMap(const RoleMap&) = delete;
+  RoleMap& operator=(const RoleMap&) = delete;
 
   // Throws once the process's exit has taken the reader and the algorithm away, under which other
   // threads and later exit handlers may still come to log somebody in.

@@ -497,7 +497,7 @@ TEST_F(UserRights, AtTheEndOfExitNobodyHasRights) {
 }
 
 TEST_F(UserRights, AProcessMayExitWhileThreadsLogIn) {
-  for (int round = 0; round < 20; ++round) {
+  for (int round = 0; round < 5; ++round) {
     const int status = test::InChild([]() -> int {
       Load("alice * poweruser\n");
       for (int at = 0; at < 4; ++at) {
