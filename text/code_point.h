@@ -33,6 +33,9 @@ struct XmlEntity {
   u32 length;       // bytes before the NUL
 };
 
+// The table's characters.
+inline constexpr char kXmlCharacters[] = "\"&'<>";
+
 // Null for a character that stands for itself.
 const XmlEntity* FindXmlEntity(u32 codePoint);
 

@@ -9,6 +9,8 @@
 namespace qvx {
 namespace {
 
+constexpr u8 kFirstBeyondASCII = 0x80;
+
 bool IsSurrogate(ustring unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
 // The result so far. `used` has 64 bits because a size query may pass what 32 bits hold.
@@ -24,7 +26,22 @@ struct Output {
   }
 };
 
+// Stores an element that is a character by itself; false without room for it.
+template <typename Element>
+bool AppendPlain(Output<Element>* output, Element element) {
+  if (output->to != nullptr) {
+    if (output->used >= output->size) return false;
+    output->to[output->used] = element;
+  }
+  ++output->used;
+  return true;
+}
+
 u32 AppendUtf8(Output<astring>* output, u32 codePoint) {
+  if (codePoint < kFirstBeyondASCII) {  // most of what there is
+    return AppendPlain(output, static_cast<astring>(codePoint)) ? SM_STATUS_SUCCESS
+                                                                : SM_STATUS_BUFFER_TOO_SMALL;
+  }
   u32 length = output->Room();
   if (const u32 status = UCS4CharToUTF8Chars(output->At(), &length, codePoint)) return status;
   output->used += length;
@@ -76,6 +93,11 @@ u32 UTF8StrToUCS2Str(ustring* out, u32* size, const astring* text) {
   // Held by Transcode.Ucs2SizesAreReadInUnitsAndWrittenInBytes.
   Output<ustring> output{out, *size, 0};
   while (*text != '\0') {
+    if (const auto byte = static_cast<u8>(*text); byte < kFirstBeyondASCII) {
+      if (!AppendPlain<ustring>(&output, byte)) return SM_STATUS_BUFFER_TOO_SMALL;
+      ++text;
+      continue;
+    }
     u32 codePoint = 0;
     u32 consumed = 0;
     if (const u32 status = UTF8CharsToUCS4Char(&codePoint, text, &consumed)) return status;

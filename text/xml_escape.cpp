@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "text/xml_escape.h"
 
-#include <stdio.h>
 #include <string.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "qvxcs/status.h"
@@ -37,25 +38,53 @@ bool Append(SSAStr* record, const astring* piece) {
   return record->length != before;
 }
 
-bool AppendEscaped(SSAStr* record, ustring unit) {
+constexpr size_t kLongestEscape = sizeof "\\uffff" - 1;
+
+// Writes a unit's escaped form, at most kLongestEscape bytes, and gives the place behind it.
+astring* Escape(astring* to, ustring unit) {
+  // Deliberate: 0x7F stands for itself like the printable characters, and so does a double quote.
+  // Held by XmlEscape.DeleteAndDoubleQuoteAreNotBackslashEscaped.
+  const bool isPlain = unit >= 0x20 && unit <= 0x7F && unit != '\\';
+  if (isPlain) {
+    *to++ = static_cast<astring>(unit);
+    return to;
+  }
+  *to++ = '\\';
   switch (unit) {
     case '\t':
-      return Append(record, "\\t");
+      *to++ = 't';
+      return to;
     case '\n':
-      return Append(record, "\\n");
+      *to++ = 'n';
+      return to;
     case '\r':
-      return Append(record, "\\r");
+      *to++ = 'r';
+      return to;
     case '\\':
-      return Append(record, "\\\\");
+      *to++ = '\\';
+      return to;
     default:
       break;
   }
-  astring piece[sizeof "\\uffff"] = {static_cast<astring>(unit), '\0'};
-  // Deliberate: 0x7F stands for itself like the printable characters, and so does a double quote.
-  // Held by XmlEscape.DeleteAndDoubleQuoteAreNotBackslashEscaped.
-  const bool isPlain = unit >= 0x20 && unit <= 0x7F;
-  if (!isPlain) (void)snprintf(piece, sizeof piece, "\\u%04x", static_cast<unsigned>(unit));
-  return Append(record, piece);
+  *to++ = 'u';
+  for (int shift = 12; shift >= 0; shift -= 4) {
+    *to++ = "0123456789abcdef"[(unit >> shift) & 0xF];
+  }
+  return to;
+}
+
+// Appends what the text escapes to, gathered into pieces.
+bool AppendEscaped(SSAStr* record, const ustring* text) {
+  astring piece[256];
+  while (*text != 0) {
+    astring* to = piece;
+    while (*text != 0 && to + kLongestEscape < std::end(piece)) {
+      to = Escape(to, *text++);
+    }
+    *to = '\0';
+    if (!Append(record, piece)) return false;
+  }
+  return true;
 }
 
 // Empty when the text cannot be escaped or there is no memory for the result.
@@ -74,15 +103,23 @@ u32 UTF8StrToXMLUTF8Str(astring* out, u32* size, booln* escaped, const astring* 
   if (size == nullptr || text == nullptr) return SM_STATUS_INVALID_PARAMETER;
   if (escaped != nullptr) *escaped = 0;
   u64 used = 0;
-  for (; *text != '\0'; ++text) {
-    const XmlEntity* entity = FindXmlEntity(static_cast<u8>(*text));
-    if (entity != nullptr && escaped != nullptr) *escaped = 1;
-    const u32 length = entity == nullptr ? 1 : entity->length;
+  for (;;) {
+    const size_t plain = strcspn(text, kXmlCharacters);
     if (out != nullptr) {
-      if (used + length > *size) return SM_STATUS_BUFFER_TOO_SMALL;
-      memcpy(out + used, entity == nullptr ? text : entity->text, length);
+      const size_t fits = std::min(plain, static_cast<size_t>(*size - used));
+      memcpy(out + used, text, fits);
+      if (fits < plain) return SM_STATUS_BUFFER_TOO_SMALL;
     }
-    used += length;
+    used += plain;
+    text += plain;
+    if (*text == '\0') break;
+    const XmlEntity& entity = *FindXmlEntity(static_cast<u8>(*text++));
+    if (escaped != nullptr) *escaped = 1;
+    if (out != nullptr) {
+      if (used + entity.length > *size) return SM_STATUS_BUFFER_TOO_SMALL;
+      memcpy(out + used, entity.text, entity.length);
+    }
+    used += entity.length;
   }
   const u64 needed = used + 1;
   if (needed > (out == nullptr ? UINT32_MAX : *size)) return SM_STATUS_BUFFER_TOO_SMALL;
@@ -97,9 +134,7 @@ u32 UnicodeToEscape(astring* out, u32* size, const ustring* text) {
   if (text == nullptr) return SM_STATUS_BAD_ARGUMENT;
   EscapedText result;
   if (SSAStrAlloc(&result.record, kEscapeRoom) == nullptr) return kEscapeFailed;
-  for (; *text != 0; ++text) {
-    if (!AppendEscaped(&result.record, *text)) return kEscapeFailed;
-  }
+  if (!AppendEscaped(&result.record, text)) return kEscapeFailed;
   const u32 needed = result.record.length + 1;
   if (size != nullptr) {
     const u32 room = std::exchange(*size, needed);

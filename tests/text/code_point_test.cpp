@@ -327,6 +327,7 @@ TEST(CodePoint, OnlyTheFiveCharactersOfAsciiAreEscaped) {
     if (FindXmlEntity(codePoint) != nullptr) found += static_cast<char>(codePoint);
   }
   EXPECT_EQ(found, "\"&'<>");
+  EXPECT_EQ(found, kXmlCharacters);
 }
 
 TEST(CodePoint, ThePlainCoderClearsTheFlagBeforeItFails) {
