@@ -22,7 +22,8 @@ void RoleMapStream::Open(const std::string& path) {
 // A child that was forked with the file open shares the descriptor, so each keeps its own place.
 int RoleMapStream::NextByte() {
   if (next_ == end_) {
-    const ssize_t count = pread(fileno(file_.get()), block_, sizeof block_, position_);
+    const ssize_t count =
+        TEMP_FAILURE_RETRY(pread(fileno(file_.get()), block_, sizeof block_, position_));
     if (count <= 0) return EOF;
     position_ += count;
     next_ = 0;

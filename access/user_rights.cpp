@@ -35,7 +35,9 @@ constexpr size_t kLineNumberRoom = 21;
 // threads do not meet half-built maps.
 class RoleMap {
  public:
-  using Lock = std::unique_lock<std::mutex>;
+  // A signal handler may end the process within a turn of its own thread.
+  using Mutex = std::recursive_mutex;
+  using Lock = std::unique_lock<Mutex>;
   RoleMap(const RoleMap&) = delete;
   RoleMap& operator=(const RoleMap&) = delete;
 
@@ -59,10 +61,10 @@ class RoleMap {
     gone_ = true;
   }
 
-  static std::mutex mutex_;
+  static Mutex mutex_;
   static bool gone_;
 };
-constinit std::mutex RoleMap::mutex_;
+constinit RoleMap::Mutex RoleMap::mutex_;
 constinit bool RoleMap::gone_ = false;
 
 // By the locale in force; nothing when the text is not in its encoding.

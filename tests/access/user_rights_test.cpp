@@ -5,8 +5,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <locale.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -516,6 +518,20 @@ TEST_F(UserRights, AProcessMayExitWhileThreadsLogIn) {
     });
     ASSERT_EQ(status, 0) << "round " << round;
   }
+}
+
+TEST_F(UserRights, ASignalHandlerMayExitWithinALogin) {
+  Load("alice * user\n");
+  ASSERT_EQ(rename("/etc/passwd", "/etc/passwd.aside"), 0);
+  ASSERT_EQ(mkfifo("/etc/passwd", 0644), 0);
+  const int status = test::InChild([] {
+    signal(SIGALRM, [](int) { exit(7); });
+    const itimerval soon = {{0, 0}, {0, 50000}};
+    setitimer(ITIMER_REAL, &soon, nullptr);
+    (void)RightsOf("member");  // it has no line, so its groups are asked for, and nobody answers
+    return 1;
+  });
+  EXPECT_EQ(status, 7);
 }
 
 }  // namespace
