@@ -54,11 +54,12 @@ FilePtr StreamOver(int file, const astring* mode) {
   return FilePtr(stream);
 }
 
-bool IsFileOf(FILE* stream, const astring* path) {
+// Whether the path is the last name of the stream's file.
+bool IsLastNameOf(FILE* stream, const astring* path) {
   struct stat opened = {};
   struct stat named = {};
   return fstat(fileno(stream), &opened) == 0 && lstat(path, &named) == 0 &&
-         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino && opened.st_nlink == 1;
 }
 
 }  // namespace
@@ -68,7 +69,7 @@ FilePtr OpenFile(const astring* path, const astring* mode) {
 }
 
 FilePtr OpenTemporary(const astring* path, FILE* source) {
-  if (IsFileOf(source, path)) return nullptr;
+  if (IsLastNameOf(source, path)) return nullptr;
   (void)unlink(path);
   constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
   return StreamOver(open(path, kFlags | kAlways, kNewFileMode), "w");

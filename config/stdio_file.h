@@ -22,7 +22,8 @@ using FilePtr = std::unique_ptr<FILE, FileCloser>;
 FilePtr OpenFile(const astring* path, const astring* mode);
 
 // A new file of this name for writing, to which `source` is to be copied: an old one is unlinked
-// first, a link is not followed. Null when the old one is the source itself, which stays.
+// first, a link is not followed. Null when the old one is the source itself, without another name:
+// it stays.
 FilePtr OpenTemporary(const astring* path, FILE* source);
 
 // Flushes and closes; false when any write, the flush or the close failed.

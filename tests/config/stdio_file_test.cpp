@@ -131,8 +131,11 @@ TEST(StdioFile, TheSourceIsNotUnlinkedForItsOwnCopy) {
 TEST(StdioFile, ALinkToTheSourceGivesWayToItsCopy) {
   WriteFile(kPath, "text");
   ASSERT_EQ(symlink(kPath, "/tmp/link"), 0);
-  EXPECT_TRUE(OpenTemporary("/tmp/link", OpenFile(kPath, "r").get()));
-  EXPECT_EQ(ReadFile(kPath), "text");
+  ASSERT_EQ(link(kPath, "/tmp/name"), 0);
+  for (const char* path : {"/tmp/link", "/tmp/name"}) {
+    EXPECT_TRUE(OpenTemporary(path, OpenFile(kPath, "r").get())) << path;
+    EXPECT_EQ(ReadFile(kPath), "text") << path;
+  }
 }
 
 TEST(StdioFile, TextThatWaitsForAFullDiskFailsWhenClosed) {
