@@ -38,7 +38,7 @@ bool Append(SSAStr* record, const astring* piece) {
   return record->length != before;
 }
 
-constexpr size_t kLongestEscape = sizeof "\\uffff" - 1;
+constexpr s32 kLongestEscape = sizeof "\\uffff" - 1;
 
 // Writes a unit's escaped form, at most kLongestEscape bytes, and gives the place behind it.
 astring* Escape(astring* to, ustring unit) {
@@ -78,7 +78,7 @@ bool AppendEscaped(SSAStr* record, const ustring* text) {
   astring piece[256];
   while (*text != 0) {
     astring* to = piece;
-    while (*text != 0 && to + kLongestEscape < std::end(piece)) {
+    while (*text != 0 && std::end(piece) - to > kLongestEscape) {
       to = Escape(to, *text++);
     }
     *to = '\0';
