@@ -60,7 +60,7 @@ void FromUTF8(benchmark::State& state, const Wide& wide) {
   const std::string text = Narrow(wide);
   std::vector<ustring> units(kUnits + 2);
   for (auto _ : state) {
-    u32 size = static_cast<u32>((units.size() - 1) * sizeof(ustring));
+    u32 size = static_cast<u32>(units.size() - 1);
     benchmark::DoNotOptimize(PXTUTF8StrToUCS2Str(units.data(), &size, text.c_str()));
   }
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// An answer of 100 elements, and entries added to a log of about 100 KB: one lock, one search for
+// An answer of 100 elements, and entries added to a log of 100 to 200 KB: one lock, one search for
 // the closing tag, one write each.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
