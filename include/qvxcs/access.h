@@ -24,8 +24,9 @@ QVX_BEGIN_DECLS
  *
  * with users (or "+" and a group, or "*" for anyone), hosts (a name, an address, "*" for any,
  * "*." and a domain) and one of the words administrator, poweruser and user; blanks part the
- * fields, commas the names, and what follows the role is not read. Lines that begin with "#" and
- * empty lines are skipped; a last line without its newline does not count. Entries that name a user
+ * fields, commas the names, and what follows the role is not read. A plain host name counts for
+ * groups and for anyone, not for a user that is named. Lines that begin with "#" and empty lines
+ * are skipped; a last line without its newline does not count. Entries that name a user
  * beat those of the user's groups, which beat those for anyone, even where they grant less.
  *
  * A role map that is missing, has another mode, or holds a fault does not leave the system without
@@ -61,7 +62,9 @@ QVX_BEGIN_DECLS
  *
  * What a question needs and cannot get, also for want of memory, grants nothing: the machine's
  * addresses and its domain's name, the groups of the user. The entries that remain decide, those
- * for anyone too, which may grant more than the entry of a group that is not seen.
+ * for anyone too, which may grant more than the entry of a group that is not seen. The machine's
+ * own name is the exception: where it cannot be had, as while the library is not attached, the host
+ * is the empty text, which every domain pattern ("*.") matches.
  *
  * Several threads may log users in at the same time. The role map should be opened and queried from
  * one thread: the calls exclude each other, but what one call reads is in force for all. When the
@@ -112,8 +115,10 @@ QVX_EXPORT u32 PXTGetRightsUsingRolemap(void);
  * goes on without an answer. Then the role map decides. With a domain the login is
  * "user@domain", and the domain's text is the host that the role map is asked for; without one it
  * is this machine, and a name of the form "user@host" or "domain\user" is split. The operating
- * system is asked of what stands before the separator. A refusal may take seconds, about two where
- * `pam_unix` asks PAM for a delay, and the modules write its reason to the system's log.
+ * system is asked of what stands before the separator: its superuser is an administrator whatever
+ * the role map says, and where the role map grants something, a member of group 0 is at least a
+ * power user. A refusal may take seconds, about two where `pam_unix` asks PAM for a delay, and the
+ * modules write its reason to the system's log.
  *
  * The texts are converted as by PXTUCS2StrToUTF8Str(): each surrogate becomes the character that
  * its text begins with, and a text that begins with an unpaired one is refused. The role map is
@@ -142,7 +147,7 @@ QVX_EXPORT u32 PXTAuthenticateUser(const ustring* domain, const ustring* userNam
  * Tells the rights of a local user without asking for a password.
  *
  * The name is converted and split as that of a login. A name that the system does not know has what
- * the role map grants to it or to anyone.
+ * the role map grants to it or to anyone. The operating system raises rights as it does a login's.
  *
  * @param[in] domain   UCS-2 text; a user of a domain is refused, so NULL or the empty text
  * @param[in] userName UCS-2 text; as UTF-8 it may have one byte more than it has units

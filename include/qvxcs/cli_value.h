@@ -164,7 +164,8 @@ QVX_EXPORT ustring* PXTNVSAstrToUstr(const astring* text, u32* status);
  *
  * The element is empty, `<Parameter name="..." oldval="..." newval="..." value="..."/>`, with the
  * attributes of the values given, in this order. A value whose text PXTNVSXValToASCII cannot make
- * is left out. The name is not escaped; values are only with the type codes 26 and 27.
+ * is left out. The name is not escaped; values are escaped only with the type codes 26
+ * and 27.
  *
  * @param[in,out] buffer  the XML buffer
  * @param[in] name        the setting's name

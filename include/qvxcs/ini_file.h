@@ -38,10 +38,10 @@
  *
  * Every call holds the lock that the suite's processes share for as long as it works on the file,
  * so that none sees a file that another is changing. With a lock flag of exactly 1 a call waits for
- * it, 60,000 attempts that are 1 ms apart; with any other it tries once. The lock keeps out
- * processes, not the threads of one process: a host whose threads write the same file, or any two
- * files of one directory, brings a lock of its own. The lock belongs to the process: the first
- * release ends it for all threads.
+ * it, 60,000 attempts that are 1 ms apart; with any other it tries once, which always fails in a
+ * process that may not write the lock file. The lock keeps out processes, not the threads of one
+ * process: a host whose threads write the same file, or any two files of one directory, brings a
+ * lock of its own. The lock belongs to the process: the first release ends it for all threads.
  */
 
 #include "qvxcs/types.h"

@@ -22,7 +22,8 @@
 QVX_BEGIN_DECLS
 
 /**
- * Gives the domain name that the operating system has set for this machine.
+ * Gives the domain name that the operating system has set for this machine (`getdomainname`), which
+ * is seldom that of the DNS.
  *
  * A name that begins with "(none)", which is what the system reports when none is set, is no
  * domain, whatever follows these six characters. A machine whose domain name is empty has an empty

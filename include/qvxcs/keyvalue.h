@@ -17,9 +17,10 @@
  * first NUL byte. Names are paths as they are given, at most 256 characters; those of the `Inst`
  * calls are relative to the product's INI path and cut with it at 255 characters.
  *
- * Reading and rewriting wait for the lock that the suite's processes share, up to 60,000 ms, and
- * hold it for their whole duration. The lock belongs to the process: it keeps other processes out
- * and not other threads, so threads that use one file at once agree among themselves.
+ * Reading and rewriting wait for the lock that the suite's processes share, up to 60,000 ms. A
+ * rewrite holds it throughout; a read takes it twice, to count and to copy. The lock belongs to the
+ * process: it keeps other processes out and not other threads, so threads that use one file at once
+ * agree among themselves.
  */
 
 #include "qvxcs/types.h"

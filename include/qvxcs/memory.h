@@ -9,7 +9,8 @@
  *
  * A text or buffer that a function of the library hands over is a block of this heap, released with
  * `PXTFreeMem` unless its family has a free call of its own (growable strings, XML buffers,
- * key=value entries, lists). The three names of freeing are one operation and may be mixed.
+ * key=value entries, lists). The three names of freeing are one operation and may be mixed. Only
+ * the text of PXTGetLoopBack() is a constant.
  *
  * Sizes are bytes. No lock is taken here; the heap itself is safe for threads, and a block belongs
  * to whoever holds it.

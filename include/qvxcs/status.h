@@ -7,8 +7,8 @@
  * @file
  * The statuses that every family shares.
  *
- * A status is a `u32`; 0 is success. Functions whose result is a count, an index or a value report
- * failure as -1 instead, which as a status is 0xFFFFFFFF. Codes carry no text.
+ * A status is a `u32`; 0 is success, and -1 as a status is 0xFFFFFFFF. Functions whose result is a
+ * count, an index or a value report failure as -1 or as 0, as each says. Codes carry no text.
  */
 
 #include "qvxcs/types.h"
@@ -20,7 +20,10 @@
  * entry is in the list already. Some families report these as SM_STATUS_INVALID_PARAMETER.
  */
 #define SM_STATUS_BAD_ARGUMENT 0x0002u
-/** A polled wait gave up after its last attempt; attempts are 1000 microseconds apart. */
+/**
+ * A polled wait gave up after its last attempt. No call answers it: those that wait for the lock
+ * answer SM_STATUS_LOCK_FAILED.
+ */
 #define SM_STATUS_TIMEOUT 0x0003u
 /** The INI file, or the copy that is to replace it, could not be opened. */
 #define SM_STATUS_FILE_OPEN_FAILED 0x0007u

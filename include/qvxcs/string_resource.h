@@ -33,7 +33,7 @@ QVX_BEGIN_DECLS
  *
  * @param[in] stringId        the text's identifier
  * @param[in,out] languageId  the language, or NULL for the neutral one; set to 0 for 1033 and 437,
- *                            and when it has not the text and the neutral language is tried
+ *                            and where it lacks the text and the neutral one is tried
  * @param[in] path            the file
  * @param[out] buffer         room for the text, or NULL
  * @param[in,out] size        bytes of room, or NULL; then the result. There is no size query:

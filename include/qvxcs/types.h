@@ -7,8 +7,8 @@
  * @file
  * The types by which values cross the interface.
  *
- * Widths are fixed and the same on 64-bit and 32-bit machines; only pointers have the machine's
- * width. Every status and every size is a `u32`.
+ * Widths are fixed and the same on 64-bit and 32-bit machines; only pointers, `time_t` and
+ * `pthread_t` have the machine's width. Every status and every size is a `u32`.
  */
 
 #include <stdint.h>

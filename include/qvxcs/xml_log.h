@@ -29,7 +29,8 @@
  * `cmd.xml` moves to `cmd.xm_`. One backup is kept and is replaced each time. The new log begins
  * with an entry of type 4, identifier 1, `Log backup created`.
  *
- * Sizes and text limits are in bytes. Logs and backups get mode 01664, their directory 0755.
+ * Sizes and text limits are in bytes. Logs and backups get mode 01664, their directory 0755 less
+ * the umask.
  *
  * @par Locks
  * Append, delete and backup hold the suite's file lock, for which they wait up to

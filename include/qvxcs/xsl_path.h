@@ -28,9 +28,9 @@ QVX_BEGIN_DECLS
  *
  * Where it exists, the result is a sheet's text: what `flags` asks for around up to three
  * `xsl:include` elements without anything between them, for the template's file, the locale's file
- * below the template, and the locale's "globals.xsl" below the template. The last two are left out
- * where they do not exist, neither under the locale nor under "en_US", which from the first need
- * stands in for the locale.
+ * below the template, and the locale's "globals.xsl" below the template. The last two are looked
+ * for under the locale, then under "en_US", and are left out where neither has them. Once "en_US"
+ * was needed, the locale is not tried again.
  *
  * @param[in] product        the product's directory
  * @param[in] dir            the directory of the sheet
