@@ -80,6 +80,15 @@ void PrivateDevices() {
   Check(mount(base.c_str(), "/dev", nullptr, MS_MOVE, nullptr), "/dev");
 }
 
+// What an installed library has left on the machine is not the tests'.
+void HideInstalled() {
+  MakeDirectories("/etc/cim");
+  Check(mount("tmpfs", "/etc/cim", "tmpfs", MS_NOSUID, "mode=755"), "/etc/cim");
+  for (const char* file : {"/etc/qvx.conf", "/etc/pam.d/qvauth"}) {
+    (void)unlink(file);
+  }
+}
+
 void ProductFolders() {
   for (const char* folder :
        {"/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot/qvx/docs",
@@ -120,7 +129,8 @@ void EnterRoot([[maybe_unused]] int build) {
 
 void Enter() {
   Check(unshare(CLONE_NEWNS | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWNET), "unshare (needs root)");
-  Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr), "/");
+  Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr),
+        "/ (a chroot must be a mount: bind it over itself first)");
   // The build folder may lie in one of the folders that are about to be covered.
   const int build = OpenFolder(QVX_BUILD_DIR);
   EnterRoot(build);
@@ -129,6 +139,7 @@ void Enter() {
     OverlayFolder(folder);
   }
   BindOver(build, QVX_BUILD_DIR);
+  HideInstalled();
   PrivateDevices();
   Check(sethostname("qvxtest", 7), "host name");
   Check(setdomainname("example", 7), "domain name");
