@@ -122,7 +122,11 @@ QVX_EXPORT u32 PXTGetRightsUsingRolemap(void);
  *
  * The texts are converted as by PXTUCS2StrToUTF8Str(): each surrogate becomes the character that
  * its text begins with, and a text that begins with an unpaired one is refused. The role map is
- * asked of a name only where the locale in force has its characters.
+ * asked of a name only where the locale in force has its characters: a program that has not called
+ * `setlocale` has only those of ASCII.
+ *
+ * Call PXTOpenRolemapFile() and PXTGetRightsUsingRolemap() once before the first login; else the
+ * built-in lines decide.
  *
  * @param[in] domain       UCS-2 text, or NULL for none; the empty text is one
  * @param[in] userName     UCS-2 text; as UTF-8 it may have one byte more than it has units
