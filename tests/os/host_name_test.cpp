@@ -16,6 +16,7 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
+#include "support/host_name_fault.h"
 
 namespace {
 
@@ -110,6 +111,18 @@ TEST_F(LoadedHostName, ANameThatDoesNotFitIsASuccessThatLeavesTheSize) {
     EXPECT_EQ(qvx::GetIPHostName(name.data(), &size), SM_STATUS_SUCCESS);
     EXPECT_STREQ(name.data(), one.cut);
     EXPECT_EQ(size, one.room);
+  }
+}
+
+TEST_F(LoadedHostName, ANameThatIsCutWithoutAnErrorIsTerminatedToo) {
+  qvx::test::CutHostNamesSilently();
+  for (const u32 room : {1U, 4U, 7U}) {
+    GuardBuffer<astring> name(room);
+    u32 size = room;
+    EXPECT_EQ(qvx::GetIPHostName(name.data(), &size), SM_STATUS_SUCCESS);
+    EXPECT_EQ(std::string(name.data(), room - 1), std::string("qvxtest").substr(0, room - 1));
+    EXPECT_EQ(name.data()[room - 1], '\0');
+    EXPECT_EQ(size, room);
   }
 }
 

@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_TESTS_SUPPORT_HOST_NAME_FAULT_H
+#define QVX_TESTS_SUPPORT_HOST_NAME_FAULT_H
+
+namespace qvx::test {
+
+// From here to the end of this process a host name that does not fit is cut without an error and
+// without a NUL, as POSIX allows.
+void CutHostNamesSilently();
+
+}  // namespace qvx::test
+
+#endif
