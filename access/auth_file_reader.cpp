@@ -6,7 +6,7 @@
 
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
-#include "paths/layout.h"
+#include "base/layout.h"
 
 namespace qvx {
 namespace {

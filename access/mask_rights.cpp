@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "access/role.h"
+#include "base/heap.h"
 #include "config/ini_read_values.h"
-#include "frame/heap.h"
-#include "paths/oem.h"
+#include "config/oem.h"
 
 namespace qvx {
 namespace {

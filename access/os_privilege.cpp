@@ -11,7 +11,7 @@
 
 #include "access/account.h"
 #include "access/role.h"
-#include "frame/heap.h"
+#include "base/heap.h"
 
 namespace qvx {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "qvxcs/access.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 
 namespace {
 

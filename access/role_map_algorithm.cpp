@@ -9,7 +9,7 @@
 
 #include "access/account.h"
 #include "access/role_map_error.h"
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "os/host_name.h"
 #include "os/ip_address.h"
 #include "os/ip_interfaces.h"

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "config/stdio_file.h"
+#include "os/stdio_file.h"
 
 namespace qvx {
 

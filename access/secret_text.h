@@ -7,7 +7,7 @@
 
 #include "qvxcs/types.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 
 namespace qvx {
 

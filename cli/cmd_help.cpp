@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
+#include "base/heap.h"
 #include "cli/param_node.h"
-#include "frame/heap.h"
 #include "xml/xml_buffer.h"
 
 namespace qvx {

@@ -6,8 +6,8 @@
 
 #include "qvxcs/status.h"
 
+#include "base/heap.h"
 #include "cli/value_text.h"
-#include "frame/heap.h"
 #include "text/number_text.h"
 #include "text/param_vector.h"
 #include "text/xml_escape.h"

@@ -6,7 +6,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "text/transcode.h"
 
 namespace qvx {

@@ -7,7 +7,7 @@
 
 #include "qvxcs/types.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 
 // The line rules that the INI reader and the INI writer share.
 namespace qvx {

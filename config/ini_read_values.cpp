@@ -8,11 +8,11 @@
 
 #include "qvxcs/status.h"
 
+#include "base/heap.h"
+#include "base/layout.h"
 #include "config/ini_lines.h"
 #include "config/ini_reader.h"
-#include "frame/heap.h"
 #include "paths/install_path.h"
-#include "paths/layout.h"
 #include "text/ascii_util.h"
 #include "text/number_text.h"
 #include "text/scan32.h"

@@ -7,8 +7,8 @@
 #include "qvxcs/status.h"
 
 #include "config/ini_lines.h"
-#include "config/stdio_file.h"
 #include "os/file_lock.h"
+#include "os/stdio_file.h"
 
 namespace qvx {
 namespace {

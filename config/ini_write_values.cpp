@@ -9,10 +9,10 @@
 
 #include "qvxcs/status.h"
 
+#include "base/heap.h"
 #include "config/ini_lines.h"
 #include "config/ini_read_values.h"
 #include "config/ini_writer.h"
-#include "frame/heap.h"
 #include "text/number_text.h"
 
 namespace qvx {

@@ -11,10 +11,10 @@
 
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
 #include "config/ini_lines.h"
-#include "config/stdio_file.h"
 #include "os/file_lock.h"
+#include "os/file_util.h"
+#include "os/stdio_file.h"
 
 namespace qvx {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "paths/product_paths.h"
 
 namespace qvx {

@@ -7,10 +7,10 @@
 
 #include "qvxcs/status.h"
 
+#include "base/heap.h"
 #include "config/keyvalue_line.h"
-#include "config/stdio_file.h"
-#include "frame/heap.h"
 #include "os/file_lock.h"
+#include "os/stdio_file.h"
 
 namespace qvx {
 namespace {

@@ -8,11 +8,11 @@
 
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
+#include "base/heap.h"
 #include "config/keyvalue_line.h"
-#include "config/stdio_file.h"
-#include "frame/heap.h"
 #include "os/file_lock.h"
+#include "os/file_util.h"
+#include "os/stdio_file.h"
 
 namespace qvx {
 namespace {

@@ -5,8 +5,8 @@
 #include <bit>
 #include <cstring>
 
-#include "config/stdio_file.h"
-#include "frame/heap.h"
+#include "base/heap.h"
+#include "os/stdio_file.h"
 #include "text/transcode.h"
 #include "text/uni_string.h"
 

@@ -4,8 +4,8 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/context_lock.h"
-#include "frame/export_context.h"
+#include "base/context_lock.h"
+#include "base/export_context.h"
 #include "os/file_lock.h"
 #include "os/ip_support.h"
 #include "os/ipc_file.h"

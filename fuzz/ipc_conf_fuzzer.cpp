@@ -4,9 +4,9 @@
 // Input: the file.
 #include <string>
 
+#include "base/layout.h"
 #include "fuzz/fuzz_support.h"
 #include "os/ipc_name.h"
-#include "paths/layout.h"
 #include "support/files.h"
 
 namespace {

@@ -17,8 +17,8 @@
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
 #include "access/role_map_stream.h"
+#include "base/layout.h"
 #include "fuzz/fuzz_support.h"
-#include "paths/layout.h"
 #include "reference/role_map_model.h"
 #include "support/files.h"
 

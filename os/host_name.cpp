@@ -8,7 +8,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "os/ip_support.h"
 #include "text/char_class.h"
 #include "text/transcode.h"

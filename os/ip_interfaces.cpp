@@ -13,7 +13,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "os/host_name.h"
 
 namespace qvx {

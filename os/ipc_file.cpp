@@ -8,8 +8,8 @@
 
 #include <cerrno>
 
-#include "os/poll_wait.h"
-#include "paths/layout.h"
+#include "base/layout.h"
+#include "base/poll_wait.h"
 
 namespace qvx {
 namespace {

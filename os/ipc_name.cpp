@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-#include "config/stdio_file.h"
-#include "paths/layout.h"
+#include "base/layout.h"
+#include "os/stdio_file.h"
 
 namespace qvx {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 
 namespace qvx {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <cerrno>
 
-#include "os/poll_wait.h"
+#include "base/poll_wait.h"
 
 namespace qvx {
 namespace {

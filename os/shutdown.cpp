@@ -6,7 +6,7 @@
 
 #include <cerrno>
 
-#include "paths/layout.h"
+#include "base/layout.h"
 
 namespace qvx {
 namespace {

@@ -8,8 +8,8 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
-#include "paths/layout.h"
+#include "base/heap.h"
+#include "base/layout.h"
 
 namespace qvx {
 namespace {

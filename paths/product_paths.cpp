@@ -6,10 +6,10 @@
 
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
-#include "frame/heap.h"
+#include "base/heap.h"
+#include "base/layout.h"
+#include "os/file_util.h"
 #include "paths/install_path.h"
-#include "paths/layout.h"
 #include "paths/locale.h"
 
 namespace qvx {

@@ -10,8 +10,8 @@
 
 #include "qvxcs/status.h"
 
+#include "base/layout.h"
 #include "os/ipc_file.h"
-#include "paths/layout.h"
 
 namespace qvx {
 namespace {

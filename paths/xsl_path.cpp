@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "paths/locale.h"
 #include "paths/product_paths.h"
 

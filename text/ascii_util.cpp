@@ -8,7 +8,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 
 namespace qvx {
 namespace {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "text/transcode.h"
 
 namespace qvx {

@@ -7,7 +7,7 @@
 
 #include "qvxcs/types.h"
 
-#include "frame/context_lock.h"
+#include "base/context_lock.h"
 
 namespace qvx {
 

@@ -7,7 +7,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "text/uni_string.h"
 
 namespace qvx {

@@ -6,7 +6,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "text/locale_text.h"
 #include "text/number_text.h"
 #include "text/scan32.h"

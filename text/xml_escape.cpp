@@ -10,7 +10,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "text/code_point.h"
 #include "text/grow_string.h"
 #include "text/transcode.h"

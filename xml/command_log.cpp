@@ -7,11 +7,11 @@
 
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
+#include "base/heap.h"
+#include "base/layout.h"
 #include "config/keyvalue_reader.h"
-#include "frame/heap.h"
 #include "os/file_lock.h"
-#include "paths/layout.h"
+#include "os/file_util.h"
 #include "text/number_text.h"
 #include "xml/xml_log.h"
 

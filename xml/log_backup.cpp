@@ -9,9 +9,9 @@
 
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "os/file_lock.h"
+#include "os/file_util.h"
 
 namespace qvx {
 

@@ -10,7 +10,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "os/host_name.h"
 #include "text/grow_string.h"
 #include "text/hex_dump.h"

@@ -8,7 +8,7 @@
 #include "qvxcs/status.h"
 #include "qvxcs/xml_buffer.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "text/grow_string.h"
 #include "text/xml_escape.h"
 #include "xml/xml_value.h"

@@ -13,10 +13,10 @@
 
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
-#include "config/stdio_file.h"
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "os/file_lock.h"
+#include "os/file_util.h"
+#include "os/stdio_file.h"
 #include "xml/log_entry.h"
 
 namespace qvx {

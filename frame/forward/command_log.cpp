@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/command_log.h"
 
-#include "frame/export_context.h"
+#include "base/export_context.h"
 #include "xml/command_log.h"
 
 astring* PXTGetCmdLogPathFileName() {

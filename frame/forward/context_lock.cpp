@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/context_lock.h"
 
-#include "frame/context_lock.h"
+#include "base/context_lock.h"
 
 u32 PXTAllocContextLock() { return qvx::AllocContextLock(); }
 void PXTFreeContextLock(u32 handle) { qvx::FreeContextLock(handle); }

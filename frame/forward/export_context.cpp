@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/export_context.h"
 
-#include "frame/export_context.h"
+#include "base/export_context.h"
 
 void PXTGetExportContext(u32* slot) { qvx::GetExportContext(slot); }
 void PXTSetExportContext(u32* saveSlot, u32* context) { qvx::SetExportContext(saveSlot, context); }

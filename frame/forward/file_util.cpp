@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/file_util.h"
 
-#include "config/file_util.h"
+#include "os/file_util.h"
 
 u32 PXTDeleteFile(const astring* path) { return qvx::DelFile(path); }
 u32 PXTGetSizeOfFile(const astring* path, u32* size) { return qvx::GetSizeOfFile(path, size); }

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/ini_file.h"
 
+#include "base/export_context.h"
 #include "config/ini_read_values.h"
 #include "config/ini_write_values.h"
-#include "frame/export_context.h"
 
 u32 PXTReadINIPathFileValue(const astring* section, const astring* key, s32 type, void* value,
                             u32* size, const void* defaultValue, u32 defaultSize,

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/keyvalue.h"
 
+#include "base/export_context.h"
 #include "config/keyvalue_reader.h"
 #include "config/keyvalue_writer.h"
-#include "frame/export_context.h"
 
 PXTKeyValue* PXTCFGGetKeyValueEntries(const astring* name, u32* count) {
   const qvx::ExportBracket bracket;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/memory.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 
 void* PXTAllocMem(u32 size) { return qvx::AllocMem(size); }
 void* PXTReAllocMem(void* block, u32 size) { return qvx::ReAllocMem(block, size); }

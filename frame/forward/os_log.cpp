@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/os_log.h"
 
-#include "frame/export_context.h"
-#include "xml/os_log.h"
+#include "base/export_context.h"
+#include "os/os_log.h"
 
 u32 PXTAppendToOSLog(u16 eventType, u32 eventNumber, const ustring* source, const ustring* text) {
   const qvx::ExportBracket bracket;

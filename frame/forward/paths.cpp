@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/paths.h"
 
-#include "frame/export_context.h"
+#include "base/export_context.h"
+#include "config/oem.h"
 #include "os/ip_interfaces.h"
 #include "paths/install_path.h"
 #include "paths/locale.h"
-#include "paths/oem.h"
 #include "paths/product_paths.h"
 #include "paths/web_server.h"
 

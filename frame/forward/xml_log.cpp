@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/xml_log.h"
 
-#include "frame/export_context.h"
-#include "xml/log_content.h"
+#include "base/export_context.h"
+#include "cli/log_content.h"
 #include "xml/xml_log.h"
 
 u32 PXTForceXMLLogExists(const astring* path, const astring* user, const astring* source) {

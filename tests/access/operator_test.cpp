@@ -20,8 +20,8 @@
 #include "qvxcs/status.h"
 #include "qvxcs/xml_log.h"
 
+#include "base/layout.h"
 #include "frame/module.h"
-#include "paths/layout.h"
 #include "support/files.h"
 #include "support/kill_at_stop.h"
 #include "support/processes.h"

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "access/role.h"
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "support/alloc_fault.h"
 #include "support/processes.h"
 #include "tests/access/accounts.h"

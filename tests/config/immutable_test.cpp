@@ -13,8 +13,8 @@
 #include "qvxcs/keyvalue.h"
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
 #include "frame/module.h"
+#include "os/file_util.h"
 #include "support/files.h"
 #include "support/processes.h"
 #include "support/small_disk.h"

@@ -9,7 +9,7 @@
 
 #include "qvxcs/status.h"
 
-#include "config/stdio_file.h"
+#include "os/stdio_file.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
 

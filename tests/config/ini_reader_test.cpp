@@ -10,9 +10,9 @@
 
 #include "qvxcs/status.h"
 
-#include "config/stdio_file.h"
 #include "frame/module.h"
 #include "os/file_lock.h"
+#include "os/stdio_file.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"

@@ -14,8 +14,8 @@
 #include "qvxcs/status.h"
 
 #include "config/ini_reader.h"
-#include "config/stdio_file.h"
 #include "frame/module.h"
+#include "os/stdio_file.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/processes.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "config/stdio_file.h"
+#include "os/stdio_file.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"

@@ -10,7 +10,7 @@
 
 #include "qvxcs/string_resource.h"
 
-#include "config/stdio_file.h"
+#include "os/stdio_file.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"

@@ -17,10 +17,10 @@
 #include "qvxcs/status.h"
 #include "qvxcs/xml_log.h"
 
-#include "frame/export_context.h"
+#include "base/export_context.h"
+#include "base/layout.h"
 #include "os/file_lock.h"
 #include "os/ipc_file.h"
-#include "paths/layout.h"
 #include "support/alarms.h"
 #include "support/files.h"
 #include "support/processes.h"

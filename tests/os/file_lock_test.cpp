@@ -13,8 +13,8 @@
 
 #include "qvxcs/status.h"
 
+#include "base/layout.h"
 #include "os/ipc_file.h"
-#include "paths/layout.h"
 #include "support/alarms.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"

@@ -14,7 +14,7 @@
 
 #include "qvxcs/shutdown.h"
 
-#include "paths/layout.h"
+#include "base/layout.h"
 #include "support/files.h"
 #include "support/processes.h"
 

@@ -9,7 +9,7 @@
 
 #include "qvxcs/paths.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "support/alloc_fault.h"
 
 namespace qvx {

@@ -10,7 +10,7 @@
 
 #include "qvxcs/paths.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 

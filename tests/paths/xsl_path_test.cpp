@@ -9,7 +9,7 @@
 
 #include "qvxcs/xsl_path.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 

@@ -11,7 +11,7 @@
 
 #include <cstdlib>
 
-#include "paths/layout.h"
+#include "base/layout.h"
 
 namespace qvx::test {
 

@@ -13,7 +13,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/context_lock.h"
+#include "base/context_lock.h"
 #include "support/alloc_fault.h"
 #include "tests/text/list_kinds.h"
 

@@ -11,7 +11,7 @@
 #include "qvxcs/status.h"
 #include "qvxcs/transcode.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "tests/reference/text_model.h"
 #include "tests/support/alloc_fault.h"
 #include "tests/support/guard_buffer.h"

@@ -13,7 +13,7 @@
 #include "qvxcs/command_log.h"
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "frame/module.h"
 #include "support/alloc_fault.h"
 #include "xml/log_files.h"

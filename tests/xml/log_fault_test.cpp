@@ -14,11 +14,11 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
+#include "cli/log_content.h"
 #include "frame/module.h"
 #include "support/alloc_fault.h"
 #include "support/refuse_call.h"
-#include "xml/log_content.h"
 #include "xml/log_files.h"
 #include "xml/xml_log.h"
 

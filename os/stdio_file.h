@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_CONFIG_STDIO_FILE_H
-#define QVX_CONFIG_STDIO_FILE_H
+#ifndef QVX_OS_STDIO_FILE_H
+#define QVX_OS_STDIO_FILE_H
 
 #include <cstdio>
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_XML_LOG_CONTENT_H
-#define QVX_XML_LOG_CONTENT_H
+#ifndef QVX_CLI_LOG_CONTENT_H
+#define QVX_CLI_LOG_CONTENT_H
 
 #include "qvxcs/types.h"
 

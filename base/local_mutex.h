@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_OS_LOCAL_MUTEX_H
-#define QVX_OS_LOCAL_MUTEX_H
+#ifndef QVX_BASE_LOCAL_MUTEX_H
+#define QVX_BASE_LOCAL_MUTEX_H
 
 #include <pthread.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "config/stdio_file.h"
+#include "os/stdio_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

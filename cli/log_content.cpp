@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "xml/log_content.h"
+#include "cli/log_content.h"
 
 #include <limits.h>
 #include <string.h>
@@ -11,9 +11,9 @@
 #include <memory>
 #include <utility>
 
+#include "base/heap.h"
 #include "cli/param_node.h"
-#include "config/stdio_file.h"
-#include "frame/heap.h"
+#include "os/stdio_file.h"
 #include "xml/xml_buffer.h"
 
 namespace qvx {

@@ -13,7 +13,7 @@
 
 #include "qvxcs/status.h"
 
-#include "config/file_util.h"
+#include "os/file_util.h"
 #include "support/files.h"
 
 namespace {

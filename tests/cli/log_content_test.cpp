@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "xml/log_content.h"
+#include "cli/log_content.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -10,7 +10,7 @@
 
 #include "qvxcs/xml_log.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "frame/module.h"
 #include "support/alloc_fault.h"
 #include "xml/log_files.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "config/file_util.h"
+#include "os/file_util.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

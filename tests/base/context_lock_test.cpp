@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "frame/context_lock.h"
+#include "base/context_lock.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

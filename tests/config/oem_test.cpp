@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "paths/oem.h"
+#include "config/oem.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +9,9 @@
 #include "qvxcs/memory.h"
 #include "qvxcs/paths.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
+#include "base/layout.h"
 #include "frame/module.h"
-#include "paths/layout.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/processes.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_PATHS_OEM_H
-#define QVX_PATHS_OEM_H
+#ifndef QVX_CONFIG_OEM_H
+#define QVX_CONFIG_OEM_H
 
 #include "qvxcs/types.h"
 

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "os/local_mutex.h"
+#include "base/local_mutex.h"
 
 #include <cstdlib>
 
-#include "os/poll_wait.h"
+#include "base/poll_wait.h"
 
 namespace qvx {
 

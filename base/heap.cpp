@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "frame/heap.h"
+#include "base/heap.h"
 
 namespace qvx {
 

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "frame/context_lock.h"
+#include "base/context_lock.h"
 
 #include <array>
 #include <atomic>
 #include <cstdlib>
 #include <new>
 
-#include "os/local_mutex.h"
+#include "base/local_mutex.h"
 
 // A handle is a slot's number plus 1, so that it stays 32 bits wide where a pointer is wider.
 // Slots lie in chunks that are never moved or freed: a handle is found without a lock while other

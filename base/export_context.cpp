@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "frame/export_context.h"
+#include "base/export_context.h"
 
 namespace qvx {
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "xml/os_log.h"
+#include "os/os_log.h"
 
 #include <syslog.h>
 
@@ -9,7 +9,7 @@
 
 #include "qvxcs/status.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 #include "text/locale_text.h"
 #include "text/uni_string.h"
 

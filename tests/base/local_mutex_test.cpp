@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "os/local_mutex.h"
+#include "base/local_mutex.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

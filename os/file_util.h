@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_CONFIG_FILE_UTIL_H
-#define QVX_CONFIG_FILE_UTIL_H
+#ifndef QVX_OS_FILE_UTIL_H
+#define QVX_OS_FILE_UTIL_H
 
 #include <sys/types.h>
 
 #include "qvxcs/types.h"
 
-#include "frame/heap.h"
+#include "base/heap.h"
 
 namespace qvx {
 

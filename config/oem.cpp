@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "paths/oem.h"
+#include "config/oem.h"
 
 #include <cstdio>
 #include <cstring>
 
 #include "qvxcs/status.h"
 
+#include "base/heap.h"
+#include "base/layout.h"
 #include "config/ini_read_values.h"
-#include "frame/heap.h"
-#include "paths/layout.h"
 
 namespace qvx {
 namespace {

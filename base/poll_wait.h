@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_OS_POLL_WAIT_H
-#define QVX_OS_POLL_WAIT_H
+#ifndef QVX_BASE_POLL_WAIT_H
+#define QVX_BASE_POLL_WAIT_H
 
 #include <unistd.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "xml/os_log.h"
+#include "os/os_log.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_XML_OS_LOG_H
-#define QVX_XML_OS_LOG_H
+#ifndef QVX_OS_OS_LOG_H
+#define QVX_OS_OS_LOG_H
 
 #include "qvxcs/types.h"
 

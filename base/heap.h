@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_FRAME_HEAP_H
-#define QVX_FRAME_HEAP_H
+#ifndef QVX_BASE_HEAP_H
+#define QVX_BASE_HEAP_H
 
 #include <cstddef>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_FRAME_EXPORT_CONTEXT_H
-#define QVX_FRAME_EXPORT_CONTEXT_H
+#ifndef QVX_BASE_EXPORT_CONTEXT_H
+#define QVX_BASE_EXPORT_CONTEXT_H
 
 #include "qvxcs/types.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_FRAME_CONTEXT_LOCK_H
-#define QVX_FRAME_CONTEXT_LOCK_H
+#ifndef QVX_BASE_CONTEXT_LOCK_H
+#define QVX_BASE_CONTEXT_LOCK_H
 
 #include "qvxcs/types.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#ifndef QVX_PATHS_LAYOUT_H
-#define QVX_PATHS_LAYOUT_H
+#ifndef QVX_BASE_LAYOUT_H
+#define QVX_BASE_LAYOUT_H
 
 // Every fixed path of the product. A doubled "/" is part of the layout.
 namespace qvx {

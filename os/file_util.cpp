@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include "config/file_util.h"
+#include "os/file_util.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -12,7 +12,7 @@
 
 #include "qvxcs/status.h"
 
-#include "config/stdio_file.h"
+#include "os/stdio_file.h"
 
 namespace qvx {
 namespace {
