@@ -3,6 +3,7 @@
 #include "os/file_lock.h"
 
 #include "os/ipc_file.h"
+#include "os/threads_turn.h"
 
 namespace qvx {
 
@@ -10,7 +11,10 @@ u32 hGFileLock = 0;
 
 namespace {
 
+constexpr u16 kPatient = 1;
 constexpr s32 kPatientAttempts = 60000;
+
+s32 SleepsOf(u16 wait) { return wait == kPatient ? kPatientAttempts : 0; }
 
 }  // namespace
 
@@ -32,11 +36,21 @@ s32 ReleaseGlobalMutex(u32 handle) { return handle == 0 ? -1 : UnlockIPCFileReco
 
 void DestroyGlobalMutex() {}
 
-u32 FileLock(u16 wait) {
-  const s32 attempts = wait == 1 ? kPatientAttempts : 0;
-  return WaitForGlobalMutex(hGFileLock, attempts) == 0 ? 1 : 0;
-}
+u32 FileLock(u16 wait) { return WaitForGlobalMutex(hGFileLock, SleepsOf(wait)) == 0 ? 1 : 0; }
 
 s32 FileUnlock() { return ReleaseGlobalMutex(hGFileLock); }
+
+FileLockGuard::FileLockGuard(u16 wait) {
+  const s32 slept = TakeThreadsTurn(SleepsOf(wait));
+  if (slept < 0) return;
+  held_ = WaitForGlobalMutex(hGFileLock, SleepsOf(wait) - slept) == 0;
+  if (!held_) GiveThreadsTurn();
+}
+
+FileLockGuard::~FileLockGuard() {
+  if (!held_) return;
+  (void)FileUnlock();
+  GiveThreadsTurn();
+}
 
 }  // namespace qvx

@@ -25,20 +25,19 @@ void DestroyGlobalMutex();
 u32 FileLock(u16 wait);
 s32 FileUnlock();
 
+// Holds the threads' turn and, within it, the file lock. The sleeps that the turn took count
+// against the lock's own, and a single attempt is one attempt of each. A guard within another of
+// the same thread takes the turn with it.
 class FileLockGuard {
  public:
-  explicit FileLockGuard(u16 wait) : held_(FileLock(wait) == 1) {}
-  ~FileLockGuard() {
-    if (held_) {
-      (void)FileUnlock();
-    }
-  }
+  explicit FileLockGuard(u16 wait);
+  ~FileLockGuard();
   FileLockGuard(const FileLockGuard&) = delete;
   FileLockGuard& operator=(const FileLockGuard&) = delete;
   explicit operator bool() const { return held_; }
 
  private:
-  bool held_;
+  bool held_ = false;
 };
 
 }  // namespace qvx

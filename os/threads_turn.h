@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_OS_THREADS_TURN_H
+#define QVX_OS_THREADS_TURN_H
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// The record lock keeps processes apart, not the threads of one. So operations under the file lock
+// take their turn among the process's threads first.
+
+// Tries until the turn is the thread's, `timeout` sleeps of 1 ms at most. The sleeps that it took,
+// or -1 when the turn stayed with another thread. A thread that has the turn takes it once more.
+s32 TakeThreadsTurn(s32 timeout);
+// The thread's last give ends its turn.
+void GiveThreadsTurn();
+
+}  // namespace qvx
+
+#endif
