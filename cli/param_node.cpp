@@ -7,6 +7,7 @@
 #include "qvxcs/grow_string.h"
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "cli/value_convert.h"
 #include "text/grow_string.h"
 #include "xml/xml_buffer.h"
@@ -15,7 +16,6 @@ namespace qvx {
 namespace {
 
 constexpr u32 kFirstCapacity = 256;
-constexpr u64 kMaxSize = 0xFFFFFFFF;
 constexpr s32 kSigned32 = 7;
 
 // A growable text that notices a failed append, which the record shows only by its length.

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "cli/value_convert.h"
 
-#include <cstring>
-
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
+#include "base/unaligned.h"
 #include "cli/value_text.h"
 #include "text/number_text.h"
 #include "text/param_vector.h"
@@ -16,46 +16,39 @@
 namespace qvx {
 namespace {
 
-constexpr u32 kNoText = 0xFFFFFFFF;
 constexpr s32 kThousandths = 99;
-
-// `out` may be unaligned: exactly the bytes of the value are stored.
-template <typename T>
-void Store(void* out, T value) {
-  memcpy(out, &value, sizeof value);
-}
 
 // Deliberate: the narrow numbers are read as 32-bit ones and cut to their width, without a check of
 // their range. Held by ValueConvert.NarrowNumbersAreCutToTheirWidth.
 template <typename T>
 u32 StoreUnsigned(const astring* text, void* out) {
   u32 status = 0;
-  Store(out, static_cast<T>(ASCIIToUnSigned32VT(text, 10, &status)));
+  StoreValue(out, static_cast<T>(ASCIIToUnSigned32VT(text, 10, &status)));
   return status;
 }
 
 template <typename T>
 u32 StoreSigned(const astring* text, void* out) {
   u32 status = 0;
-  Store(out, static_cast<T>(ASCIIToSigned32VT(text, 10, &status)));
+  StoreValue(out, static_cast<T>(ASCIIToSigned32VT(text, 10, &status)));
   return status;
 }
 
 u32 StoreBooln(const astring* text, void* out) {
   u32 status = 0;
-  Store(out, ASCIIToBoolnV(text, &status));
+  StoreValue(out, ASCIIToBoolnV(text, &status));
   return status;
 }
 
 u32 StoreUnsigned64(const astring* text, void* out) {
   u32 status = 0;
-  Store(out, ASCIIToUnSigned64VT(text, 10, &status));
+  StoreValue(out, ASCIIToUnSigned64VT(text, 10, &status));
   return status;
 }
 
 u32 StoreSigned64(const astring* text, void* out) {
   u32 status = 0;
-  Store(out, ASCIIToSigned64VT(text, 10, &status));
+  StoreValue(out, ASCIIToSigned64VT(text, 10, &status));
   return status;
 }
 
@@ -65,7 +58,7 @@ u32 StoreThousandths(const astring* text, void* out) {
   u32 status = 0;
   const s64 whole = ASCIIToSigned64VT(text, 10, &status) / 1000;
   if (whole < INT32_MIN || whole > INT32_MAX) return SM_STATUS_INVALID_PARAMETER;
-  Store(out, whole);
+  StoreValue(out, whole);
   return status;
 }
 
@@ -87,10 +80,10 @@ astring* NewDecimal(const ValueType& type, const void* value) {
 
 u32 NVSuptASCIIToXVal(const astring* text, s32 type, void* out) {
   if (out == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  if (text == nullptr) return kNoText;
+  if (text == nullptr) return kMinusOne;
   switch (type) {
     case 1:
-      Store(out, text);
+      StoreValue(out, text);
       return SM_STATUS_SUCCESS;
     case 4:
       return StoreBooln(text, out);
@@ -103,7 +96,7 @@ u32 NVSuptASCIIToXVal(const astring* text, s32 type, void* out) {
     case 11:
       return StoreSigned64(text, out);
     case 13:
-      Store(out, ASCIIToDouble(text));
+      StoreValue(out, ASCIIToDouble(text));
       return SM_STATUS_SUCCESS;
     case 20:
       return StoreUnsigned<u8>(text, out);

@@ -7,12 +7,11 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "text/transcode.h"
 
 namespace qvx {
 namespace {
-
-constexpr u64 kMaxSize = 0xFFFFFFFF;
 
 template <typename Unit>
 u64 Length(const Unit* text) {

@@ -9,12 +9,10 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 
 namespace qvx {
 namespace {
-
-constexpr u32 kNotReplaced = 0xFFFFFFFF;
-constexpr u64 kMaxSize = 0xFFFFFFFF;
 
 s32 Folded(astring character) {
   const u8 byte = static_cast<u8>(character);
@@ -107,7 +105,7 @@ u32 ASCIIReplaceSubstr(const astring* text, const astring* find, const astring* 
   const astring* tail = MatchEnd(text, find);
   if (tail == nullptr) {
     CopyOverStandingText(out, *size, text);
-    return kNotReplaced;
+    return kMinusOne;
   }
   const size_t before = static_cast<size_t>(tail - text) - findLength;
   memmove(out + before + replaceLength, tail, textLength - before - findLength + 1);

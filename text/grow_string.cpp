@@ -6,12 +6,12 @@
 #include <cstring>
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "text/transcode.h"
 
 namespace qvx {
 namespace {
 
-constexpr u32 kMaxSize = 0xFFFFFFFF;
 // Up to this capacity a record doubles; above it, it grows by a quarter.
 constexpr u32 kLastDoubledCapacity = 0xFFFFF;
 

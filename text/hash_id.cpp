@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "text/hash_id.h"
 
-#include <string.h>
-
 #include <bit>
+#include <cstring>
+
+#include "base/unaligned.h"
 
 namespace qvx {
 namespace {
@@ -23,9 +24,7 @@ u32 WordCount(u32 size) {
 }
 
 u32 ReadWord(const void* table, u32 word) {
-  u32 bits = 0;
-  memcpy(&bits, static_cast<const u8*>(table) + size_t{word} * kWordBytes, sizeof bits);
-  return bits;
+  return LoadValue<u32>(static_cast<const u8*>(table) + size_t{word} * kWordBytes);
 }
 
 u8* ByteOf(void* table, u32 id) { return static_cast<u8*>(table) + id / 8; }

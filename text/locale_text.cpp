@@ -8,12 +8,12 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "text/uni_string.h"
 
 namespace qvx {
 namespace {
 
-constexpr u32 kConversionFailed = 0xFFFFFFFF;
 constexpr u32 kEnglishUnitedStates = 1033;
 constexpr size_t kFault = static_cast<size_t>(-1);
 
@@ -33,7 +33,7 @@ HeapArray<wchar_t> Widened(const ustring* text) {
 // `count` + 1 units as a size in bytes.
 u32 StoreUnits(u32* size, size_t count) {
   const u64 bytes = u64{count} * 2 + 2;
-  if (bytes > UINT32_MAX) return kConversionFailed;
+  if (bytes > UINT32_MAX) return kMinusOne;
   *size = static_cast<u32>(bytes);
   return SM_STATUS_SUCCESS;
 }
@@ -41,7 +41,7 @@ u32 StoreUnits(u32* size, size_t count) {
 u32 MeasureUnits(u32* size, const astring* text) {
   mbstate_t state{};
   const size_t count = mbsrtowcs(nullptr, &text, 0, &state);
-  return count == kFault ? kConversionFailed : StoreUnits(size, count);
+  return count == kFault ? kMinusOne : StoreUnits(size, count);
 }
 
 }  // namespace
@@ -53,19 +53,19 @@ u32 GetLocalLanguageID() {
 }
 
 u32 UnicodeToASCII(astring* out, u32* size, const ustring* text) {
-  if (text == nullptr) return kConversionFailed;
+  if (text == nullptr) return kMinusOne;
   if (*text == 0) {
     if (out != nullptr) *out = '\0';
     if (size != nullptr) *size = 1;
     return SM_STATUS_SUCCESS;
   }
-  if (size == nullptr) return kConversionFailed;
+  if (size == nullptr) return kMinusOne;
   const auto wide = Widened(text);
-  if (!wide) return kConversionFailed;
+  if (!wide) return kMinusOne;
   const wchar_t* from = wide.get();
   mbstate_t state{};
   const size_t count = wcsrtombs(*size == 0 ? nullptr : out, &from, *size, &state);
-  if (count == kFault || count == 0 || count >= UINT32_MAX) return kConversionFailed;
+  if (count == kFault || count == 0 || count >= UINT32_MAX) return kMinusOne;
   *size = static_cast<u32>(count) + 1;
   return SM_STATUS_SUCCESS;
 }
@@ -76,22 +76,22 @@ u32 UnicodeToLocal(astring* out, u32* size, const ustring* text) {
 }
 
 u32 ASCIIToUnicode(ustring* out, u32* size, const astring* text) {
-  if (text == nullptr) return kConversionFailed;
+  if (text == nullptr) return kMinusOne;
   if (*text == '\0') {
     if (out != nullptr) *out = 0;
     if (size != nullptr) *size = 2;
     return SM_STATUS_SUCCESS;
   }
-  if (size == nullptr) return kConversionFailed;
+  if (size == nullptr) return kMinusOne;
   if (out == nullptr || *size == 0) return MeasureUnits(size, text);
   const size_t room = *size / 2;
   const size_t bytes = strlen(text);  // no character has fewer bytes than one
   const size_t limit = bytes < room ? bytes : room;
   auto wide = AllocArray<wchar_t>(u64{limit} + 1);
-  if (!wide) return kConversionFailed;
+  if (!wide) return kMinusOne;
   mbstate_t state{};
   const size_t count = mbsrtowcs(wide.get(), &text, limit, &state);
-  if (count == kFault) return kConversionFailed;
+  if (count == kFault) return kMinusOne;
   for (size_t at = 0; at < count; ++at) {
     // Deliberate: a character beyond 0xFFFF is cut to its low 16 bits.
     // Held by LocaleText.CharactersBeyondSixteenBitsAreCut.

@@ -9,6 +9,7 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "text/char_class.h"
 #include "text/scan32.h"
 
@@ -161,7 +162,7 @@ u32 ASCIIToUnSigned32VT(const astring* text, u32 base, u32* status) {
   u32 value = 0;
   // Deliberate: a base that is not known gives all bits set here, and 0 in the signed conversion.
   // Held by NumberText.AnUnknownBaseGivesAllBitsSetUnsignedAndZeroSigned.
-  return ScanInBase(text, base, status, &value) ? value : 0xFFFFFFFF;
+  return ScanInBase(text, base, status, &value) ? value : kMinusOne;
 }
 
 s32 ASCIIToSigned32VT(const astring* text, u32 base, u32* status) {

@@ -11,6 +11,7 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "text/code_point.h"
 #include "text/grow_string.h"
 #include "text/transcode.h"
@@ -18,7 +19,6 @@
 namespace qvx {
 namespace {
 
-constexpr u32 kEscapeFailed = 0xFFFFFFFF;
 constexpr u32 kEscapeRoom = 6144;
 
 // A growable string that frees itself.
@@ -133,8 +133,8 @@ u32 UnicodeToEscape(astring* out, u32* size, const ustring* text) {
   // Held by XmlEscape.ANullTextToEscapeIsABadArgument.
   if (text == nullptr) return SM_STATUS_BAD_ARGUMENT;
   EscapedText result;
-  if (SSAStrAlloc(&result.record, kEscapeRoom) == nullptr) return kEscapeFailed;
-  if (!AppendEscaped(&result.record, text)) return kEscapeFailed;
+  if (SSAStrAlloc(&result.record, kEscapeRoom) == nullptr) return kMinusOne;
+  if (!AppendEscaped(&result.record, text)) return kMinusOne;
   const u32 needed = result.record.length + 1;
   if (size != nullptr) {
     const u32 room = std::exchange(*size, needed);

@@ -9,6 +9,7 @@
 #include "qvxcs/xml_buffer.h"
 
 #include "base/heap.h"
+#include "base/unaligned.h"
 #include "text/grow_string.h"
 #include "text/xml_escape.h"
 #include "xml/xml_value.h"

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "base/unaligned.h"
 #include "text/number_text.h"
 #include "text/time_text.h"
 

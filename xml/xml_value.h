@@ -3,8 +3,6 @@
 #ifndef QVX_XML_XML_VALUE_H
 #define QVX_XML_XML_VALUE_H
 
-#include <cstring>
-
 #include "qvxcs/types.h"
 
 namespace qvx {
@@ -37,14 +35,6 @@ struct ValueType {
 constexpr u32 kValueTypeCount = 28;
 
 const ValueType& ValueTypeOf(s32 code);
-
-// The values behind a pointer may be unaligned: exactly their bytes are copied out.
-template <typename T>
-T LoadValue(const void* value) {
-  T loaded;
-  memcpy(&loaded, value, sizeof loaded);
-  return loaded;
-}
 
 // Room for the text of any number, boolean or time, its NUL included.
 constexpr u32 kValueTextRoom = 64;
