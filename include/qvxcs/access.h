@@ -86,7 +86,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Call it from one thread.
  */
-QVX_EXPORT u32 PXTOpenRolemapFile(void);
+QVX_EXPORT qvx_u32 PXTOpenRolemapFile(void);
 
 /**
  * Tells the level of the process's real user on this machine, by the role map.
@@ -105,7 +105,7 @@ QVX_EXPORT u32 PXTOpenRolemapFile(void);
  * @par Threads
  * Call it from one thread, the one that opens the role map.
  */
-QVX_EXPORT u32 PXTGetRightsUsingRolemap(void);
+QVX_EXPORT qvx_u32 PXTGetRightsUsingRolemap(void);
 
 /**
  * Checks a password by PAM and tells the rights of its user.
@@ -144,8 +144,8 @@ QVX_EXPORT u32 PXTGetRightsUsingRolemap(void);
  * @par Standards
  * Linux-PAM's application interface; RFC 2279 for the texts that it is given.
  */
-QVX_EXPORT u32 PXTAuthenticateUser(const ustring* domain, const ustring* userName,
-                                   ustring* password);
+QVX_EXPORT qvx_u32 PXTAuthenticateUser(const qvx_ustring* domain, const qvx_ustring* userName,
+                                       qvx_ustring* password);
 
 /**
  * Tells the rights of a local user without asking for a password.
@@ -165,7 +165,7 @@ QVX_EXPORT u32 PXTAuthenticateUser(const ustring* domain, const ustring* userNam
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTAuthorizeUser(const ustring* domain, const ustring* userName);
+QVX_EXPORT qvx_u32 PXTAuthorizeUser(const qvx_ustring* domain, const qvx_ustring* userName);
 
 /**
  * Would check a user against a directory service; there is none on this platform.
@@ -185,8 +185,8 @@ QVX_EXPORT u32 PXTAuthorizeUser(const ustring* domain, const ustring* userName);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT s32 PXTADAuthenticateUser(u32 a1, u32 a2, u32 a3, u32 a4, u32 a5, u32 a6, u32 a7, u8 a8,
-                                     u32 a9);
+QVX_EXPORT qvx_s32 PXTADAuthenticateUser(qvx_u32 a1, qvx_u32 a2, qvx_u32 a3, qvx_u32 a4, qvx_u32 a5,
+                                         qvx_u32 a6, qvx_u32 a7, qvx_u8 a8, qvx_u32 a9);
 
 /**
  * Would list the domains that users can belong to; there are none on this platform.
@@ -211,7 +211,7 @@ QVX_EXPORT void* PXTGetOSDomainList(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTGetProcessRights(void);
+QVX_EXPORT qvx_u32 PXTGetProcessRights(void);
 
 /**
  * Gives the name of the process's real user.
@@ -222,7 +222,7 @@ QVX_EXPORT u32 PXTGetProcessRights(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetProcessUser(void);
+QVX_EXPORT qvx_astring* PXTGetProcessUser(void);
 
 /**
  * Lowers or raises a rights value as the OEM's configuration says.
@@ -246,8 +246,8 @@ QVX_EXPORT astring* PXTGetProcessUser(void);
  * @par Threads
  * Waits for the lock that the suite's processes share. Threads of one process are not kept apart.
  */
-QVX_EXPORT u32 PXTMaskProgramRights(u32 rights, const astring* prefix, const astring* iniFile,
-                                    u32* reason);
+QVX_EXPORT qvx_u32 PXTMaskProgramRights(qvx_u32 rights, const qvx_astring* prefix,
+                                        const qvx_astring* iniFile, qvx_u32* reason);
 
 /**
  * The PAM service that logins go to, initially "qvauth".
@@ -261,7 +261,7 @@ QVX_EXPORT u32 PXTMaskProgramRights(u32 rights, const astring* prefix, const ast
  * @par Threads
  * Reads of the pointer are not locked: set it before the first login.
  */
-QVX_EXPORT extern astring* pam_servicename;
+QVX_EXPORT extern qvx_astring* pam_servicename;
 
 QVX_END_DECLS
 

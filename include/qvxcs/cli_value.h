@@ -23,11 +23,11 @@ QVX_BEGIN_DECLS
  * A command's entry: takes an argument count and that many name=value texts, returns a new XML text
  * (taken from an XML buffer) or NULL.
  */
-typedef astring* (*PXTCommandFunction)(s32 count, astring** vector);
+typedef qvx_astring* (*PXTCommandFunction)(qvx_s32 count, qvx_astring** vector);
 
 /** An entry of a command table. */
 typedef struct PXTCommand {
-  astring* name;               /**< the command's name */
+  qvx_astring* name;           /**< the command's name */
   PXTCommandFunction function; /**< its entry; an entry without one is passed over */
 } PXTCommand;
 
@@ -53,7 +53,7 @@ typedef struct PXTCommand {
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTNVSASCIIToXVal(const astring* text, s32 type, void* out);
+QVX_EXPORT qvx_u32 PXTNVSASCIIToXVal(const qvx_astring* text, qvx_s32 type, void* out);
 
 /**
  * Reads a typed value from a vector of name=value texts.
@@ -72,8 +72,8 @@ QVX_EXPORT u32 PXTNVSASCIIToXVal(const astring* text, s32 type, void* out);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTNVSNVPValToXVal(s32 count, astring** vector, const astring* name, s32 type,
-                                  void* out);
+QVX_EXPORT qvx_u32 PXTNVSNVPValToXVal(qvx_s32 count, qvx_astring** vector, const qvx_astring* name,
+                                      qvx_s32 type, void* out);
 
 /**
  * Turns a typed value into a new text.
@@ -90,7 +90,7 @@ QVX_EXPORT u32 PXTNVSNVPValToXVal(s32 count, astring** vector, const astring* na
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTNVSXValToASCII(s32 type, const void* value);
+QVX_EXPORT qvx_astring* PXTNVSXValToASCII(qvx_s32 type, const void* value);
 
 /**
  * Makes an 8-bit copy of a 16-bit text, or of a fallback.
@@ -109,7 +109,8 @@ QVX_EXPORT astring* PXTNVSXValToASCII(s32 type, const void* value);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTNVSUstrToAstrD(const ustring* text, const astring* fallback, u32* status);
+QVX_EXPORT qvx_astring* PXTNVSUstrToAstrD(const qvx_ustring* text, const qvx_astring* fallback,
+                                          qvx_u32* status);
 
 /**
  * Makes an 8-bit copy of a 16-bit text: PXTNVSUstrToAstrD without a fallback.
@@ -122,7 +123,7 @@ QVX_EXPORT astring* PXTNVSUstrToAstrD(const ustring* text, const astring* fallba
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTNVSUstrToAstr(const ustring* text, u32* status);
+QVX_EXPORT qvx_astring* PXTNVSUstrToAstr(const qvx_ustring* text, qvx_u32* status);
 
 /**
  * Makes a 16-bit copy of a UTF-8 text, or of a fallback.
@@ -142,7 +143,8 @@ QVX_EXPORT astring* PXTNVSUstrToAstr(const ustring* text, u32* status);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT ustring* PXTNVSAstrToUstrD(const astring* text, const ustring* fallback, u32* status);
+QVX_EXPORT qvx_ustring* PXTNVSAstrToUstrD(const qvx_astring* text, const qvx_ustring* fallback,
+                                          qvx_u32* status);
 
 /**
  * Makes a 16-bit copy of a UTF-8 text: PXTNVSAstrToUstrD without a fallback.
@@ -157,7 +159,7 @@ QVX_EXPORT ustring* PXTNVSAstrToUstrD(const astring* text, const ustring* fallba
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT ustring* PXTNVSAstrToUstr(const astring* text, u32* status);
+QVX_EXPORT qvx_ustring* PXTNVSAstrToUstr(const qvx_astring* text, qvx_u32* status);
 
 /**
  * Appends the element of a setting to an XML buffer.
@@ -181,8 +183,9 @@ QVX_EXPORT ustring* PXTNVSAstrToUstr(const astring* text, u32* status);
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT u32 PXTNVSBufCatSetCmdParam(void* buffer, const astring* name, const void* oldValue,
-                                       const void* newValue, const void* value, s32 type);
+QVX_EXPORT qvx_u32 PXTNVSBufCatSetCmdParam(void* buffer, const qvx_astring* name,
+                                           const void* oldValue, const void* newValue,
+                                           const void* value, qvx_s32 type);
 
 /**
  * Appends a status element to an XML buffer: `<SMStatus mssg="message">status</SMStatus>`.
@@ -195,7 +198,7 @@ QVX_EXPORT u32 PXTNVSBufCatSetCmdParam(void* buffer, const astring* name, const 
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT void PXTNVSCatSMStatusNode(void* buffer, s32 status, const astring* message);
+QVX_EXPORT void PXTNVSCatSMStatusNode(void* buffer, qvx_s32 status, const qvx_astring* message);
 
 /**
  * Assembles the help of a table of commands.
@@ -217,8 +220,9 @@ QVX_EXPORT void PXTNVSCatSMStatusNode(void* buffer, s32 status, const astring* m
  * @par Threads
  * The commands run on the calling thread, one after another.
  */
-QVX_EXPORT astring* PXTNVSCMDHelp(s32 ignoredCount, astring** ignoredVector,
-                                  const PXTCommand* table, s32 count, PXTCommandFunction self);
+QVX_EXPORT qvx_astring* PXTNVSCMDHelp(qvx_s32 ignoredCount, qvx_astring** ignoredVector,
+                                      const PXTCommand* table, qvx_s32 count,
+                                      PXTCommandFunction self);
 
 QVX_END_DECLS
 

@@ -39,7 +39,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * See the notes on locks above.
  */
-QVX_EXPORT astring* PXTGetCmdLogPathFileName(void);
+QVX_EXPORT qvx_astring* PXTGetCmdLogPathFileName(void);
 
 /**
  * Records one event.
@@ -60,8 +60,9 @@ QVX_EXPORT astring* PXTGetCmdLogPathFileName(void);
  * @par Threads
  * See the notes on locks above.
  */
-QVX_EXPORT u32 PXTAppendToCmdLog(s32 identifier, const astring* user, const astring* source,
-                                 const astring* description, u16 type);
+QVX_EXPORT qvx_u32 PXTAppendToCmdLog(qvx_s32 identifier, const qvx_astring* user,
+                                     const qvx_astring* source, const qvx_astring* description,
+                                     qvx_u16 type);
 
 /**
  * Deletes the command log and begins it anew with a `Log was cleared` entry.
@@ -77,7 +78,7 @@ QVX_EXPORT u32 PXTAppendToCmdLog(s32 identifier, const astring* user, const astr
  * @par Threads
  * See the notes on locks above.
  */
-QVX_EXPORT u32 PXTClearCmdLog(const astring* user, const astring* source);
+QVX_EXPORT qvx_u32 PXTClearCmdLog(const qvx_astring* user, const qvx_astring* source);
 
 /**
  * Tells the command log's size and makes the log when it is missing.
@@ -93,7 +94,7 @@ QVX_EXPORT u32 PXTClearCmdLog(const astring* user, const astring* source);
  * @par Threads
  * See the notes on locks above.
  */
-QVX_EXPORT u32 PXTGetCmdLogSize(u32* size);
+QVX_EXPORT qvx_u32 PXTGetCmdLogSize(qvx_u32* size);
 
 /**
  * Tells the size at which the command log moves to its backup.
@@ -107,7 +108,7 @@ QVX_EXPORT u32 PXTGetCmdLogSize(u32* size);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTGetCmdLogMaxSize(u32* size);
+QVX_EXPORT qvx_u32 PXTGetCmdLogMaxSize(qvx_u32* size);
 
 /**
  * Restores the default maximum, the only one that can be set; the properties file still wins.
@@ -121,7 +122,7 @@ QVX_EXPORT u32 PXTGetCmdLogMaxSize(u32* size);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTSetCmdLogMaxSize(s32 size);
+QVX_EXPORT qvx_u32 PXTSetCmdLogMaxSize(qvx_s32 size);
 
 QVX_END_DECLS
 

@@ -29,7 +29,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTAllocContextLock(void);
+QVX_EXPORT qvx_u32 PXTAllocContextLock(void);
 
 /**
  * Frees a lock.
@@ -40,7 +40,7 @@ QVX_EXPORT u32 PXTAllocContextLock(void);
  * @par Threads
  * Any thread may call, while none holds the lock or waits for it.
  */
-QVX_EXPORT void PXTFreeContextLock(u32 handle);
+QVX_EXPORT void PXTFreeContextLock(qvx_u32 handle);
 
 /**
  * Takes a lock, waiting without limit until it is free.
@@ -51,7 +51,7 @@ QVX_EXPORT void PXTFreeContextLock(u32 handle);
  * @par Threads
  * Any thread may call that does not hold the lock.
  */
-QVX_EXPORT void PXTLockContext(u32 handle);
+QVX_EXPORT void PXTLockContext(qvx_u32 handle);
 
 /**
  * Gives a lock back.
@@ -62,7 +62,7 @@ QVX_EXPORT void PXTLockContext(u32 handle);
  * @par Threads
  * The thread that holds the lock calls.
  */
-QVX_EXPORT void PXTUnLockContext(u32 handle);
+QVX_EXPORT void PXTUnLockContext(qvx_u32 handle);
 
 QVX_END_DECLS
 

@@ -29,7 +29,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTGetExportContext(u32* slot);
+QVX_EXPORT void PXTGetExportContext(qvx_u32* slot);
 
 /**
  * Installs a context; does nothing on this platform.
@@ -41,7 +41,7 @@ QVX_EXPORT void PXTGetExportContext(u32* slot);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTSetExportContext(u32* saveSlot, u32* context);
+QVX_EXPORT void PXTSetExportContext(qvx_u32* saveSlot, qvx_u32* context);
 
 /**
  * Puts back the context that was in force; does nothing on this platform.
@@ -52,7 +52,7 @@ QVX_EXPORT void PXTSetExportContext(u32* saveSlot, u32* context);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTResetExportContext(u32* saveSlot);
+QVX_EXPORT void PXTResetExportContext(qvx_u32* saveSlot);
 
 /**
  * Prepares the process's environment; does nothing on this platform.
@@ -85,7 +85,7 @@ QVX_EXPORT void SUPTBeforeForkForDaemon(void);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTEnableLongFileNames(void);
+QVX_EXPORT qvx_s32 PXTEnableLongFileNames(void);
 
 /**
  * Forbids long file names; does nothing on this platform, where they stay allowed.
@@ -96,7 +96,7 @@ QVX_EXPORT s32 PXTEnableLongFileNames(void);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTDisableLongFileNames(void);
+QVX_EXPORT qvx_s32 PXTDisableLongFileNames(void);
 
 QVX_END_DECLS
 

@@ -37,7 +37,7 @@ QVX_BEGIN_DECLS
  * @par Standards
  * POSIX.1-2008 chmod and unlink.
  */
-QVX_EXPORT u32 PXTDeleteFile(const astring* path);
+QVX_EXPORT qvx_u32 PXTDeleteFile(const qvx_astring* path);
 
 /**
  * Tells the size of a file.
@@ -52,7 +52,7 @@ QVX_EXPORT u32 PXTDeleteFile(const astring* path);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTGetSizeOfFile(const astring* path, u32* size);
+QVX_EXPORT qvx_u32 PXTGetSizeOfFile(const qvx_astring* path, qvx_u32* size);
 
 /**
  * Makes up the name of a temporary file that does not exist.
@@ -79,7 +79,7 @@ QVX_EXPORT u32 PXTGetSizeOfFile(const astring* path, u32* size);
  * @par Standards
  * The form of the name is that of tmpnam, ISO C.
  */
-QVX_EXPORT u32 PXTGetTmpFile(const astring* directory, astring* name, u32* size);
+QVX_EXPORT qvx_u32 PXTGetTmpFile(const qvx_astring* directory, qvx_astring* name, qvx_u32* size);
 
 /**
  * Creates a directory.
@@ -98,7 +98,7 @@ QVX_EXPORT u32 PXTGetTmpFile(const astring* directory, astring* name, u32* size)
  * @par Standards
  * POSIX.1-2008 mkdir.
  */
-QVX_EXPORT u32 PXTMkDir(const astring* path);
+QVX_EXPORT qvx_u32 PXTMkDir(const qvx_astring* path);
 
 /**
  * Removes an empty directory.
@@ -115,7 +115,7 @@ QVX_EXPORT u32 PXTMkDir(const astring* path);
  * @par Standards
  * POSIX.1-2008 rmdir.
  */
-QVX_EXPORT u32 PXTRmDir(const astring* path);
+QVX_EXPORT qvx_u32 PXTRmDir(const qvx_astring* path);
 
 QVX_END_DECLS
 

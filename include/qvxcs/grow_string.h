@@ -28,16 +28,16 @@ QVX_BEGIN_DECLS
 
 /** A growable 8-bit text. */
 typedef struct SSAStr {
-  astring* text; /**< the text, NUL-terminated; NULL once freed */
-  u32 capacity;  /**< size of the block in bytes */
-  u32 length;    /**< characters before the NUL */
+  qvx_astring* text; /**< the text, NUL-terminated; NULL once freed */
+  qvx_u32 capacity;  /**< size of the block in bytes */
+  qvx_u32 length;    /**< characters before the NUL */
 } SSAStr;
 
 /** A growable 16-bit text. */
 typedef struct SSUStr {
-  ustring* text; /**< the text, ended by a 0 unit; NULL once freed */
-  u32 capacity;  /**< size of the block in bytes, not in units */
-  u32 length;    /**< 16-bit units before the 0 unit */
+  qvx_ustring* text; /**< the text, ended by a 0 unit; NULL once freed */
+  qvx_u32 capacity;  /**< size of the block in bytes, not in units */
+  qvx_u32 length;    /**< 16-bit units before the 0 unit */
 } SSUStr;
 
 /**
@@ -52,7 +52,7 @@ typedef struct SSUStr {
  * @par Threads
  * The record belongs to the calling thread.
  */
-QVX_EXPORT astring* PXTSSAStrAlloc(SSAStr* record, u32 capacity);
+QVX_EXPORT qvx_astring* PXTSSAStrAlloc(SSAStr* record, qvx_u32 capacity);
 
 /**
  * Starts a growable 16-bit text.
@@ -67,7 +67,7 @@ QVX_EXPORT astring* PXTSSAStrAlloc(SSAStr* record, u32 capacity);
  * @par Threads
  * The record belongs to the calling thread.
  */
-QVX_EXPORT ustring* PXTSSUStrAlloc(SSUStr* record, u32 capacity);
+QVX_EXPORT qvx_ustring* PXTSSUStrAlloc(SSUStr* record, qvx_u32 capacity);
 
 /**
  * Frees the text and sets all three fields to 0.
@@ -104,7 +104,7 @@ QVX_EXPORT void PXTSSUStrFree(SSUStr* record);
  * @par Threads
  * The record belongs to the calling thread.
  */
-QVX_EXPORT astring* PXTSSAStrCatAStr(SSAStr* record, const astring* text);
+QVX_EXPORT qvx_astring* PXTSSAStrCatAStr(SSAStr* record, const qvx_astring* text);
 
 /**
  * Appends 16-bit text to 16-bit text.
@@ -119,7 +119,7 @@ QVX_EXPORT astring* PXTSSAStrCatAStr(SSAStr* record, const astring* text);
  * @par Threads
  * The record belongs to the calling thread.
  */
-QVX_EXPORT ustring* PXTSSUStrCatUStr(SSUStr* record, const ustring* text);
+QVX_EXPORT qvx_ustring* PXTSSUStrCatUStr(SSUStr* record, const qvx_ustring* text);
 
 /**
  * Appends 16-bit text to 8-bit text, as UTF-8.
@@ -138,7 +138,7 @@ QVX_EXPORT ustring* PXTSSUStrCatUStr(SSUStr* record, const ustring* text);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT astring* PXTSSAStrCatUStr(SSAStr* record, const ustring* text);
+QVX_EXPORT qvx_astring* PXTSSAStrCatUStr(SSAStr* record, const qvx_ustring* text);
 
 /**
  * Appends UTF-8 text to 16-bit text.
@@ -157,7 +157,7 @@ QVX_EXPORT astring* PXTSSAStrCatUStr(SSAStr* record, const ustring* text);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT ustring* PXTSSUStrCatAStr(SSUStr* record, const astring* text);
+QVX_EXPORT qvx_ustring* PXTSSUStrCatAStr(SSUStr* record, const qvx_astring* text);
 
 /**
  * Appends a hex dump of a byte block to a 16-bit text.
@@ -180,7 +180,7 @@ QVX_EXPORT ustring* PXTSSUStrCatAStr(SSUStr* record, const astring* text);
  * @par Threads
  * The record belongs to the calling thread.
  */
-QVX_EXPORT s32 PXTBufToUStr(SSUStr* record, const void* bytes, u32 count, u32 base);
+QVX_EXPORT qvx_s32 PXTBufToUStr(SSUStr* record, const void* bytes, qvx_u32 count, qvx_u32 base);
 
 /**
  * Joins two texts into a new one.
@@ -194,7 +194,8 @@ QVX_EXPORT s32 PXTBufToUStr(SSUStr* record, const void* bytes, u32 count, u32 ba
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTAppendDNode(const astring* first, const astring* second, astring** out);
+QVX_EXPORT void PXTAppendDNode(const qvx_astring* first, const qvx_astring* second,
+                               qvx_astring** out);
 
 /**
  * Removes every double-quote character from some texts, in place.
@@ -206,7 +207,7 @@ QVX_EXPORT void PXTAppendDNode(const astring* first, const astring* second, astr
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTRemoveDQuotesInStrArr(u32 count, astring** strings);
+QVX_EXPORT void PXTRemoveDQuotesInStrArr(qvx_u32 count, qvx_astring** strings);
 
 /**
  * Compares the beginnings of two texts without regard to the case of A to Z.
@@ -223,7 +224,7 @@ QVX_EXPORT void PXTRemoveDQuotesInStrArr(u32 count, astring** strings);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTAStrnicmp(const astring* first, const astring* second, u32 count);
+QVX_EXPORT qvx_s32 PXTAStrnicmp(const qvx_astring* first, const qvx_astring* second, qvx_u32 count);
 
 /**
  * Copies a text with one occurrence of another replaced.
@@ -251,8 +252,9 @@ QVX_EXPORT s32 PXTAStrnicmp(const astring* first, const astring* second, u32 cou
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTASCIIReplaceSubstr(const astring* text, const astring* find,
-                                     const astring* replace, u32* size, astring* out);
+QVX_EXPORT qvx_u32 PXTASCIIReplaceSubstr(const qvx_astring* text, const qvx_astring* find,
+                                         const qvx_astring* replace, qvx_u32* size,
+                                         qvx_astring* out);
 
 QVX_END_DECLS
 

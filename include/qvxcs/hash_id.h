@@ -35,7 +35,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTHashTableBytesNeeded(u32 count);
+QVX_EXPORT qvx_u32 PXTHashTableBytesNeeded(qvx_u32 count);
 
 /**
  * Marks all identifiers free.
@@ -48,7 +48,7 @@ QVX_EXPORT u32 PXTHashTableBytesNeeded(u32 count);
  * @par Threads
  * The caller keeps other threads off the table.
  */
-QVX_EXPORT u32 PXTClearHashTable(void* table, u32 size);
+QVX_EXPORT qvx_u32 PXTClearHashTable(void* table, qvx_u32 size);
 
 /**
  * Takes the lowest free identifier.
@@ -61,7 +61,7 @@ QVX_EXPORT u32 PXTClearHashTable(void* table, u32 size);
  * @par Threads
  * The caller keeps other threads off the table.
  */
-QVX_EXPORT u32 PXTAcquireHashID(void* table, u32 size);
+QVX_EXPORT qvx_u32 PXTAcquireHashID(void* table, qvx_u32 size);
 
 /**
  * Gives an identifier back.
@@ -76,7 +76,7 @@ QVX_EXPORT u32 PXTAcquireHashID(void* table, u32 size);
  * @par Threads
  * The caller keeps other threads off the table.
  */
-QVX_EXPORT s32 PXTReleaseHashID(void* table, u32 size, u32 id);
+QVX_EXPORT qvx_s32 PXTReleaseHashID(void* table, qvx_u32 size, qvx_u32 id);
 
 /**
  * Says whether an identifier is in use.
@@ -91,7 +91,7 @@ QVX_EXPORT s32 PXTReleaseHashID(void* table, u32 size, u32 id);
  * @par Threads
  * The caller keeps writing threads off the table.
  */
-QVX_EXPORT s32 PXTVerifyHashID(void* table, u32 size, u32 id);
+QVX_EXPORT qvx_s32 PXTVerifyHashID(void* table, qvx_u32 size, qvx_u32 id);
 
 /**
  * Finds the highest identifier in use.
@@ -104,7 +104,7 @@ QVX_EXPORT s32 PXTVerifyHashID(void* table, u32 size, u32 id);
  * @par Threads
  * The caller keeps writing threads off the table.
  */
-QVX_EXPORT u32 PXTGetMaxInUseID(void* table, u32 size);
+QVX_EXPORT qvx_u32 PXTGetMaxInUseID(void* table, qvx_u32 size);
 
 /**
  * Sets a cursor to the start of the table and finds the first identifier in use.
@@ -119,7 +119,7 @@ QVX_EXPORT u32 PXTGetMaxInUseID(void* table, u32 size);
  * @par Threads
  * The caller keeps writing threads off the table.
  */
-QVX_EXPORT u32 PXTFindFirstHashID(void* table, u32 size, u32* word, u32* bit);
+QVX_EXPORT qvx_u32 PXTFindFirstHashID(void* table, qvx_u32 size, qvx_u32* word, qvx_u32* bit);
 
 /**
  * Finds the next identifier in use behind a cursor.
@@ -139,7 +139,7 @@ QVX_EXPORT u32 PXTFindFirstHashID(void* table, u32 size, u32* word, u32* bit);
  * @par Threads
  * The caller keeps writing threads off the table.
  */
-QVX_EXPORT u32 PXTFindNextHashID(void* table, u32 size, u32* word, u32* bit);
+QVX_EXPORT qvx_u32 PXTFindNextHashID(void* table, qvx_u32 size, qvx_u32* word, qvx_u32* bit);
 
 QVX_END_DECLS
 

@@ -109,9 +109,10 @@ QVX_BEGIN_DECLS
  * @par Standards
  * ISO C strtod for type 9, in the current locale.
  */
-QVX_EXPORT u32 PXTReadINIPathFileValue(const astring* section, const astring* key, s32 type,
-                                       void* value, u32* size, const void* defaultValue,
-                                       u32 defaultSize, const astring* path, booln lockFlag);
+QVX_EXPORT qvx_u32 PXTReadINIPathFileValue(const qvx_astring* section, const qvx_astring* key,
+                                           qvx_s32 type, void* value, qvx_u32* size,
+                                           const void* defaultValue, qvx_u32 defaultSize,
+                                           const qvx_astring* path, qvx_booln lockFlag);
 
 /**
  * Reads a value of a file in the product's INI directory.
@@ -137,9 +138,10 @@ QVX_EXPORT u32 PXTReadINIPathFileValue(const astring* section, const astring* ke
  * @par Threads
  * Any thread may call; see above for the lock.
  */
-QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s32 type,
-                                   void* value, u32* size, const void* defaultValue,
-                                   u32 defaultSize, const astring* fileName, booln lockFlag);
+QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_astring* key,
+                                       qvx_s32 type, void* value, qvx_u32* size,
+                                       const void* defaultValue, qvx_u32 defaultSize,
+                                       const qvx_astring* fileName, qvx_booln lockFlag);
 
 /**
  * Sets or deletes a key.
@@ -191,9 +193,9 @@ QVX_EXPORT u32 PXTReadINIFileValue(const astring* section, const astring* key, s
  * @par Standards
  * ISO C printf for type 9, in the current locale.
  */
-QVX_EXPORT u32 PXTWriteINIPathFileValue(const astring* section, const astring* key, s32 type,
-                                        const void* value, s32 size, const astring* path,
-                                        booln lockFlag);
+QVX_EXPORT qvx_u32 PXTWriteINIPathFileValue(const qvx_astring* section, const qvx_astring* key,
+                                            qvx_s32 type, const void* value, qvx_s32 size,
+                                            const qvx_astring* path, qvx_booln lockFlag);
 
 /**
  * Sets or deletes a key of a file in the product's INI directory.
@@ -217,9 +219,9 @@ QVX_EXPORT u32 PXTWriteINIPathFileValue(const astring* section, const astring* k
  * @par Threads
  * One thread of a process at a time; see above.
  */
-QVX_EXPORT u32 PXTWriteINIFileValue(const astring* section, const astring* key, s32 type,
-                                    const void* value, s32 size, const astring* fileName,
-                                    booln lockFlag);
+QVX_EXPORT qvx_u32 PXTWriteINIFileValue(const qvx_astring* section, const qvx_astring* key,
+                                        qvx_s32 type, const void* value, qvx_s32 size,
+                                        const qvx_astring* fileName, qvx_booln lockFlag);
 
 QVX_END_DECLS
 

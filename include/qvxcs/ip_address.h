@@ -35,7 +35,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTGetComputerDomainName(void);
+QVX_EXPORT qvx_astring* PXTGetComputerDomainName(void);
 
 /**
  * Gives this machine's host name.
@@ -54,7 +54,7 @@ QVX_EXPORT astring* PXTGetComputerDomainName(void);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTGetIPHostName(astring* name, u32* size);
+QVX_EXPORT qvx_u32 PXTGetIPHostName(qvx_astring* name, qvx_u32* size);
 
 /**
  * Gives this machine's host name in UCS-2.
@@ -79,7 +79,7 @@ QVX_EXPORT u32 PXTGetIPHostName(astring* name, u32* size);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTUniGetIPHostName(ustring* name, u32* size);
+QVX_EXPORT qvx_u32 PXTUniGetIPHostName(qvx_ustring* name, qvx_u32* size);
 
 /**
  * Stands for the DNS suffix, which this platform does not provide.
@@ -93,7 +93,7 @@ QVX_EXPORT u32 PXTUniGetIPHostName(ustring* name, u32* size);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTGetDNSSuffixNameName(void* name, u32 size);
+QVX_EXPORT qvx_u32 PXTGetDNSSuffixNameName(void* name, qvx_u32 size);
 
 /**
  * Tests whether a text has the form of a host name.
@@ -114,7 +114,7 @@ QVX_EXPORT u32 PXTGetDNSSuffixNameName(void* name, u32 size);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTValidateHostName(const astring* name);
+QVX_EXPORT qvx_u32 PXTValidateHostName(const qvx_astring* name);
 
 /**
  * Finds the address families that this machine supports, by opening a socket of each.
@@ -128,7 +128,7 @@ QVX_EXPORT u32 PXTValidateHostName(const astring* name);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTGetSockType(void);
+QVX_EXPORT qvx_u32 PXTGetSockType(void);
 
 /**
  * Gives the loopback address to use on this machine.
@@ -139,7 +139,7 @@ QVX_EXPORT u32 PXTGetSockType(void);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT const astring* PXTGetLoopBack(void);
+QVX_EXPORT const qvx_astring* PXTGetLoopBack(void);
 
 /**
  * Tests whether a text has only the characters of an IPv4 address.
@@ -156,7 +156,7 @@ QVX_EXPORT const astring* PXTGetLoopBack(void);
  * @par Threads
  * Keeps no state; any thread may call. Needs no IP support.
  */
-QVX_EXPORT u32 PXTIsIPv4(const astring* text);
+QVX_EXPORT qvx_u32 PXTIsIPv4(const qvx_astring* text);
 
 /**
  * Tests whether a text is meant as an IPv6 address, which is whether a ":" is in it.
@@ -170,7 +170,7 @@ QVX_EXPORT u32 PXTIsIPv4(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call. Needs no IP support.
  */
-QVX_EXPORT u32 PXTIsIPv6(const astring* text);
+QVX_EXPORT qvx_u32 PXTIsIPv6(const qvx_astring* text);
 
 /**
  * Tests whether an address text begins with "fe80", in upper or lower case.
@@ -186,7 +186,7 @@ QVX_EXPORT u32 PXTIsIPv6(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call. Needs no IP support.
  */
-QVX_EXPORT u32 PXTIsLinkLocal(const astring* text);
+QVX_EXPORT qvx_u32 PXTIsLinkLocal(const qvx_astring* text);
 
 /**
  * Converts an address text to its network form.
@@ -207,7 +207,8 @@ QVX_EXPORT u32 PXTIsLinkLocal(const astring* text);
  * @par Standards
  * The text forms are those of `inet_pton` (POSIX.1-2008, RFC 4291), without zones.
  */
-QVX_EXPORT u32 PXTIPAddrASCIIToNetwork(const astring* address, void* network, u32* size);
+QVX_EXPORT qvx_u32 PXTIPAddrASCIIToNetwork(const qvx_astring* address, void* network,
+                                           qvx_u32* size);
 
 /**
  * Converts a network address to its text.
@@ -228,8 +229,8 @@ QVX_EXPORT u32 PXTIPAddrASCIIToNetwork(const astring* address, void* network, u3
  * @par Standards
  * The text form is that of `inet_ntop` (POSIX.1-2008).
  */
-QVX_EXPORT u32 PXTIPAddrNetworkToASCII(const void* network, u32 length, astring* address,
-                                       s32* size);
+QVX_EXPORT qvx_u32 PXTIPAddrNetworkToASCII(const void* network, qvx_u32 length,
+                                           qvx_astring* address, qvx_s32* size);
 
 /**
  * Tests whether two texts are spellings of one address.
@@ -248,7 +249,7 @@ QVX_EXPORT u32 PXTIPAddrNetworkToASCII(const void* network, u32 length, astring*
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTCheckIPEqual(const astring* a, const astring* b);
+QVX_EXPORT qvx_u32 PXTCheckIPEqual(const qvx_astring* a, const qvx_astring* b);
 
 /**
  * Lists the addresses of this machine's running interfaces, or counts them.
@@ -272,7 +273,7 @@ QVX_EXPORT u32 PXTCheckIPEqual(const astring* a, const astring* b);
  * @par Standards
  * The text form is that of `inet_ntop` (POSIX.1-2008), without a zone.
  */
-QVX_EXPORT u32 PXTGetIPAddrStrList(const astring* ignored, u32* count, void* list);
+QVX_EXPORT qvx_u32 PXTGetIPAddrStrList(const qvx_astring* ignored, qvx_u32* count, void* list);
 
 /**
  * Gives the addresses of this machine's running interfaces in a new block.
@@ -286,7 +287,7 @@ QVX_EXPORT u32 PXTGetIPAddrStrList(const astring* ignored, u32* count, void* lis
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTHostGetHostIPAddrList(u32* count);
+QVX_EXPORT qvx_astring* PXTHostGetHostIPAddrList(qvx_u32* count);
 
 /**
  * Computes the MD5 digest of a text, its NUL not counted.
@@ -305,7 +306,7 @@ QVX_EXPORT astring* PXTHostGetHostIPAddrList(u32* count);
  * @par Standards
  * RFC 1321.
  */
-QVX_EXPORT s32 PXTMD5Hash(const astring* text, u8* digest);
+QVX_EXPORT qvx_s32 PXTMD5Hash(const qvx_astring* text, qvx_u8* digest);
 
 QVX_END_DECLS
 

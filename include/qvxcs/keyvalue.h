@@ -29,8 +29,8 @@ QVX_BEGIN_DECLS
 
 /** One entry of a file. */
 typedef struct PXTKeyValue {
-  astring* key;   /**< the key, cleaned */
-  astring* value; /**< the value, cleaned; may be empty */
+  qvx_astring* key;   /**< the key, cleaned */
+  qvx_astring* value; /**< the value, cleaned; may be empty */
 } PXTKeyValue;
 
 /**
@@ -46,7 +46,7 @@ typedef struct PXTKeyValue {
  * @par Threads
  * Keeps no state; any thread may call, within the limits of the lock.
  */
-QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const astring* name, u32* count);
+QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const qvx_astring* name, qvx_u32* count);
 
 /**
  * Reads all entries of a file below the product's INI path.
@@ -59,7 +59,7 @@ QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const astring* name, u32* count
  * @par Threads
  * Keeps no state; any thread may call, within the limits of the lock.
  */
-QVX_EXPORT PXTKeyValue* PXTCFGInstGetKeyValueEntries(const astring* name, u32* count);
+QVX_EXPORT PXTKeyValue* PXTCFGInstGetKeyValueEntries(const qvx_astring* name, qvx_u32* count);
 
 /**
  * Finds the value of a key's occurrence.
@@ -74,8 +74,8 @@ QVX_EXPORT PXTKeyValue* PXTCFGInstGetKeyValueEntries(const astring* name, u32* c
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTCFGGetKeyValue(const PXTKeyValue* entries, u32 count, const astring* key,
-                                      u32 index);
+QVX_EXPORT qvx_astring* PXTCFGGetKeyValue(const PXTKeyValue* entries, qvx_u32 count,
+                                          const qvx_astring* key, qvx_u32 index);
 
 /**
  * Frees an array of entries with every key and value.
@@ -87,7 +87,7 @@ QVX_EXPORT astring* PXTCFGGetKeyValue(const PXTKeyValue* entries, u32 count, con
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, u32 count);
+QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, qvx_u32 count);
 
 /**
  * Replaces a key's occurrence, or appends the next one.
@@ -118,7 +118,8 @@ QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, u32 count);
  * @par Threads
  * Keeps no state; any thread may call, within the limits of the lock.
  */
-QVX_EXPORT u32 PXTCFGSetKeyValue(const astring* name, const PXTKeyValue* pair, u32 index);
+QVX_EXPORT qvx_u32 PXTCFGSetKeyValue(const qvx_astring* name, const PXTKeyValue* pair,
+                                     qvx_u32 index);
 
 /**
  * Replaces a key's occurrence in a file below the product's INI path, or appends the next one.
@@ -142,7 +143,8 @@ QVX_EXPORT u32 PXTCFGSetKeyValue(const astring* name, const PXTKeyValue* pair, u
  * @par Threads
  * Keeps no state; any thread may call, within the limits of the lock.
  */
-QVX_EXPORT u32 PXTCFGInstSetKeyValue(const astring* name, const PXTKeyValue* pair, u32 index);
+QVX_EXPORT qvx_u32 PXTCFGInstSetKeyValue(const qvx_astring* name, const PXTKeyValue* pair,
+                                         qvx_u32 index);
 
 QVX_END_DECLS
 

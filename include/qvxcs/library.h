@@ -19,8 +19,8 @@ QVX_BEGIN_DECLS
 
 /** A library, in memory of the caller and filled by `PXTLibLoad`. */
 typedef struct PXTLibrary {
-  astring* path; /**< the record's copy of the path; NULL when nothing is loaded */
-  void* handle;  /**< the loader's handle */
+  qvx_astring* path; /**< the record's copy of the path; NULL when nothing is loaded */
+  void* handle;      /**< the loader's handle */
 } PXTLibrary;
 
 /**
@@ -37,7 +37,7 @@ typedef struct PXTLibrary {
  * @par Threads
  * Any thread may call, with a record of its own.
  */
-QVX_EXPORT u32 PXTLibLoad(PXTLibrary* library, const astring* path);
+QVX_EXPORT qvx_u32 PXTLibLoad(PXTLibrary* library, const qvx_astring* path);
 
 /**
  * Looks up a symbol of a loaded library.
@@ -51,7 +51,7 @@ QVX_EXPORT u32 PXTLibLoad(PXTLibrary* library, const astring* path);
  * @par Threads
  * Any thread may call while no other loads or unloads the record.
  */
-QVX_EXPORT void* PXTLibLinkToExportFN(PXTLibrary* library, const astring* symbolName);
+QVX_EXPORT void* PXTLibLinkToExportFN(PXTLibrary* library, const qvx_astring* symbolName);
 
 /**
  * Ends the use of a symbol, which takes nothing on this platform.
@@ -64,7 +64,7 @@ QVX_EXPORT void* PXTLibLinkToExportFN(PXTLibrary* library, const astring* symbol
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTLibUnLinkFromExportFN(PXTLibrary* library, const void* symbol);
+QVX_EXPORT qvx_u32 PXTLibUnLinkFromExportFN(PXTLibrary* library, const void* symbol);
 
 /**
  * Unloads a library.
@@ -77,7 +77,7 @@ QVX_EXPORT u32 PXTLibUnLinkFromExportFN(PXTLibrary* library, const void* symbol)
  * @par Threads
  * One thread at a time to a record, and no other while it uses the library's symbols.
  */
-QVX_EXPORT u32 PXTLibUnLoad(PXTLibrary* library);
+QVX_EXPORT qvx_u32 PXTLibUnLoad(PXTLibrary* library);
 
 QVX_END_DECLS
 

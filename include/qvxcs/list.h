@@ -32,10 +32,10 @@ typedef struct PXTDLListEntry {
 
 /** The header of a doubly linked list. */
 typedef struct PXTDLList {
-  u32 lock;             /**< a context lock, taken around every operation */
+  qvx_u32 lock;         /**< a context lock, taken around every operation */
   PXTDLListEntry* head; /**< NULL when the list is empty */
   PXTDLListEntry* tail; /**< NULL when the list is empty */
-  u32 count;            /**< the number of entries */
+  qvx_u32 count;        /**< the number of entries */
 } PXTDLList;
 
 /** An entry of a singly linked list; the payload follows. */
@@ -46,20 +46,20 @@ typedef struct PXTSLListEntry {
 
 /** The header of a singly linked list. */
 typedef struct PXTSLList {
-  u32 lock;             /**< a context lock, taken around every operation */
+  qvx_u32 lock;         /**< a context lock, taken around every operation */
   PXTSLListEntry* head; /**< NULL when the list is empty */
   PXTSLListEntry* tail; /**< NULL when the list is empty */
-  u32 count;            /**< the number of entries */
+  qvx_u32 count;        /**< the number of entries */
 } PXTSLList;
 
 /**
  * Compares a new entry with one in the list: negative when the new one belongs before it, 0 when
  * both have the same key, positive when it belongs behind.
  */
-typedef s32 (*PXTDLListCompare)(PXTDLListEntry* newEntry, PXTDLListEntry* listEntry);
+typedef qvx_s32 (*PXTDLListCompare)(PXTDLListEntry* newEntry, PXTDLListEntry* listEntry);
 
 /** The same for singly linked lists. */
-typedef s32 (*PXTSLListCompare)(PXTSLListEntry* newEntry, PXTSLListEntry* listEntry);
+typedef qvx_s32 (*PXTSLListCompare)(PXTSLListEntry* newEntry, PXTSLListEntry* listEntry);
 
 /**
  * Makes an empty doubly linked list with a new lock.
@@ -97,7 +97,7 @@ QVX_EXPORT void PXTDLListFree(PXTDLList* list);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT PXTDLListEntry* PXTDLListEntryAlloc(u32 size);
+QVX_EXPORT PXTDLListEntry* PXTDLListEntryAlloc(qvx_u32 size);
 
 /**
  * Frees an entry and its payload.
@@ -189,8 +189,8 @@ QVX_EXPORT void PXTDLListDeleteEntry(PXTDLList* list, PXTDLListEntry* entry);
  * @par Threads
  * Holds the list's lock, under which `compare` runs.
  */
-QVX_EXPORT u32 PXTDLListInsertKeyed(PXTDLList* list, PXTDLListEntry* entry,
-                                    PXTDLListCompare compare);
+QVX_EXPORT qvx_u32 PXTDLListInsertKeyed(PXTDLList* list, PXTDLListEntry* entry,
+                                        PXTDLListCompare compare);
 
 /**
  * Puts an entry before the first one that is equal or greater.
@@ -206,8 +206,8 @@ QVX_EXPORT u32 PXTDLListInsertKeyed(PXTDLList* list, PXTDLListEntry* entry,
  * @par Threads
  * Holds the list's lock, under which `compare` runs.
  */
-QVX_EXPORT u32 PXTDLListInsertOrdered(PXTDLList* list, PXTDLListEntry* entry,
-                                      PXTDLListCompare compare);
+QVX_EXPORT qvx_u32 PXTDLListInsertOrdered(PXTDLList* list, PXTDLListEntry* entry,
+                                          PXTDLListCompare compare);
 
 /**
  * Makes an empty singly linked list with a new lock.
@@ -245,7 +245,7 @@ QVX_EXPORT void PXTSLListFree(PXTSLList* list);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT PXTSLListEntry* PXTSLListEntryAlloc(u32 size);
+QVX_EXPORT PXTSLListEntry* PXTSLListEntryAlloc(qvx_u32 size);
 
 /**
  * Frees an entry and its payload.
@@ -341,8 +341,8 @@ QVX_EXPORT void PXTSLListDeleteEntry(PXTSLList* list, PXTSLListEntry* entry);
  * @par Threads
  * Holds the list's lock, under which `compare` runs.
  */
-QVX_EXPORT u32 PXTSLListInsertKeyed(PXTSLList* list, PXTSLListEntry* entry,
-                                    PXTSLListCompare compare);
+QVX_EXPORT qvx_u32 PXTSLListInsertKeyed(PXTSLList* list, PXTSLListEntry* entry,
+                                        PXTSLListCompare compare);
 
 /**
  * Puts an entry before the first one that is equal or greater.
@@ -358,8 +358,8 @@ QVX_EXPORT u32 PXTSLListInsertKeyed(PXTSLList* list, PXTSLListEntry* entry,
  * @par Threads
  * Holds the list's lock, under which `compare` runs.
  */
-QVX_EXPORT u32 PXTSLListInsertOrdered(PXTSLList* list, PXTSLListEntry* entry,
-                                      PXTSLListCompare compare);
+QVX_EXPORT qvx_u32 PXTSLListInsertOrdered(PXTSLList* list, PXTSLListEntry* entry,
+                                          PXTSLListCompare compare);
 
 QVX_END_DECLS
 

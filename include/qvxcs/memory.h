@@ -30,7 +30,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT void* PXTAllocMem(u32 size);
+QVX_EXPORT void* PXTAllocMem(qvx_u32 size);
 
 /**
  * Changes the size of a block, which may move.
@@ -47,7 +47,7 @@ QVX_EXPORT void* PXTAllocMem(u32 size);
  * @par Threads
  * Any thread may call; no other may use the block meanwhile.
  */
-QVX_EXPORT void* PXTReAllocMem(void* block, u32 size);
+QVX_EXPORT void* PXTReAllocMem(void* block, qvx_u32 size);
 
 /**
  * Releases a block.

@@ -41,7 +41,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsASCIIIntNum(const astring* text, u32 allowSign);
+QVX_EXPORT qvx_u32 PXTIsASCIIIntNum(const qvx_astring* text, qvx_u32 allowSign);
 
 /**
  * Tests whether a text consists of hexadecimal digits of one case, with or without "0x" in front.
@@ -58,7 +58,7 @@ QVX_EXPORT u32 PXTIsASCIIIntNum(const astring* text, u32 allowSign);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsASCIIHexNum(const astring* text, u32 lowerCase);
+QVX_EXPORT qvx_u32 PXTIsASCIIHexNum(const qvx_astring* text, qvx_u32 lowerCase);
 
 /**
  * Tests whether a text consists of the digits 0-7.
@@ -71,7 +71,7 @@ QVX_EXPORT u32 PXTIsASCIIHexNum(const astring* text, u32 lowerCase);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsASCIIOctalNum(const astring* text);
+QVX_EXPORT qvx_u32 PXTIsASCIIOctalNum(const qvx_astring* text);
 
 /**
  * Tests whether a text consists of the letters a-z and A-Z.
@@ -84,7 +84,7 @@ QVX_EXPORT u32 PXTIsASCIIOctalNum(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsASCIIAlpha(const astring* text);
+QVX_EXPORT qvx_u32 PXTIsASCIIAlpha(const qvx_astring* text);
 
 /**
  * Tests whether a text consists of the letters a-z and A-Z and the digits 0-9.
@@ -97,7 +97,7 @@ QVX_EXPORT u32 PXTIsASCIIAlpha(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsASCIIAlphaNumeric(const astring* text);
+QVX_EXPORT qvx_u32 PXTIsASCIIAlphaNumeric(const qvx_astring* text);
 
 /**
  * Tests whether a text consists of letters, digits and the characters of a given set.
@@ -111,7 +111,7 @@ QVX_EXPORT u32 PXTIsASCIIAlphaNumeric(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsASCIIAlphaNumericPlus(const astring* text, const astring* extra);
+QVX_EXPORT qvx_u32 PXTIsASCIIAlphaNumericPlus(const qvx_astring* text, const qvx_astring* extra);
 
 /**
  * Converts decimal text to a signed 32-bit number.
@@ -123,7 +123,7 @@ QVX_EXPORT u32 PXTIsASCIIAlphaNumericPlus(const astring* text, const astring* ex
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTASCIIToSigned32(const astring* text);
+QVX_EXPORT qvx_s32 PXTASCIIToSigned32(const qvx_astring* text);
 
 /**
  * Converts decimal text to an unsigned 32-bit number. A negative text wraps: -1 is 4294967295.
@@ -135,7 +135,7 @@ QVX_EXPORT s32 PXTASCIIToSigned32(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTASCIIToUnSigned32(const astring* text);
+QVX_EXPORT qvx_u32 PXTASCIIToUnSigned32(const qvx_astring* text);
 
 /**
  * Converts decimal text to a signed 64-bit number.
@@ -147,7 +147,7 @@ QVX_EXPORT u32 PXTASCIIToUnSigned32(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s64 PXTASCIIToSigned64(const astring* text);
+QVX_EXPORT qvx_s64 PXTASCIIToSigned64(const qvx_astring* text);
 
 /**
  * Converts decimal text to an unsigned 64-bit number.
@@ -161,7 +161,7 @@ QVX_EXPORT s64 PXTASCIIToSigned64(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u64 PXTASCIIToUnSigned64(const astring* text);
+QVX_EXPORT qvx_u64 PXTASCIIToUnSigned64(const qvx_astring* text);
 
 /**
  * Converts text to a double, as `strtod` does.
@@ -175,7 +175,7 @@ QVX_EXPORT u64 PXTASCIIToUnSigned64(const astring* text);
  * @par Standards
  * ISO C `strtod`.
  */
-QVX_EXPORT d64 PXTASCIIToDouble(const astring* text);
+QVX_EXPORT qvx_d64 PXTASCIIToDouble(const qvx_astring* text);
 
 /**
  * Converts text to a boolean.
@@ -187,7 +187,7 @@ QVX_EXPORT d64 PXTASCIIToDouble(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT booln PXTASCIIToBooln(const astring* text);
+QVX_EXPORT qvx_booln PXTASCIIToBooln(const qvx_astring* text);
 
 /**
  * Converts text to a boolean and says whether it was one.
@@ -201,7 +201,7 @@ QVX_EXPORT booln PXTASCIIToBooln(const astring* text);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT booln PXTASCIIToBoolnV(const astring* text, u32* status);
+QVX_EXPORT qvx_booln PXTASCIIToBoolnV(const qvx_astring* text, qvx_u32* status);
 
 /**
  * Converts text in a given base to an unsigned 32-bit number.
@@ -222,7 +222,7 @@ QVX_EXPORT booln PXTASCIIToBoolnV(const astring* text, u32* status);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTASCIIToUnSigned32VT(const astring* text, u32 base, u32* status);
+QVX_EXPORT qvx_u32 PXTASCIIToUnSigned32VT(const qvx_astring* text, qvx_u32 base, qvx_u32* status);
 
 /**
  * Converts text in a given base to a signed 32-bit number.
@@ -238,7 +238,7 @@ QVX_EXPORT u32 PXTASCIIToUnSigned32VT(const astring* text, u32 base, u32* status
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTASCIIToSigned32VT(const astring* text, u32 base, u32* status);
+QVX_EXPORT qvx_s32 PXTASCIIToSigned32VT(const qvx_astring* text, qvx_u32 base, qvx_u32* status);
 
 /**
  * Converts decimal text to an unsigned 64-bit number; texts of bases 16 and 8 are only checked.
@@ -254,7 +254,7 @@ QVX_EXPORT s32 PXTASCIIToSigned32VT(const astring* text, u32 base, u32* status);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u64 PXTASCIIToUnSigned64VT(const astring* text, u32 base, u32* status);
+QVX_EXPORT qvx_u64 PXTASCIIToUnSigned64VT(const qvx_astring* text, qvx_u32 base, qvx_u32* status);
 
 /**
  * Converts decimal text to a signed 64-bit number; texts of bases 16 and 8 are only checked.
@@ -268,7 +268,7 @@ QVX_EXPORT u64 PXTASCIIToUnSigned64VT(const astring* text, u32 base, u32* status
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s64 PXTASCIIToSigned64VT(const astring* text, u32 base, u32* status);
+QVX_EXPORT qvx_s64 PXTASCIIToSigned64VT(const qvx_astring* text, qvx_u32 base, qvx_u32* status);
 
 /**
  * Writes a signed 32-bit number in decimal.
@@ -281,7 +281,7 @@ QVX_EXPORT s64 PXTASCIIToSigned64VT(const astring* text, u32 base, u32* status);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTSigned32ToASCII(astring* out, s32 value);
+QVX_EXPORT qvx_s32 PXTSigned32ToASCII(qvx_astring* out, qvx_s32 value);
 
 /**
  * Writes an unsigned 32-bit number in decimal.
@@ -294,7 +294,7 @@ QVX_EXPORT s32 PXTSigned32ToASCII(astring* out, s32 value);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTUnSigned32ToASCII(astring* out, u32 value);
+QVX_EXPORT qvx_s32 PXTUnSigned32ToASCII(qvx_astring* out, qvx_u32 value);
 
 /**
  * Writes an unsigned 64-bit number in decimal.
@@ -306,7 +306,7 @@ QVX_EXPORT s32 PXTUnSigned32ToASCII(astring* out, u32 value);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTUnSigned64ToASCII(astring* out, u64 value);
+QVX_EXPORT void PXTUnSigned64ToASCII(qvx_astring* out, qvx_u64 value);
 
 /**
  * Writes a signed 64-bit number in decimal.
@@ -318,7 +318,7 @@ QVX_EXPORT void PXTUnSigned64ToASCII(astring* out, u64 value);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTSigned64ToASCII(astring* out, s64 value);
+QVX_EXPORT void PXTSigned64ToASCII(qvx_astring* out, qvx_s64 value);
 
 /**
  * Writes a double with eight decimals over a text that tells the room.
@@ -336,7 +336,7 @@ QVX_EXPORT void PXTSigned64ToASCII(astring* out, s64 value);
  * @par Standards
  * ISO C `printf`, "%.8f".
  */
-QVX_EXPORT void PXTDoubleToASCII(astring* out, d64 value);
+QVX_EXPORT void PXTDoubleToASCII(qvx_astring* out, qvx_d64 value);
 
 /**
  * Writes a boolean as "true" or "false".
@@ -348,7 +348,7 @@ QVX_EXPORT void PXTDoubleToASCII(astring* out, d64 value);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTBoolnToASCII(astring* out, booln value);
+QVX_EXPORT void PXTBoolnToASCII(qvx_astring* out, qvx_booln value);
 
 /**
  * Converts 16-bit decimal text to a signed 32-bit number.
@@ -364,7 +364,7 @@ QVX_EXPORT void PXTBoolnToASCII(astring* out, booln value);
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  */
-QVX_EXPORT s32 PXTUniToSigned32(const ustring* text);
+QVX_EXPORT qvx_s32 PXTUniToSigned32(const qvx_ustring* text);
 
 /**
  * Converts 16-bit decimal text to an unsigned 32-bit number. A negative text wraps.
@@ -376,7 +376,7 @@ QVX_EXPORT s32 PXTUniToSigned32(const ustring* text);
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  */
-QVX_EXPORT u32 PXTUniToUnSigned32(const ustring* text);
+QVX_EXPORT qvx_u32 PXTUniToUnSigned32(const qvx_ustring* text);
 
 /**
  * Converts 16-bit decimal text to a signed 64-bit number, as `PXTASCIIToSigned64` does.
@@ -388,7 +388,7 @@ QVX_EXPORT u32 PXTUniToUnSigned32(const ustring* text);
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  */
-QVX_EXPORT s64 PXTUniToSigned64(const ustring* text);
+QVX_EXPORT qvx_s64 PXTUniToSigned64(const qvx_ustring* text);
 
 /**
  * Converts 16-bit decimal text to an unsigned 64-bit number, as `PXTASCIIToUnSigned64` does.
@@ -400,7 +400,7 @@ QVX_EXPORT s64 PXTUniToSigned64(const ustring* text);
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  */
-QVX_EXPORT u64 PXTUniToUnSigned64(const ustring* text);
+QVX_EXPORT qvx_u64 PXTUniToUnSigned64(const qvx_ustring* text);
 
 /**
  * Converts 16-bit text to a double, as `PXTASCIIToDouble` does.
@@ -412,7 +412,7 @@ QVX_EXPORT u64 PXTUniToUnSigned64(const ustring* text);
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  */
-QVX_EXPORT d64 PXTUniToDouble(const ustring* text);
+QVX_EXPORT qvx_d64 PXTUniToDouble(const qvx_ustring* text);
 
 /**
  * Writes a double as 16-bit text with a given number of decimals.
@@ -434,7 +434,8 @@ QVX_EXPORT d64 PXTUniToDouble(const ustring* text);
  * @par Standards
  * ISO C `printf`, "%f".
  */
-QVX_EXPORT s32 PXTUniDoubleToStr(ustring* out, u32* size, d64 value, s32 precision);
+QVX_EXPORT qvx_s32 PXTUniDoubleToStr(qvx_ustring* out, qvx_u32* size, qvx_d64 value,
+                                     qvx_s32 precision);
 
 /**
  * Writes the first three characters of an unsigned 32-bit number's text as 16-bit text.
@@ -455,7 +456,8 @@ QVX_EXPORT s32 PXTUniDoubleToStr(ustring* out, u32* size, d64 value, s32 precisi
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  */
-QVX_EXPORT s32 PXTUniUnSigned32ToStr(ustring* out, u32* size, u32 value, s32 base);
+QVX_EXPORT qvx_s32 PXTUniUnSigned32ToStr(qvx_ustring* out, qvx_u32* size, qvx_u32 value,
+                                         qvx_s32 base);
 
 /**
  * Writes the first three characters of a signed 32-bit number's text as 16-bit text.
@@ -473,7 +475,8 @@ QVX_EXPORT s32 PXTUniUnSigned32ToStr(ustring* out, u32* size, u32 value, s32 bas
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  */
-QVX_EXPORT s32 PXTUniSigned32ToStr(ustring* out, u32* size, s32 value, s32 base);
+QVX_EXPORT qvx_s32 PXTUniSigned32ToStr(qvx_ustring* out, qvx_u32* size, qvx_s32 value,
+                                       qvx_s32 base);
 
 /**
  * Writes a time in local time: weekday, month, day, time and year, without a newline.
@@ -493,7 +496,7 @@ QVX_EXPORT s32 PXTUniSigned32ToStr(ustring* out, u32* size, s32 value, s32 base)
  * @par Standards
  * ISO C `asctime`, less its newline.
  */
-QVX_EXPORT s32 PXTTimeToAStr(astring* out, time_t time);
+QVX_EXPORT qvx_s32 PXTTimeToAStr(qvx_astring* out, time_t time);
 
 /**
  * Writes a time as 16-bit text, in the form of `PXTTimeToAStr`.
@@ -511,7 +514,7 @@ QVX_EXPORT s32 PXTTimeToAStr(astring* out, time_t time);
  * @par Threads
  * Any thread may call while none changes the environment.
  */
-QVX_EXPORT s32 PXTUniTimeToStr(ustring* out, u32* size, time_t time);
+QVX_EXPORT qvx_s32 PXTUniTimeToStr(qvx_ustring* out, qvx_u32* size, time_t time);
 
 /**
  * Adds 3600 seconds to a time for which daylight saving time is in effect locally.

@@ -40,8 +40,8 @@ QVX_BEGIN_DECLS
  * @par Standards
  * `openlog`, `syslog` and `closelog` of POSIX.1-2008.
  */
-QVX_EXPORT u32 PXTAppendToOSLog(u16 eventType, u32 eventNumber, const ustring* source,
-                                const ustring* text);
+QVX_EXPORT qvx_u32 PXTAppendToOSLog(qvx_u16 eventType, qvx_u32 eventNumber,
+                                    const qvx_ustring* source, const qvx_ustring* text);
 
 /**
  * Stands for clearing the system's log, which this platform does not do.
@@ -52,7 +52,7 @@ QVX_EXPORT u32 PXTAppendToOSLog(u16 eventType, u32 eventNumber, const ustring* s
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTClearOSLog(void);
+QVX_EXPORT qvx_u32 PXTClearOSLog(void);
 
 QVX_END_DECLS
 

@@ -34,7 +34,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Keeps no state; the entry is changed.
  */
-QVX_EXPORT astring* PXTGetAStrParamName(astring* entry);
+QVX_EXPORT qvx_astring* PXTGetAStrParamName(qvx_astring* entry);
 
 /**
  * Cuts a 16-bit entry behind its name, as `PXTGetAStrParamName` does.
@@ -46,7 +46,7 @@ QVX_EXPORT astring* PXTGetAStrParamName(astring* entry);
  * @par Threads
  * Keeps no state; the entry is changed.
  */
-QVX_EXPORT ustring* PXTGetUStrParamName(ustring* entry);
+QVX_EXPORT qvx_ustring* PXTGetUStrParamName(qvx_ustring* entry);
 
 /**
  * Finds an entry's value.
@@ -58,7 +58,7 @@ QVX_EXPORT ustring* PXTGetUStrParamName(ustring* entry);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTGetAStrParamValue(astring* entry);
+QVX_EXPORT qvx_astring* PXTGetAStrParamValue(qvx_astring* entry);
 
 /**
  * Finds a 16-bit entry's value.
@@ -70,7 +70,7 @@ QVX_EXPORT astring* PXTGetAStrParamValue(astring* entry);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT ustring* PXTGetUStrParamValue(ustring* entry);
+QVX_EXPORT qvx_ustring* PXTGetUStrParamValue(qvx_ustring* entry);
 
 /**
  * Says whether an entry is well formed.
@@ -83,7 +83,7 @@ QVX_EXPORT ustring* PXTGetUStrParamValue(ustring* entry);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsValidParam(const astring* entry);
+QVX_EXPORT qvx_u32 PXTIsValidParam(const qvx_astring* entry);
 
 /**
  * Says whether a 16-bit entry is well formed.
@@ -96,7 +96,7 @@ QVX_EXPORT u32 PXTIsValidParam(const astring* entry);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTIsValidUParam(const ustring* entry);
+QVX_EXPORT qvx_u32 PXTIsValidUParam(const qvx_ustring* entry);
 
 /**
  * Finds the first entry of a name.
@@ -114,8 +114,8 @@ QVX_EXPORT u32 PXTIsValidUParam(const ustring* entry);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTGetParamIndexByAStrName(s32 count, astring** entries, const astring* name,
-                                          booln ignoreCase);
+QVX_EXPORT qvx_s32 PXTGetParamIndexByAStrName(qvx_s32 count, qvx_astring** entries,
+                                              const qvx_astring* name, qvx_booln ignoreCase);
 
 /**
  * Compares a name with 16-bit entries; finds none.
@@ -133,8 +133,8 @@ QVX_EXPORT s32 PXTGetParamIndexByAStrName(s32 count, astring** entries, const as
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTGetParamIndexByUStrName(s32 count, ustring** entries, const ustring* name,
-                                          booln ignoreCase);
+QVX_EXPORT qvx_s32 PXTGetParamIndexByUStrName(qvx_s32 count, qvx_ustring** entries,
+                                              const qvx_ustring* name, qvx_booln ignoreCase);
 
 /**
  * Finds the value of the first entry of a name.
@@ -149,8 +149,9 @@ QVX_EXPORT s32 PXTGetParamIndexByUStrName(s32 count, ustring** entries, const us
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTGetAStrParamValueByAStrName(s32 count, astring** entries,
-                                                   const astring* name, booln ignoreCase);
+QVX_EXPORT qvx_astring* PXTGetAStrParamValueByAStrName(qvx_s32 count, qvx_astring** entries,
+                                                       const qvx_astring* name,
+                                                       qvx_booln ignoreCase);
 
 /**
  * Looks for the value of a 16-bit name; finds none, as `PXTGetParamIndexByUStrName`.
@@ -165,8 +166,9 @@ QVX_EXPORT astring* PXTGetAStrParamValueByAStrName(s32 count, astring** entries,
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT ustring* PXTGetUStrParamValueByUStrName(s32 count, ustring** entries,
-                                                   const ustring* name, booln ignoreCase);
+QVX_EXPORT qvx_ustring* PXTGetUStrParamValueByUStrName(qvx_s32 count, qvx_ustring** entries,
+                                                       const qvx_ustring* name,
+                                                       qvx_booln ignoreCase);
 
 QVX_END_DECLS
 

@@ -32,7 +32,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetQVXInstallPath(void);
+QVX_EXPORT qvx_astring* PXTGetQVXInstallPath(void);
 
 /**
  * Gives the install path up to its last "/".
@@ -44,7 +44,7 @@ QVX_EXPORT astring* PXTGetQVXInstallPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetRootInstallPath(void);
+QVX_EXPORT qvx_astring* PXTGetRootInstallPath(void);
 
 /**
  * Gives the directory below which the product's configuration lies.
@@ -55,7 +55,7 @@ QVX_EXPORT astring* PXTGetRootInstallPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetProductIniPath(void);
+QVX_EXPORT qvx_astring* PXTGetProductIniPath(void);
 
 /**
  * Gives the directory of the product's variable data.
@@ -66,7 +66,7 @@ QVX_EXPORT astring* PXTGetProductIniPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetProductVarPath(void);
+QVX_EXPORT qvx_astring* PXTGetProductVarPath(void);
 
 /**
  * Gives the web server's root.
@@ -78,7 +78,7 @@ QVX_EXPORT astring* PXTGetProductVarPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetQVXWWWRootPath(void);
+QVX_EXPORT qvx_astring* PXTGetQVXWWWRootPath(void);
 
 /**
  * Gives the root of the style sheets.
@@ -90,7 +90,7 @@ QVX_EXPORT astring* PXTGetQVXWWWRootPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetQVXXSLRootPath(void);
+QVX_EXPORT qvx_astring* PXTGetQVXXSLRootPath(void);
 
 /**
  * Gives the directory of files to be downloaded.
@@ -102,7 +102,7 @@ QVX_EXPORT astring* PXTGetQVXXSLRootPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetQVXDownloadPath(void);
+QVX_EXPORT qvx_astring* PXTGetQVXDownloadPath(void);
 
 /**
  * Gives the directory of uploaded files.
@@ -114,7 +114,7 @@ QVX_EXPORT astring* PXTGetQVXDownloadPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetQVXUploadPath(void);
+QVX_EXPORT qvx_astring* PXTGetQVXUploadPath(void);
 
 /**
  * Gives the directory of the command-line tool's documentation in the system's locale.
@@ -126,7 +126,7 @@ QVX_EXPORT astring* PXTGetQVXUploadPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetQVXCLIDocsPath(void);
+QVX_EXPORT qvx_astring* PXTGetQVXCLIDocsPath(void);
 
 /**
  * Gives the directory of the web front end's documentation in the system's locale.
@@ -138,7 +138,7 @@ QVX_EXPORT astring* PXTGetQVXCLIDocsPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetQVXWEBDocsPath(void);
+QVX_EXPORT qvx_astring* PXTGetQVXWEBDocsPath(void);
 
 /**
  * Creates the directory for temporary files of the web server, and gives its path.
@@ -152,7 +152,7 @@ QVX_EXPORT astring* PXTGetQVXWEBDocsPath(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetIWSTempDirPath(void);
+QVX_EXPORT qvx_astring* PXTGetIWSTempDirPath(void);
 
 /**
  * Gives the path of a file in an OEM's INI tree.
@@ -169,8 +169,8 @@ QVX_EXPORT astring* PXTGetIWSTempDirPath(void);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTGetOEMINIPathFile(const astring* oem, const astring* file,
-                                         const astring* flag);
+QVX_EXPORT qvx_astring* PXTGetOEMINIPathFile(const qvx_astring* oem, const qvx_astring* file,
+                                             const qvx_astring* flag);
 
 /**
  * Tells whether the system is a modular (blade) chassis.
@@ -184,7 +184,7 @@ QVX_EXPORT astring* PXTGetOEMINIPathFile(const astring* oem, const astring* file
  * @par Threads
  * Any thread may call; takes the shared lock, which belongs to the process.
  */
-QVX_EXPORT u32 PXTCheckModularChassis(void);
+QVX_EXPORT qvx_u32 PXTCheckModularChassis(void);
 
 /**
  * Gives the prefix of the OEM's names in a directory service's schema.
@@ -198,7 +198,7 @@ QVX_EXPORT u32 PXTCheckModularChassis(void);
  * @par Threads
  * Any thread may call; takes the shared lock, which belongs to the process.
  */
-QVX_EXPORT astring* PXTGetOEMADSchemaPrefix(void);
+QVX_EXPORT qvx_astring* PXTGetOEMADSchemaPrefix(void);
 
 /**
  * Gives the locale name of a language identifier.
@@ -213,7 +213,7 @@ QVX_EXPORT astring* PXTGetOEMADSchemaPrefix(void);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTGetLocaleNameAStr(u32 languageId);
+QVX_EXPORT qvx_astring* PXTGetLocaleNameAStr(qvx_u32 languageId);
 
 /**
  * Gives the name of the locale that the suite presents, "en_US" whatever the environment says.
@@ -224,7 +224,7 @@ QVX_EXPORT astring* PXTGetLocaleNameAStr(u32 languageId);
  * @par Threads
  * Reads the environment; any thread may call while none changes it.
  */
-QVX_EXPORT astring* PXTGetOSLocaleName(void);
+QVX_EXPORT qvx_astring* PXTGetOSLocaleName(void);
 
 /**
  * Gives the language of the locale that the suite presents: what stands before the "_" of its name.
@@ -235,7 +235,7 @@ QVX_EXPORT astring* PXTGetOSLocaleName(void);
  * @par Threads
  * Reads the environment; any thread may call while none changes it.
  */
-QVX_EXPORT astring* PXTGetOSLanguage(void);
+QVX_EXPORT qvx_astring* PXTGetOSLanguage(void);
 
 /**
  * Gives the country of the locale that the suite presents: what stands behind the "_" of its name.
@@ -246,7 +246,7 @@ QVX_EXPORT astring* PXTGetOSLanguage(void);
  * @par Threads
  * Reads the environment; any thread may call while none changes it.
  */
-QVX_EXPORT astring* PXTGetOSCountry(void);
+QVX_EXPORT qvx_astring* PXTGetOSCountry(void);
 
 /**
  * Gives the host's name, at most 255 characters of it.
@@ -258,7 +258,7 @@ QVX_EXPORT astring* PXTGetOSCountry(void);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT astring* PXTGetHostNameAStr(void);
+QVX_EXPORT qvx_astring* PXTGetHostNameAStr(void);
 
 /**
  * Stops, starts or restarts the suite's connection service.
@@ -284,7 +284,7 @@ QVX_EXPORT astring* PXTGetHostNameAStr(void);
  * Forks and waits; a restart closes descriptors under every thread of the process. The caller's
  * handling of SIGCHLD must leave children to be waited for.
  */
-QVX_EXPORT u32 PXTWebServer(u32 action, u32 reserved, s32* exitCode);
+QVX_EXPORT qvx_u32 PXTWebServer(qvx_u32 action, qvx_u32 reserved, qvx_s32* exitCode);
 
 QVX_END_DECLS
 

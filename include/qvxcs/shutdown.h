@@ -31,7 +31,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTOSShutdown(u16 ignored, u16 mode);
+QVX_EXPORT qvx_u32 PXTOSShutdown(qvx_u16 ignored, qvx_u16 mode);
 
 /**
  * Tells the family of the operating system.
@@ -42,7 +42,7 @@ QVX_EXPORT u32 PXTOSShutdown(u16 ignored, u16 mode);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT u32 PXTOSGetType(void);
+QVX_EXPORT qvx_u32 PXTOSGetType(void);
 
 QVX_END_DECLS
 

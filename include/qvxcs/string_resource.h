@@ -46,8 +46,9 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTGetUnicodeStringFromIDPathFile(u32 stringId, u32* languageId, const astring* path,
-                                                 ustring* buffer, u32* size);
+QVX_EXPORT qvx_u32 PXTGetUnicodeStringFromIDPathFile(qvx_u32 stringId, qvx_u32* languageId,
+                                                     const qvx_astring* path, qvx_ustring* buffer,
+                                                     qvx_u32* size);
 
 QVX_END_DECLS
 

@@ -20,12 +20,12 @@
 QVX_BEGIN_DECLS
 
 /** The body of a thread; its result is dropped. */
-typedef u32 (*PXTThreadEntry)(u32 argument);
+typedef qvx_u32 (*PXTThreadEntry)(qvx_u32 argument);
 
 /** A thread, in memory of the caller and filled by `PXTThreadStart`. */
 typedef struct PXTThread {
   PXTThreadEntry entry; /**< the body */
-  u32 argument;         /**< what the body is called with */
+  qvx_u32 argument;     /**< what the body is called with */
   pthread_t thread;     /**< set when the thread has been created, zeroed when it was stopped */
 } PXTThread;
 
@@ -43,7 +43,7 @@ typedef struct PXTThread {
  * @par Threads
  * Any thread may call, with a record of its own.
  */
-QVX_EXPORT s32 PXTThreadStart(PXTThread* thread, PXTThreadEntry entry, u32 argument);
+QVX_EXPORT qvx_s32 PXTThreadStart(PXTThread* thread, PXTThreadEntry entry, qvx_u32 argument);
 
 /**
  * Waits for a thread to end.
@@ -59,7 +59,7 @@ QVX_EXPORT s32 PXTThreadStart(PXTThread* thread, PXTThreadEntry entry, u32 argum
  * @par Threads
  * One thread at a time stops a record. A thread does not stop itself.
  */
-QVX_EXPORT s32 PXTThreadStop(PXTThread* thread);
+QVX_EXPORT qvx_s32 PXTThreadStop(PXTThread* thread);
 
 QVX_END_DECLS
 

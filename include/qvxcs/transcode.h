@@ -54,7 +54,7 @@ QVX_BEGIN_DECLS
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTUCS2StrToUTF8Str(astring* out, u32* size, const ustring* text);
+QVX_EXPORT qvx_u32 PXTUCS2StrToUTF8Str(qvx_astring* out, qvx_u32* size, const qvx_ustring* text);
 
 /**
  * `PXTUCS2StrToUTF8Str` under a second name.
@@ -75,7 +75,7 @@ QVX_EXPORT u32 PXTUCS2StrToUTF8Str(astring* out, u32* size, const ustring* text)
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTUnicodeToASCII(astring* out, u32* size, const ustring* text);
+QVX_EXPORT qvx_u32 PXTUnicodeToASCII(qvx_astring* out, qvx_u32* size, const qvx_ustring* text);
 
 /**
  * `PXTUCS2StrToUTF8Str` under a third name; the current locale has no say.
@@ -96,7 +96,7 @@ QVX_EXPORT u32 PXTUnicodeToASCII(astring* out, u32* size, const ustring* text);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTUnicodeToLocal(astring* out, u32* size, const ustring* text);
+QVX_EXPORT qvx_u32 PXTUnicodeToLocal(qvx_astring* out, qvx_u32* size, const qvx_ustring* text);
 
 /**
  * Converts 32-bit code points to UTF-8.
@@ -117,7 +117,7 @@ QVX_EXPORT u32 PXTUnicodeToLocal(astring* out, u32* size, const ustring* text);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTUCS4StrToUTF8Str(astring* out, u32* size, const u32* text);
+QVX_EXPORT qvx_u32 PXTUCS4StrToUTF8Str(qvx_astring* out, qvx_u32* size, const qvx_u32* text);
 
 /**
  * Converts UTF-8 to 16-bit text.
@@ -143,7 +143,7 @@ QVX_EXPORT u32 PXTUCS4StrToUTF8Str(astring* out, u32* size, const u32* text);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTUTF8StrToUCS2Str(ustring* out, u32* size, const astring* text);
+QVX_EXPORT qvx_u32 PXTUTF8StrToUCS2Str(qvx_ustring* out, qvx_u32* size, const qvx_astring* text);
 
 /**
  * `PXTUTF8StrToUCS2Str` under a second name.
@@ -165,7 +165,7 @@ QVX_EXPORT u32 PXTUTF8StrToUCS2Str(ustring* out, u32* size, const astring* text)
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTASCIIToUnicode(ustring* out, u32* size, const astring* text);
+QVX_EXPORT qvx_u32 PXTASCIIToUnicode(qvx_ustring* out, qvx_u32* size, const qvx_astring* text);
 
 /**
  * `PXTUTF8StrToUCS2Str` under a third name; the current locale has no say.
@@ -187,7 +187,7 @@ QVX_EXPORT u32 PXTASCIIToUnicode(ustring* out, u32* size, const astring* text);
  * @par Standards
  * RFC 2279.
  */
-QVX_EXPORT u32 PXTLocalToUnicode(ustring* out, u32* size, const astring* text);
+QVX_EXPORT qvx_u32 PXTLocalToUnicode(qvx_ustring* out, qvx_u32* size, const qvx_astring* text);
 
 /**
  * Makes UTF-8 text safe for XML content and attributes.
@@ -212,7 +212,8 @@ QVX_EXPORT u32 PXTLocalToUnicode(ustring* out, u32* size, const astring* text);
  * @par Standards
  * Extensible Markup Language (XML) 1.0, section 4.6.
  */
-QVX_EXPORT u32 PXTUTF8StrToXMLUTF8Str(astring* out, u32* size, booln* escaped, const astring* text);
+QVX_EXPORT qvx_u32 PXTUTF8StrToXMLUTF8Str(qvx_astring* out, qvx_u32* size, qvx_booln* escaped,
+                                          const qvx_astring* text);
 
 /**
  * Writes 16-bit text in printable characters with backslash escapes.
@@ -238,7 +239,7 @@ QVX_EXPORT u32 PXTUTF8StrToXMLUTF8Str(astring* out, u32* size, booln* escaped, c
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTUnicodeToEscape(astring* out, u32* size, const ustring* text);
+QVX_EXPORT qvx_u32 PXTUnicodeToEscape(qvx_astring* out, qvx_u32* size, const qvx_ustring* text);
 
 /**
  * Gives a text made safe for XML, over again if asked.
@@ -256,7 +257,7 @@ QVX_EXPORT u32 PXTUnicodeToEscape(astring* out, u32* size, const ustring* text);
  * @par Standards
  * Extensible Markup Language (XML) 1.0, section 4.6.
  */
-QVX_EXPORT astring* PXTGetXMLUTF8StrFromAStr(const astring* text, u32 passes);
+QVX_EXPORT qvx_astring* PXTGetXMLUTF8StrFromAStr(const qvx_astring* text, qvx_u32 passes);
 
 /**
  * Converts 16-bit text to UTF-8 as `PXTUCS2StrToUTF8Str` does and gives it made safe for XML, as
@@ -273,7 +274,7 @@ QVX_EXPORT astring* PXTGetXMLUTF8StrFromAStr(const astring* text, u32 passes);
  * @par Standards
  * RFC 2279. Extensible Markup Language (XML) 1.0, section 4.6.
  */
-QVX_EXPORT astring* PXTGetXMLUTF8StrFromUStr(const ustring* text, u32 passes);
+QVX_EXPORT qvx_astring* PXTGetXMLUTF8StrFromUStr(const qvx_ustring* text, qvx_u32 passes);
 
 /**
  * Gives the identifier of the language that messages are in.
@@ -287,7 +288,7 @@ QVX_EXPORT astring* PXTGetXMLUTF8StrFromUStr(const ustring* text, u32 passes);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTGetLocalLanguageID(void);
+QVX_EXPORT qvx_u32 PXTGetLocalLanguageID(void);
 
 QVX_END_DECLS
 

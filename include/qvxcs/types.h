@@ -8,7 +8,11 @@
  * The types by which values cross the interface.
  *
  * Widths are fixed and the same on 64-bit and 32-bit machines; only pointers, `time_t` and
- * `pthread_t` have the machine's width. Every status and every size is a `u32`.
+ * `pthread_t` have the machine's width. Every status and every size is a `qvx_u32`.
+ *
+ * Each type also has a short name without `qvx_`, as in `u32` for `qvx_u32`. A program that has
+ * names such as `u64` of its own defines `QVXCS_NO_SHORT_TYPES` before it includes any header of
+ * this library: the short names are then left out, and everything else works the same.
  */
 
 #include <stdint.h>
@@ -28,29 +32,56 @@
 #endif
 
 /** 8-bit text up to a NUL byte: ASCII, UTF-8 or the locale's encoding, as each function says. */
-typedef char astring;
-/** One 16-bit unit; as `ustring*`, text in UCS-2 up to a 0 unit. */
-typedef uint16_t ustring;
+typedef char qvx_astring;
+/** One 16-bit unit; as `qvx_ustring*`, text in UCS-2 up to a 0 unit. */
+typedef uint16_t qvx_ustring;
 /** A 16-bit boolean: exactly 1 is true, any other value counts as false. */
-typedef uint16_t booln;
+typedef uint16_t qvx_booln;
 
 /** 8 bits, 0 to 255. */
-typedef unsigned char u8;
+typedef unsigned char qvx_u8;
 /** 8 bits with a sign. */
-typedef int8_t s8;
+typedef int8_t qvx_s8;
 /** 16 bits, 0 to 65,535. */
-typedef uint16_t u16;
+typedef uint16_t qvx_u16;
 /** 16 bits with a sign. */
-typedef int16_t s16;
+typedef int16_t qvx_s16;
 /** 32 bits, 0 to 4,294,967,295; every status and size. */
-typedef uint32_t u32;
+typedef uint32_t qvx_u32;
 /** 32 bits with a sign. */
-typedef int32_t s32;
+typedef int32_t qvx_s32;
 /** 64 bits without a sign. */
-typedef uint64_t u64;
+typedef uint64_t qvx_u64;
 /** 64 bits with a sign. */
-typedef int64_t s64;
+typedef int64_t qvx_s64;
 /** A 64-bit IEEE double. */
-typedef double d64;
+typedef double qvx_d64;
+
+#ifndef QVXCS_NO_SHORT_TYPES
+/** Short for #qvx_astring. */
+typedef qvx_astring astring;
+/** Short for #qvx_ustring. */
+typedef qvx_ustring ustring;
+/** Short for #qvx_booln. */
+typedef qvx_booln booln;
+/** Short for #qvx_u8. */
+typedef qvx_u8 u8;
+/** Short for #qvx_s8. */
+typedef qvx_s8 s8;
+/** Short for #qvx_u16. */
+typedef qvx_u16 u16;
+/** Short for #qvx_s16. */
+typedef qvx_s16 s16;
+/** Short for #qvx_u32. */
+typedef qvx_u32 u32;
+/** Short for #qvx_s32. */
+typedef qvx_s32 s32;
+/** Short for #qvx_u64. */
+typedef qvx_u64 u64;
+/** Short for #qvx_s64. */
+typedef qvx_s64 s64;
+/** Short for #qvx_d64. */
+typedef qvx_d64 d64;
+#endif
 
 #endif

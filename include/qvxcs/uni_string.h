@@ -35,7 +35,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTUniStrlen(const ustring* string);
+QVX_EXPORT qvx_u32 PXTUniStrlen(const qvx_ustring* string);
 
 /**
  * Copies a text, terminator included.
@@ -47,7 +47,7 @@ QVX_EXPORT u32 PXTUniStrlen(const ustring* string);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTUniStrcpy(ustring* destination, const ustring* source);
+QVX_EXPORT void PXTUniStrcpy(qvx_ustring* destination, const qvx_ustring* source);
 
 /**
  * Copies units until it has copied the terminator or `count` units, whichever comes first.
@@ -63,7 +63,7 @@ QVX_EXPORT void PXTUniStrcpy(ustring* destination, const ustring* source);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTUniStrncpy(ustring* destination, const ustring* source, u32 count);
+QVX_EXPORT void PXTUniStrncpy(qvx_ustring* destination, const qvx_ustring* source, qvx_u32 count);
 
 /**
  * Appends a text, terminator included.
@@ -75,7 +75,7 @@ QVX_EXPORT void PXTUniStrncpy(ustring* destination, const ustring* source, u32 c
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTUniStrcat(ustring* destination, const ustring* source);
+QVX_EXPORT void PXTUniStrcat(qvx_ustring* destination, const qvx_ustring* source);
 
 /**
  * Appends at most `count` units of a text and always terminates the result.
@@ -89,7 +89,7 @@ QVX_EXPORT void PXTUniStrcat(ustring* destination, const ustring* source);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTUniStrncat(ustring* destination, const ustring* source, u32 count);
+QVX_EXPORT void PXTUniStrncat(qvx_ustring* destination, const qvx_ustring* source, qvx_u32 count);
 
 /**
  * Tells whether two texts differ.
@@ -106,7 +106,7 @@ QVX_EXPORT void PXTUniStrncat(ustring* destination, const ustring* source, u32 c
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT s32 PXTUniStrcmp(const ustring* first, const ustring* second);
+QVX_EXPORT qvx_s32 PXTUniStrcmp(const qvx_ustring* first, const qvx_ustring* second);
 
 /**
  * Finds the first occurrence of a unit.
@@ -119,7 +119,7 @@ QVX_EXPORT s32 PXTUniStrcmp(const ustring* first, const ustring* second);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT ustring* PXTUniStrchr(const ustring* string, ustring unit);
+QVX_EXPORT qvx_ustring* PXTUniStrchr(const qvx_ustring* string, qvx_ustring unit);
 
 /**
  * Finds the first occurrence of a text within another.
@@ -132,7 +132,7 @@ QVX_EXPORT ustring* PXTUniStrchr(const ustring* string, ustring unit);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT ustring* PXTUniStrstr(const ustring* string, const ustring* pattern);
+QVX_EXPORT qvx_ustring* PXTUniStrstr(const qvx_ustring* string, const qvx_ustring* pattern);
 
 /**
  * Measures the leading run of units that occur in a set.
@@ -145,7 +145,7 @@ QVX_EXPORT ustring* PXTUniStrstr(const ustring* string, const ustring* pattern);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTUniStrspn(const ustring* string, const ustring* set);
+QVX_EXPORT qvx_u32 PXTUniStrspn(const qvx_ustring* string, const qvx_ustring* set);
 
 /**
  * Measures the leading run of units that do not occur in a set.
@@ -158,7 +158,7 @@ QVX_EXPORT u32 PXTUniStrspn(const ustring* string, const ustring* set);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTUniStrcspn(const ustring* string, const ustring* set);
+QVX_EXPORT qvx_u32 PXTUniStrcspn(const qvx_ustring* string, const qvx_ustring* set);
 
 /**
  * Splits a text into tokens, one each call.
@@ -178,7 +178,7 @@ QVX_EXPORT u32 PXTUniStrcspn(const ustring* string, const ustring* set);
  * a second split ends the first. Callers that split texts on several threads at once must not use
  * this function.
  */
-QVX_EXPORT ustring* PXTUniStrtok(ustring* string, const ustring* delimiters);
+QVX_EXPORT qvx_ustring* PXTUniStrtok(qvx_ustring* string, const qvx_ustring* delimiters);
 
 /**
  * Overwrites every unit before the terminator.
@@ -191,7 +191,7 @@ QVX_EXPORT ustring* PXTUniStrtok(ustring* string, const ustring* delimiters);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT ustring* PXTUniStrset(ustring* string, ustring unit);
+QVX_EXPORT qvx_ustring* PXTUniStrset(qvx_ustring* string, qvx_ustring unit);
 
 /**
  * Writes a unit into exactly `count` positions from the start.
@@ -207,7 +207,7 @@ QVX_EXPORT ustring* PXTUniStrset(ustring* string, ustring unit);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT void PXTUniStrnset(ustring* string, ustring unit, u32 count);
+QVX_EXPORT void PXTUniStrnset(qvx_ustring* string, qvx_ustring unit, qvx_u32 count);
 
 /**
  * Reverses a text in place. The halves of a surrogate pair change places too.
@@ -219,7 +219,7 @@ QVX_EXPORT void PXTUniStrnset(ustring* string, ustring unit, u32 count);
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT ustring* PXTUniStrrev(ustring* string);
+QVX_EXPORT qvx_ustring* PXTUniStrrev(qvx_ustring* string);
 
 QVX_END_DECLS
 

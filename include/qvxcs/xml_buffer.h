@@ -55,10 +55,10 @@ QVX_BEGIN_DECLS
 
 /** A value that describes itself, for type code 25. */
 typedef struct PXTTypedValue {
-  s32 type;    /**< type code of `value`; 25 is refused here */
-  s32 format;  /**< 5, 7, 20 to 23: radix, 0 and 10 decimal, 16 as "%#x" prints it, no other;
-                    26, 27: number of times the text is escaped, below 1 once; else ignored */
-  void* value; /**< as the type code says */
+  qvx_s32 type;   /**< type code of `value`; 25 is refused here */
+  qvx_s32 format; /**< 5, 7, 20 to 23: radix, 0 and 10 decimal, 16 as "%#x" prints it, no other;
+                   26, 27: number of times the text is escaped, below 1 once; else ignored */
+  void* value;    /**< as the type code says */
 } PXTTypedValue;
 
 /**
@@ -73,7 +73,7 @@ typedef struct PXTTypedValue {
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT void* PXTXAllocBuf(u32 initialSize, booln stylesheet);
+QVX_EXPORT void* PXTXAllocBuf(qvx_u32 initialSize, qvx_booln stylesheet);
 
 /**
  * Frees a buffer and its text.
@@ -85,7 +85,7 @@ QVX_EXPORT void* PXTXAllocBuf(u32 initialSize, booln stylesheet);
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT astring* PXTXFreeBuf(void* buffer);
+QVX_EXPORT qvx_astring* PXTXFreeBuf(void* buffer);
 
 /**
  * Frees a buffer and hands out its text.
@@ -97,7 +97,7 @@ QVX_EXPORT astring* PXTXFreeBuf(void* buffer);
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT astring* PXTXFreeBufGetContent(void* buffer);
+QVX_EXPORT qvx_astring* PXTXFreeBufGetContent(void* buffer);
 
 /**
  * Frees a text taken from a buffer.
@@ -108,7 +108,7 @@ QVX_EXPORT astring* PXTXFreeBufGetContent(void* buffer);
  * @par Threads
  * Any thread may call.
  */
-QVX_EXPORT void PXTXFreeBufContent(astring* text);
+QVX_EXPORT void PXTXFreeBufContent(qvx_astring* text);
 
 /**
  * Appends an element with a value: `<name attributes>value</name>`.
@@ -130,8 +130,8 @@ QVX_EXPORT void PXTXFreeBufContent(astring* text);
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT u32 PXTXBufCatNode(void* buffer, const astring* name, const astring* attributes,
-                              s32 type, const void* value);
+QVX_EXPORT qvx_u32 PXTXBufCatNode(void* buffer, const qvx_astring* name,
+                                  const qvx_astring* attributes, qvx_s32 type, const void* value);
 
 /**
  * Appends an opening tag: `<name attributes>`.
@@ -147,7 +147,8 @@ QVX_EXPORT u32 PXTXBufCatNode(void* buffer, const astring* name, const astring* 
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT u32 PXTXBufCatBeginNode(void* buffer, const astring* name, const astring* attributes);
+QVX_EXPORT qvx_u32 PXTXBufCatBeginNode(void* buffer, const qvx_astring* name,
+                                       const qvx_astring* attributes);
 
 /**
  * Appends a closing tag: `</name>`.
@@ -162,7 +163,7 @@ QVX_EXPORT u32 PXTXBufCatBeginNode(void* buffer, const astring* name, const astr
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT u32 PXTXBufCatEndNode(void* buffer, const astring* name);
+QVX_EXPORT qvx_u32 PXTXBufCatEndNode(void* buffer, const qvx_astring* name);
 
 /**
  * Appends an empty element: `<name attributes/>`.
@@ -178,7 +179,8 @@ QVX_EXPORT u32 PXTXBufCatEndNode(void* buffer, const astring* name);
  * @par Threads
  * The buffer belongs to the calling thread.
  */
-QVX_EXPORT u32 PXTXBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes);
+QVX_EXPORT qvx_u32 PXTXBufCatEmptyNode(void* buffer, const qvx_astring* name,
+                                       const qvx_astring* attributes);
 
 QVX_END_DECLS
 

@@ -58,8 +58,8 @@ QVX_BEGIN_DECLS
  * @par Threads
  * See the notes on locks above.
  */
-QVX_EXPORT u32 PXTForceXMLLogExists(const astring* path, const astring* user,
-                                    const astring* source);
+QVX_EXPORT qvx_u32 PXTForceXMLLogExists(const qvx_astring* path, const qvx_astring* user,
+                                        const qvx_astring* source);
 
 /**
  * Deletes a log and begins it anew with an entry of type 4, identifier 0, `Log was cleared`.
@@ -80,7 +80,8 @@ QVX_EXPORT u32 PXTForceXMLLogExists(const astring* path, const astring* user,
  * @par Threads
  * See the notes on locks above.
  */
-QVX_EXPORT u32 PXTClearXMLLog(const astring* path, const astring* user, const astring* source);
+QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* user,
+                                  const qvx_astring* source);
 
 /**
  * Appends one entry to a log; a missing log and one directory above it are created.
@@ -117,9 +118,10 @@ QVX_EXPORT u32 PXTClearXMLLog(const astring* path, const astring* user, const as
  * @par Threads
  * See the notes on locks above.
  */
-QVX_EXPORT u32 PXTAppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
-                                 const astring* source, const astring* description,
-                                 const void* data, u32 dataSize, u32 maxSize);
+QVX_EXPORT qvx_u32 PXTAppendToXMLLog(const qvx_astring* path, qvx_u16 type, qvx_u32 id,
+                                     const qvx_astring* user, const qvx_astring* source,
+                                     const qvx_astring* description, const void* data,
+                                     qvx_u32 dataSize, qvx_u32 maxSize);
 
 /**
  * Tells the name of a log's backup: its path with the last character replaced by `_`.
@@ -136,7 +138,8 @@ QVX_EXPORT u32 PXTAppendToXMLLog(const astring* path, u16 type, u32 id, const as
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT u32 PXTGetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* size);
+QVX_EXPORT qvx_u32 PXTGetBackupXMLLogPathFileName(const qvx_astring* path, qvx_astring* buffer,
+                                                  qvx_u32* size);
 
 /**
  * Reads a log into an XML answer.
@@ -155,7 +158,7 @@ QVX_EXPORT u32 PXTGetBackupXMLLogPathFileName(const astring* path, astring* buff
  * @par Threads
  * Keeps no state; any thread may call.
  */
-QVX_EXPORT astring* PXTCmdGetXMLLogContent(const astring* path);
+QVX_EXPORT qvx_astring* PXTCmdGetXMLLogContent(const qvx_astring* path);
 
 QVX_END_DECLS
 

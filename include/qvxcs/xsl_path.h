@@ -48,9 +48,9 @@ QVX_BEGIN_DECLS
  * @par Standards
  * XSL Transformations 1.0 and Extensible Stylesheet Language 1.0, for the two namespaces.
  */
-QVX_EXPORT astring* PXTGetXSLPathLocale(const astring* product, const astring* dir,
-                                        const astring* file, const astring* locale, u8 flags,
-                                        booln forwardSlashes);
+QVX_EXPORT qvx_astring* PXTGetXSLPathLocale(const qvx_astring* product, const qvx_astring* dir,
+                                            const qvx_astring* file, const qvx_astring* locale,
+                                            qvx_u8 flags, qvx_booln forwardSlashes);
 
 QVX_END_DECLS
 
