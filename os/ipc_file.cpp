@@ -6,23 +6,55 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 
 #include "base/layout.h"
 #include "base/poll_wait.h"
+#include "os/descriptor.h"
 
 namespace qvx {
 namespace {
 
 constexpr int kClosed = -1;
 
+struct FileId {
+  dev_t device;
+  ino_t inode;
+};
+
 // One descriptor in a process, opened once: closing any other descriptor of the file would drop
 // the record lock.
-int ipcFile = kClosed;
+constinit std::atomic<int> ipcFile{kClosed};
+// The file that was opened under this number.
+FileId ipcFileId = {};
+// Its size at the last check.
+s64 ipcFileSize = 0;
 
-bool IsRegular(int file) {
+Descriptor OpenLockFile() {
+  Descriptor file = OpenDescriptor(kIPCFilePath, O_RDWR | O_CREAT | O_NONBLOCK, 0664);
+  if (!file && errno == EACCES) file = OpenDescriptor(kIPCFilePath, O_RDONLY | O_NONBLOCK);
+  return file;
+}
+
+s32 OpenAnew() {
+  Descriptor file = OpenLockFile();
   struct stat status = {};
-  return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+  if (!file || fstat(file.Number(), &status) != 0 || !S_ISREG(status.st_mode)) return -1;
+  ipcFileId = {status.st_dev, status.st_ino};
+  ipcFileSize = status.st_size;
+  ipcFile = file.Release();
+  return 0;
+}
+
+// Whether the number still belongs to the file that was opened: the host may have closed it, and
+// the system may have given it to another file, which is the host's and is left alone.
+bool IsStillOurs() {
+  struct stat status = {};
+  if (ipcFile == kClosed || fstat(ipcFile, &status) != 0) return false;
+  if (status.st_dev != ipcFileId.device || status.st_ino != ipcFileId.inode) return false;
+  ipcFileSize = status.st_size;
+  return true;
 }
 
 int SetRecord(int command, short type) {
@@ -32,10 +64,18 @@ int SetRecord(int command, short type) {
   return fcntl(ipcFile, command, &whole);
 }
 
+// One request for the lock. A descriptor that was lost is opened anew; where it cannot be, the
+// request fails as one on a closed descriptor does.
+int RequestRecord(int command, short type) {
+  if (ipcFile == kClosed || IsStillOurs() || OpenAnew() == 0) return SetRecord(command, type);
+  errno = EBADF;
+  return -1;
+}
+
 // A file opened read-only refuses the exclusive lock with EBADF: the shared one is taken instead.
 s32 WaitForRecord() {
   short type = F_WRLCK;
-  while (SetRecord(F_SETLKW, type) != 0) {
+  while (RequestRecord(F_SETLKW, type) != 0) {
     if (errno == EINTR) {
       continue;
     }
@@ -49,31 +89,11 @@ s32 WaitForRecord() {
 
 }  // namespace
 
-s32 OpenIPCFile() {
-  if (ipcFile != kClosed) {
-    return 0;
-  }
-  constexpr int kFlags = O_CLOEXEC | O_NONBLOCK;
-  int file = open(kIPCFilePath, O_RDWR | O_CREAT | kFlags, 0664);
-  if (file < 0 && errno == EACCES) {
-    file = open(kIPCFilePath, O_RDONLY | kFlags);
-  }
-  if (file < 0) {
-    return -1;
-  }
-  if (!IsRegular(file)) {
-    close(file);
-    return -1;
-  }
-  ipcFile = file;
-  return 0;
-}
+s32 OpenIPCFile() { return ipcFile == kClosed ? OpenAnew() : 0; }
 
 s32 CloseIPCFile() {
-  if (ipcFile != kClosed) {
-    close(ipcFile);
-    ipcFile = kClosed;
-  }
+  if (IsStillOurs()) (void)close(ipcFile);
+  ipcFile = kClosed;
   return 0;
 }
 
@@ -85,7 +105,7 @@ s32 LockIPCFileRecord([[maybe_unused]] u32 handle, s32 timeout) {
   // the shared lock. Held by FileLockTest.ASingleAttemptWithoutWriteAccessFails.
   short type = F_WRLCK;
   return PollWait(timeout, [&type] {
-    if (SetRecord(F_SETLK, type) == 0) {
+    if (RequestRecord(F_SETLK, type) == 0) {
       return Attempt::kTaken;
     }
     if (errno != EBADF) {
@@ -100,6 +120,8 @@ s32 LockIPCFileRecord([[maybe_unused]] u32 handle, s32 timeout) {
 }
 
 s32 UnlockIPCFileRecord() {
+  // Who closed the descriptor has ended the hold with it.
+  if (ipcFile != kClosed && !IsStillOurs()) return 0;
   while (SetRecord(F_SETLKW, F_UNLCK) != 0) {
     if (errno != EINTR) {
       return -1;
@@ -109,5 +131,7 @@ s32 UnlockIPCFileRecord() {
 }
 
 s32 IPCFileDescriptor() { return ipcFile; }
+
+s64 IPCFileSize() { return ipcFileSize; }
 
 }  // namespace qvx
