@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "access/role_map_stream.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -13,8 +14,8 @@ void RoleMapStream::Open(const std::string& path) {
     failed_ = true;
     return;
   }
-  file_ = OpenFile(path.c_str(), "r");
-  failed_ = file_ == nullptr;
+  file_ = KeptDescriptor(OpenDescriptor(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY));
+  failed_ = !IsOpen();
   next_ = end_ = 0;
   position_ = 0;
 }
@@ -22,8 +23,9 @@ void RoleMapStream::Open(const std::string& path) {
 // A child that was forked with the file open shares the descriptor, so each keeps its own place.
 int RoleMapStream::NextByte() {
   if (next_ == end_) {
+    if (!file_.IsOurs()) return EOF;
     const ssize_t count =
-        TEMP_FAILURE_RETRY(pread(fileno(file_.get()), block_, sizeof block_, position_));
+        TEMP_FAILURE_RETRY(pread(file_.Number(), block_, sizeof block_, position_));
     if (count <= 0) return EOF;
     position_ += count;
     next_ = 0;

@@ -7,18 +7,19 @@
 
 #include <string>
 
-#include "os/stdio_file.h"
+#include "os/kept_descriptor.h"
 
 namespace qvx {
 
 // The role map file as lines of 7-bit text. It behaves as a wide input stream of the classic locale
-// does, but its descriptor is close-on-exec and only a regular file opens. Once it has failed, it
-// reads nothing until a file has been opened.
+// does, but only a regular file opens, its descriptor is 3 or above and close-on-exec, and a file
+// that the host has opened under the same number is never read: the role map then ends there. Once
+// the stream has failed, it reads nothing until a file has been opened.
 class RoleMapStream {
  public:
   // Fails while a file is open; that file then stays.
   void Open(const std::string& path);
-  bool IsOpen() const { return file_ != nullptr; }
+  bool IsOpen() const { return static_cast<bool>(file_); }
 
   // Reads nothing more of the file that is open.
   void Fail() { failed_ = true; }
@@ -30,7 +31,7 @@ class RoleMapStream {
  private:
   int NextByte();
 
-  FilePtr file_;
+  KeptDescriptor file_;
   bool failed_ = false;
   off_t position_ = 0;  // of what follows the block
   size_t next_ = 0;     // in the block

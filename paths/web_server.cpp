@@ -11,7 +11,7 @@
 #include "qvxcs/status.h"
 
 #include "base/layout.h"
-#include "os/ipc_file.h"
+#include "os/kept_descriptor.h"
 
 namespace qvx {
 namespace {
@@ -27,12 +27,11 @@ constexpr s32 kServiceExitTwo = 2;
 // The longest command, an unknown action's on a host with systemd, has 62 characters.
 constexpr size_t kCommandRoom = 128;
 
-// The lock file's descriptor is close-on-exec: the service does not inherit it, and to close it
-// would drop the lock and leave later calls without one.
+// The library's own descriptors are close-on-exec, so the service does not inherit them. Without
+// them later calls would lose the lock, or take the host's next file for the role map.
 void CloseInherited() {
-  const int lockFile = IPCFileDescriptor();
   for (int file = kFirstInherited; file <= kLastInherited; ++file) {
-    if (file != lockFile) (void)close(file);
+    if (!IsKeptDescriptor(file)) (void)close(file);
   }
 }
 

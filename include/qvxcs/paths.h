@@ -268,8 +268,8 @@ QVX_EXPORT qvx_astring* PXTGetHostNameAStr(void);
  * action that is not listed runs a command that does not exist, and so fails.
  *
  * A restart first closes descriptors 3 to 255 of the process, so that the service inherits none of
- * them; the library's own lock file stays open and is not inherited. Restart only from a process
- * that is prepared for that.
+ * them; the library's own files, the lock file and an open role map, stay open and are not
+ * inherited. Restart only from a process that is prepared for that.
  *
  * @param[in] action     0 stop, 1 start, 3 and 4 restart
  * @param[in] reserved   not used

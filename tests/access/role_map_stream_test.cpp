@@ -88,6 +88,20 @@ TEST(RoleMapStream, AForkedChildAndItsParentEachReadTheWholeFile) {
   count();
 }
 
+TEST(RoleMapStream, ItsDescriptorIsAboveTheStandardOnesAndCloseOnExec) {
+  test::WriteFile(kPath, "a\n");
+  EXPECT_EQ(test::InChild([] {
+              const int next = dup(STDIN_FILENO);
+              (void)close(next);
+              (void)close(STDIN_FILENO);
+              RoleMapStream stream;
+              stream.Open(kPath);
+              const bool free = fcntl(STDIN_FILENO, F_GETFD) == -1;
+              return free && fcntl(next, F_GETFD) == FD_CLOEXEC ? 0 : 1;
+            }),
+            0);
+}
+
 TEST(RoleMapStream, OnlyARegularFileOpens) {
   ASSERT_EQ(mkfifo("/tmp/fifo", 0640), 0);
   for (const char* path : {"/tmp", "/tmp/fifo", "/dev/zero"}) {

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_OS_KEPT_DESCRIPTOR_H
+#define QVX_OS_KEPT_DESCRIPTOR_H
+
+#include <sys/types.h>
+
+#include "os/descriptor.h"
+
+namespace qvx {
+
+// A regular file that stays open from one call of the library to the next. In between, the host may
+// close any number and open a file of its own under it: that file is never read or closed as ours.
+class KeptDescriptor {
+ public:
+  KeptDescriptor() = default;
+  // Empty where nothing is open, and for what is no regular file, which is closed.
+  explicit KeptDescriptor(Descriptor opened);
+  ~KeptDescriptor();
+  KeptDescriptor(KeptDescriptor&& other) noexcept = default;
+  KeptDescriptor& operator=(KeptDescriptor&& other) noexcept;
+  KeptDescriptor(const KeptDescriptor&) = delete;
+  KeptDescriptor& operator=(const KeptDescriptor&) = delete;
+
+  explicit operator bool() const { return static_cast<bool>(descriptor_); }
+  int Number() const { return descriptor_.Number(); }
+  // Whether the number still leads to the file that was opened.
+  bool IsOurs() const;
+
+ private:
+  Descriptor descriptor_;
+  dev_t device_ = 0;
+  ino_t inode_ = 0;
+};
+
+// Whether the library keeps this descriptor: what closes the process's descriptors by their numbers
+// leaves it open.
+bool IsKeptDescriptor(int number);
+
+}  // namespace qvx
+
+#endif
