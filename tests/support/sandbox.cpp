@@ -128,7 +128,7 @@ void EnterRoot([[maybe_unused]] int build) {
 }
 
 void Enter() {
-  Check(unshare(CLONE_NEWNS | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWNET), "unshare (needs root)");
+  Check(unshare(CLONE_NEWNS | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWNET), "unshare (needs root, in a container --privileged)");
   Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr),
         "/ (a chroot must be a mount: bind it over itself first)");
   // The build folder may lie in one of the folders that are about to be covered.
