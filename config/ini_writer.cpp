@@ -232,13 +232,13 @@ u32 UpdateValue(const astring* section, const astring* key, const astring* value
     return status;
   }
   in.reset();
+  if (!missing) {
+    return FinishCopy(std::move(out)) ? MoveInPlace(path, tmpPath) : SM_STATUS_WRITE_FAILED;
+  }
   if (!CloseWritten(std::move(out))) {
     return SM_STATUS_WRITE_FAILED;
   }
-  if (!missing) {
-    return ReplaceFile(path, tmpPath);
-  }
-  (void)DelFile(tmpPath);
+  (void)unlink(tmpPath);
   return AppendValue(section, key, value, path);
 }
 

@@ -98,8 +98,8 @@ u32 SetKeyValueEntry(const astring* path, const PXTKeyValue* pair, u32 index) {
   if (!out) return SM_STATUS_FILE_OPEN_ERROR;
   if (const u32 status = CopyWithPair(in.get(), out.get(), pair, index)) return status;
   in.reset();
-  if (!CloseWritten(std::move(out))) return SM_STATUS_WRITE_FAILED;
-  return ReplaceFile(path, places.temporary.get());
+  if (!FinishCopy(std::move(out))) return SM_STATUS_WRITE_FAILED;
+  return MoveInPlace(path, places.temporary.get());
 }
 
 u32 CFGSetKeyValue(const astring* name, u16 installFlag, const PXTKeyValue* pair, u32 index) {

@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "qvxcs/status.h"
 
 #include "os/stdio_file.h"
@@ -75,39 +77,15 @@ bool MakeTmpName(astring (&name)[kTmpNameRoom]) {
   return false;
 }
 
-// SM_STATUS_SUCCESS when the file's data and its mode are ready to take another's place. The mode
-// is set before the rename, too, so that the target never shows another; it may fail.
-u32 SettleSource(const astring* source) {
-  const int file = open(source, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW);
-  if (file < 0) {
-    return SM_STATUS_FILE_CREATE_FAILED;
-  }
-  struct stat status;
-  const bool regular = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
-  const bool flushed = regular && fsync(file) == 0;
-  if (flushed) {
-    (void)fchmod(file, kFileMode);
-  }
-  (void)close(file);
-  if (!regular) {
-    return SM_STATUS_FILE_CREATE_FAILED;
-  }
-  return flushed ? SM_STATUS_SUCCESS : SM_STATUS_WRITE_FAILED;
-}
-
 bool IsTargetsFault(int error) {
-  return error == EPERM || error == EACCES || error == EROFS || error == EBUSY;
+  return error == EPERM || error == EACCES || error == EROFS || error == EBUSY || error == EISDIR;
 }
 
 }  // namespace
 
 u32 DelFile(const astring* path) {
-  if (path == nullptr || !IsReplaceable(path)) {
-    return kFailed;
-  }
-  if (chmod(path, kFileMode) != 0) {
-    return kFailed;
-  }
+  if (path == nullptr || !IsReplaceable(path)) return kFailed;
+  if (chmod(path, kFileMode) != 0) return kFailed;
   return unlink(path) == 0 ? SM_STATUS_SUCCESS : kFailed;
 }
 
@@ -185,21 +163,18 @@ u32 DelDir(const astring* path) {
 }
 
 u32 ReplaceFile(const astring* target, const astring* source) {
-  if (target == nullptr || source == nullptr) {
-    return kFailed;
-  }
-  if (!IsReplaceable(target)) {
-    return SM_STATUS_FILE_DELETE_FAILED;
-  }
-  if (const u32 status = SettleSource(source)) {
-    return status;
-  }
-  (void)chmod(target, kFileMode);
-  if (rename(source, target) != 0) {
-    return IsTargetsFault(errno) ? SM_STATUS_FILE_DELETE_FAILED : SM_STATUS_FILE_CREATE_FAILED;
-  }
-  (void)chmod(target, kFileMode);
-  return SM_STATUS_SUCCESS;
+  if (target == nullptr || source == nullptr) return kFailed;
+  if (!IsReplaceable(target)) return SM_STATUS_FILE_DELETE_FAILED;
+  struct stat seen = {};
+  Descriptor file = OpenRegular(source, O_RDONLY | O_NOFOLLOW, &seen);
+  if (!file) return SM_STATUS_FILE_CREATE_FAILED;
+  if (!FinishCopy(std::move(file))) return SM_STATUS_WRITE_FAILED;
+  return MoveInPlace(target, source);
+}
+
+u32 MoveInPlace(const astring* target, const astring* source) {
+  if (rename(source, target) == 0) return SM_STATUS_SUCCESS;
+  return IsTargetsFault(errno) ? SM_STATUS_FILE_DELETE_FAILED : SM_STATUS_FILE_CREATE_FAILED;
 }
 
 bool HasDirectoryPart(const astring* path) {

@@ -13,8 +13,10 @@
 namespace qvx {
 namespace {
 
-constexpr int kAlways = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-constexpr mode_t kNewFileMode = 0666;
+constexpr int kAlways = O_NONBLOCK | O_NOCTTY;
+constexpr mode_t kNewFileMode = 0664;
+constexpr mode_t kCopyMode = 0600;
+constexpr uid_t kAnyOwner = static_cast<uid_t>(-1);
 
 int OpenFlags(const astring* mode) {
   const bool both = strchr(mode, '+') != nullptr;
@@ -29,50 +31,80 @@ int OpenFlags(const astring* mode) {
   }
 }
 
-bool MakeReady(int file, const astring* mode) {
-  struct stat status = {};
-  if (fstat(file, &status) != 0) {
-    return false;
-  }
-  if (!S_ISREG(status.st_mode)) {
-    errno = EINVAL;
-    return false;
-  }
-  return mode[0] != 'w' || status.st_size == 0 || ftruncate(file, 0) == 0;
+bool IsRegular(int file, struct stat* seen) {
+  if (fstat(file, seen) != 0) return false;
+  if (S_ISREG(seen->st_mode)) return true;
+  errno = EINVAL;
+  return false;
 }
 
-FilePtr StreamOver(int file, const astring* mode) {
-  if (file < 0) {
-    return nullptr;
-  }
-  FILE* const stream = MakeReady(file, mode) ? fdopen(file, mode) : nullptr;
-  if (stream == nullptr) {
-    const int reason = errno;
-    close(file);
-    errno = reason;
-  }
-  return FilePtr(stream);
+// Empty with errno set, and the descriptor closed, when there is no stream.
+FilePtr StreamOver(Descriptor file, const astring* mode) {
+  if (!file) return nullptr;
+  FilePtr stream(fdopen(file.Number(), mode));
+  if (stream) (void)file.Release();
+  return stream;
 }
 
-// Whether the path is the last name of the stream's file.
-bool IsLastNameOf(FILE* stream, const astring* path) {
-  struct stat opened = {};
-  struct stat named = {};
-  return fstat(fileno(stream), &opened) == 0 && lstat(path, &named) == 0 &&
-         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino && opened.st_nlink == 1;
+bool IsSameFile(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+// False when the name is taken by `replaced` itself, whatever other names that has.
+bool ClearName(const astring* path, const struct stat* replaced) {
+  struct stat old = {};
+  if (lstat(path, &old) != 0) return true;
+  if (replaced != nullptr && IsSameFile(old, *replaced)) return false;
+  (void)unlink(path);
+  return true;
+}
+
+// Who may not give the file away may still give it one of the groups that he is in.
+void GiveOwner(int file, const struct stat& replaced) {
+  if (fchown(file, replaced.st_uid, replaced.st_gid) == 0) return;
+  [[maybe_unused]] const int refused = fchown(file, kAnyOwner, replaced.st_gid);
 }
 
 }  // namespace
 
+Descriptor OpenRegular(const astring* path, int flags, struct stat* seen) {
+  Descriptor file = OpenDescriptor(path, flags | kAlways, kNewFileMode);
+  if (!file || !IsRegular(file.Number(), seen)) return {};
+  if ((flags & O_CREAT) != 0) (void)fchmod(file.Number(), kFileMode);
+  return file;
+}
+
+Descriptor OpenCopy(const astring* path, const struct stat* replaced) {
+  if (!ClearName(path, replaced)) return {};
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
+  Descriptor copy = OpenDescriptor(path, kFlags | kAlways, kCopyMode);
+  if (copy && replaced != nullptr) GiveOwner(copy.Number(), *replaced);
+  return copy;
+}
+
+bool FinishCopy(Descriptor copy) {
+  (void)fchmod(copy.Number(), kFileMode);
+  return fsync(copy.Number()) == 0 && copy.Close();
+}
+
 FilePtr OpenFile(const astring* path, const astring* mode) {
-  return StreamOver(open(path, OpenFlags(mode) | kAlways, kNewFileMode), mode);
+  struct stat seen = {};
+  Descriptor file = OpenRegular(path, OpenFlags(mode), &seen);
+  if (file && mode[0] == 'w' && seen.st_size != 0 && ftruncate(file.Number(), 0) != 0) return {};
+  return StreamOver(std::move(file), mode);
 }
 
 FilePtr OpenTemporary(const astring* path, FILE* source) {
-  if (IsLastNameOf(source, path)) return nullptr;
-  (void)unlink(path);
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
-  return StreamOver(open(path, kFlags | kAlways, kNewFileMode), "w");
+  struct stat replaced = {};
+  if (fstat(fileno(source), &replaced) != 0) return nullptr;
+  return StreamOver(OpenCopy(path, &replaced), "w");
+}
+
+bool FinishCopy(FilePtr copy) {
+  const int file = fileno(copy.get());
+  if (fflush(copy.get()) != 0 || ferror(copy.get()) != 0) return false;
+  (void)fchmod(file, kFileMode);
+  return fsync(file) == 0 && fclose(copy.release()) == 0;
 }
 
 bool CloseWritten(FilePtr file) {

@@ -3,12 +3,36 @@
 #ifndef QVX_OS_STDIO_FILE_H
 #define QVX_OS_STDIO_FILE_H
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <memory>
 
 #include "qvxcs/types.h"
 
+#include "os/descriptor.h"
+
 namespace qvx {
+
+// The mode of the library's files: owner and group write, others read.
+inline constexpr mode_t kFileMode = 01664;
+
+// Opens a regular file without waiting for a FIFO's other end, and stores what fstat saw of it in
+// `seen`. With O_CREAT a missing file is made 0664 less the umask, and the file's mode is set to
+// kFileMode through the descriptor as soon as it is open, so that nobody has more rights meanwhile;
+// a mode that cannot be set is ignored. O_TRUNC is not for here. Empty with errno set when the file
+// cannot be opened or is no regular file (EINVAL).
+Descriptor OpenRegular(const astring* path, int flags, struct stat* seen);
+
+// Makes the file that is to take the place of `replaced` (null when there is none yet), for
+// writing: 0600 less the umask, with the owner and group of `replaced` where the process may give
+// them. An old file or link of this name is unlinked first. Empty when the name is a name of
+// `replaced` itself, which then stays, and when the copy cannot be made.
+Descriptor OpenCopy(const astring* path, const struct stat* replaced);
+
+// Gives a copy its mode, flushes it to disk and closes it; false with errno set when the flush or
+// the close failed. A mode that cannot be set is ignored.
+bool FinishCopy(Descriptor copy);
 
 struct FileCloser {
   void operator()(FILE* file) const { (void)fclose(file); }
@@ -16,15 +40,14 @@ struct FileCloser {
 
 using FilePtr = std::unique_ptr<FILE, FileCloser>;
 
-// Opens a regular file, close-on-exec, never waiting for a FIFO's other end. `mode` is one of
-// "r", "r+", "w", "w+", "a" (a "b" is accepted). Null with errno set when the file cannot be opened
-// or is no regular file (EINVAL); a file that does not exist and is not created gives ENOENT.
+// OpenRegular as a stream. `mode` is one of "r", "r+", "w", "w+", "a" (a "b" is accepted).
 FilePtr OpenFile(const astring* path, const astring* mode);
 
-// A new file of this name for writing, to which `source` is to be copied: an old one is unlinked
-// first, a link is not followed. Null when the old one is the source itself, without another name:
-// it stays.
+// OpenCopy as a stream, for a copy that is to take the place of `source`.
 FilePtr OpenTemporary(const astring* path, FILE* source);
+
+// FinishCopy behind the stream's last flush; false when any write failed, too.
+bool FinishCopy(FilePtr copy);
 
 // Flushes and closes; false when any write, the flush or the close failed.
 bool CloseWritten(FilePtr file);

@@ -16,6 +16,7 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
+#include "support/kill_at_stop.h"
 #include "support/processes.h"
 #include "support/small_disk.h"
 
@@ -340,14 +341,35 @@ TEST(FileUtil, ReplacedFileHasTheNewContentAndMode01664) {
   EXPECT_FALSE(Exists("/tmp/source"));
 }
 
-TEST(FileUtil, ReplacedFileHadItsModeSetBeforeItWent) {
+TEST(FileUtil, TheReplacedFileItselfKeepsItsMode) {
   WriteFile("/tmp/target", "old");
   WriteFile("/tmp/source", "new");
   ASSERT_EQ(link("/tmp/target", "/tmp/kept"), 0);
   ASSERT_EQ(chmod("/tmp/kept", 0600), 0);
   EXPECT_EQ(ReplaceFile("/tmp/target", "/tmp/source"), SM_STATUS_SUCCESS);
-  EXPECT_EQ(ModeOf("/tmp/kept"), 01664u);
+  EXPECT_EQ(ModeOf("/tmp/kept"), 0600u);
   EXPECT_EQ(ReadFile("/tmp/kept"), "old");
+}
+
+// The target is watched at each system call.
+TEST(FileUtil, ATargetNeverShowsAnotherModeThanItsOwnAndTheNewOne) {
+  WriteFile("/tmp/target", "old");
+  ASSERT_EQ(chmod("/tmp/target", 0640), 0);
+  WriteFile("/tmp/source", "new");
+  ASSERT_EQ(chmod("/tmp/source", 0666), 0);
+  u32 before = 0;
+  u32 after = 0;
+  const int status =
+      test::RunStepwise([] { return static_cast<int>(ReplaceFile("/tmp/target", "/tmp/source")); },
+                        [&] {
+                          const bool isNew = ReadFile("/tmp/target") == "new";
+                          EXPECT_EQ(ModeOf("/tmp/target"), isNew ? 01664u : 0640u);
+                          ++(isNew ? after : before);
+                          return true;
+                        });
+  EXPECT_EQ(status, 0);
+  EXPECT_GE(before, 5u);
+  EXPECT_GE(after, 1u);
 }
 
 TEST(FileUtil, ReplaceNeedsATargetFile) {
@@ -376,6 +398,27 @@ TEST(FileUtil, ReplaceAcrossDisksLeavesTheTarget) {
   EXPECT_EQ(ReplaceFile("/tmp/target", SmallDisk::Path("source").c_str()),
             SM_STATUS_FILE_CREATE_FAILED);
   EXPECT_EQ(ReadFile("/tmp/target"), "old");
+}
+
+TEST(FileUtil, AFailedMoveLeavesTheTargetsMode) {
+  const SmallDisk disk(4);
+  WriteFile(SmallDisk::Path("source"), "new");
+  WriteFile("/tmp/over", "over");
+  for (const char* target : {"/tmp/target", "/tmp/mounted"}) {
+    WriteFile(target, "old");
+    ASSERT_EQ(chmod(target, 0640), 0);
+  }
+  ASSERT_EQ(mount("/tmp/over", "/tmp/mounted", nullptr, MS_BIND, nullptr), 0);
+  ASSERT_EQ(chmod("/tmp/over", 0600), 0);
+  EXPECT_EQ(ReplaceFile("/tmp/target", SmallDisk::Path("source").c_str()),
+            SM_STATUS_FILE_CREATE_FAILED);
+  WriteFile("/tmp/source", "new");
+  EXPECT_EQ(ReplaceFile("/tmp/mounted", "/tmp/source"), SM_STATUS_FILE_DELETE_FAILED);
+  EXPECT_EQ(ModeOf("/tmp/over"), 0600u);
+  ASSERT_EQ(umount("/tmp/mounted"), 0);
+  for (const char* target : {"/tmp/target", "/tmp/mounted"}) {
+    EXPECT_EQ(ModeOf(target), 0640u) << target;
+  }
 }
 
 TEST(FileUtil, ProtectedTargetsAreLeft) {

@@ -19,6 +19,7 @@ namespace qvx {
 namespace {
 
 using test::Exists;
+using test::ModeOf;
 using test::ReadFile;
 using test::SmallDisk;
 using test::WriteFile;
@@ -122,20 +123,54 @@ TEST(StdioFile, TemporaryInPlaceOfADirectoryFails) {
 TEST(StdioFile, TheSourceIsNotUnlinkedForItsOwnCopy) {
   WriteFile(kPath, "text");
   ASSERT_EQ(symlink(kPath, "/tmp/link"), 0);
-  for (const char* path : {kPath, "/tmp/link"}) {
-    EXPECT_FALSE(OpenTemporary(kPath, OpenFile(path, "r").get())) << path;
-    EXPECT_EQ(ReadFile(kPath), "text") << path;
+  ASSERT_EQ(link(kPath, "/tmp/name"), 0);
+  for (const char* path : {kPath, "/tmp/link", "/tmp/name"}) {
+    for (const char* copy : {kPath, "/tmp/name"}) {
+      EXPECT_FALSE(OpenTemporary(copy, OpenFile(path, "r").get())) << path;
+      EXPECT_EQ(ReadFile(kPath), "text") << path;
+      EXPECT_TRUE(Exists(copy)) << path;
+    }
   }
 }
 
 TEST(StdioFile, ALinkToTheSourceGivesWayToItsCopy) {
   WriteFile(kPath, "text");
   ASSERT_EQ(symlink(kPath, "/tmp/link"), 0);
-  ASSERT_EQ(link(kPath, "/tmp/name"), 0);
-  for (const char* path : {"/tmp/link", "/tmp/name"}) {
-    EXPECT_TRUE(OpenTemporary(path, OpenFile(kPath, "r").get())) << path;
-    EXPECT_EQ(ReadFile(kPath), "text") << path;
+  EXPECT_TRUE(OpenTemporary("/tmp/link", OpenFile(kPath, "r").get()));
+  EXPECT_EQ(ReadFile(kPath), "text");
+  EXPECT_EQ(ReadFile("/tmp/link"), "");
+}
+
+TEST(StdioFile, AFileThatIsMadeHasItsModeAsSoonAsItIsOpen) {
+  for (const mode_t mask : {0u, 0022u, 0777u}) {
+    (void)umask(mask);
+    for (const char* mode : {"w", "w+", "a"}) {
+      const FilePtr file = OpenFile("/tmp/new", mode);
+      ASSERT_TRUE(file) << mode;
+      EXPECT_EQ(ModeOf("/tmp/new"), 01664u) << mode;
+      ASSERT_EQ(unlink("/tmp/new"), 0);
+    }
   }
+}
+
+TEST(StdioFile, AFileThatIsReadKeepsItsMode) {
+  WriteFile(kPath, "text");
+  ASSERT_EQ(chmod(kPath, 0640), 0);
+  for (const char* mode : {"r", "r+"}) {
+    EXPECT_TRUE(OpenFile(kPath, mode)) << mode;
+    EXPECT_EQ(ModeOf(kPath), 0640u) << mode;
+  }
+}
+
+TEST(StdioFile, ACopyIsItsOwnersUntilItIsFinished) {
+  (void)umask(0);
+  Descriptor copy = OpenCopy(kPath, nullptr);
+  ASSERT_TRUE(copy);
+  EXPECT_EQ(ModeOf(kPath), 0600u);
+  ASSERT_EQ(write(copy.Number(), "text", 4), 4);
+  EXPECT_TRUE(FinishCopy(std::move(copy)));
+  EXPECT_EQ(ModeOf(kPath), 01664u);
+  EXPECT_EQ(ReadFile(kPath), "text");
 }
 
 TEST(StdioFile, TextThatWaitsForAFullDiskFailsWhenClosed) {
