@@ -85,7 +85,8 @@ bool IsTargetsFault(int error) {
 
 u32 DelFile(const astring* path) {
   if (path == nullptr || !IsReplaceable(path)) return kFailed;
-  if (chmod(path, kFileMode) != 0) return kFailed;
+  // A directory that a link leads to keeps its mode: only the link goes.
+  if (!IsDirectory(path) && chmod(path, kFileMode) != 0) return kFailed;
   return unlink(path) == 0 ? SM_STATUS_SUCCESS : kFailed;
 }
 

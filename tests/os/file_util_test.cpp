@@ -78,6 +78,21 @@ TEST(FileUtil, DeletingADirectoryFailsAndLeavesItsMode) {
   EXPECT_EQ(ModeOf("/tmp/d"), 0755u);
 }
 
+TEST(FileUtil, DeletingALinkToADirectoryLeavesTheDirectorysMode) {
+  ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
+  ASSERT_EQ(symlink("/tmp/d", "/tmp/l"), 0);
+  EXPECT_EQ(DelFile("/tmp/l"), SM_STATUS_SUCCESS);
+  struct stat status = {};
+  EXPECT_NE(lstat("/tmp/l", &status), 0);
+  EXPECT_EQ(ModeOf("/tmp/d"), 0755u);
+}
+
+TEST(FileUtil, AFifoInAFilesPlaceIsDeleted) {
+  ASSERT_EQ(mkfifo("/tmp/fifo", 0600), 0);
+  EXPECT_EQ(DelFile("/tmp/fifo"), SM_STATUS_SUCCESS);
+  EXPECT_FALSE(Exists("/tmp/fifo"));
+}
+
 TEST(FileUtil, FileWhoseModeCannotBeSetStays) {
   const SmallDisk disk(4);
   WriteFile(SmallDisk::Path("a"), "text");
