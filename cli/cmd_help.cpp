@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "qvxcs/status.h"
+
 #include "base/heap.h"
 #include "cli/param_node.h"
 #include "xml/xml_buffer.h"
@@ -12,6 +14,7 @@ namespace qvx {
 namespace {
 
 constexpr u32 kFirstCapacity = 256;
+constexpr u16 kDiscard = 0;
 constexpr u16 kGetContent = 1;
 constexpr s32 kText = 1;
 
@@ -37,10 +40,10 @@ void CatCommand(void* buffer, const PXTCommand& command) {
 
 // Deliberate: the count is that of the table less one, for the calling command, whether or not the
 // table holds it. Held by CmdHelp.CountIsOneLessThanTheTable.
-void CatBegin(void* buffer, s32 count) {
+u32 CatBegin(void* buffer, s32 count) {
   astring attribute[32];
   (void)snprintf(attribute, sizeof attribute, "count=\"%d\"", count - 1);
-  (void)PXMBufCatBeginNode(buffer, "CLICmdHelp", attribute);
+  return PXMBufCatBeginNode(buffer, "CLICmdHelp", attribute);
 }
 
 }  // namespace
@@ -50,7 +53,7 @@ astring* NVSuptCMDHelp(s32 /*ignoredCount*/, astring** /*ignoredVector*/, const 
   void* buffer = PXMAllocBuf(kFirstCapacity, 0);
   if (buffer == nullptr) return nullptr;
   if (self == nullptr || table == nullptr || count < 1) return PXMFreeBuf(buffer, kGetContent);
-  CatBegin(buffer, count);
+  if (CatBegin(buffer, count) != SM_STATUS_SUCCESS) return PXMFreeBuf(buffer, kDiscard);
   for (s32 i = 0; i < count; ++i) {
     if (table[i].function != nullptr && table[i].function != self) CatCommand(buffer, table[i]);
   }

@@ -214,7 +214,7 @@ QVX_EXPORT void PXTNVSCatSMStatusNode(void* buffer, qvx_s32 status, const qvx_as
  * @param[in] count          entries in the table
  * @param[in] self           the calling command's own entry, not asked for help
  * @return the document; an empty text when `table` or `self` is NULL or `count` is below 1; NULL
- *         without memory
+ *         without memory for the document or for its opening tag
  * @par Memory
  * The caller frees the document with PXTXFreeBufContent; the commands' texts are freed here.
  * @par Threads

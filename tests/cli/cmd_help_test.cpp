@@ -106,13 +106,16 @@ TEST(CmdHelp, WithoutATableTheTextIsEmpty) {
 TEST(CmdHelp, FirstTwoArgumentsAreIgnored) {
   const PXTCommand table[] = {{kAlpha, Alpha}};
   astring* vector[] = {kBeta};
-  EXPECT_EQ(Taken(PXTNVSCMDHelp(1, vector, table, 1, Self)),
-            Taken(PXTNVSCMDHelp(-1, nullptr, table, 1, Self)));
+  const std::string expected =
+      "<CLICmdHelp count=\"0\"><qvxcmd val=\"alpha\"><h>alpha</h></qvxcmd></CLICmdHelp>";
+  EXPECT_EQ(Taken(PXTNVSCMDHelp(1, vector, table, 1, Self)), expected);
+  EXPECT_EQ(Taken(PXTNVSCMDHelp(-1, nullptr, table, 1, Self)), expected);
 }
 
-TEST(CmdHelp, WithoutMemoryForTheBufferIsNull) {
-  const PXTCommand table[] = {{kAlpha, Alpha}};
-  for (const u32 nth : {1u, 2u}) {
+// The third allocation, if there is one, makes the opening tag.
+TEST(CmdHelp, WithoutMemoryForTheBufferOrItsOpeningTagIsNull) {
+  const PXTCommand table[] = {{kSelf, Self}};
+  for (const u32 nth : {1u, 2u, 3u}) {
     astring* text = nullptr;
     {
       const FailNthAllocation fault(nth);
