@@ -72,9 +72,8 @@ PXTDLListEntry* DLListRemoveEntryAtTail(PXTDLList* list) {
 }
 
 void DLListDeleteEntry(PXTDLList* list, PXTDLListEntry* entry) {
-  if (entry == nullptr) return;
   const ListGuard guard(list->lock);
-  Unlink(list, entry);
+  if (entry != nullptr) Unlink(list, entry);
 }
 
 u32 DLListInsertKeyed(PXTDLList* list, PXTDLListEntry* entry, PXTDLListCompare compare) {

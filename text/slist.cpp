@@ -71,8 +71,8 @@ PXTSLListEntry* SLListRemoveEntryAtTail(PXTSLList* list) {
 }
 
 void SLListDeleteEntry(PXTSLList* list, PXTSLListEntry* entry) {
-  if (entry == nullptr) return;
   const ListGuard guard(list->lock);
+  if (entry == nullptr) return;
   PXTSLListEntry* previous = nullptr;
   PXTSLListEntry* at = list->head;
   for (; at != nullptr && at != entry; at = at->next) {

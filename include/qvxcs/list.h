@@ -104,7 +104,7 @@ QVX_EXPORT PXTDLListEntry* PXTDLListEntryAlloc(qvx_u32 size);
  *
  * It must not be in a list.
  *
- * @param[in] entry  the entry; NULL does nothing
+ * @param[in] entry  the entry; with NULL the list stays as it is
  * @par Memory
  * One routine serves both kinds of entries.
  * @par Threads
@@ -166,7 +166,7 @@ QVX_EXPORT PXTDLListEntry* PXTDLListRemoveEntryAtTail(PXTDLList* list);
  * The entry must be in this list; that is not checked.
  *
  * @param[in,out] list   the list
- * @param[in,out] entry  the entry; NULL does nothing
+ * @param[in,out] entry  the entry; with NULL the list stays as it is
  * @par Memory
  * The entry is not freed.
  * @par Threads
@@ -252,7 +252,7 @@ QVX_EXPORT PXTSLListEntry* PXTSLListEntryAlloc(qvx_u32 size);
  *
  * It must not be in a list.
  *
- * @param[in] entry  the entry; NULL does nothing
+ * @param[in] entry  the entry; with NULL the list stays as it is
  * @par Memory
  * One routine serves both kinds of entries.
  * @par Threads
@@ -318,7 +318,7 @@ QVX_EXPORT PXTSLListEntry* PXTSLListRemoveEntryAtTail(PXTSLList* list);
  * An entry that is not in the list leaves everything as it is.
  *
  * @param[in,out] list   the list
- * @param[in,out] entry  the entry; NULL does nothing
+ * @param[in,out] entry  the entry; with NULL the list stays as it is
  * @par Memory
  * The entry is not freed.
  * @par Threads

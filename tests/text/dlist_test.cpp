@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/heap_use.h"
 #include "tests/text/list_kinds.h"
 
 // What only doubly linked lists do; the rest is with both kinds in list_test.cpp.
@@ -44,8 +45,14 @@ TEST(DList, OrderedInsertionPutsTheNewestOfEqualKeysFirst) {
 }
 
 TEST(DList, EntriesOfBothKindsMayBeFreedByEitherRoutine) {
-  qvx::DLListEntryFree(reinterpret_cast<Entry*>(qvx::SLListEntryAlloc(8)));
-  qvx::SLListEntryFree(reinterpret_cast<PXTSLListEntry*>(qvx::DLListEntryAlloc(8)));
+  constexpr u32 kSize = 4096;
+  const size_t before = qvx::test::HeapInUse();
+  void* const single = qvx::SLListEntryAlloc(kSize);
+  void* const twofold = qvx::DLListEntryAlloc(kSize);
+  EXPECT_GE(qvx::test::HeapInUse(), before + 2 * kSize);
+  qvx::DLListEntryFree(static_cast<Entry*>(single));
+  qvx::SLListEntryFree(static_cast<PXTSLListEntry*>(twofold));
+  EXPECT_EQ(qvx::test::HeapInUse(), before);
 }
 
 }  // namespace

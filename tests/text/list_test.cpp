@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -15,14 +16,20 @@
 
 #include "base/context_lock.h"
 #include "support/alloc_fault.h"
+#include "support/heap_use.h"
 #include "tests/text/list_kinds.h"
 
 // What doubly and singly linked lists promise alike. What only one kind does is in its own file.
 namespace {
 
+using qvx::LockContext;
+using qvx::UnLockContext;
 using qvx::test::CompareKeys;
+using qvx::test::HeapInUse;
 using qvx::test::Keys;
 using qvx::test::ListOf;
+
+constexpr u32 kLargePayload = 4096;
 
 template <typename Kind>
 class List : public testing::Test {};
@@ -97,7 +104,40 @@ TYPED_TEST(List, ThePayloadMayReach32BitsInAll) {
   TypeParam::kEntryFree(entry);
 }
 
-TYPED_TEST(List, FreeingANullEntryDoesNothing) { TypeParam::kEntryFree(nullptr); }
+TYPED_TEST(List, FreeingAnEntryGivesItsBlockBackAndANullEntryNone) {
+  const size_t before = HeapInUse();
+  typename TypeParam::Entry* entry = TypeParam::kEntryAlloc(kLargePayload);
+  ASSERT_NE(entry, nullptr);
+  EXPECT_GE(HeapInUse(), before + kLargePayload);
+  TypeParam::kEntryFree(nullptr);
+  EXPECT_GE(HeapInUse(), before + kLargePayload);
+  TypeParam::kEntryFree(entry);
+  EXPECT_EQ(HeapInUse(), before);
+}
+
+// Whether a delete of a null entry is over while another operation has the list.
+template <typename Kind>
+bool NullDeleteWaits(typename Kind::Header* list) {
+  std::atomic<bool> done = false;
+  LockContext(list->lock);
+  std::thread other([&] {
+    Kind::kDelete(list, nullptr);
+    done = true;
+  });
+  usleep(20000);
+  const bool waited = !done;
+  UnLockContext(list->lock);
+  other.join();
+  return waited;
+}
+
+TYPED_TEST(List, DeletingANullEntryTakesTheListsLock) {
+  ListOf<TypeParam> list;
+  EXPECT_TRUE(NullDeleteWaits<TypeParam>(list.get()));  // an empty list
+  list.Append(1);
+  EXPECT_TRUE(NullDeleteWaits<TypeParam>(list.get()));
+  EXPECT_EQ(list.Walk(), (Keys{1}));
+}
 
 TYPED_TEST(List, EntriesGoFirstAtTheHead) {
   ListOf<TypeParam> list;
