@@ -9,18 +9,13 @@
 #include "base/heap.h"
 #include "base/results.h"
 #include "text/transcode.h"
+#include "text/uni_string.h"
 
 namespace qvx {
 namespace {
 
-template <typename Unit>
-u64 Length(const Unit* text) {
-  u64 length = 0;
-  while (text[length] != 0) {
-    ++length;
-  }
-  return length;
-}
+u64 Length(const astring* text) { return strlen(text); }
+u64 Length(const ustring* text) { return UnitCount(text); }
 
 template <typename Unit>
 HeapArray<Unit> AllocUnits(u64 count) {

@@ -8,6 +8,7 @@
 #include "base/heap.h"
 #include "base/results.h"
 #include "text/transcode.h"
+#include "text/uni_string.h"
 
 namespace qvx {
 namespace {
@@ -18,14 +19,6 @@ constexpr u32 kLastDoubledCapacity = 0xFFFFF;
 u32 GrownCapacity(u32 capacity, u32 needed) {
   const u64 grown = capacity > kLastDoubledCapacity ? u64{capacity} * 125 / 100 : u64{capacity} * 2;
   return static_cast<u32>(std::min<u64>(std::max<u64>(needed, grown), kMaxSize));
-}
-
-u64 UnitCount(const ustring* text) {
-  u64 count = 0;
-  while (text[count] != 0) {
-    ++count;
-  }
-  return count;
 }
 
 // Both forms are the same but for the width of a unit: sizes are bytes, lengths are units. An odd

@@ -19,7 +19,7 @@ constexpr size_t kFault = static_cast<size_t>(-1);
 
 // Each unit widened by itself, terminator included; empty without memory.
 HeapArray<wchar_t> Widened(const ustring* text) {
-  const u64 units = u64{Uni_strlen(text)} + 1;
+  const u64 units = UnitCount(text) + 1;
   auto wide = AllocArray<wchar_t>(units);
   if (!wide) return wide;
   for (u64 at = 0; at < units; ++at) {

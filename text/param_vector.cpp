@@ -45,9 +45,11 @@ bool MatchesName(const astring* entry, const astring* name, bool ignoreCase) {
 // differ there at the latest, whatever the case flag says: no 16-bit name is ever found, and
 // nothing behind a terminator is read. Held by ParamVector.A16BitNameIsNeverFound.
 bool MatchesName(const ustring* entry, const ustring* name) {
-  const u32 length = GetUStrParamNameLen(entry);
-  if (length == 0 || length != UniStrlen(name)) return false;
-  for (size_t at = 0; at < 2 * size_t{length}; ++at) {
+  const ustring* equalSign = FindEqualSign(entry);
+  if (equalSign == nullptr) return false;
+  const u64 length = static_cast<u64>(equalSign - entry);
+  if (length != UnitCount(name)) return false;
+  for (u64 at = 0; at < 2 * length; ++at) {
     if (name[at] != entry[at]) return false;
   }
   return true;

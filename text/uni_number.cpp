@@ -20,7 +20,7 @@ namespace {
 // behind that is never offered and stays zero, so that the text always ends.
 HeapArray<astring> Narrow(const ustring* text) {
   if (text == nullptr) return nullptr;
-  const u64 room = u64{UniStrlen(text)} + 1;
+  const u64 room = UnitCount(text) + 1;
   if (room > UINT32_MAX) return nullptr;
   HeapArray<astring> narrow = AllocArray<astring>(room + 1);
   if (!narrow) return nullptr;

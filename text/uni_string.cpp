@@ -2,6 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "text/uni_string.h"
 
+#include <algorithm>
+#include <cstring>
+
+#include "base/results.h"
+
 namespace qvx {
 namespace {
 
@@ -23,22 +28,34 @@ bool IsInSet(ustring unit, const ustring* set) {
   return false;
 }
 
-}  // namespace
-
-u32 Uni_strlen(const ustring* string) {
-  u32 length = 0;
-  while (string[length] != 0) {
-    ++length;
+// Where the leading run of units ends that are in the set, or of those that are not.
+const ustring* EndOfRun(const ustring* string, const ustring* set, bool inSet) {
+  while (*string != 0 && IsInSet(*string, set) == inSet) {
+    ++string;
   }
-  return length;
+  return string;
 }
 
-void Uni_strcpy(ustring* destination, const ustring* source) {
-  u32 at = 0;
-  for (; source[at] != 0; ++at) {
-    destination[at] = source[at];
+// A text has room for more units than a result of 32 bits can tell.
+u32 Capped(u64 count) { return static_cast<u32>(std::min(count, kMaxSize)); }
+
+}  // namespace
+
+u64 UnitCount(const ustring* string) {
+  const ustring* end = string;
+  while (*end != 0) {
+    ++end;
   }
-  destination[at] = 0;
+  return static_cast<u64>(end - string);
+}
+
+u32 Uni_strlen(const ustring* string) { return Capped(UnitCount(string)); }
+
+void Uni_strcpy(ustring* destination, const ustring* source) {
+  for (; *source != 0; ++source, ++destination) {
+    *destination = *source;
+  }
+  *destination = 0;
 }
 
 void Uni_strncpy(ustring* destination, const ustring* source, u32 count) {
@@ -51,12 +68,12 @@ void Uni_strncpy(ustring* destination, const ustring* source, u32 count) {
 }
 
 void Uni_strcat(ustring* destination, const ustring* source) {
-  Uni_strcpy(destination + Uni_strlen(destination), source);
+  Uni_strcpy(destination + UnitCount(destination), source);
 }
 
 void Uni_strncat(ustring* destination, const ustring* source, u32 count) {
   if (count == 0) return;
-  ustring* end = destination + Uni_strlen(destination);
+  ustring* end = destination + UnitCount(destination);
   u32 at = 0;
   for (; at < count && source[at] != 0; ++at) {
     end[at] = source[at];
@@ -95,39 +112,33 @@ ustring* Uni_strchr(const ustring* string, ustring unit) {
 }
 
 ustring* Uni_strstr(const ustring* string, const ustring* pattern) {
-  const u32 patternLength = Uni_strlen(pattern);
-  for (u32 left = Uni_strlen(string); left >= patternLength; --left) {
-    if (Uni_memcmp(string, pattern, patternLength) == 0) return const_cast<ustring*>(string);
+  const u64 patternLength = UnitCount(pattern);
+  for (u64 left = UnitCount(string); left >= patternLength; --left) {
+    if (memcmp(string, pattern, patternLength * sizeof(ustring)) == 0) {
+      return const_cast<ustring*>(string);
+    }
     ++string;
   }
   return nullptr;
 }
 
 u32 Uni_strspn(const ustring* string, const ustring* set) {
-  u32 length = 0;
-  while (string[length] != 0 && IsInSet(string[length], set)) {
-    ++length;
-  }
-  return length;
+  return Capped(static_cast<u64>(EndOfRun(string, set, true) - string));
 }
 
 u32 Uni_strcspn(const ustring* string, const ustring* set) {
-  u32 length = 0;
-  while (string[length] != 0 && !IsInSet(string[length], set)) {
-    ++length;
-  }
-  return length;
+  return Capped(static_cast<u64>(EndOfRun(string, set, false) - string));
 }
 
 ustring* Uni_strpbrk(const ustring* string, const ustring* set) {
-  string += Uni_strcspn(string, set);
-  return *string == 0 ? nullptr : const_cast<ustring*>(string);
+  const ustring* const end = EndOfRun(string, set, false);
+  return *end == 0 ? nullptr : const_cast<ustring*>(end);
 }
 
 ustring* Uni_strtok(ustring* string, const ustring* delimiters) {
   if (string == nullptr) string = nextToken;
   if (string == nullptr) return nullptr;
-  string += Uni_strspn(string, delimiters);
+  string = const_cast<ustring*>(EndOfRun(string, delimiters, true));
   if (*string == 0) {
     nextToken = nullptr;
     return nullptr;
@@ -155,17 +166,11 @@ void Uni_strnset(ustring* string, ustring unit, u32 count) {
 
 // Swaps from both ends: needs no second buffer, so it cannot fail for want of memory.
 ustring* Uni_strrev(ustring* string) {
-  u32 left = 0;
-  for (u32 end = Uni_strlen(string); left + 1 < end; ++left) {
-    --end;
-    const ustring unit = string[left];
-    string[left] = string[end];
-    string[end] = unit;
-  }
+  std::reverse(string, string + UnitCount(string));
   return string;
 }
 
-// The second names, by which the other families call.
+// The second names, which the exported calls forward to.
 u32 UniStrlen(const ustring* string) { return Uni_strlen(string); }
 void UniStrcpy(ustring* destination, const ustring* source) { Uni_strcpy(destination, source); }
 void UniStrncpy(ustring* destination, const ustring* source, u32 count) {

@@ -29,7 +29,7 @@ QVX_BEGIN_DECLS
  * Measures a text.
  *
  * @param[in] string  16-bit units up to a 0 unit
- * @return the number of units before the terminator
+ * @return the number of units before the terminator; 4,294,967,295 when there are more
  * @par Memory
  * Keeps no reference to the text.
  * @par Threads
@@ -139,7 +139,7 @@ QVX_EXPORT qvx_ustring* PXTUniStrstr(const qvx_ustring* string, const qvx_ustrin
  *
  * @param[in] string  the text to measure
  * @param[in] set     the units that belong to the run, as a text
- * @return the run's length; 0 for an empty text or set
+ * @return the run's length, at most 4,294,967,295; 0 for an empty text or set
  * @par Memory
  * Keeps no reference to either text.
  * @par Threads
@@ -152,7 +152,7 @@ QVX_EXPORT qvx_u32 PXTUniStrspn(const qvx_ustring* string, const qvx_ustring* se
  *
  * @param[in] string  the text to measure
  * @param[in] set     the units that end the run, as a text
- * @return the run's length; the text's length when no unit is in the set
+ * @return the run's length, at most 4,294,967,295; the text's length when no unit is in the set
  * @par Memory
  * Keeps no reference to either text.
  * @par Threads

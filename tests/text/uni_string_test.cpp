@@ -12,6 +12,7 @@
 
 #include "tests/reference/text_model.h"
 #include "tests/support/guard_buffer.h"
+#include "tests/support/long_text.h"
 
 namespace qvx {
 namespace {
@@ -42,6 +43,14 @@ TEST(UniString, StrlenCountsUnitsBeforeTheTerminator) {
   EXPECT_EQ(Uni_strlen(Text("abc").data()), 3u);
   const ustring pair[] = {0xD83D, 0xDE00, 0};
   EXPECT_EQ(Uni_strlen(pair), 2u);
+}
+
+// Only where an address has more than 32 bits is there such a text.
+TEST(UniString, AUnitCountBeyond32BitsIsTheLargestThatASizeHolds) {
+  if (sizeof(void*) == 4) GTEST_SKIP();
+  const test::LongText text(3);
+  EXPECT_EQ(UnitCount(text.text()), (u64{1} << 32) + 3);
+  EXPECT_EQ(PXTUniStrlen(text.text()), 0xFFFFFFFFu);
 }
 
 TEST(UniString, StrcpyCopiesTheTerminatorAndNothingBehindIt) {
