@@ -11,6 +11,7 @@
 #include "qvxcs/status.h"
 
 #include "support/alloc_fault.h"
+#include "support/heap_use.h"
 #include "xml/xml_buffer.h"
 
 namespace qvx {
@@ -154,9 +155,15 @@ TEST(ParamNode, StatusMessageWithoutMemoryIsLeftOut) {
   EXPECT_EQ(buffer.Text(), "<SMStatus>5</SMStatus>");
 }
 
-TEST(ParamNode, StatusForANullBufferDoesNothing) {
-  NVSuptCatSMStatusNode(nullptr, 5, "message");
+TEST(ParamNode, StatusForANullBufferLeavesNothingAllocatedAndOneForABufferIsWritten) {
+  Buffer buffer;
+  const std::string message(5000, 'm');  // an attribute as large shows when it is not freed
+  const size_t before = test::HeapInUse();
+  NVSuptCatSMStatusNode(nullptr, 5, message.c_str());
   NVSuptCatSMStatusNode(nullptr, 5, nullptr);
+  EXPECT_EQ(test::HeapInUse(), before);
+  NVSuptCatSMStatusNode(buffer.get(), 5, "m");
+  EXPECT_EQ(buffer.Text(), "<SMStatus mssg=\"m\">5</SMStatus>");
 }
 
 TEST(ParamNode, ExportedCallsReachTheSameFunctions) {

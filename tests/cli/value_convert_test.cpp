@@ -211,10 +211,14 @@ TEST(ValueConvert, TimeZeroIsATime) {
   EXPECT_EQ(TextOf(15, s32{INT32_MAX}), "Tue Jan 19 03:14:07 2038");
 }
 
-TEST(ValueConvert, CopyIsNotTheText) {
-  const astring text[] = "abc";
+TEST(ValueConvert, ATextBecomesACopyOfItsOwn) {
+  astring text[] = "abc";
   astring* const copy = NVSuptXValToASCII(1, text);
-  EXPECT_NE(copy, text);
+  ASSERT_NE(copy, nullptr);
+  text[0] = 'x';
+  EXPECT_STREQ(copy, "abc");
+  copy[1] = 'y';
+  EXPECT_STREQ(text, "xbc");
   free(copy);
 }
 

@@ -84,12 +84,37 @@ class HugeText {
 
 const ustring* Units(const char16_t* text) { return reinterpret_cast<const ustring*>(text); }
 
-TEST(GrowString, RecordsAreAPointerAndTwo32BitFields) {
-  EXPECT_EQ(offsetof(SSAStr, text), 0u);
-  EXPECT_EQ(offsetof(SSAStr, capacity), sizeof(void*));
-  EXPECT_EQ(offsetof(SSAStr, length), sizeof(void*) + 4);
-  EXPECT_EQ(offsetof(SSUStr, capacity), sizeof(void*));
-  EXPECT_EQ(offsetof(SSUStr, length), sizeof(void*) + 4);
+// A host of another language sees a record as bytes.
+struct RecordBytes {
+  void* text;
+  u32 capacity;
+  u32 length;
+
+  explicit RecordBytes(const void* record) {
+    const u8* const bytes = static_cast<const u8*>(record);
+    memcpy(&text, bytes, sizeof(void*));
+    memcpy(&capacity, bytes + sizeof(void*), 4);
+    memcpy(&length, bytes + sizeof(void*) + 4, 4);
+  }
+};
+
+TEST(GrowString, RecordsAreFilledAsAPointerAndTwo32BitFields) {
+  SSAStr narrow = {};
+  ASSERT_NE(SSAStrAlloc(&narrow, 9), nullptr);
+  ASSERT_NE(SSAStrCatAStr(&narrow, "abc"), nullptr);
+  const RecordBytes narrowBytes(&narrow);
+  EXPECT_STREQ(static_cast<astring*>(narrowBytes.text), "abc");
+  EXPECT_EQ(narrowBytes.capacity, 9u);
+  EXPECT_EQ(narrowBytes.length, 3u);
+  SSAStrFree(&narrow);
+  SSUStr wide = {};
+  ASSERT_NE(SSUStrAlloc(&wide, 10), nullptr);
+  ASSERT_NE(SSUStrCatAStr(&wide, "ab"), nullptr);
+  const RecordBytes wideBytes(&wide);
+  EXPECT_EQ(memcmp(wideBytes.text, u"ab", 6), 0);
+  EXPECT_EQ(wideBytes.capacity, 10u);
+  EXPECT_EQ(wideBytes.length, 2u);
+  SSUStrFree(&wide);
 }
 
 TEST(GrowString, AllocStoresAnEmptyText) {
