@@ -9,7 +9,7 @@
  * elements of settings, statuses and help.
  *
  * A value is a pointer and a type code of xml_buffer.h. Values behind a pointer need no
- * alignment, and exactly as many bytes as the type has are read or written. Numbers are decimal.
+ * alignment, and exactly as many bytes as the type has are read or written. Integers are decimal.
  *
  * Nothing here takes a lock or keeps state; any thread may call. Texts returned are new and belong
  * to the caller.
@@ -32,12 +32,14 @@ typedef struct PXTCommand {
 } PXTCommand;
 
 /**
- * Reads a typed value from a decimal text.
+ * Reads a typed value from a text.
  *
  * Types: 1 (stores the text pointer itself, nothing is copied), 4, 5, 7, 9, 11, 13, 20 to 23, and
  * 99: a count of thousandths, stored divided by 1000 (toward zero) as `s64`. Values of 8 and 16
- * bits are cut to their width and values beyond 32 bits to their low 32 bits, without a fault; a
- * text of type 13 that is no number is 0, without a fault too.
+ * bits are cut to their width and values beyond 32 bits to their low 32 bits, without a fault.
+ * Beyond 64 bits the value may be any. Type 13 reads what `strtod` reads in the current locale:
+ * "0x10" is 16, "inf" and "nan" are numbers, the decimal point is the locale's; a text that is no
+ * number is 0, without a fault.
  *
  * @param[in] text  the text
  * @param[in] type  type code
@@ -78,8 +80,9 @@ QVX_EXPORT qvx_u32 PXTNVSNVPValToXVal(qvx_s32 count, qvx_astring** vector, const
 /**
  * Turns a typed value into a new text.
  *
- * Types: 1, 2 (characters below 0x80 only), 4, 5, 7, 9, 11, 13, 15 (local time, of any value), 20
- * to 23, 26 and 27 (escaped once).
+ * Types: 1, 2 (as PXTNVSUstrToAstr converts it), 4, 5, 7, 9, 11, 13 (eight decimals and the current
+ * locale's decimal point; of a longer text the first 31 characters), 15 (local time, of any value),
+ * 20 to 23, 26 and 27 (escaped once).
  *
  * @param[in] type   type code
  * @param[in] value  the value
@@ -95,12 +98,18 @@ QVX_EXPORT qvx_astring* PXTNVSXValToASCII(qvx_s32 type, const void* value);
 /**
  * Makes an 8-bit copy of a 16-bit text, or of a fallback.
  *
+ * Only texts whose characters are all below 0x80 are copied right. A text that begins with such a
+ * character and has surrogates later gives a wrong text with SM_STATUS_SUCCESS: each surrogate
+ * becomes the first character, as PXTUCS2StrToUTF8Str converts it. 0x0041 0xD83D 0xDE00 becomes
+ * "AAA".
+ *
  * @param[in] text      the text, or NULL for the fallback
  * @param[in] fallback  copied when `text` is NULL; may be NULL
  * @param[out] status   the outcome; may be NULL. It is one of
  *                      SM_STATUS_SUCCESS;
  *                      SM_STATUS_INVALID_PARAMETER: neither text nor fallback;
- *                      SM_STATUS_BUFFER_TOO_SMALL: the text has a character at or above 0x80;
+ *                      SM_STATUS_BUFFER_TOO_SMALL: the text has a character at or above 0x80 that
+ *                      is not a surrogate, or it begins with a pair of surrogates;
  *                      SM_STATUS_BAD_DATA: it begins with an unpaired surrogate;
  *                      SM_STATUS_NO_MEMORY
  * @return the copy, or NULL unless the status is SM_STATUS_SUCCESS

@@ -14,7 +14,8 @@
  *
  * Texts are read as formatted input reads them: leading white space, one sign, digits up to the
  * first character that is none. The 32-bit conversions scan wide and keep the low 32 bits, so
- * 4294967297 is 1; this is no fault. Digits and letters are those of ASCII, whatever the locale;
+ * 4294967297 is 1; this is no fault. Of a number beyond 64 bits they may return any value, without
+ * a fault too. Digits and letters are those of ASCII, whatever the locale;
  * only the decimal point of doubles is the locale's.
  *
  * 8-bit outputs carry no size: the caller provides the room that each function states. Sizes of
@@ -425,8 +426,8 @@ QVX_EXPORT qvx_d64 PXTUniToDouble(const qvx_ustring* text);
  * @param[in] value       the number
  * @param[in] precision   the number of decimals, 0 or more
  * @retval 0 stored, cut or measured
- * @retval -1 when `size` is NULL, `precision` negative, or memory is short; `out` and `size` are
- *         left as they were
+ * @retval -1 when `size` is NULL, `precision` is negative, memory is short, or the locale's decimal
+ *         point is no character of the locale's encoding; `out` and `size` are left as they were
  * @par Memory
  * `out` stays the caller's; nothing is written beyond the stated size.
  * @par Threads
@@ -481,8 +482,8 @@ QVX_EXPORT qvx_s32 PXTUniSigned32ToStr(qvx_ustring* out, qvx_u32* size, qvx_s32 
 /**
  * Writes a time in local time: weekday, month, day, time and year, without a newline.
  *
- * The form is that of Thu Jan  1 00:00:00 1970, in English whatever the locale: 24 characters, 25
- * when the year has five.
+ * The form is that of Thu Jan  1 00:00:00 1970, in English whatever the locale. The year has as
+ * many characters as it needs, so the text has 21 to 25: 24 in the years 1000 to 9999.
  *
  * @param[out] out  room for 26 bytes
  * @param[in] time  the time
@@ -509,7 +510,7 @@ QVX_EXPORT qvx_s32 PXTTimeToAStr(qvx_astring* out, time_t time);
  * @retval -1 when `size` is NULL, the room is short of a unit (what fits is written, without a
  *         terminator), or the time has no text
  * @par Memory
- * `out` stays the caller's. The terminator is stored unchecked: 24 units of room hold the usual 24
+ * `out` stays the caller's. The terminator is stored unchecked: 24 units of room hold a text of 24
  * characters, and the terminator goes into the 25th.
  * @par Threads
  * Any thread may call while none changes the environment.

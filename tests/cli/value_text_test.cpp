@@ -64,6 +64,15 @@ TEST(ValueText, CharactersBeyondAsciiAreBufferTooSmall) {
   }
 }
 
+TEST(ValueText, ASurrogateAfterAPlainFirstCharacterIsThatCharacter) {
+  const ustring text[] = {'A', 0xD83D, 0xDE00, 0};
+  u32 status = 7;
+  astring* const copy = NVSuptUstrToAstr(text, &status);
+  EXPECT_EQ(status, SM_STATUS_SUCCESS);
+  EXPECT_STREQ(copy, "AAA");
+  free(copy);
+}
+
 TEST(ValueText, ConversionFaultIsTheStatus) {
   u32 status = 0;
   const ustring unpaired[] = {0xDC00, 'a', 0};
