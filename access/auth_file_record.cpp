@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <memory>
+#include <string_view>
 
 #include "access/role_map_error.h"
 #include "zsupt/zarn_tokenizer.h"
@@ -17,7 +18,7 @@ using ZarnSupport::ZarnTokenizer;
 constexpr wchar_t kNameSeparator[] = L",";
 
 struct RoleWord {
-  const wchar_t* word;
+  std::wstring_view word;
   u32 privileges;
 };
 
@@ -47,10 +48,18 @@ std::deque<std::wstring> NamesOf(const std::wstring& field) {
   return names;
 }
 
+// A-Z only: in some locales the C library's table makes another letter of "I".
+wchar_t Folded(wchar_t letter) { return letter >= L'A' && letter <= L'Z' ? letter + 32 : letter; }
+
+bool IsRoleWord(const std::wstring& field, const std::wstring_view& word) {
+  return std::equal(field.begin(), field.end(), word.begin(), word.end(),
+                    [](wchar_t letter, wchar_t wanted) { return Folded(letter) == wanted; });
+}
+
 // QVX_PRIV_NONE for any other word.
 u32 PrivilegesOf(const std::wstring& word) {
   for (const RoleWord& role : kRoleWords) {
-    if (word == role.word) return role.privileges;
+    if (IsRoleWord(word, role.word)) return role.privileges;
   }
   return QVX_PRIV_NONE;
 }
@@ -86,7 +95,7 @@ void QVAuthFileRecord::PopulateQVXRoles() {
   if (!tokens.hasMoreTokens()) throw QVXRoleMapFileReaderException(RoleMissingField, line);
   const std::wstring hosts = LowerCase(NextField(tokens));
   if (!tokens.hasMoreTokens()) throw QVXRoleMapFileReaderException(RoleMissingField, line);
-  const std::wstring word = LowerCase(NextField(tokens));
+  const std::wstring word = NextField(tokens);
   if (word.empty()) throw QVXRoleMapFileReaderException(RoleMissingField, line);
   const u32 privileges = PrivilegesOf(word);
   if (privileges == QVX_PRIV_NONE) throw QVXRoleMapFileReaderException(RoleInvalidRole, line);

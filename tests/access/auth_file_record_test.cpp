@@ -3,6 +3,7 @@
 #include "access/auth_file_record.h"
 
 #include <gtest/gtest.h>
+#include <locale.h>
 
 #include <vector>
 
@@ -99,6 +100,22 @@ TEST(AuthFileRecord, AdjacentCommasKeepTheEmptyNameBetweenThem) {
 
 TEST(AuthFileRecord, SeveralBlanksOfBothKindsAreOneSeparator) {
   EXPECT_EQ(EntriesOf(L"a \t \tb\t\t  user"), (Entries{{L"a", L"b", 0x1}}));
+}
+
+TEST(AuthFileRecord, RoleWordsAreFoldedFromAToZWhateverTheLocale) {
+  for (const char* locale : {"tr_TR.UTF-8", "az_AZ.UTF-8", "tr_TR.ISO-8859-9", "C"}) {
+    ASSERT_NE(setlocale(LC_ALL, locale), nullptr) << locale;
+    EXPECT_EQ(EntriesOf(L"root * ADMINISTRATOR"), (Entries{{L"root", L"*", 0x7}})) << locale;
+    EXPECT_EQ(EntriesOf(L"root * PowerUser"), (Entries{{L"root", L"*", 0x3}})) << locale;
+    EXPECT_EQ(FaultOf(L"root * adm\u0131n\u0131strator"), RoleInvalidRole) << locale;
+  }
+}
+
+TEST(AuthFileRecord, HostsAreFoldedByTheTableOfTheLocale) {
+  ASSERT_NE(setlocale(LC_ALL, "tr_TR.ISO-8859-9"), nullptr);
+  EXPECT_EQ(EntriesOf(L"root SRVI user"), (Entries{{L"root", L"srv\u00FD", 0x1}}));
+  ASSERT_NE(setlocale(LC_ALL, "C"), nullptr);
+  EXPECT_EQ(EntriesOf(L"root SRVI user"), (Entries{{L"root", L"srvi", 0x1}}));
 }
 
 TEST(AuthFileRecord, HostsBecomeLowerCaseUsersDoNot) {

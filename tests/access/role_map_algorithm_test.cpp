@@ -3,6 +3,7 @@
 #include "access/role_map_algorithm.h"
 
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -241,11 +242,19 @@ TEST_F(RoleMapAlgorithm, AGroupWithoutANameIsPassedOver) {
 }
 
 TEST_F(RoleMapAlgorithm, AGroupWhoseNameCannotBeWidenedIsPassedOver) {
+  ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
   test::AddUser("carol", 7003, 9999);
   test::AddGroup("cr\xFFw", 7103, "carol");
   test::AddGroup("crew", 7104, "carol");
   EXPECT_EQ(Grant({L"+cr,+cr\u00FFw,+crew * poweruser"}, L"carol"), 0x3u);
   EXPECT_EQ(Grant({L"+cr,+cr\u00FFw * poweruser"}, L"carol"), 0x0u);
+}
+
+TEST_F(RoleMapAlgorithm, NamesAreWidenedByTheLocaleInForce) {
+  ASSERT_NE(setlocale(LC_ALL, "en_GB.ISO-8859-1"), nullptr);
+  test::AddUser("carol", 7003, 9999);
+  test::AddGroup("cr\xFFw", 7103, "carol");
+  EXPECT_EQ(Grant({L"+cr\u00FFw * poweruser"}, L"carol"), 0x3u);
 }
 
 TEST_F(RoleMapAlgorithm, AnUnknownUserHasTheAnyUserEntries) {

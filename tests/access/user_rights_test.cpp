@@ -307,11 +307,33 @@ TEST_F(UserRights, ALoginThatCannotBeWidenedHasNoRoleMapRights) {
 }
 
 TEST_F(UserRights, AThisHostThatCannotBeWidenedGrantsNothing) {
+  ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
   ASSERT_EQ(sethostname("qvx\xFF", 4), 0);
   EXPECT_EQ(RightsOf("alice"), 0x0u);
   EXPECT_EQ(RightsOf("alice@h"), 0x1u);
   Load("root * user\n");
   EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u) << "what the system says, not the role map";
+}
+
+TEST_F(UserRights, UnderALatinLocaleABytePastAsciiIsALetterOfTheName) {
+  ASSERT_NE(setlocale(LC_ALL, "en_GB.ISO-8859-1"), nullptr);
+  ASSERT_EQ(sethostname("qvx\xE9", 4), 0);
+  EXPECT_EQ(RightsOf("\xE9lodie"), 0x1u);
+  EXPECT_EQ(RightsOf("alice@\xE9"), 0x1u);
+}
+
+TEST_F(UserRights, UnderATurkishLocaleARoleInCapitalsIsARole) {
+  ASSERT_NE(setlocale(LC_ALL, "tr_TR.UTF-8"), nullptr);
+  Load("alice * ADMINISTRATOR\n");
+  EXPECT_EQ(FaultEntries(), 0u);
+  EXPECT_EQ(RightsOf("alice"), 0x7u);
+}
+
+TEST_F(UserRights, UnderATurkishLocaleHostsAreFoldedAlikeOnBothSides) {
+  ASSERT_NE(setlocale(LC_ALL, "tr_TR.ISO-8859-9"), nullptr);
+  Load("alice *.LIB.x poweruser\nalice * user\n");
+  EXPECT_EQ(RightsOf("alice@LIB"), 0x3u);
+  EXPECT_EQ(RightsOf("alice@lib"), 0x1u) << "the small letter is another one";
 }
 
 TEST_F(UserRights, WithoutMemoryNothingIsThrownAndNothingExtraGranted) {
