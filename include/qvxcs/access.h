@@ -35,14 +35,7 @@ QVX_BEGIN_DECLS
  * superuser's group are power users, and everybody else is a user. A file that goes missing or gets
  * another mode while its lines are in force leaves them in force.
  *
- * The entry's identifier tells the fault:
- *
- * - 5911: a line has fewer than three fields
- * - 5912: the file cannot be examined or opened
- * - 5913: its mode is neither 0640 nor 01640
- * - 5914: it has no line that counts
- * - 5915: a line's third field is no role
- * - 5916: a user is given the same host twice
+ * The entry's identifier is the fault, one of `QVXRoleMapFault`.
  *
  * When a file in which a line is at fault, or without any line that counts, is opened once more,
  * the built-in lines stand until the process ends, also when the file has been corrected. To give a
@@ -71,6 +64,32 @@ QVX_BEGIN_DECLS
  * process exits, a reading that has begun is waited for, and afterwards nobody has rights.
  */
 
+/** Rights: a level, and the superuser's bit beside it. */
+enum QVXPrivilege {
+  QVX_PRIV_NONE = 0x0,          /**< no access */
+  QVX_PRIV_USER = 0x1,          /**< user */
+  QVX_PRIV_POWERUSER = 0x3,     /**< power user */
+  QVX_PRIV_ADMINISTRATOR = 0x7, /**< administrator */
+  QVX_PRIV_LEVEL = 0xFFFF,      /**< mask of the level */
+  QVX_PRIV_ROOT = 0x40000       /**< bit of the operating system's superuser */
+};
+
+/** Identifiers of the command log's entries about faults of the role map. */
+enum QVXRoleMapFault {
+  QVX_ROLEMAP_MISSING_FIELD = 5911,   /**< a line has fewer than three fields */
+  QVX_ROLEMAP_OPEN_FAILED = 5912,     /**< the file cannot be examined or opened */
+  QVX_ROLEMAP_BAD_PERMISSIONS = 5913, /**< its mode is neither 0640 nor 01640 */
+  QVX_ROLEMAP_NO_RECORDS = 5914,      /**< it has no line that counts */
+  QVX_ROLEMAP_INVALID_ROLE = 5915,    /**< a line's third field is no role */
+  QVX_ROLEMAP_CONFLICT = 5916         /**< a user is given the same host twice */
+};
+
+/** Why PXTMaskProgramRights() took a level away. */
+enum QVXMaskReason {
+  QVX_MASKED_USER = 1001,     /**< a user's rights became no access */
+  QVX_MASKED_POWERUSER = 1002 /**< a power user's rights became no access */
+};
+
 /**
  * Opens the role map file and checks its mode.
  *
@@ -97,9 +116,9 @@ QVX_EXPORT qvx_u32 PXTOpenRolemapFile(void);
  * on.
  *
  * @retval 0 when nothing is granted, the real user has no name, or memory runs out
- * @retval 1 user
- * @retval 3 power user
- * @retval 7 administrator
+ * @retval QVX_PRIV_USER user
+ * @retval QVX_PRIV_POWERUSER power user
+ * @retval QVX_PRIV_ADMINISTRATOR administrator
  * @par Memory
  * Nothing is handed to the caller.
  * @par Threads
@@ -133,9 +152,9 @@ QVX_EXPORT qvx_u32 PXTGetRightsUsingRolemap(void);
  * @param[in,out] password UCS-2 text under the same rule; every unit is 0 afterwards, whatever the
  *                         result
  * @retval 0 when refused: a NULL or unfit argument, a failed login, nothing granted, no memory
- * @retval 1 user
- * @retval 3 power user
- * @retval 7 administrator
+ * @retval QVX_PRIV_USER user
+ * @retval QVX_PRIV_POWERUSER power user
+ * @retval QVX_PRIV_ADMINISTRATOR administrator
  * @retval 0x40007 the operating system's superuser, whatever the role map says
  * @par Memory
  * Copies of name and password are overwritten before they are freed.
@@ -156,9 +175,9 @@ QVX_EXPORT qvx_u32 PXTAuthenticateUser(const qvx_ustring* domain, const qvx_ustr
  * @param[in] domain   UCS-2 text; a user of a domain is refused, so NULL or the empty text
  * @param[in] userName UCS-2 text; as UTF-8 it may have one byte more than it has units
  * @retval 0 when refused: a domain, a NULL or unfit name, nothing granted, no memory
- * @retval 1 user
- * @retval 3 power user
- * @retval 7 administrator
+ * @retval QVX_PRIV_USER user
+ * @retval QVX_PRIV_POWERUSER power user
+ * @retval QVX_PRIV_ADMINISTRATOR administrator
  * @retval 0x40007 the operating system's superuser, whatever the role map says
  * @par Memory
  * Nothing is handed to the caller.
@@ -202,10 +221,10 @@ QVX_EXPORT void* PXTGetOSDomainList(void);
 /**
  * Tells the rights of the calling process by its identities; the role map is not asked.
  *
- * @retval 1 neither the effective user nor the effective group is 0
- * @retval 3 the effective group is 0, the effective user is not
- * @retval 7 the effective user is 0, the real user is not
- * @retval 0x40007 effective and real user are 0
+ * @retval QVX_PRIV_USER neither the effective user nor the effective group is 0
+ * @retval QVX_PRIV_POWERUSER the effective group is 0, the effective user is not
+ * @retval QVX_PRIV_ADMINISTRATOR the effective user is 0, the real user is not
+ * @retval 0x40007 QVX_PRIV_ADMINISTRATOR and QVX_PRIV_ROOT: effective and real user are 0
  * @par Memory
  * Nothing is handed to the caller.
  * @par Threads
@@ -237,8 +256,7 @@ QVX_EXPORT qvx_astring* PXTGetProcessUser(void);
  * @param[in] rights  a rights value; an administrator's is returned at once and no file is read
  * @param[in] prefix  what the name of the OEM's file begins with
  * @param[in] iniFile name of the product's INI file that names the OEM
- * @param[out] reason stored only where a level is lowered to 0: 1001 for a user's, 1002 for a power
- *                    user's; may be NULL
+ * @param[out] reason stored only where a level is lowered to 0, one of `QVXMaskReason`; may be NULL
  * @return the rights that remain; 0 also when an argument is NULL, or the OEM, its file or the mask
  *         cannot be read
  * @par Memory

@@ -19,6 +19,11 @@
 
 QVX_BEGIN_DECLS
 
+/** A type code of PXTNVSASCIIToXVal() beside those of xml_buffer.h. */
+enum QVXCliValueType {
+  QVX_TYPE_THOUSANDTHS = 99 /**< a count of thousandths, stored divided by 1000 as `s64` */
+};
+
 /**
  * A command's entry: takes an argument count and that many name=value texts, returns a new XML text
  * (taken from an XML buffer) or NULL.
@@ -34,24 +39,24 @@ typedef struct PXTCommand {
 /**
  * Reads a typed value from a text.
  *
- * Types: 1 (stores the text pointer itself, nothing is copied), 4, 5, 7, 9, 11, 13, 20 to 23, and
- * 99: a count of thousandths, stored divided by 1000 (toward zero) as `s64`. Values of 8 and 16
- * bits are cut to their width and values beyond 32 bits to their low 32 bits, without a fault.
- * Beyond 64 bits the value may be any. Type 13 reads what `strtod` reads in the current locale:
- * "0x10" is 16, "inf" and "nan" are numbers, the decimal point is the locale's; a text that is no
- * number is 0, without a fault.
+ * Types: QVX_TYPE_ASTRING (stores the text pointer itself, nothing is copied), QVX_TYPE_BOOLN, the
+ * numbers of 8 to 64 bits, QVX_TYPE_D64, and QVX_TYPE_THOUSANDTHS (divided toward zero). Values of
+ * 8 and 16 bits are cut to their width and values beyond 32 bits to their low 32 bits, without a
+ * fault. Beyond 64 bits the value may be any. QVX_TYPE_D64 reads what `strtod` reads in the current
+ * locale: "0x10" is 16, "inf" and "nan" are numbers, the decimal point is the locale's; a text that
+ * is no number is 0, without a fault.
  *
  * @param[in] text  the text
  * @param[in] type  type code
  * @param[out] out  room for the value
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER when `out` is NULL; when the text is no number or boolean
- *         (not for type 13), where 0 is stored; when a quotient of type 99 leaves 32 bits,
- *         where nothing is stored
+ *         (not for QVX_TYPE_D64), where 0 is stored; when the quotient of QVX_TYPE_THOUSANDTHS
+ *         leaves 32 bits, where nothing is stored
  * @retval SM_STATUS_BAD_ARGUMENT for any other type code; nothing is stored
  * @retval 0xFFFFFFFF when `text` is NULL; nothing is stored
  * @par Memory
- * A value of type 1 points into the caller's text.
+ * A value of QVX_TYPE_ASTRING points into the caller's text.
  * @par Threads
  * Keeps no state; any thread may call.
  */
@@ -70,7 +75,7 @@ QVX_EXPORT qvx_u32 PXTNVSASCIIToXVal(const qvx_astring* text, qvx_s32 type, void
  *         PXTNVSASCIIToXVal
  * @retval SM_STATUS_BAD_ARGUMENT for a type code that PXTNVSASCIIToXVal does not take
  * @par Memory
- * A value of type 1 points into the vector's text.
+ * A value of QVX_TYPE_ASTRING points into the vector's text.
  * @par Threads
  * Keeps no state; any thread may call.
  */
@@ -80,9 +85,10 @@ QVX_EXPORT qvx_u32 PXTNVSNVPValToXVal(qvx_s32 count, qvx_astring** vector, const
 /**
  * Turns a typed value into a new text.
  *
- * Types: 1, 2 (as PXTNVSUstrToAstr converts it), 4, 5, 7, 9, 11, 13 (eight decimals and the current
- * locale's decimal point; of a longer text the first 31 characters), 15 (local time, of any value),
- * 20 to 23, 26 and 27 (escaped once).
+ * Types: the texts QVX_TYPE_ASTRING, QVX_TYPE_USTRING (as PXTNVSUstrToAstr converts it) and, escaped
+ * once, QVX_TYPE_XML_ASTRING and QVX_TYPE_XML_USTRING; QVX_TYPE_BOOLN; the numbers of 8 to 64 bits;
+ * QVX_TYPE_D64 (eight decimals and the current locale's decimal point; of a longer text the first 31
+ * characters); QVX_TYPE_TIME (local time, of any value).
  *
  * @param[in] type   type code
  * @param[in] value  the value
@@ -175,8 +181,8 @@ QVX_EXPORT qvx_ustring* PXTNVSAstrToUstr(const qvx_astring* text, qvx_u32* statu
  *
  * The element is empty, `<Parameter name="..." oldval="..." newval="..." value="..."/>`, with the
  * attributes of the values given, in this order. A value whose text PXTNVSXValToASCII cannot make
- * is left out. The name is not escaped; values are escaped only with the type codes 26
- * and 27.
+ * is left out. The name is not escaped; values are escaped only with QVX_TYPE_XML_ASTRING and
+ * QVX_TYPE_XML_USTRING.
  *
  * @param[in,out] buffer  the XML buffer
  * @param[in] name        the setting's name

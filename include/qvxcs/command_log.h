@@ -9,7 +9,7 @@
  *
  * It is one XML log (see xml_log.h) at a fixed place,
  * `/etc/cim/zarn/plinthos/var/log/vexilon//qvcmdlog.xml`, its backup is `qvcmdlog.xm_` beside it.
- * Every call that needs the log makes it when it is missing, with an entry of type 4, identifier 0,
+ * Every call that needs the log makes it when it is missing, with the entry QVX_LOG_CLEARED,
  * user `Local System`, source `QVPX`.
  *
  * The log moves to its backup when an entry would bring it to its maximum size. That is the decimal
@@ -30,6 +30,13 @@
 
 QVX_BEGIN_DECLS
 
+/** Limits of the command log. */
+enum QVXCommandLogLimit {
+  QVX_CMDLOG_FIRST_ID = 5001,  /**< least identifier of an event */
+  QVX_CMDLOG_LAST_ID = 6999,   /**< greatest identifier of an event */
+  QVX_CMDLOG_MAX_SIZE = 131072 /**< default maximum size, in bytes */
+};
+
 /**
  * Tells the command log's path and makes the log when it is missing.
  *
@@ -44,11 +51,11 @@ QVX_EXPORT qvx_astring* PXTGetCmdLogPathFileName(void);
 /**
  * Records one event.
  *
- * @param[in] identifier   the event's number, 5001 to 6999
+ * @param[in] identifier   the event's number, QVX_CMDLOG_FIRST_ID to QVX_CMDLOG_LAST_ID
  * @param[in] user         who caused it, 1 to 1,023 bytes
  * @param[in] source       the program that records it, 1 to 1,023 bytes
  * @param[in] description  1 to 16,383 bytes of well-formed markup; not escaped
- * @param[in] type         the event's type; 4 is information
+ * @param[in] type         the event's type, one of `QVXLogType` of xml_log.h
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER when a text is NULL or the identifier is out of its range;
  *         nothing is written, no log is made
@@ -113,7 +120,7 @@ QVX_EXPORT qvx_u32 PXTGetCmdLogMaxSize(qvx_u32* size);
 /**
  * Restores the default maximum, the only one that can be set; the properties file still wins.
  *
- * @param[in] size  131,072
+ * @param[in] size  QVX_CMDLOG_MAX_SIZE
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER for any other size
  * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken

@@ -21,25 +21,13 @@
  * Names are compared exactly, case included. The first section of a name counts, up to the next
  * line that begins with "[", and in it the first line of the key.
  *
- * | type | value | least size | text |
- * |---|---|---|---|
- * | 1 | `astring` | 1 | the text itself |
- * | 2 | `ustring` | 1 | its bytes in memory order, the 0 unit included, as type 3 |
- * | 3 | bytes | 1 | "0x01,0xAB" |
- * | 4 | `booln` | 2 | "TRUE" or "FALSE", read in any case |
- * | 5 | `u32` | 4 | decimal |
- * | 6 | `s32` | 4 | decimal |
- * | 7 | `u64` | 8 | decimal |
- * | 8 | `s64` | 8 | decimal |
- * | 9 | `d64` | 8 | decimal, written with eight places |
- *
- * These are the types of INI files only; PXTXBufCatNode() gives some of the numbers other meanings.
+ * The types of values are `QVXIniType`; PXTXBufCatNode() gives some of the numbers other meanings.
  * Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
  *
  * Every call holds the lock that the suite's processes share for as long as it works on the file,
- * so that none sees a file that another is changing. With a lock flag of exactly 1 a call waits for
- * it, 60,000 attempts that are 1 ms apart; with any other it tries once, which always fails in a
- * process that may not write the lock file. The lock keeps out processes, not the threads of one
+ * so that none sees a file that another is changing. With the lock flag QVX_LOCK_WAIT a call waits
+ * for it, 60,000 attempts that are 1 ms apart; with any other it tries once, which always fails in
+ * a process that may not write the lock file. The lock keeps out processes, not the threads of one
  * process: a host whose threads write the same file, or any two files of one directory, brings a
  * lock of its own. The lock belongs to the process: the first release ends it for all threads.
  */
@@ -48,24 +36,45 @@
 
 QVX_BEGIN_DECLS
 
+/** Types of values in INI files: the value in memory, its least size, its text in the file. */
+enum QVXIniType {
+  QVX_INI_ASTRING = 1, /**< `astring`, 1 byte or more: the text itself */
+  QVX_INI_USTRING = 2, /**< `ustring`, 1 byte or more: its bytes in memory order, the 0 unit
+                            included, written as QVX_INI_BINARY */
+  QVX_INI_BINARY = 3,  /**< bytes, 1 or more: "0x01,0xAB" */
+  QVX_INI_BOOLN = 4,   /**< `booln`, 2 bytes: "TRUE" or "FALSE", read in any case */
+  QVX_INI_U32 = 5,     /**< `u32`, 4 bytes: decimal */
+  QVX_INI_S32 = 6,     /**< `s32`, 4 bytes: decimal */
+  QVX_INI_U64 = 7,     /**< `u64`, 8 bytes: decimal */
+  QVX_INI_S64 = 8,     /**< `s64`, 8 bytes: decimal */
+  QVX_INI_D64 = 9      /**< `d64`, 8 bytes: decimal, written with eight places */
+};
+
+/** Lock flags: how a call takes the lock that the suite's processes share. */
+enum QVXLockFlag {
+  QVX_LOCK_TRY = 0, /**< try once, as with any value but 1 */
+  QVX_LOCK_WAIT = 1 /**< wait for it */
+};
+
 /**
  * Reads a value, or lists keys or sections.
  *
- * With type 1 and no key the keys of the section are listed, in the file's order; with no section
- * the sections of the file, repeated names too. In a list each name has its NUL, and one more NUL
- * closes it. `*size` becomes the sum of the lengths plus one each: the closing NUL is not counted,
- * so that a list that fills `*size` exactly ends one byte behind it.
+ * With QVX_INI_ASTRING and no key the keys of the section are listed, in the file's order; with no
+ * section the sections of the file, repeated names too. In a list each name has its NUL, and one
+ * more NUL closes it. `*size` becomes the sum of the lengths plus one each: the closing NUL is not
+ * counted, so that a list that fills `*size` exactly ends one byte behind it.
  *
  * When the value cannot be read the default takes its place; the status still tells why. What
  * counts as a default, and when:
- * - type 1: any failure behind the opening of the file but SM_STATUS_BUFFER_TOO_SMALL, when the
- *   default's size is not 0: as many bytes as both sizes allow, the last one made NUL. Else the
- *   value is "" and its size 0. When the lock or the file is not to be had, value and size stay as
- *   they were. Lists have no default, and but for SM_STATUS_BUFFER_TOO_SMALL a failed one leaves
+ * - QVX_INI_ASTRING: any failure behind the opening of the file but SM_STATUS_BUFFER_TOO_SMALL,
+ * when the default's size is not 0: as many bytes as both sizes allow, the last one made NUL. Else
+ * the value is "" and its size 0. When the lock or the file is not to be had, value and size stay
+ * as they were. Lists have no default, and but for SM_STATUS_BUFFER_TOO_SMALL a failed one leaves
  * its size.
- * - types 2 and 3: any failure but SM_STATUS_BUFFER_TOO_SMALL: as many bytes as both sizes allow.
- *   Else `*size` is 0. Bytes that stood before one above 255 may lie in the room behind that size.
- * - types 4 to 9: any failure, when the default's size is at least the type's: the value is the
+ * - QVX_INI_USTRING and QVX_INI_BINARY: any failure but SM_STATUS_BUFFER_TOO_SMALL: as many bytes
+ * as both sizes allow. Else `*size` is 0. Bytes that stood before one above 255 may lie in the room
+ * behind that size.
+ * - the other types: any failure, when the default's size is at least the type's: the value is the
  *   default, `*size` the type's size. Else `*size` is 0.
  *
  * A default may be the value itself. There is none after a missing pointer, a size too small for
@@ -74,22 +83,22 @@ QVX_BEGIN_DECLS
  * Texts are read so: of a `booln` the first word, ended by a space, counts. Bytes are hexadecimal
  * numbers between commas, with or without "0x"; the list ends quietly at the first piece that does
  * not begin with a number. A text that is no number is not reported: the value is 0. A number
- * beyond 32 bits gives types 5 and 6 its low 32 bits.
+ * beyond 32 bits gives QVX_INI_U32 and QVX_INI_S32 its low 32 bits.
  *
- * @param[in] section       the section, or NULL (type 1) to list the sections
- * @param[in] key           the key, or NULL (type 1) to list the keys
- * @param[in] type          1 to 9
+ * @param[in] section       the section, or NULL (QVX_INI_ASTRING) to list the sections
+ * @param[in] key           the key, or NULL (QVX_INI_ASTRING) to list the keys
+ * @param[in] type          one of `QVXIniType`
  * @param[out] value        room for the value
- * @param[in,out] size      bytes of room; then the bytes delivered for types 1 to 3, for the others
- * left alone unless a default is asked for
+ * @param[in,out] size      bytes of room; then the bytes delivered of texts and binary values; for
+ * the other types left alone unless a default is asked for
  * @param[in] defaultValue  a value of the type, or NULL for none
- * @param[in] defaultSize   its bytes; for type 2 just those of the text with its 0 unit
+ * @param[in] defaultSize   its bytes; for QVX_INI_USTRING just those of the text with its 0 unit
  * @param[in] path          the file
- * @param[in] lockFlag      1 to wait for the lock, any other to try once
+ * @param[in] lockFlag      QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_BAD_ARGUMENT when value, size or path is NULL, section or key is NULL for types
- * 2 to 9, `*size` is less than the type's least size (2 for a list), the type is unknown or the
- * default of type 2 is not a text of its size
+ * @retval SM_STATUS_BAD_ARGUMENT when value, size or path is NULL, section or key is NULL for a
+ * type other than QVX_INI_ASTRING, `*size` is less than the type's least size (2 for a list), the
+ * type is unknown or the default of QVX_INI_USTRING is not a text of its size
  * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
  * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is no regular
  * file
@@ -98,7 +107,7 @@ QVX_BEGIN_DECLS
  * @retval SM_STATUS_SECTION_NOT_FOUND when the file has no such section, or none at all
  * @retval SM_STATUS_KEY_NOT_FOUND when the section has no such key, or none at all
  * @retval SM_STATUS_BUFFER_TOO_SMALL when text, bytes or list do not fit: `*size` is the size
- * needed. The value is left alone (type 1) or holds the bytes or names that fit
+ * needed. The value is left alone (QVX_INI_ASTRING) or holds the bytes or names that fit
  * @retval SM_STATUS_DATA_TOO_LARGE when the text is no `booln`, or one of its bytes is negative or
  * above 255
  * @retval -1 without memory
@@ -107,7 +116,7 @@ QVX_BEGIN_DECLS
  * @par Threads
  * Any thread may call; see above for the lock.
  * @par Standards
- * ISO C strtod for type 9, in the current locale.
+ * ISO C strtod for QVX_INI_D64, in the current locale.
  */
 QVX_EXPORT qvx_u32 PXTReadINIPathFileValue(const qvx_astring* section, const qvx_astring* key,
                                            qvx_s32 type, void* value, qvx_u32* size,
@@ -120,15 +129,15 @@ QVX_EXPORT qvx_u32 PXTReadINIPathFileValue(const qvx_astring* section, const qvx
  * The file is "/etc/cim/zarn/plinthos/vexilon//qvx/ini/" and the name, cut at 255 characters. For
  * all else see PXTReadINIPathFileValue().
  *
- * @param[in] section       the section, or NULL (type 1) to list the sections
- * @param[in] key           the key, or NULL (type 1) to list the keys
- * @param[in] type          1 to 9
+ * @param[in] section       the section, or NULL (QVX_INI_ASTRING) to list the sections
+ * @param[in] key           the key, or NULL (QVX_INI_ASTRING) to list the keys
+ * @param[in] type          one of `QVXIniType`
  * @param[out] value        room for the value
  * @param[in,out] size      bytes of room, then the bytes delivered
  * @param[in] defaultValue  a value of the type, or NULL for none
  * @param[in] defaultSize   its bytes
  * @param[in] fileName      the file's bare name
- * @param[in] lockFlag      1 to wait for the lock, any other to try once
+ * @param[in] lockFlag      QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_BAD_ARGUMENT when `fileName` is NULL, else as PXTReadINIPathFileValue()
  * @retval -1 when the product has no install path, or without memory
@@ -158,21 +167,22 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * directory, or in the root directory, the copy lies in the working directory. A file of the copy's
  * own name is refused with SM_STATUS_FILE_OPEN_FAILED. The file's mode becomes 01664 (octal).
  *
- * A NULL value with size 0 deletes the key (types 1 to 3). To delete a key that the section does
- * not have is a success.
+ * A NULL value with size 0 deletes the key (texts and binary values). To delete a key that the
+ * section does not have is a success.
  *
  * @param[in] section   at most 255 characters
  * @param[in] key       at most 255 characters
- * @param[in] type      1 to 9
+ * @param[in] type      one of `QVXIniType`
  * @param[in] value     the value, or NULL to delete
- * @param[in] size      its bytes. Type 1: length plus one, 8,193 at most. Type 2: units and 0 unit,
- * 2,048 at most. Type 3: 1 to 2,048. Others: at least the type's size. No list of bytes is written
- * that is longer than 8,192 characters, so that types 2 and 3 end at 1,638 bytes
+ * @param[in] size      its bytes. QVX_INI_ASTRING: length plus one, 8,193 at most. QVX_INI_USTRING:
+ * units and 0 unit, 2,048 at most. QVX_INI_BINARY: 1 to 2,048. Others: at least the type's size. No
+ * list of bytes is written that is longer than 8,192 characters, so that QVX_INI_USTRING and
+ * QVX_INI_BINARY end at 1,638 bytes
  * @param[in] path      the file
- * @param[in] lockFlag  1 to wait for the lock, any other to try once
+ * @param[in] lockFlag  QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_BAD_ARGUMENT when section, key or path is NULL, a name is too long, the value
- * of types 4 to 9 is NULL or the type is unknown
+ * is NULL and its type no text and not binary or the type is unknown
  * @retval SM_STATUS_DATA_TOO_LARGE when the size does not fit the value, or a key is to be deleted
  * from a missing section or file
  * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
@@ -191,7 +201,7 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * @par Threads
  * One thread of a process at a time; see above.
  * @par Standards
- * ISO C printf for type 9, in the current locale.
+ * ISO C printf for QVX_INI_D64, in the current locale.
  */
 QVX_EXPORT qvx_u32 PXTWriteINIPathFileValue(const qvx_astring* section, const qvx_astring* key,
                                             qvx_s32 type, const void* value, qvx_s32 size,
@@ -205,11 +215,11 @@ QVX_EXPORT qvx_u32 PXTWriteINIPathFileValue(const qvx_astring* section, const qv
  *
  * @param[in] section   at most 255 characters
  * @param[in] key       at most 255 characters
- * @param[in] type      1 to 9
+ * @param[in] type      one of `QVXIniType`
  * @param[in] value     the value, or NULL to delete
  * @param[in] size      its bytes
  * @param[in] fileName  the file's bare name
- * @param[in] lockFlag  1 to wait for the lock, any other to try once
+ * @param[in] lockFlag  QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_BAD_ARGUMENT when `fileName` is NULL, else as PXTWriteINIPathFileValue()
  * @retval -1 when the product has no install path, else as PXTWriteINIPathFileValue()

@@ -52,9 +52,16 @@ typedef struct PXTSLList {
   qvx_u32 count;        /**< the number of entries */
 } PXTSLList;
 
+/** Positions of a new entry to one in the list: what a compare function may answer. */
+enum QVXListPosition {
+  QVX_LIST_BEFORE = -1, /**< the new entry belongs before it, as with any negative answer */
+  QVX_LIST_SAME = 0,    /**< both have the same key */
+  QVX_LIST_AFTER = 1    /**< the new entry belongs after it, as with any positive answer */
+};
+
 /**
- * Compares a new entry with one in the list: negative when the new one belongs before it, 0 when
- * both have the same key, positive when it belongs behind.
+ * Compares a new entry with one in the list and answers its position, one of `QVXListPosition` or
+ * any other number of the same sign.
  */
 typedef qvx_s32 (*PXTDLListCompare)(PXTDLListEntry* newEntry, PXTDLListEntry* listEntry);
 
@@ -104,7 +111,7 @@ QVX_EXPORT PXTDLListEntry* PXTDLListEntryAlloc(qvx_u32 size);
  *
  * It must not be in a list.
  *
- * @param[in] entry  the entry; with NULL the list stays as it is
+ * @param[in] entry  the entry; NULL does nothing
  * @par Memory
  * One routine serves both kinds of entries.
  * @par Threads
@@ -252,7 +259,7 @@ QVX_EXPORT PXTSLListEntry* PXTSLListEntryAlloc(qvx_u32 size);
  *
  * It must not be in a list.
  *
- * @param[in] entry  the entry; with NULL the list stays as it is
+ * @param[in] entry  the entry; NULL does nothing
  * @par Memory
  * One routine serves both kinds of entries.
  * @par Threads

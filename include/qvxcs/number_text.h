@@ -213,7 +213,7 @@ QVX_EXPORT qvx_booln PXTASCIIToBoolnV(const qvx_astring* text, qvx_u32* status);
  * first digit that does not belong. 0x1F is 31, 10 is 10, and ff is no number.
  *
  * @param[in] text     the text, without white space
- * @param[in] base     8, 10 or 16
+ * @param[in] base     QVX_BASE_OCTAL, QVX_BASE_DECIMAL or QVX_BASE_HEXADECIMAL
  * @param[out] status  `SM_STATUS_SUCCESS`; `SM_STATUS_INVALID_PARAMETER` when the text is NULL,
  *                     empty, no number of the base or a sign alone, or the base another; NULL is
  *                     allowed
@@ -231,7 +231,7 @@ QVX_EXPORT qvx_u32 PXTASCIIToUnSigned32VT(const qvx_astring* text, qvx_u32 base,
  * Reads as the unsigned conversion does.
  *
  * @param[in] text     the text, without white space
- * @param[in] base     8, 10 or 16
+ * @param[in] base     QVX_BASE_OCTAL, QVX_BASE_DECIMAL or QVX_BASE_HEXADECIMAL
  * @param[out] status  as for the unsigned conversion; NULL is allowed
  * @return the low 32 bits of the number; 0 for a text that is none and for another base
  * @par Memory
@@ -245,7 +245,7 @@ QVX_EXPORT qvx_s32 PXTASCIIToSigned32VT(const qvx_astring* text, qvx_u32 base, q
  * Converts decimal text to an unsigned 64-bit number; texts of bases 16 and 8 are only checked.
  *
  * @param[in] text     the text, without white space
- * @param[in] base     8, 10 or 16
+ * @param[in] base     QVX_BASE_OCTAL, QVX_BASE_DECIMAL or QVX_BASE_HEXADECIMAL
  * @param[out] status  `SM_STATUS_SUCCESS`, for a sign alone too; `SM_STATUS_INVALID_PARAMETER` when
  *                     the text is NULL, empty or not of the base's digits, or the base
  *                     another; NULL is allowed
@@ -261,7 +261,7 @@ QVX_EXPORT qvx_u64 PXTASCIIToUnSigned64VT(const qvx_astring* text, qvx_u32 base,
  * Converts decimal text to a signed 64-bit number; texts of bases 16 and 8 are only checked.
  *
  * @param[in] text     the text, without white space
- * @param[in] base     8, 10 or 16
+ * @param[in] base     QVX_BASE_OCTAL, QVX_BASE_DECIMAL or QVX_BASE_HEXADECIMAL
  * @param[out] status  as for the unsigned conversion; NULL is allowed
  * @return in base 10 what `PXTASCIIToSigned64` gives; in the others 0
  * @par Memory
@@ -449,7 +449,7 @@ QVX_EXPORT qvx_s32 PXTUniDoubleToStr(qvx_ustring* out, qvx_u32* size, qvx_d64 va
  * @param[in,out] size  bytes of room, terminator counted; then the bytes stored or needed. A text
  *                      that does not fit is cut as in `PXTUniDoubleToStr`
  * @param[in] value     the number
- * @param[in] base      2, 8, 16; any other is decimal
+ * @param[in] base      one of `QVXBase`; any other is decimal
  * @retval 0 stored, cut or measured
  * @retval -1 when `size` is NULL or memory is short; `out` and `size` are left as they were
  * @par Memory
@@ -468,7 +468,7 @@ QVX_EXPORT qvx_s32 PXTUniUnSigned32ToStr(qvx_ustring* out, qvx_u32* size, qvx_u3
  * @param[out] out      the room, or NULL to ask for the size
  * @param[in,out] size  bytes of room, terminator counted; then the bytes stored or needed
  * @param[in] value     the number
- * @param[in] base      2, 8, 16; any other is decimal
+ * @param[in] base      one of `QVXBase`; any other is decimal
  * @retval 0 stored, cut or measured
  * @retval -1 when `size` is NULL or memory is short; `out` and `size` are left as they were
  * @par Memory

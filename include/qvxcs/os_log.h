@@ -17,6 +17,13 @@
 
 QVX_BEGIN_DECLS
 
+/** Types of events. */
+enum QVXOsLogType {
+  QVX_OSLOG_ERROR = 1,      /**< priority "err" */
+  QVX_OSLOG_WARNING = 2,    /**< priority "warning" */
+  QVX_OSLOG_INFORMATION = 4 /**< priority "info", as with any other value */
+};
+
 /**
  * Writes one event to the system's log.
  *
@@ -24,7 +31,7 @@ QVX_BEGIN_DECLS
  * line feeds stay. The text is never taken for a format. A source or text whose encoded form is
  * longer than its count of units and five bytes is cut there at a whole character.
  *
- * @param[in] eventType    1 is an error, 2 a warning, any other value informational
+ * @param[in] eventType    one of `QVXOsLogType`; any other value is informational
  * @param[in] eventNumber  the event's number
  * @param[in] source       the host's name, up to a 0 unit
  * @param[in] text         what happened, up to a 0 unit

@@ -23,6 +23,14 @@
 
 QVX_BEGIN_DECLS
 
+/** What PXTWebServer() does. */
+enum QVXWebServerAction {
+  QVX_WEBSERVER_STOP = 0,       /**< stops the service */
+  QVX_WEBSERVER_START = 1,      /**< starts it */
+  QVX_WEBSERVER_RESTART = 3,    /**< restarts it */
+  QVX_WEBSERVER_RESTART_TOO = 4 /**< restarts it, too */
+};
+
 /**
  * Gives the install path.
  *
@@ -271,7 +279,7 @@ QVX_EXPORT qvx_astring* PXTGetHostNameAStr(void);
  * them; the library's own files, the lock file and an open role map, stay open and are not
  * inherited. Restart only from a process that is prepared for that.
  *
- * @param[in] action     0 stop, 1 start, 3 and 4 restart
+ * @param[in] action     one of `QVXWebServerAction`
  * @param[in] reserved   not used
  * @param[out] exitCode  the shell's exit status, or NULL; -1 when no shell could be run. It is 0
  * for a shell that a signal ended

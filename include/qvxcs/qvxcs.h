@@ -30,6 +30,7 @@
 #include "qvxcs/transcode.h"
 #include "qvxcs/types.h"
 #include "qvxcs/uni_string.h"
+#include "qvxcs/version.h"
 #include "qvxcs/xml_buffer.h"
 #include "qvxcs/xml_log.h"
 #include "qvxcs/xsl_path.h"

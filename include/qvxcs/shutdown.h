@@ -15,6 +15,17 @@
 
 QVX_BEGIN_DECLS
 
+/** Families of operating systems. */
+enum QVXOsType {
+  QVX_OS_LINUX = 2 /**< this one */
+};
+
+/** What PXTOSShutdown() does. */
+enum QVXShutdownMode {
+  QVX_SHUTDOWN_HALT = 0,  /**< halts, as with any value but 1 */
+  QVX_SHUTDOWN_REBOOT = 1 /**< reboots */
+};
+
 /**
  * Halts or reboots this machine.
  *
@@ -24,7 +35,7 @@ QVX_BEGIN_DECLS
  * exit status. The child is the host's to wait for.
  *
  * @param[in] ignored  not used
- * @param[in] mode     exactly 1 reboots, any other value halts
+ * @param[in] mode     QVX_SHUTDOWN_REBOOT reboots, any other value halts
  * @retval 1 always
  * @par Memory
  * Nothing is allocated.
@@ -36,7 +47,7 @@ QVX_EXPORT qvx_u32 PXTOSShutdown(qvx_u16 ignored, qvx_u16 mode);
 /**
  * Tells the family of the operating system.
  *
- * @retval 2 the code of this family, always
+ * @retval QVX_OS_LINUX the code of this family, always
  * @par Memory
  * Nothing is allocated.
  * @par Threads

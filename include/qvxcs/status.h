@@ -61,5 +61,37 @@
 #define SM_STATUS_NO_MEMORY 0x0110u
 /** The address text given to an IP test is NULL. */
 #define SM_STATUS_IP_INVALID_PARAMETER 0x2018u
+/** -1 as a status: a failure for which the call has no other code. */
+#define QVX_FAILED 0xFFFFFFFFu
+
+/**
+ * Applies a macro to the name of every status, QVX_FAILED excepted, as a program needs it to print
+ * names: `#define CASE(name) case name: return #name;` and, in a `switch`,
+ * `QVXCS_EACH_STATUS(CASE)`.
+ */
+/* clang-format off */
+#define QVXCS_EACH_STATUS(apply) \
+  apply(SM_STATUS_SUCCESS) \
+  apply(SM_STATUS_BAD_ARGUMENT) \
+  apply(SM_STATUS_TIMEOUT) \
+  apply(SM_STATUS_FILE_OPEN_FAILED) \
+  apply(SM_STATUS_LOCK_FAILED) \
+  apply(SM_STATUS_SIZE_REQUIRED) \
+  apply(SM_STATUS_BUFFER_TOO_SMALL) \
+  apply(SM_STATUS_NOT_LOADED) \
+  apply(SM_STATUS_WRITE_FAILED) \
+  apply(SM_STATUS_FAILURE) \
+  apply(SM_STATUS_BAD_DATA) \
+  apply(SM_STATUS_FILE_CREATE_FAILED) \
+  apply(SM_STATUS_FILE_OPEN_ERROR) \
+  apply(SM_STATUS_BAD_SECTION_HEADER) \
+  apply(SM_STATUS_SECTION_NOT_FOUND) \
+  apply(SM_STATUS_KEY_NOT_FOUND) \
+  apply(SM_STATUS_DATA_TOO_LARGE) \
+  apply(SM_STATUS_FILE_DELETE_FAILED) \
+  apply(SM_STATUS_INVALID_PARAMETER) \
+  apply(SM_STATUS_NO_MEMORY) \
+  apply(SM_STATUS_IP_INVALID_PARAMETER)
+/* clang-format on */
 
 #endif

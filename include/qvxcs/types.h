@@ -57,6 +57,20 @@ typedef int64_t qvx_s64;
 /** A 64-bit IEEE double. */
 typedef double qvx_d64;
 
+/** The values of a boolean. */
+enum QVXBoolean {
+  QVX_FALSE = 0, /**< false, as is any value but 1 */
+  QVX_TRUE = 1   /**< true */
+};
+
+/** Number bases, for the calls that take one. */
+enum QVXBase {
+  QVX_BASE_BINARY = 2,      /**< for writing only, where it always gives the empty text */
+  QVX_BASE_OCTAL = 8,       /**< digits 0 to 7 */
+  QVX_BASE_DECIMAL = 10,    /**< digits 0 to 9 */
+  QVX_BASE_HEXADECIMAL = 16 /**< digits 0 to 9 and a to f */
+};
+
 #ifndef QVXCS_NO_SHORT_TYPES
 /** Short for #qvx_astring. */
 typedef qvx_astring astring;

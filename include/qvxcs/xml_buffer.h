@@ -12,33 +12,9 @@
  * checked: names and attribute texts are written as they stand, and it is the caller who matches
  * opening and closing tags.
  *
- * The value of an element is given by a pointer and a type code. Values behind a pointer need no
- * alignment; exactly their bytes are read.
- *
- * | code | the pointer points to     | written between the tags                              |
- * |-----:|---------------------------|-------------------------------------------------------|
- * |    1 | `astring` text            | the text as it stands                                 |
- * |    2 | `ustring` text            | the text as UTF-8, not escaped                        |
- * |    4 | `booln`                   | "true" for exactly 1, else "false"                    |
- * |    5 | `u32`                     | a number                                              |
- * |    7 | `s32`                     | a number                                              |
- * |    9 | `u64`                     | a decimal number                                      |
- * |   11 | `s64`                     | a decimal number                                      |
- * |   13 | `d64`                     | eight decimal places, cut at 31 characters            |
- * |   15 | `s32`, seconds since 1970 | local time, "Thu Jan  1 00:00:01 1970"; below 1: "-1" |
- * |   16 | `SSAStr`                  | its text as it stands; empty without one              |
- * |   17 | `SSUStr`                  | its text as UTF-8, not escaped; empty without one     |
- * |   18 | nothing, may be NULL      | the opening tag alone                                 |
- * |   19 | nothing, may be NULL      | the closing tag alone, without attributes             |
- * |   20 | unsigned 8 bits           | a number                                              |
- * |   21 | signed 8 bits             | a number                                              |
- * |   22 | unsigned 16 bits          | a number                                              |
- * |   23 | signed 16 bits            | a number                                              |
- * |   25 | `PXTTypedValue`           | its value, by its own type and format                 |
- * |   26 | `astring` text            | the text, escaped for XML                             |
- * |   27 | `ustring` text            | the text as UTF-8, escaped for XML                    |
- *
- * The gaps are no types and are refused; the codes never change. A "number" is decimal unless a
+ * The value of an element is given by a pointer and a type code of `QVXValueType`. Values need no
+ * alignment; exactly their bytes are read. The gaps between the codes are no types and are refused;
+ * the codes never change. A "number" is decimal unless a
  * `PXTTypedValue` asks for radix 16.
  *
  * Memory: a buffer starts with 64 bytes or what is asked for and grows as the growable strings do.
@@ -53,11 +29,38 @@
 
 QVX_BEGIN_DECLS
 
-/** A value that describes itself, for type code 25. */
+/** Type codes: what a value's pointer points to, and what is written between the tags. */
+enum QVXValueType {
+  QVX_TYPE_ASTRING = 1,      /**< `astring` text: the text as it stands */
+  QVX_TYPE_USTRING = 2,      /**< `ustring` text: the text as UTF-8, not escaped */
+  QVX_TYPE_BOOLN = 4,        /**< `booln`: "true" for exactly 1, else "false" */
+  QVX_TYPE_U32 = 5,          /**< `u32`: a number */
+  QVX_TYPE_S32 = 7,          /**< `s32`: a number */
+  QVX_TYPE_U64 = 9,          /**< `u64`: a decimal number */
+  QVX_TYPE_S64 = 11,         /**< `s64`: a decimal number */
+  QVX_TYPE_D64 = 13,         /**< `d64`: eight decimal places, cut at 31 characters */
+  QVX_TYPE_TIME = 15,        /**< `s32`, seconds since 1970: local time, as in
+                                  "Thu Jan  1 00:00:01 1970"; "-1" below 1 */
+  QVX_TYPE_SSASTR = 16,      /**< `SSAStr`: its text as it stands; empty without one */
+  QVX_TYPE_SSUSTR = 17,      /**< `SSUStr`: its text as UTF-8, not escaped; empty without one */
+  QVX_TYPE_BEGIN = 18,       /**< nothing, may be NULL: the opening tag alone */
+  QVX_TYPE_END = 19,         /**< nothing, may be NULL: the closing tag alone, no attributes */
+  QVX_TYPE_U8 = 20,          /**< `u8`: a number */
+  QVX_TYPE_S8 = 21,          /**< `s8`: a number */
+  QVX_TYPE_U16 = 22,         /**< `u16`: a number */
+  QVX_TYPE_S16 = 23,         /**< `s16`: a number */
+  QVX_TYPE_TYPED_VALUE = 25, /**< `PXTTypedValue`: its value, by its own type and format */
+  QVX_TYPE_XML_ASTRING = 26, /**< `astring` text: the text, escaped for XML */
+  QVX_TYPE_XML_USTRING = 27  /**< `ustring` text: the text as UTF-8, escaped for XML */
+};
+
+/** A value that describes itself, for QVX_TYPE_TYPED_VALUE. */
 typedef struct PXTTypedValue {
-  qvx_s32 type;   /**< type code of `value`; 25 is refused here */
-  qvx_s32 format; /**< 5, 7, 20 to 23: radix, 0 and 10 decimal, 16 as "%#x" prints it, no other;
-                   26, 27: number of times the text is escaped, below 1 once; else ignored */
+  qvx_s32 type;   /**< type code of `value`; QVX_TYPE_TYPED_VALUE is refused here */
+  qvx_s32 format; /**< for numbers of 8, 16 and 32 bits the base: 0 and QVX_BASE_DECIMAL decimal,
+                        QVX_BASE_HEXADECIMAL as "%#x" prints it, no other; for
+                        QVX_TYPE_XML_ASTRING and QVX_TYPE_XML_USTRING how many times the text is
+                        escaped, below 1 once; else ignored */
   void* value;    /**< as the type code says */
 } PXTTypedValue;
 
@@ -118,13 +121,14 @@ QVX_EXPORT void PXTXFreeBufContent(qvx_astring* text);
  * @param[in] attributes  written as it stands after one blank; NULL without any, and an empty text
  *                        still gets its blank
  * @param[in] type        type code of the value
- * @param[in] value       the value; may be NULL for the codes 18 and 19 only
- * @retval SM_STATUS_SUCCESS also where the buffer could not grow, or where a text of the codes 2
- *         and 17 could not be converted and the element stays empty
+ * @param[in] value       the value; may be NULL for QVX_TYPE_BEGIN and QVX_TYPE_END only
+ * @retval SM_STATUS_SUCCESS also where the buffer could not grow, or where a text of
+ *         QVX_TYPE_USTRING or QVX_TYPE_SSUSTR could not be converted and the element stays empty
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer`, `name` or a needed value is NULL, and for a
  *         type code or radix that is none; the buffer stays as it was
- * @retval SM_STATUS_NO_MEMORY without memory for the element, and when a text of the codes 26 and
- *         27 cannot be converted; the buffer stays as it was
+ * @retval SM_STATUS_NO_MEMORY without memory for the element, and when a text of
+ *         QVX_TYPE_XML_ASTRING or QVX_TYPE_XML_USTRING cannot be converted; the buffer stays as it
+ *         was
  * @par Memory
  * Name, attributes and value are copied.
  * @par Threads

@@ -27,7 +27,7 @@
  * does not grow with the log. A log that an entry would bring to the caller's maximum size is
  * renamed to its backup first: the log's path with the last character replaced by `_`, so
  * `cmd.xml` moves to `cmd.xm_`. One backup is kept and is replaced each time. The new log begins
- * with an entry of type 4, identifier 1, `Log backup created`.
+ * with the entry QVX_LOG_BACKUP_CREATED.
  *
  * Sizes and text limits are in bytes. Logs and backups get mode 01664, their directory 0755 less
  * the umask.
@@ -42,10 +42,31 @@
 
 QVX_BEGIN_DECLS
 
+/** Types of entries; any other number is taken as well. */
+enum QVXLogType {
+  QVX_LOG_ERROR = 1,      /**< an error */
+  QVX_LOG_WARNING = 2,    /**< a warning */
+  QVX_LOG_INFORMATION = 4 /**< information */
+};
+
+/** Identifiers of the entries that the library itself writes, of type QVX_LOG_INFORMATION. */
+enum QVXLogEntryId {
+  QVX_LOG_CLEARED = 0,       /**< `Log was cleared`: the log was begun anew */
+  QVX_LOG_BACKUP_CREATED = 1 /**< `Log backup created`: the log before is now the backup */
+};
+
+/** Limits of an entry and of a log's name, in bytes. */
+enum QVXLogLimit {
+  QVX_LOG_MAX_USER = 1023,         /**< longest user or source */
+  QVX_LOG_MAX_DESCRIPTION = 16383, /**< longest description */
+  QVX_LOG_MAX_DATA = 32768,        /**< most bytes of data */
+  QVX_LOG_NAME_ROOM = 256          /**< room that PXTGetBackupXMLLogPathFileName() needs */
+};
+
 /**
  * Makes sure that a log is there.
  *
- * A file of 65 bytes and more is left as it is. Otherwise an entry of type 4, identifier 0,
+ * A file of 65 bytes and more is left as it is. Otherwise the entry QVX_LOG_CLEARED,
  * `Log was cleared`, is appended, which creates the log and one directory above it.
  *
  * @param[in] path    the log
@@ -62,7 +83,7 @@ QVX_EXPORT qvx_u32 PXTForceXMLLogExists(const qvx_astring* path, const qvx_astri
                                         const qvx_astring* source);
 
 /**
- * Deletes a log and begins it anew with an entry of type 4, identifier 0, `Log was cleared`.
+ * Deletes a log and begins it anew with the entry QVX_LOG_CLEARED, `Log was cleared`.
  *
  * The arguments are checked before anything is deleted. The backup stays. Entries that another
  * process appends between the two steps stand ahead of the new entry.
@@ -92,7 +113,7 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * write it is not reported.
  *
  * @param[in] path         the log
- * @param[in] type         the entry's type; 1 is an error, 2 a warning, 4 information
+ * @param[in] type         the entry's type, one of `QVXLogType`
  * @param[in] id           the entry's identifier
  * @param[in] user         1 to 1,023 bytes, or NULL
  * @param[in] source       1 to 1,023 bytes, or NULL

@@ -19,6 +19,13 @@
 
 QVX_BEGIN_DECLS
 
+/** Parts of a composed sheet, to be added up. */
+enum QVXSheetPart {
+  QVX_SHEET_DECLARATION = 2, /**< the XML declaration */
+  QVX_SHEET_OPENING_TAG = 4, /**< the opening tag */
+  QVX_SHEET_CLOSING_TAG = 8  /**< the closing tag */
+};
+
 /**
  * Finds the best sheet, or composes one that includes it.
  *
@@ -36,8 +43,7 @@ QVX_BEGIN_DECLS
  * @param[in] dir            the directory of the sheet
  * @param[in] file           the sheet's file name
  * @param[in] locale         the locale, at most 5 characters; NULL for "en_US"
- * @param[in] flags          sum of 2 for the XML declaration, 4 for the opening tag, 8 for the
- *                           closing tag; other bits mean nothing
+ * @param[in] flags          sum of `QVXSheetPart`; other bits mean nothing
  * @param[in] forwardSlashes not 0: every backslash of the result becomes a "/"
  * @return the URI or the text; NULL when `product`, `dir` or `file` is NULL, the locale is longer,
  *         the style sheet root cannot be had, or without memory
