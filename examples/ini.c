@@ -14,7 +14,9 @@
 
 #include "qvxcs/qvxcs.h"
 
-enum { kText = 1, kWaitForTheLock = 1, kFirstRoom = 64 };
+#include "failure.h"
+
+enum { kFirstRoom = 64 };
 
 /* A value of any length, in memory of the caller; NULL, and the status tells why. */
 static astring* Get(const char* path, const char* section, const char* key, u32* status) {
@@ -28,8 +30,8 @@ static astring* Get(const char* path, const char* section, const char* key, u32*
       break;
     }
     value = room;
-    *status =
-        PXTReadINIPathFileValue(section, key, kText, value, &size, NULL, 0, path, kWaitForTheLock);
+    *status = PXTReadINIPathFileValue(section, key, QVX_INI_ASTRING, value, &size, NULL, 0, path,
+                                      QVX_LOCK_WAIT);
   }
   if (*status != SM_STATUS_SUCCESS) {
     PXTFreeMem(value);
@@ -44,8 +46,8 @@ static u32 Set(const char* path, const char* section, const char* key, const cha
       strchr("[#; \t", *key) != NULL || strchr(value, '\n') != NULL || strlen(value) > 8192) {
     return SM_STATUS_INVALID_PARAMETER;
   }
-  return PXTWriteINIPathFileValue(section, key, kText, value, (s32)strlen(value) + 1, path,
-                                  kWaitForTheLock);
+  return PXTWriteINIPathFileValue(section, key, QVX_INI_ASTRING, value, (s32)strlen(value) + 1,
+                                  path, QVX_LOCK_WAIT);
 }
 
 static u32 Delete(const char* path, const char* section, const char* key) {
@@ -54,7 +56,7 @@ static u32 Delete(const char* path, const char* section, const char* key) {
   if (status != SM_STATUS_SUCCESS) {
     return status;
   }
-  return PXTWriteINIPathFileValue(section, key, kText, NULL, 0, path, kWaitForTheLock);
+  return PXTWriteINIPathFileValue(section, key, QVX_INI_ASTRING, NULL, 0, path, QVX_LOCK_WAIT);
 }
 
 static int Report(u32 status) {
@@ -62,25 +64,26 @@ static int Report(u32 status) {
     case SM_STATUS_SUCCESS:
       return 0;
     case SM_STATUS_FILE_OPEN_FAILED:
-      fprintf(stderr, "ini: the file is missing or cannot be opened\n");
+      PrintFailure("ini", "the file cannot be opened", status);
       return 1;
     case SM_STATUS_SECTION_NOT_FOUND:
-      fprintf(stderr, "ini: no such section\n");
+      PrintFailure("ini", "no such section", status);
       return 1;
     case SM_STATUS_KEY_NOT_FOUND:
-      fprintf(stderr, "ini: no such key\n");
+      PrintFailure("ini", "no such key", status);
       return 1;
     case SM_STATUS_INVALID_PARAMETER:
-      fprintf(stderr, "ini: this text cannot stand in an INI file\n");
+      PrintFailure("ini", "an INI file cannot hold this text", status);
       return 2;
     default:
-      fprintf(stderr, "ini: failed (0x%x)\n", (unsigned)status);
+      PrintFailure("ini", "failed", status);
       return 2;
   }
 }
 
 int main(int argc, char** argv) {
   u32 status = SM_STATUS_SUCCESS;
+  errno = 0;
   if (argc == 5 && strcmp(argv[1], "get") == 0) {
     astring* const value = Get(argv[2], argv[3], argv[4], &status);
     if (value != NULL) {

@@ -12,6 +12,8 @@
 
 #include "qvxcs/qvxcs.h"
 
+#include "failure.h"
+
 enum { kMostIds = 31, kTableWords = 1 }; /* 32 bits, of which identifier 0 takes one */
 
 /* What an entry of the list carries. */
@@ -20,6 +22,7 @@ typedef struct Item {
   char name[60];
 } Item;
 
+/* Negative, 0 or positive: before, the same, after. */
 static s32 ByName(PXTDLListEntry* newEntry, PXTDLListEntry* listEntry) {
   const Item* const first = newEntry->data;
   const Item* const second = listEntry->data;
@@ -41,8 +44,9 @@ static int Add(PXTDLList* list, u32* table, u32 size, const char* name) {
     return 2;
   }
   memcpy(entry->data, &item, sizeof item);
-  if (PXTDLListInsertKeyed(list, entry, ByName) != SM_STATUS_SUCCESS) {
-    fprintf(stderr, "list: %s: is there already\n", name);
+  const u32 status = PXTDLListInsertKeyed(list, entry, ByName);
+  if (status != SM_STATUS_SUCCESS) {
+    fprintf(stderr, "list: %s: is there already (%s)\n", name, StatusName(status));
     (void)PXTReleaseHashID(table, size, item.id);
     PXTDLListEntryFree(entry);
     return 1;

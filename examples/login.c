@@ -15,15 +15,13 @@
 
 #include "qvxcs/qvxcs.h"
 
-enum { kLevel = 0xFFFF, kSuperuser = 0x40000 };
-
 static const char* LevelInWords(u32 rights) {
-  switch (rights & kLevel) {
-    case 7:
+  switch (rights & QVX_PRIV_LEVEL) {
+    case QVX_PRIV_ADMINISTRATOR:
       return "administrator";
-    case 3:
+    case QVX_PRIV_POWERUSER:
       return "power user";
-    case 1:
+    case QVX_PRIV_USER:
       return "user";
     default:
       return "no access";
@@ -74,6 +72,6 @@ int main(int argc, char** argv) {
     return 2;
   }
   printf("%s: %s%s\n", argv[1], LevelInWords(rights),
-         (rights & kSuperuser) != 0 ? ", superuser" : "");
+         (rights & QVX_PRIV_ROOT) != 0 ? ", superuser" : "");
   return rights != 0 ? 0 : 1;
 }

@@ -13,16 +13,17 @@
 
 #include "qvxcs/qvxcs.h"
 
-enum { kTypeBooln = 4, kTypeU32 = 5, kTypeRecord = 25, kTypeEscapedText = 26 };
-enum { kCommandId = 5100, kLogSuccess = 4, kLogWarning = 2, kRoot = 0x40000 };
+#include "failure.h"
+
+enum { kCommandId = 5100 };
 
 static const char* LevelInWords(u32 rights) {
-  switch (rights & 0xFFFF) {
-    case 7:
+  switch (rights & QVX_PRIV_LEVEL) {
+    case QVX_PRIV_ADMINISTRATOR:
       return "administrator";
-    case 3:
+    case QVX_PRIV_POWERUSER:
       return "power user";
-    case 1:
+    case QVX_PRIV_USER:
       return "user";
     default:
       return "no access";
@@ -31,17 +32,20 @@ static const char* LevelInWords(u32 rights) {
 
 static void PrintRights(const char* whose, u32 rights) {
   printf("%s: %s%s (0x%x)\n", whose, LevelInWords(rights),
-         (rights & kRoot) != 0 ? ", superuser" : "", (unsigned)rights);
+         (rights & QVX_PRIV_ROOT) != 0 ? ", superuser" : "", (unsigned)rights);
 }
 
-/* A new 16-bit copy of UTF-8 text, or NULL; PXTFreeMem frees it. */
-static ustring* Widen(const char* text) {
-  u32 size = 0; /* a size query gives bytes */
-  if (PXTUTF8StrToUCS2Str(NULL, &size, text) != SM_STATUS_SUCCESS) {
+/* A new 16-bit copy of UTF-8 text, or NULL and the reason; PXTFreeMem frees it. */
+static ustring* Widen(const char* text, u32* status) {
+  u32 size = 0; /* asked for in bytes, */
+  *status = PXTUTF8StrToUCS2Str(NULL, &size, text);
+  if (*status != SM_STATUS_SUCCESS) {
     return NULL;
   }
   ustring* wide = PXTAllocMem(size);
-  if (wide != NULL && PXTUTF8StrToUCS2Str(wide, &size, text) != SM_STATUS_SUCCESS) {
+  u32 room = size / (u32)sizeof(ustring) - 1u; /* given in units, less the terminator */
+  *status = wide == NULL ? SM_STATUS_NO_MEMORY : PXTUTF8StrToUCS2Str(wide, &room, text);
+  if (*status != SM_STATUS_SUCCESS) {
     PXTFreeMem(wide);
     wide = NULL;
   }
@@ -55,29 +59,31 @@ static void Wipe(char* text) {
 }
 
 /* The library wipes its own copies and the one it is handed; the caller wipes what it read. */
-static int Authenticate(const char* login, char* password, u32* rights) {
-  ustring* const user = Widen(login);
-  ustring* const secret = Widen(password);
+static u32 Authenticate(const char* login, char* password, u32* rights) {
+  u32 status = SM_STATUS_SUCCESS;
+  u32 passwordStatus = SM_STATUS_SUCCESS;
+  ustring* const user = Widen(login, &status);
+  ustring* const secret = Widen(password, &passwordStatus);
   Wipe(password);
-  const int usable = user != NULL && secret != NULL;
   *rights = PXTAuthenticateUser(NULL, user, secret); /* wipes `secret` without a user, too */
   PXTFreeMem(user);
   PXTFreeMem(secret);
-  return usable;
+  return status != SM_STATUS_SUCCESS ? status : passwordStatus;
 }
 
 static int PrintAnswer(const char* login, u32 rights) {
-  void* const answer = PXTXAllocBuf(512, 1);
+  void* const answer = PXTXAllocBuf(512, QVX_TRUE);
   if (answer == NULL) {
     return 0;
   }
   const booln granted = rights != 0;
-  const PXTTypedValue hexadecimal = {kTypeU32, 16, &rights};
+  const PXTTypedValue hexadecimal = {QVX_TYPE_U32, QVX_BASE_HEXADECIMAL, &rights};
   const int built =
       PXTXBufCatBeginNode(answer, "Answer", "command=\"login\"") == SM_STATUS_SUCCESS &&
-      PXTXBufCatNode(answer, "User", NULL, kTypeEscapedText, login) == SM_STATUS_SUCCESS &&
-      PXTXBufCatNode(answer, "Granted", NULL, kTypeBooln, &granted) == SM_STATUS_SUCCESS &&
-      PXTXBufCatNode(answer, "Rights", NULL, kTypeRecord, &hexadecimal) == SM_STATUS_SUCCESS;
+      PXTXBufCatNode(answer, "User", NULL, QVX_TYPE_XML_ASTRING, login) == SM_STATUS_SUCCESS &&
+      PXTXBufCatNode(answer, "Granted", NULL, QVX_TYPE_BOOLN, &granted) == SM_STATUS_SUCCESS &&
+      PXTXBufCatNode(answer, "Rights", NULL, QVX_TYPE_TYPED_VALUE, &hexadecimal) ==
+          SM_STATUS_SUCCESS;
   PXTNVSCatSMStatusNode(answer, 0, NULL);
   const int closed = PXTXBufCatEndNode(answer, "Answer") == SM_STATUS_SUCCESS;
   astring* const text = PXTXFreeBufGetContent(answer);
@@ -88,20 +94,21 @@ static int PrintAnswer(const char* login, u32 rights) {
   return built && closed && text != NULL;
 }
 
-static int Record(const char* login, u32 rights) {
-  void* const description = PXTXAllocBuf(256, 0);
+static u32 Record(const char* login, u32 rights) {
+  void* const description = PXTXAllocBuf(256, QVX_FALSE);
   if (description == NULL) {
-    return 0;
+    return SM_STATUS_NO_MEMORY;
   }
   const booln granted = rights != 0;
-  u32 status = PXTNVSBufCatSetCmdParam(description, "granted", NULL, NULL, &granted, kTypeBooln);
+  u32 status =
+      PXTNVSBufCatSetCmdParam(description, "granted", NULL, NULL, &granted, QVX_TYPE_BOOLN);
   astring* const text = PXTXFreeBufGetContent(description);
   if (status == SM_STATUS_SUCCESS) {
     status = PXTAppendToCmdLog(kCommandId, login, "REQUEST", text,
-                               rights != 0 ? kLogSuccess : kLogWarning);
+                               rights != 0 ? QVX_LOG_INFORMATION : QVX_LOG_WARNING);
   }
   PXTXFreeBufContent(text);
-  return status == SM_STATUS_SUCCESS;
+  return status;
 }
 
 static int PrintLog(void) {
@@ -140,13 +147,20 @@ int main(int argc, char** argv) {
   (void)PXTOpenRolemapFile();
   PrintRights("this process, by role map", PXTGetRightsUsingRolemap());
   u32 rights = 0;
-  if (!Authenticate(login, password, &rights)) {
-    fprintf(stderr, "request: the login is no UTF-8 text\n");
+  u32 status = Authenticate(login, password, &rights);
+  if (status != SM_STATUS_SUCCESS) {
+    PrintFailure("request", "the login cannot be converted", status);
     return 2;
   }
   PrintRights(login, rights);
-  if (!PrintAnswer(login, rights) || !Record(login, rights)) {
-    fprintf(stderr, "request: the answer or its record could not be made\n");
+  if (!PrintAnswer(login, rights)) {
+    fprintf(stderr, "request: the answer could not be made\n");
+    return 2;
+  }
+  errno = 0;
+  status = Record(login, rights);
+  if (status != SM_STATUS_SUCCESS) {
+    PrintFailure("request", "the login could not be recorded", status);
     return 2;
   }
   return rights != 0 ? 0 : 1;

@@ -12,22 +12,22 @@
 
 #include "qvxcs/qvxcs.h"
 
-enum { kLevel = 0xFFFF, kSuperuser = 0x40000 };
+#include "failure.h"
 
 static void Print(const char* whose, u32 rights) {
   const char* words = "no access";
-  switch (rights & kLevel) {
-    case 7:
+  switch (rights & QVX_PRIV_LEVEL) {
+    case QVX_PRIV_ADMINISTRATOR:
       words = "administrator";
       break;
-    case 3:
+    case QVX_PRIV_POWERUSER:
       words = "power user";
       break;
-    case 1:
+    case QVX_PRIV_USER:
       words = "user";
       break;
   }
-  printf("%s: %s%s (0x%x)\n", whose, words, (rights & kSuperuser) != 0 ? ", superuser" : "",
+  printf("%s: %s%s (0x%x)\n", whose, words, (rights & QVX_PRIV_ROOT) != 0 ? ", superuser" : "",
          (unsigned)rights);
 }
 
@@ -45,9 +45,10 @@ static int OfThisProcess(u32 byRoleMap) {
 }
 
 static int OfUser(const char* name) {
-  ustring* const user = PXTNVSAstrToUstr(name, NULL);
+  u32 status = SM_STATUS_SUCCESS;
+  ustring* const user = PXTNVSAstrToUstr(name, &status);
   if (user == NULL) {
-    fprintf(stderr, "rights: the name is no UTF-8 text\n");
+    PrintFailure("rights", "the name cannot be converted", status);
     return 2;
   }
   const u32 rights = PXTAuthorizeUser(NULL, user);

@@ -5,8 +5,12 @@
  * rolemap
  *
  * Checks the role map for its administrator: opens it, asks it a question, and shows the line and
- * the reason of its fault. Run it after each change of the file. The exit status is 0 without a
- * fault, 1 with one, 2 when the file could not be checked.
+ * the reason of its fault. The exit status is 0 without a fault, 1 with one, 2 when the file could
+ * not be checked.
+ *
+ * This shows how a program learns of a fault. An administrator runs "qvxctl rolemap check", which
+ * also finds what the library accepts in silence: a byte above 0x7F, after which no line counts, a
+ * last line without its newline, a user or a group that does not exist.
  */
 #include <stdio.h>
 #include <stdlib.h>
@@ -14,24 +18,26 @@
 
 #include "qvxcs/qvxcs.h"
 
-enum { kCheckBegins = 5101, kInformation = 4 };
+#include "failure.h"
+
+enum { kCheckBegins = 5101 };
 
 #define SOURCE "ROLEMAP"
 
 /* The identifiers under which the command log keeps faults of the role map. */
 static const struct {
-  const char* id;
+  u32 id;
   const char* reason;
 } kFaults[] = {
-    {"<ID>5911</ID>", "a field is missing: users, hosts and a role are needed"},
-    {"<ID>5912</ID>", "the file is missing or cannot be opened"},
-    {"<ID>5913</ID>", "the file's mode is neither 0640 nor 01640"},
-    {"<ID>5914</ID>", "the file has no line that counts"},
-    {"<ID>5915</ID>", "the role is none of administrator, poweruser and user"},
-    {"<ID>5916</ID>", "a user is given the same host a second time"},
+    {QVX_ROLEMAP_MISSING_FIELD, "a field is missing: users, hosts and a role are needed"},
+    {QVX_ROLEMAP_OPEN_FAILED, "the file is missing or cannot be opened"},
+    {QVX_ROLEMAP_BAD_PERMISSIONS, "the file's mode is neither 0640 nor 01640"},
+    {QVX_ROLEMAP_NO_RECORDS, "the file has no line that counts"},
+    {QVX_ROLEMAP_INVALID_ROLE, "the role is none of administrator, poweruser and user"},
+    {QVX_ROLEMAP_CONFLICT, "a user is given the same host a second time"},
 };
 
-/* The part of the log behind the last entry of this program; all of a log that was begun anew. */
+/* The part of the log after the last entry of this program; all of a log that was begun anew. */
 static const char* BehindOurEntry(const char* log) {
   static const char kOurs[] = "<Source>" SOURCE "</Source>";
   for (const char* at = strstr(log, kOurs); at != NULL; at = strstr(log, kOurs)) {
@@ -45,7 +51,9 @@ static int ShowFirstFault(const char* entries) {
   const char* first = NULL;
   const char* reason = NULL;
   for (size_t at = 0; at < sizeof kFaults / sizeof *kFaults; ++at) {
-    const char* const found = strstr(entries, kFaults[at].id);
+    char id[24];
+    snprintf(id, sizeof id, "<ID>%u</ID>", (unsigned)kFaults[at].id);
+    const char* const found = strstr(entries, id);
     if (found != NULL && (first == NULL || found < first)) {
       first = found;
       reason = kFaults[at].reason;
@@ -66,10 +74,11 @@ static int ShowFirstFault(const char* entries) {
 
 int main(void) {
   /* Marks where the check begins, and shows that a fault can be recorded. */
+  errno = 0;
   const u32 status =
-      PXTAppendToCmdLog(kCheckBegins, "root", SOURCE, "Role map check", kInformation);
+      PXTAppendToCmdLog(kCheckBegins, "root", SOURCE, "Role map check", QVX_LOG_INFORMATION);
   if (status != SM_STATUS_SUCCESS) {
-    fprintf(stderr, "rolemap: the command log cannot be written (0x%x)\n", (unsigned)status);
+    PrintFailure("rolemap", "the command log cannot be written", status);
     return 2;
   }
   (void)PXTOpenRolemapFile();                    /* finds a missing file and a wrong mode */

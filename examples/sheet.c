@@ -11,15 +11,13 @@
 
 #include "qvxcs/qvxcs.h"
 
-enum { kDeclaration = 2, kOpeningTag = 4, kClosingTag = 8 };
-
 int main(int argc, char** argv) {
   if (argc != 5) {
     fprintf(stderr, "usage: sheet PRODUCT DIRECTORY FILE LOCALE\n");
     return 2;
   }
-  astring* const sheet = PXTGetXSLPathLocale(argv[1], argv[2], argv[3], argv[4],
-                                             kDeclaration | kOpeningTag | kClosingTag, 1);
+  const u8 parts = QVX_SHEET_DECLARATION | QVX_SHEET_OPENING_TAG | QVX_SHEET_CLOSING_TAG;
+  astring* const sheet = PXTGetXSLPathLocale(argv[1], argv[2], argv[3], argv[4], parts, QVX_TRUE);
   if (sheet == NULL) {
     fprintf(stderr, "sheet: the locale is too long, or there is no style sheet root\n");
     return 1;

@@ -13,43 +13,51 @@
 
 #include "qvxcs/qvxcs.h"
 
+#include "failure.h"
+
 /* Each of these asks for the size, makes room, converts; the result is the caller's, or NULL. */
 
-static ustring* Widen(const char* text) {
+static ustring* Widen(const char* text, u32* status) {
   u32 size = 0;
-  if (PXTUTF8StrToUCS2Str(NULL, &size, text) != SM_STATUS_SUCCESS) {
+  *status = PXTUTF8StrToUCS2Str(NULL, &size, text);
+  if (*status != SM_STATUS_SUCCESS) {
     return NULL;
   }
   ustring* wide = PXTAllocMem(size);           /* asked for in bytes, */
   u32 room = size / (u32)sizeof(ustring) - 1u; /* given in units, less the terminator */
-  if (wide != NULL && PXTUTF8StrToUCS2Str(wide, &room, text) != SM_STATUS_SUCCESS) {
+  *status = wide == NULL ? SM_STATUS_NO_MEMORY : PXTUTF8StrToUCS2Str(wide, &room, text);
+  if (*status != SM_STATUS_SUCCESS) {
     PXTFreeMem(wide);
     wide = NULL;
   }
   return wide;
 }
 
-static astring* Narrow(const ustring* wide) {
+static astring* Narrow(const ustring* wide, u32* status) {
   u32 size = 0;
-  if (PXTUCS2StrToUTF8Str(NULL, &size, wide) != SM_STATUS_SUCCESS) {
+  *status = PXTUCS2StrToUTF8Str(NULL, &size, wide);
+  if (*status != SM_STATUS_SUCCESS) {
     return NULL;
   }
   astring* text = PXTAllocMem(size);
   u32 room = size - 1; /* less the terminator */
-  if (text != NULL && PXTUCS2StrToUTF8Str(text, &room, wide) != SM_STATUS_SUCCESS) {
+  *status = text == NULL ? SM_STATUS_NO_MEMORY : PXTUCS2StrToUTF8Str(text, &room, wide);
+  if (*status != SM_STATUS_SUCCESS) {
     PXTFreeMem(text);
     text = NULL;
   }
   return text;
 }
 
-static astring* Escape(const ustring* wide) {
+static astring* Escape(const ustring* wide, u32* status) {
   u32 size = 0; /* here the size counts the terminator, and asking for it is a refusal */
-  if (PXTUnicodeToEscape(NULL, &size, wide) != SM_STATUS_BUFFER_TOO_SMALL) {
+  *status = PXTUnicodeToEscape(NULL, &size, wide);
+  if (*status != SM_STATUS_BUFFER_TOO_SMALL) {
     return NULL;
   }
   astring* text = PXTAllocMem(size);
-  if (text != NULL && PXTUnicodeToEscape(text, &size, wide) != SM_STATUS_SUCCESS) {
+  *status = text == NULL ? SM_STATUS_NO_MEMORY : PXTUnicodeToEscape(text, &size, wide);
+  if (*status != SM_STATUS_SUCCESS) {
     PXTFreeMem(text);
     text = NULL;
   }
@@ -61,12 +69,13 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: text TEXT\n");
     return 2;
   }
-  ustring* const wide = Widen(argv[1]);
-  astring* const back = wide != NULL ? Narrow(wide) : NULL;
-  astring* const escaped = wide != NULL ? Escape(wide) : NULL;
-  astring* const xml = PXTGetXMLUTF8StrFromAStr(argv[1], 1);
+  u32 status = SM_STATUS_SUCCESS;
+  ustring* const wide = Widen(argv[1], &status);
+  astring* const back = wide != NULL ? Narrow(wide, &status) : NULL;
+  astring* const escaped = back != NULL ? Escape(wide, &status) : NULL;
+  astring* const xml = PXTGetXMLUTF8StrFromAStr(argv[1], 1); /* NULL without a status */
   int result = 2;
-  if (back != NULL && escaped != NULL && xml != NULL) {
+  if (escaped != NULL && xml != NULL) {
     printf("units:");
     for (u32 at = 0; at < PXTUniStrlen(wide); ++at) {
       printf(" %04x", (unsigned)wide[at]);
@@ -74,7 +83,8 @@ int main(int argc, char** argv) {
     printf("\nback: %s\nescaped: %s\nxml: %s\n", back, escaped, xml);
     result = strcmp(back, argv[1]) == 0 ? 0 : 1;
   } else {
-    fprintf(stderr, "text: no UTF-8 text, or no memory\n");
+    PrintFailure("text", "the text cannot be converted",
+                 escaped != NULL ? SM_STATUS_NO_MEMORY : status);
   }
   PXTFreeMem(xml);
   PXTFreeMem(escaped);

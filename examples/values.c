@@ -11,22 +11,9 @@
 
 #include "qvxcs/qvxcs.h"
 
-/* Type codes of xml_buffer.h. */
-enum {
-  kBooln = 4,
-  kU32 = 5,
-  kS32 = 7,
-  kU64 = 9,
-  kS64 = 11,
-  kD64 = 13,
-  kTime = 15,
-  kU8 = 20,
-  kRecord = 25,
-  kEscapedText = 26,
-  kEscapedWideText = 27
-};
+#include "failure.h"
 
-enum { kHexadecimal = 16, kTwoPasses = 2, kFirstRoom = 256 };
+enum { kTwoPasses = 2, kFirstRoom = 256 };
 
 typedef struct Node {
   const char* name;
@@ -62,30 +49,30 @@ int main(int argc, char** argv) {
   const d64 load = 0.375;
   const s32 since = 1000000000; /* seconds since 1970, shown in local time */
   const u8 percent = 255;
-  const PXTTypedValue hexadecimal = {kU32, kHexadecimal, &flags};
-  const PXTTypedValue twice = {kEscapedText, kTwoPasses, argv[1]};
+  const PXTTypedValue hexadecimal = {QVX_TYPE_U32, QVX_BASE_HEXADECIMAL, &flags};
+  const PXTTypedValue twice = {QVX_TYPE_XML_ASTRING, kTwoPasses, argv[1]};
   const Node nodes[] = {
-      {"Name", NULL, kEscapedText, argv[1]},
-      {"Quoted", NULL, kRecord, &twice},
-      {"Vendor", "code=\"utf-8\"", kEscapedWideText, vendor},
-      {"Online", NULL, kBooln, &online},
-      {"Flags", NULL, kRecord, &hexadecimal},
-      {"Hours", NULL, kU32, &hours},
-      {"Celsius", NULL, kS32, &celsius},
-      {"Bytes", NULL, kU64, &bytes},
-      {"Drift", NULL, kS64, &drift},
-      {"Load", NULL, kD64, &load},
-      {"Since", NULL, kTime, &since},
-      {"Percent", NULL, kU8, &percent},
+      {"Name", NULL, QVX_TYPE_XML_ASTRING, argv[1]},
+      {"Quoted", NULL, QVX_TYPE_TYPED_VALUE, &twice},
+      {"Vendor", "code=\"utf-8\"", QVX_TYPE_XML_USTRING, vendor},
+      {"Online", NULL, QVX_TYPE_BOOLN, &online},
+      {"Flags", NULL, QVX_TYPE_TYPED_VALUE, &hexadecimal},
+      {"Hours", NULL, QVX_TYPE_U32, &hours},
+      {"Celsius", NULL, QVX_TYPE_S32, &celsius},
+      {"Bytes", NULL, QVX_TYPE_U64, &bytes},
+      {"Drift", NULL, QVX_TYPE_S64, &drift},
+      {"Load", NULL, QVX_TYPE_D64, &load},
+      {"Since", NULL, QVX_TYPE_TIME, &since},
+      {"Percent", NULL, QVX_TYPE_U8, &percent},
   };
-  void* const buffer = PXTXAllocBuf(kFirstRoom, 0);
+  void* const buffer = PXTXAllocBuf(kFirstRoom, QVX_FALSE);
   if (buffer == NULL) {
     fprintf(stderr, "values: no memory\n");
     return 2;
   }
   const u32 status = AppendAll(buffer, nodes, sizeof nodes / sizeof *nodes);
   if (status != SM_STATUS_SUCCESS) {
-    fprintf(stderr, "values: failed (0x%x)\n", (unsigned)status);
+    PrintFailure("values", "failed", status);
     (void)PXTXFreeBuf(buffer);
     return 2;
   }

@@ -15,7 +15,9 @@
 
 #include "qvxcs/qvxcs.h"
 
-enum { kInformation = 4, kNoteAdded = 7001, kNameRoom = 256 };
+#include "failure.h"
+
+enum { kNoteAdded = 7001 };
 
 static const char kSource[] = "XMLLOG";
 
@@ -27,8 +29,8 @@ static u32 Add(const char* path, const char* maximum, const char* text, const ch
   if (markup == NULL) {
     return SM_STATUS_NO_MEMORY;
   }
-  const u32 status = PXTAppendToXMLLog(path, kInformation, kNoteAdded, user, kSource, markup, NULL,
-                                       0, PXTASCIIToUnSigned32(maximum));
+  const u32 status = PXTAppendToXMLLog(path, QVX_LOG_INFORMATION, kNoteAdded, user, kSource, markup,
+                                       NULL, 0, PXTASCIIToUnSigned32(maximum));
   PXTFreeMem(markup);
   return status;
 }
@@ -50,7 +52,7 @@ static int Show(const char* path) {
 }
 
 static u32 PrintBackupName(const char* path) {
-  astring name[kNameRoom]; /* always this much room, whatever the name's length */
+  astring name[QVX_LOG_NAME_ROOM]; /* always this much room, whatever the name's length */
   u32 size = 0;
   const u32 status = PXTGetBackupXMLLogPathFileName(path, name, &size);
   if (status == SM_STATUS_SUCCESS) {
@@ -63,6 +65,7 @@ int main(int argc, char** argv) {
   astring* const user = PXTGetProcessUser(); /* without a name the entry's user is empty */
   u32 status = SM_STATUS_SUCCESS;
   int result = 0;
+  errno = 0;
   if (argc == 5 && strcmp(argv[1], "add") == 0) {
     status = Add(argv[2], argv[3], argv[4], user);
   } else if (argc == 3 && strcmp(argv[1], "show") == 0) {
@@ -77,7 +80,7 @@ int main(int argc, char** argv) {
   }
   PXTFreeMem(user);
   if (status != SM_STATUS_SUCCESS) {
-    fprintf(stderr, "xmllog: failed (0x%x)\n", (unsigned)status);
+    PrintFailure("xmllog", "failed", status);
     result = 2;
   }
   return result;
