@@ -41,9 +41,11 @@ void QVAuthFileRecords::Clear() {
 }
 
 QVAuthFileReader& QVAuthFileReader::GetInstance() {
-  static QVAuthFileReader reader;
-  return reader;
+  static QVAuthFileReader* const reader = new QVAuthFileReader;
+  return *reader;
 }
+
+void QVAuthFileReader::DeleteInstance() { delete &GetInstance(); }
 
 QVAuthFileReader::QVAuthFileReader() : path_(kRoleMapPath) {}
 

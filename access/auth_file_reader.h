@@ -39,6 +39,8 @@ class QVAuthFileRecords {
 class QVAuthFileReader : public ZarnSupport::ZarnCriticalSectionObject {
  public:
   static QVAuthFileReader& GetInstance();
+  // At the process's exit, which does not do so under a thread that is at work with it.
+  static void DeleteInstance();
   QVAuthFileReader(const QVAuthFileReader&) = delete;
   QVAuthFileReader& operator=(const QVAuthFileReader&) = delete;
 

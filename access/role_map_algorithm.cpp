@@ -137,9 +137,11 @@ std::deque<std::wstring> GroupKeysOf(const std::wstring& user) {
 }  // namespace
 
 QVXRoleMapAlgorithm& QVXRoleMapAlgorithm::GetInstance() {
-  static QVXRoleMapAlgorithm algorithm;
-  return algorithm;
+  static QVXRoleMapAlgorithm* const algorithm = new QVXRoleMapAlgorithm;
+  return *algorithm;
 }
+
+void QVXRoleMapAlgorithm::DeleteInstance() { delete &GetInstance(); }
 
 void QVXRoleMapAlgorithm::Initialize(const std::deque<QVAuthFileRecord*>& records) {
   const ZarnCriticalSection section(*this);

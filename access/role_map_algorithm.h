@@ -20,6 +20,8 @@ class LocalAddresses;
 class QVXRoleMapAlgorithm : public ZarnSupport::ZarnCriticalSectionObject {
  public:
   static QVXRoleMapAlgorithm& GetInstance();
+  // At the process's exit, which does not do so under a thread that is at work with it.
+  static void DeleteInstance();
   QVXRoleMapAlgorithm(const QVXRoleMapAlgorithm&) = delete;
   QVXRoleMapAlgorithm& operator=(const QVXRoleMapAlgorithm&) = delete;
 

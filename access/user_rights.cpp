@@ -3,6 +3,7 @@
 #include "access/user_rights.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
@@ -41,8 +42,8 @@ class RoleMap {
   RoleMap(const RoleMap&) = delete;
   RoleMap& operator=(const RoleMap&) = delete;
 
-  // Throws once the process's exit has taken the reader and the algorithm away, under which other
-  // threads and later exit handlers may still come to log somebody in.
+  // Throws once the process's exit takes the reader and the algorithm away: other threads and later
+  // exit handlers may still come to log somebody in.
   static Lock Enter() {
     static const RoleMap roleMap;
     Lock lock(mutex_);
@@ -51,21 +52,22 @@ class RoleMap {
   }
 
  private:
-  // Made behind both, it goes before them.
-  RoleMap() {
-    (void)QVAuthFileReader::GetInstance();
-    (void)QVXRoleMapAlgorithm::GetInstance();
-  }
+  RoleMap() = default;
+  // Not waited for is a thread that is logging somebody in: in the child of a fork it does not
+  // exist. What it works with stays then; nobody else gets in.
   ~RoleMap() {
-    const Lock lock(mutex_);
     gone_ = true;
+    const Lock lock(mutex_, std::try_to_lock);
+    if (!lock) return;
+    QVAuthFileReader::DeleteInstance();
+    QVXRoleMapAlgorithm::DeleteInstance();
   }
 
   static Mutex mutex_;
-  static bool gone_;
+  static std::atomic<bool> gone_;
 };
 constinit RoleMap::Mutex RoleMap::mutex_;
-constinit bool RoleMap::gone_ = false;
+constinit std::atomic<bool> RoleMap::gone_{false};
 
 // By the locale in force; nothing when the text is not in its encoding.
 std::optional<std::wstring> Widen(const astring* text) {

@@ -29,6 +29,14 @@ u32 slotsUsed = 0;   // guarded by tableMutex
 u32 slotsInUse = 0;  // guarded by tableMutex
 u32 firstFree = 0;   // guarded by tableMutex
 
+class TableHold {
+ public:
+  TableHold() { (void)pthread_mutex_lock(&tableMutex); }
+  ~TableHold() { (void)pthread_mutex_unlock(&tableMutex); }
+  TableHold(const TableHold&) = delete;
+  TableHold& operator=(const TableHold&) = delete;
+};
+
 // Chunk n holds 64 << n slots, so slot s + 64 has its chunk in its highest bit.
 u32 ChunkOf(u32 slot) {
   return 31 - static_cast<u32>(__builtin_clz(slot + (1U << kFirstChunkBits))) - kFirstChunkBits;
@@ -51,7 +59,7 @@ LocalMutex FindMutex(u32 handle) {
   return slot == nullptr ? nullptr : slot->mutex.load(std::memory_order_acquire);
 }
 
-// Both under tableMutex.
+// From here to the end of the namespace: under tableMutex.
 u32 NewSlot() {
   const u32 slot = slotsUsed;
   if (slot >= UINT32_MAX - (1U << kFirstChunkBits)) {
@@ -82,39 +90,47 @@ u32 TakeSlot() {
   return handle;
 }
 
+// The slot's handle, 0 without memory.
+u32 Keep(LocalMutex mutex) {
+  const u32 handle = TakeSlot();
+  if (handle == 0) return 0;
+  FindSlot(handle)->mutex.store(mutex, std::memory_order_release);
+  ++slotsInUse;
+  return handle;
+}
+
+// What the slot kept; null when it was free.
+LocalMutex Drop(u32 handle) {
+  Slot* const slot = FindSlot(handle);
+  LocalMutex mutex = slot->mutex.exchange(nullptr, std::memory_order_acq_rel);
+  if (mutex == nullptr) return nullptr;
+  slot->nextFree = firstFree;
+  firstFree = handle;
+  --slotsInUse;
+  return mutex;
+}
+
 }  // namespace
 
 u32 AllocContextLock() {
   LocalMutex mutex = CreateLocalMutex();
-  if (mutex == nullptr) {
-    return 0;
+  if (mutex == nullptr) return 0;
+  u32 handle = 0;
+  {
+    const TableHold hold;
+    handle = Keep(mutex);
   }
-  pthread_mutex_lock(&tableMutex);
-  const u32 handle = TakeSlot();
-  if (handle != 0) {
-    FindSlot(handle)->mutex.store(mutex, std::memory_order_release);
-    ++slotsInUse;
-  }
-  pthread_mutex_unlock(&tableMutex);
-  if (handle == 0) {
-    DestroyLocalMutex(mutex);
-  }
+  if (handle == 0) DestroyLocalMutex(mutex);
   return handle;
 }
 
 void FreeContextLock(u32 handle) {
-  Slot* const slot = FindSlot(handle);
-  if (slot == nullptr) {
-    return;
+  if (FindSlot(handle) == nullptr) return;
+  LocalMutex mutex = nullptr;
+  {
+    const TableHold hold;
+    mutex = Drop(handle);
   }
-  pthread_mutex_lock(&tableMutex);
-  LocalMutex mutex = slot->mutex.exchange(nullptr, std::memory_order_acq_rel);
-  if (mutex != nullptr) {
-    slot->nextFree = firstFree;
-    firstFree = handle;
-    --slotsInUse;
-  }
-  pthread_mutex_unlock(&tableMutex);
   DestroyLocalMutex(mutex);
 }
 
@@ -132,14 +148,15 @@ void UnLockContext(u32 handle) {
   }
 }
 
+void HoldContextLocksForFork() { (void)pthread_mutex_lock(&tableMutex); }
+
+void EndContextLocksHold() { (void)pthread_mutex_unlock(&tableMutex); }
+
 // The slots belong to the loaded image: a host that loads and unloads it often gets them back.
 // While a handle is in use they stay, because a thread may still hold its lock; at the end of a
-// process threads may also be making locks. A table that is busy is left, not waited for: in a
-// forked child the thread that was changing it does not exist.
+// process threads may also be making locks. A table that is busy is left, not waited for.
 void ReleaseContextLockSlots() {
-  if (pthread_mutex_trylock(&tableMutex) != 0) {
-    return;
-  }
+  if (pthread_mutex_trylock(&tableMutex) != 0) return;
   if (slotsInUse == 0) {
     for (std::atomic<Slot*>& chunk : chunks) {
       free(chunk.exchange(nullptr, std::memory_order_acq_rel));
@@ -147,7 +164,7 @@ void ReleaseContextLockSlots() {
     slotsUsed = 0;
     firstFree = 0;
   }
-  pthread_mutex_unlock(&tableMutex);
+  EndContextLocksHold();
 }
 
 }  // namespace qvx

@@ -14,6 +14,11 @@ void UnLockContext(u32 handle);
 // Called when the library is unloaded.
 void ReleaseContextLockSlots();
 
+// Around a fork, so that the child finds the table whole and free, whichever thread was at it. The
+// hold is ended in the parent and in the child.
+void HoldContextLocksForFork();
+void EndContextLocksHold();
+
 }  // namespace qvx
 
 #endif

@@ -6,10 +6,12 @@
 
 #include "base/context_lock.h"
 #include "base/export_context.h"
+#include "frame/forks.h"
 #include "os/file_lock.h"
 #include "os/ip_support.h"
 #include "os/ipc_file.h"
 #include "os/ipc_name.h"
+#include "os/threads_turn.h"
 #include "paths/install_path.h"
 #include "xml/command_log.h"
 
@@ -65,13 +67,20 @@ s32 ModuleDetach() {
   if (modAttachCount-- != 1) {
     return 1;
   }
+  // At the end of a process another thread may still be at work under the lock. It is not waited
+  // for: it keeps the lock file until it is done or the process is gone.
+  if (TakeThreadsTurn(0) < 0) return 1;
   (void)WaitForGlobalMutex(hGFileLock, -1);
   (void)UnLoadIPSupt();
   CloseLock();
+  GiveThreadsTurn();
   return 1;
 }
 
-s16 ModuleInit() { return static_cast<s16>(ModuleAttach()); }
+s16 ModuleInit() {
+  WatchForks();
+  return static_cast<s16>(ModuleAttach());
+}
 
 s16 ModuleFini() {
   const s16 result = static_cast<s16>(ModuleDetach());

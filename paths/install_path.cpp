@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "paths/install_path.h"
 
-#include <pthread.h>
-
+#include <atomic>
 #include <cstring>
 
 #include "qvxcs/status.h"
@@ -16,30 +15,15 @@ namespace {
 
 constexpr u32 kCacheRoom = 256;
 
-astring cachedPath[kCacheRoom];
-// 0 while the path is not set.
-u32 cachedSize = 0;
-
-// A call that finds the cache empty or runs out of memory writes to it as well.
-pthread_mutex_t cacheMutex = PTHREAD_MUTEX_INITIALIZER;
-
-class CacheGuard {
- public:
-  CacheGuard() { (void)pthread_mutex_lock(&cacheMutex); }
-  ~CacheGuard() { (void)pthread_mutex_unlock(&cacheMutex); }
-  CacheGuard(const CacheGuard&) = delete;
-  CacheGuard& operator=(const CacheGuard&) = delete;
-};
-
-void ClearCache() {
-  cachedSize = 0;
-  cachedPath[0] = '\0';
-}
+// The path is the product's and never changes, so that its size is all there is to keep: 0 while
+// the path is not set. Read without a lock, which a child of fork might find taken for ever.
+constinit std::atomic<u32> cachedSize{0};
 
 u32 FillCache() {
-  cachedSize = kCacheRoom;
-  const u32 status = OSInitQVXInstallPath(cachedPath, &cachedSize);
-  if (status != SM_STATUS_SUCCESS) ClearCache();
+  astring path[kCacheRoom];
+  u32 size = kCacheRoom;
+  const u32 status = OSInitQVXInstallPath(path, &size);
+  cachedSize = status == SM_STATUS_SUCCESS ? size : 0;
   return status;
 }
 
@@ -55,16 +39,12 @@ u32 OSInitQVXInstallPath(astring* buffer, u32* size) {
   return SM_STATUS_SUCCESS;
 }
 
-u32 SUPTIntfInitQVXInstallPath() {
-  const CacheGuard guard;
-  return FillCache();
-}
+u32 SUPTIntfInitQVXInstallPath() { return FillCache(); }
 
 astring* SUPTIntfGetQVXInstallPath() {
-  const CacheGuard guard;
   if (cachedSize == 0 && FillCache() != SM_STATUS_SUCCESS) return nullptr;
-  HeapArray<astring> path = CopyText(cachedPath);
-  if (!path) ClearCache();
+  HeapArray<astring> path = CopyText(kInstallPath);
+  if (!path) cachedSize = 0;
   return path.release();
 }
 

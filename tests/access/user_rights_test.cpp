@@ -542,6 +542,23 @@ TEST_F(UserRights, AProcessMayExitWhileThreadsLogIn) {
   }
 }
 
+// Another thread is within a login when the child is made; there it does not exist.
+TEST_F(UserRights, AChildMayExitWhileAnotherThreadLogsIn) {
+  Load("alice * user\n");
+  ASSERT_EQ(RightsOf("alice@lab"), 0x1U);
+  ASSERT_EQ(rename("/etc/passwd", "/etc/passwd.aside"), 0);
+  ASSERT_EQ(mkfifo("/etc/passwd", 0644), 0);
+  const int status = test::InChild([]() -> int {
+    std::thread([] { (void)RightsOf("member"); }).detach();  // nobody answers it
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return test::InChild([]() -> int {
+      alarm(10);
+      exit(0);
+    });
+  });
+  EXPECT_EQ(status, 0);
+}
+
 TEST_F(UserRights, ASignalHandlerMayExitWithinALogin) {
   Load("alice * user\n");
   ASSERT_EQ(rename("/etc/passwd", "/etc/passwd.aside"), 0);

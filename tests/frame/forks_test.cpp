@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "frame/forks.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <thread>
+
+#include "qvxcs/context_lock.h"
+#include "qvxcs/ini_file.h"
+#include "qvxcs/memory.h"
+#include "qvxcs/paths.h"
+#include "qvxcs/status.h"
+
+#include "base/context_lock.h"
+#include "frame/module.h"
+#include "os/threads_turn.h"
+#include "support/files.h"
+#include "support/processes.h"
+
+namespace {
+
+using qvx::test::InChild;
+
+// A child that waits for a thread of its parent never ends by itself.
+void EndWhereItHangs() { (void)alarm(10); }
+
+// Another thread, between `take` and `give` while the test forks.
+template <typename Take, typename Give>
+class AnotherThread {
+ public:
+  AnotherThread(Take take, Give give)
+      : thread_([this, take, give] {
+          take();
+          taken_ = true;
+          usleep(50000);
+          give();
+        }) {
+    while (!taken_) {
+      std::this_thread::yield();
+    }
+  }
+  ~AnotherThread() { thread_.join(); }
+  AnotherThread(const AnotherThread&) = delete;
+  AnotherThread& operator=(const AnotherThread&) = delete;
+
+ private:
+  std::atomic<bool> taken_ = false;
+  std::thread thread_;
+};
+
+TEST(Forks, AChildMakesContextLocksThoughAnotherThreadWasMakingOne) {
+  qvx::WatchForks();
+  const AnotherThread maker(qvx::HoldContextLocksForFork, qvx::EndContextLocksHold);
+  EXPECT_EQ(InChild([] {
+              EndWhereItHangs();
+              const u32 handle = PXTAllocContextLock();
+              PXTLockContext(handle);
+              PXTUnLockContext(handle);
+              PXTFreeContextLock(handle);
+              return handle == 0 ? 1 : 0;
+            }),
+            0);
+}
+
+TEST(Forks, AreWatchedOnceHoweverOftenItIsAsked) {
+  qvx::WatchForks();
+  qvx::WatchForks();
+  EXPECT_EQ(InChild([] {
+              EndWhereItHangs();
+              PXTFreeContextLock(PXTAllocContextLock());
+              return 0;
+            }),
+            0);
+}
+
+TEST(Forks, AChildWritesAndExitsThoughAnotherThreadHadTheTurn) {
+  qvx::test::RequireSandbox();
+  ASSERT_EQ(qvx::ModuleInit(), 1);
+  const AnotherThread writer([] { EXPECT_EQ(qvx::TakeThreadsTurn(0), 0); }, qvx::GiveThreadsTurn);
+  EXPECT_EQ(InChild([] {
+              EndWhereItHangs();
+              if (PXTWriteINIFileValue("A", "b", 1, "2", 2, "forks.ini", 0) != SM_STATUS_SUCCESS) {
+                return 1;
+              }
+              astring value[8];
+              u32 size = sizeof value;
+              if (PXTReadINIFileValue("A", "b", 1, value, &size, nullptr, 0, "forks.ini", 0) !=
+                  SM_STATUS_SUCCESS) {
+                return 2;
+              }
+              astring* path = PXTGetQVXInstallPath();
+              if (path == nullptr) return 3;
+              PXTFreeMem(path);
+              if (qvx::ModuleFini() != 1) return 4;
+              exit(0);
+            }),
+            0);
+}
+
+}  // namespace
