@@ -23,11 +23,9 @@ class LocalAddresses {
  public:
   LocalAddresses() : list_(SUPTIntfHostGetHostIPAddrList(&count_)) {}
   u32 Count() const { return list_ ? count_ : 0; }
-  const astring* At(u32 index) const { return list_.get() + static_cast<size_t>(index) * kRoom; }
+  const astring* At(u32 index) const { return list_.get() + size_t{index} * kAddressSlotBytes; }
 
  private:
-  static constexpr size_t kRoom = 65;
-
   u32 count_ = 0;
   HeapArray<astring> list_;
 };

@@ -9,14 +9,13 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "os/ip_support.h"
 #include "text/char_class.h"
 #include "text/transcode.h"
 
 namespace qvx {
 namespace {
-
-constexpr u32 kFailed = 0xFFFFFFFF;
 
 constexpr u32 kDomainNameRoom = 150;
 constexpr astring kNoDomain[] = "(none)";
@@ -48,7 +47,7 @@ u32 GetIPHostName(astring* name, u32* size) {
   if (gethostname(name, *size) != 0 || strnlen(name, *size) == *size) {
     // A name that does not fit has filled the whole room. This C library reports it, others do not.
     if (*size != 0) name[*size - 1] = '\0';
-    // Deliberate: the system's refusal is not reported; the unchanged size alone tells of it.
+    // Deliberate: the system's refusal is not reported; the size stays as it was.
     // Held by LoadedHostName.ANameThatDoesNotFitIsASuccessThatLeavesTheSize.
     return SM_STATUS_SUCCESS;
   }
@@ -68,20 +67,20 @@ u32 GetDNSSuffixName(void* /*name*/, u32 size) {
   // Deliberate: there is no suffix to give on this platform.
   // Held by HostName.NoDnsSuffixIsEverGiven.
   (void)GetSockType();
-  return kFailed;
+  return kMinusOne;
 }
 
 u32 ValidateHostName(const astring* name) {
   if (name == nullptr) return SM_STATUS_BAD_ARGUMENT;
   const size_t length = strnlen(name, kHostNameMaximum + 1);
-  if (length > kHostNameMaximum) return kFailed;
-  if (length != 0 && (name[length - 1] == '-' || name[length - 1] == '.')) return kFailed;
+  if (length > kHostNameMaximum) return kMinusOne;
+  if (length != 0 && (name[length - 1] == '-' || name[length - 1] == '.')) return kMinusOne;
   const astring first[] = {name[0], '\0'};
   if (const u32 status = IsASCIIAlphaNumeric(first)) return status;
   // Deliberate: the last character was only kept from being "-" or ".", so "a_" is valid.
   // Held by HostName.TheLastCharacterMayBeAnythingButDashAndDot.
   for (size_t at = 1; at + 1 < length; ++at) {
-    if (!IsHostNameCharacter(name[at])) return kFailed;
+    if (!IsHostNameCharacter(name[at])) return kMinusOne;
   }
   return SM_STATUS_SUCCESS;
 }

@@ -9,6 +9,7 @@
 
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "os/ip_support.h"
 #include "text/ascii_util.h"
 
@@ -17,7 +18,6 @@ namespace {
 
 constexpr u32 kYes = 1;
 constexpr u32 kNo = 0;
-constexpr u32 kFailed = 0xFFFFFFFF;
 
 constexpr u32 kIPv4Bytes = sizeof(in_addr);
 constexpr u32 kIPv6Bytes = sizeof(in6_addr);
@@ -57,8 +57,8 @@ u32 IsLinkLocal(const astring* text) {
   if (text == nullptr) return SM_STATUS_IP_INVALID_PARAMETER;
   // Deliberate: yes is 0 and no is -1, unlike the other two tests.
   // Held by IPAddress.LinkLocalAnswersZeroForYes.
-  if (strnlen(text, kLinkLocalPrefixLength) < kLinkLocalPrefixLength) return kFailed;
-  return AStrnicmp(text, kLinkLocalPrefix, kLinkLocalPrefixLength) == 0 ? 0 : kFailed;
+  if (strnlen(text, kLinkLocalPrefixLength) < kLinkLocalPrefixLength) return kMinusOne;
+  return AStrnicmp(text, kLinkLocalPrefix, kLinkLocalPrefixLength) == 0 ? 0 : kMinusOne;
 }
 
 u32 IPAddrASCIIToNetwork(const astring* address, void* network, u32* size) {
@@ -70,7 +70,7 @@ u32 IPAddrASCIIToNetwork(const astring* address, void* network, u32* size) {
     *size = needed;
     return SM_STATUS_BUFFER_TOO_SMALL;
   }
-  if (inet_pton(isIPv6 ? AF_INET6 : AF_INET, address, network) != 1) return kFailed;
+  if (inet_pton(isIPv6 ? AF_INET6 : AF_INET, address, network) != 1) return kMinusOne;
   *size = needed;
   return SM_STATUS_SUCCESS;
 }
@@ -81,7 +81,7 @@ u32 IPAddrNetworkToASCII(const void* network, u32 length, astring* address, s32*
   if (length != kIPv4Bytes && length != kIPv6Bytes) return SM_STATUS_BAD_ARGUMENT;
   astring text[INET6_ADDRSTRLEN];
   const int family = length == kIPv6Bytes ? AF_INET6 : AF_INET;
-  if (inet_ntop(family, network, text, sizeof text) == nullptr) return kFailed;
+  if (inet_ntop(family, network, text, sizeof text) == nullptr) return kMinusOne;
   const auto textLength = static_cast<s32>(strlen(text));
   const bool fits = textLength < *size;
   *size = textLength + 1;

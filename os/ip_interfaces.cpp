@@ -14,17 +14,15 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "os/host_name.h"
+#include "os/ip_support.h"
 
 namespace qvx {
 namespace {
 
-constexpr u32 kFailed = 0xFFFFFFFF;
 constexpr u32 kHostNameRoom = 256;
-
-// An address list is an array of slots of this many bytes, one NUL-terminated text in each.
-constexpr u32 kSlotBytes = 65;
-static_assert(INET6_ADDRSTRLEN <= kSlotBytes);
+static_assert(INET6_ADDRSTRLEN <= kAddressSlotBytes);
 
 struct InterfaceListFree {
   void operator()(ifaddrs* list) const { freeifaddrs(list); }
@@ -36,7 +34,7 @@ bool CarriesHostAddresses(unsigned int flags) {
 }
 
 // The presentation form without a zone; false for a family that has none.
-bool AddressText(const sockaddr* address, astring (&text)[kSlotBytes]) {
+bool AddressText(const sockaddr* address, astring (&text)[kAddressSlotBytes]) {
   const void* bytes = nullptr;
   if (address->sa_family == AF_INET) {
     bytes = &reinterpret_cast<const sockaddr_in*>(address)->sin_addr;
@@ -48,14 +46,44 @@ bool AddressText(const sockaddr* address, astring (&text)[kSlotBytes]) {
   return inet_ntop(address->sa_family, bytes, text, sizeof text) != nullptr;
 }
 
-bool HostAddress(const ifaddrs& entry, astring (&text)[kSlotBytes]) {
-  if (entry.ifa_addr == nullptr || !CarriesHostAddresses(entry.ifa_flags)) return false;
-  return AddressText(entry.ifa_addr, text);
+// The machine's interfaces as they were at one moment.
+class HostAddresses {
+ public:
+  HostAddresses() {
+    ifaddrs* first = nullptr;
+    read_ = getifaddrs(&first) == 0;
+    if (read_) list_.reset(first);
+  }
+  explicit operator bool() const { return read_; }
+
+  // Hands each address of a running interface to `use`, in the system's order; gives their number.
+  template <typename Use>
+  u32 ForEach(Use use) const {
+    u32 count = 0;
+    for (const ifaddrs* entry = list_.get(); entry != nullptr; entry = entry->ifa_next) {
+      astring text[kAddressSlotBytes];
+      if (entry->ifa_addr == nullptr || !CarriesHostAddresses(entry->ifa_flags)) continue;
+      if (AddressText(entry->ifa_addr, text)) use(count++, text);
+    }
+    return count;
+  }
+
+  u32 Count() const {
+    return ForEach([](u32, const astring*) {});
+  }
+
+ private:
+  bool read_ = false;
+  InterfaceList list_;
+};
+
+void CopyToSlot(void* list, u32 slot, const astring* text) {
+  memcpy(static_cast<astring*>(list) + size_t{slot} * kAddressSlotBytes, text, strlen(text) + 1);
 }
 
 // Room for `count` slots; a block of none is a block all the same.
 HeapArray<astring> AllocSlots(u32 count) {
-  const u64 bytes = std::max<u64>(u64{count} * kSlotBytes, 1);
+  const u64 bytes = std::max<u64>(u64{count} * kAddressSlotBytes, 1);
   auto slots = bytes > UINT32_MAX ? HeapArray<astring>() : AllocArray<astring>(bytes);
   if (slots) memset(slots.get(), 0, static_cast<size_t>(bytes));
   return slots;
@@ -74,36 +102,28 @@ u32 GetIPAddrStrList(const astring* /*ignored*/, u32* count, void* list) {
   if (count == nullptr) return SM_STATUS_BAD_ARGUMENT;
   const u32 capacity = *count;
   *count = 0;
+  const HostAddresses addresses;
+  if (!addresses) return kMinusOne;
   // Deliberate: the count runs on beyond the capacity, so that it tells the slots needed.
   // Held by Interfaces.ACapacityOfOneOnTwoAddressesCopiesOneAndCountsBoth.
-  ifaddrs* first = nullptr;
-  if (getifaddrs(&first) != 0) return kFailed;
-  const InterfaceList owned(first);
-  u32 status = SM_STATUS_SUCCESS;
-  for (const ifaddrs* entry = first; entry != nullptr; entry = entry->ifa_next) {
-    astring text[kSlotBytes];
-    if (!HostAddress(*entry, text)) continue;
-    if (list != nullptr && *count < capacity) {
-      memcpy(static_cast<astring*>(list) + size_t{*count} * kSlotBytes, text, strlen(text) + 1);
-    } else if (list != nullptr) {
-      status = SM_STATUS_BUFFER_TOO_SMALL;
-    }
-    ++*count;
-  }
-  return status;
+  *count = addresses.ForEach([list, capacity](u32 slot, const astring* text) {
+    if (list != nullptr && slot < capacity) CopyToSlot(list, slot, text);
+  });
+  return list != nullptr && *count > capacity ? SM_STATUS_BUFFER_TOO_SMALL : SM_STATUS_SUCCESS;
 }
 
+// One reading of the interfaces gives both the count and the texts, so that a list that changes
+// meanwhile is no failure.
 astring* SUPTIntfHostGetHostIPAddrList(u32* count) {
   if (count == nullptr) return nullptr;
   *count = 0;
-  const HeapArray<astring> hostName(SUPTIntfGetHostNameAStr());
-  if (!hostName) return nullptr;
-  u32 found = 0;
-  if (GetIPAddrStrList(hostName.get(), &found, nullptr) != SM_STATUS_SUCCESS) return nullptr;
-  auto slots = AllocSlots(found);
+  if (!IPSuptLoaded()) return nullptr;
+  const HostAddresses addresses;
+  if (!addresses) return nullptr;
+  auto slots = AllocSlots(addresses.Count());
   if (!slots) return nullptr;
-  if (GetIPAddrStrList(hostName.get(), &found, slots.get()) != SM_STATUS_SUCCESS) return nullptr;
-  *count = found;
+  *count = addresses.ForEach(
+      [&slots](u32 slot, const astring* text) { CopyToSlot(slots.get(), slot, text); });
   return slots.release();
 }
 

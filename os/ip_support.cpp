@@ -3,9 +3,10 @@
 #include "os/ip_support.h"
 
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include "qvxcs/status.h"
+
+#include "os/descriptor.h"
 
 namespace qvx {
 namespace {
@@ -22,10 +23,7 @@ constexpr astring kLoopBackIPv6[] = "::1";
 constinit u16 ipSupport = 0;
 
 bool FamilyWorks(int family) {
-  const int probe = socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (probe < 0) return false;
-  (void)close(probe);
-  return true;
+  return static_cast<bool>(AboveStandard(socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0)));
 }
 
 }  // namespace

@@ -40,12 +40,13 @@ QVX_EXPORT qvx_astring* PXTGetComputerDomainName(void);
 /**
  * Gives this machine's host name.
  *
- * A name that does not fit is cut at the room and terminated there; that is a success too, which
- * only the unchanged size tells from a whole name. Start with a zeroed buffer.
+ * A name that does not fit is cut at the room and terminated there, which is a success and leaves
+ * the size as it was. A whole name that fills the room exactly leaves the size as it was, too: give
+ * 65 bytes of room or more, in which every name of Linux fits. Start with a zeroed buffer.
  *
  * @param[out] name     room for the name and its NUL
- * @param[in,out] size  bytes of room; then the name's length plus one, or as it was when the system
- *                      did not give the whole name. With 0 nothing is written.
+ * @param[in,out] size  bytes of room; then the name's length plus one, or as it was when the name
+ *                      was cut or the system gave none. With 0 nothing is written.
  * @retval SM_STATUS_SUCCESS also when the system did not give the name
  * @retval SM_STATUS_NOT_LOADED when IP support is not loaded; this is looked at first
  * @retval SM_STATUS_BAD_ARGUMENT when `name` or `size` is NULL

@@ -259,8 +259,8 @@ QVX_EXPORT qvx_astring* PXTGetOSCountry(void);
 /**
  * Gives the host's name, at most 255 characters of it.
  *
- * @return the name; NULL when it cannot be had, while the library is not attached, or without
- * memory
+ * @return the name, empty when the system does not give it; NULL while the library is not attached,
+ * or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads

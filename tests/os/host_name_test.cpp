@@ -114,6 +114,14 @@ TEST_F(LoadedHostName, ANameThatDoesNotFitIsASuccessThatLeavesTheSize) {
   }
 }
 
+TEST_F(LoadedHostName, AWholeNameThatFillsTheRoomLeavesTheSizeToo) {
+  astring name[8] = {};
+  u32 size = sizeof name;
+  EXPECT_EQ(PXTGetIPHostName(name, &size), SM_STATUS_SUCCESS);
+  EXPECT_STREQ(name, "qvxtest");
+  EXPECT_EQ(size, sizeof name);
+}
+
 TEST_F(LoadedHostName, ANameThatIsCutWithoutAnErrorIsTerminatedToo) {
   qvx::test::CutHostNamesSilently();
   for (const u32 room : {1U, 4U, 7U}) {

@@ -29,6 +29,7 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
+#include "support/host_name_fault.h"
 #include "support/processes.h"
 
 namespace {
@@ -261,37 +262,59 @@ TEST_F(Interfaces, AHostListWithoutMemoryIsNullWithACountOfNone) {
         EXPECT_FALSE(given);
         EXPECT_EQ(count, 0U);
       });
-  EXPECT_EQ(met, 2U);  // the host name and the slots
+  EXPECT_EQ(met, 1U) << "the slots";
   EXPECT_EQ(count, 2U);
 }
 
-TEST_F(Interfaces, AHostListThatGrewWhileItWasReadIsNullWithACountOfNone) {
+// The list as it was at the one reading, whatever becomes of it before a second one.
+TEST_F(Interfaces, AHostListThatGrowsMeanwhileIsTheListThatWasRead) {
   Shell("ip addr add 192.0.2.1/24 dev qvx0");
   commandBeforeReading = "ip addr add 192.0.2.2/24 dev qvx0";
   readingsUntilCommand = 2;
   u32 count = 5;
-  EXPECT_EQ(qvx::SUPTIntfHostGetHostIPAddrList(&count), nullptr);
-  EXPECT_EQ(count, 0U);
-  EXPECT_EQ(Counted(), 2U);
+  astring* const slots = qvx::SUPTIntfHostGetHostIPAddrList(&count);
+  ASSERT_NE(slots, nullptr);
+  EXPECT_EQ(count, 1U);
+  EXPECT_STREQ(slots, "192.0.2.1");
+  PXTFreeMem(slots);
+  EXPECT_EQ(Counted(), 2U) << "this is the second reading";
 }
 
-TEST_F(Interfaces, AHostListThatShrankWhileItWasReadCountsWhatIsLeft) {
+TEST_F(Interfaces, AHostListThatShrinksMeanwhileIsTheListThatWasRead) {
   AddTwoAddresses();
   commandBeforeReading = "ip addr del 192.0.2.1/24 dev qvx0";
   readingsUntilCommand = 2;
   u32 count = 5;
   astring* const slots = qvx::SUPTIntfHostGetHostIPAddrList(&count);
   ASSERT_NE(slots, nullptr);
-  EXPECT_EQ(count, 1U);
-  EXPECT_STREQ(slots, "2001:db8::1");
-  EXPECT_STREQ(slots + kSlot, "");
+  EXPECT_EQ(count, 2U);
+  EXPECT_EQ((std::set<std::string>{slots, slots + kSlot}),
+            (std::set<std::string>{"192.0.2.1", "2001:db8::1"}));
   PXTFreeMem(slots);
+  EXPECT_EQ(Counted(), 1U) << "this is the second reading";
 }
 
 TEST(HostNameText, IsAHeapCopyOfTheHostName) {
   (void)qvx::LoadIPSupt();
   astring* const name = PXTGetHostNameAStr();
   EXPECT_STREQ(name, "qvxtest");
+  PXTFreeMem(name);
+}
+
+TEST(HostNameText, HasAll64CharactersOfTheLongestName) {
+  (void)qvx::LoadIPSupt();
+  const std::string longest(64, 'n');
+  ASSERT_EQ(sethostname(longest.data(), longest.size()), 0);
+  astring* const name = PXTGetHostNameAStr();
+  EXPECT_EQ(std::string(name), longest);
+  PXTFreeMem(name);
+}
+
+TEST(HostNameText, IsEmptyWhenTheSystemDoesNotGiveTheName) {
+  (void)qvx::LoadIPSupt();
+  qvx::test::RefuseHostNames();
+  astring* const name = PXTGetHostNameAStr();
+  EXPECT_STREQ(name, "");
   PXTFreeMem(name);
 }
 

@@ -79,6 +79,11 @@ TEST(IPSupport, NeitherFamilyIsSocketType0WithoutLoopback) {
             0);
 }
 
+TEST(IPSupport, TheFamiliesAreProbedByStreamSocketsThatAreCloseOnExec) {
+  EXPECT_EQ(qvx::GetSockType(), 3U);
+  EXPECT_EQ(qvx::test::LastSocketType(), SOCK_STREAM | SOCK_CLOEXEC);
+}
+
 TEST(IPSupport, ProbingLeavesNoDescriptorOpen) {
   const int before = fcntl(0, F_DUPFD_CLOEXEC, 3);
   ASSERT_GE(before, 0);

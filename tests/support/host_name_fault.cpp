@@ -8,6 +8,7 @@
 namespace {
 
 bool silent = false;
+bool refused = false;
 
 }  // namespace
 
@@ -15,6 +16,10 @@ extern "C" {
 int __real_gethostname(char* name, size_t size);
 
 int __wrap_gethostname(char* name, size_t size) {
+  if (refused) {
+    errno = EFAULT;
+    return -1;
+  }
   const int result = __real_gethostname(name, size);
   return silent && result != 0 && errno == ENAMETOOLONG ? 0 : result;
 }
@@ -23,5 +28,6 @@ int __wrap_gethostname(char* name, size_t size) {
 namespace qvx::test {
 
 void CutHostNamesSilently() { silent = true; }
+void RefuseHostNames() { refused = true; }
 
 }  // namespace qvx::test

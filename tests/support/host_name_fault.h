@@ -9,6 +9,9 @@ namespace qvx::test {
 // without a NUL, as POSIX allows.
 void CutHostNamesSilently();
 
+// From here to the end of this process the system gives no host name.
+void RefuseHostNames();
+
 }  // namespace qvx::test
 
 #endif

@@ -11,6 +11,7 @@
 namespace {
 
 std::array<bool, AF_MAX> refused{};
+int lastType = 0;
 
 }  // namespace
 
@@ -18,6 +19,7 @@ extern "C" {
 int __real_socket(int family, int type, int protocol);
 
 int __wrap_socket(int family, int type, int protocol) {
+  lastType = type;
   if (refused.at(static_cast<size_t>(family))) {
     errno = EAFNOSUPPORT;
     return -1;
@@ -29,5 +31,7 @@ int __wrap_socket(int family, int type, int protocol) {
 namespace qvx::test {
 
 void RefuseFamily(int family) { refused.at(static_cast<size_t>(family)) = true; }
+
+int LastSocketType() { return lastType; }
 
 }  // namespace qvx::test

@@ -9,6 +9,9 @@ namespace qvx::test {
 // process.
 void RefuseFamily(int family);
 
+// The type, with its flags, that the last socket was asked for with; 0 before the first.
+int LastSocketType();
+
 }  // namespace qvx::test
 
 #endif
