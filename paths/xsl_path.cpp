@@ -156,6 +156,8 @@ astring* SIGetXSLPathLocalePermutate(const astring* root, const astring* dir, co
   return FindLocaleFile(&path, search, file, locale) ? CopyText(path.text).release() : nullptr;
 }
 
+void TurnBackslashes(astring* text) { std::replace(text, text + strlen(text), '\\', '/'); }
+
 astring* ConvertPathToURI(const astring* path) {
   if (path == nullptr) return nullptr;
   constexpr astring kBlank[] = "%20";
@@ -188,9 +190,8 @@ astring* SUPTIntfGetXSLPathLocale(const astring* product, const astring* dir, co
   base.Append("/");
   base.Append(product);
   HeapArray<astring> result(SheetOrPath(base.text, dir, file, locale, flags));
-  if (result && forwardSlashes != 0) {
-    std::replace(result.get(), result.get() + strlen(result.get()), '\\', '/');
-  }
+  // Finds nothing while every path goes through ConvertPathToURI, which turns them for any flag.
+  if (result && forwardSlashes != 0) TurnBackslashes(result.get());
   return result.release();
 }
 

@@ -20,6 +20,9 @@ astring* SIGetXSLPath(const astring* root, const astring* dir, const astring* fi
 astring* SIGetXSLPathLocalePermutate(const astring* root, const astring* dir, const astring* file,
                                      const astring* locale, booln withTemplate, booln mustExist);
 
+// Every "\" of the text becomes "/".
+void TurnBackslashes(astring* text);
+
 // Every "\" becomes "/", every blank "%20".
 astring* ConvertPathToURI(const astring* path);
 

@@ -230,7 +230,7 @@ QVX_EXPORT qvx_astring* PXTGetLocaleNameAStr(qvx_u32 languageId);
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
- * Reads the environment; any thread may call while none changes it.
+ * Keeps no state and does not look at the environment; any thread may call.
  */
 QVX_EXPORT qvx_astring* PXTGetOSLocaleName(void);
 
@@ -241,7 +241,7 @@ QVX_EXPORT qvx_astring* PXTGetOSLocaleName(void);
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
- * Reads the environment; any thread may call while none changes it.
+ * Keeps no state and does not look at the environment; any thread may call.
  */
 QVX_EXPORT qvx_astring* PXTGetOSLanguage(void);
 
@@ -252,7 +252,7 @@ QVX_EXPORT qvx_astring* PXTGetOSLanguage(void);
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
- * Reads the environment; any thread may call while none changes it.
+ * Keeps no state and does not look at the environment; any thread may call.
  */
 QVX_EXPORT qvx_astring* PXTGetOSCountry(void);
 
@@ -281,8 +281,9 @@ QVX_EXPORT qvx_astring* PXTGetHostNameAStr(void);
  *
  * @param[in] action     one of `QVXWebServerAction`
  * @param[in] reserved   not used
- * @param[out] exitCode  the shell's exit status, or NULL; -1 when no shell could be run. It is 0
- * for a shell that a signal ended
+ * @param[out] exitCode  the shell's exit status, or NULL. It is 127 when there is no shell or the
+ * command is not found, -1 when the shell could not be waited for, and 0 for a shell that a signal
+ * ended
  * @retval SM_STATUS_SUCCESS when the exit status is 0
  * @retval SM_STATUS_FILE_CREATE_FAILED when the exit status is 2
  * @retval 0xFFFFFFFF for any other exit status

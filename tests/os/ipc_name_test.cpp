@@ -42,6 +42,11 @@ TEST(IPCName, BlanksBeforeTheNumberAreSkippedLikeThoseBeforeTheWord) {
   EXPECT_EQ(CreateIPCName(30000), 35000);
 }
 
+TEST(IPCName, TheNumberIsDecimalAlsoAfterAZero) {
+  WriteFile("/etc/qvx.conf", "ipcnamebase=010\n");
+  EXPECT_EQ(CreateIPCName(0), 10);
+}
+
 TEST(IPCName, TheFirstMatchingLineWinsAndWhatFollowsTheNumberIsIgnored) {
   WriteFile("/etc/qvx.conf",
             "# ipcnamebase=1\nipcnamebase=x\nipcnamebase=7 eight\nipcnamebase=9\n");

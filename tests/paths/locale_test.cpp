@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -11,6 +12,7 @@
 
 #include "base/heap.h"
 #include "support/alloc_fault.h"
+#include "support/guard_buffer.h"
 
 namespace qvx {
 namespace {
@@ -51,6 +53,17 @@ TEST(Locale, EnvironmentDoesNotChangeTheLocale) {
   EXPECT_EQ(Text(PXTGetOSLocaleName()), "en_US");
 }
 
+// An environment that cannot be read ends whoever looks at it.
+TEST(Locale, NoCallLooksAtTheEnvironment) {
+  char** const kept = environ;
+  test::GuardBuffer<char*> unreadable(0);
+  environ = unreadable.data();
+  const std::string texts = Text(PXTGetOSLocaleName()) + Text(PXTGetOSLanguage()) +
+                            Text(PXTGetOSCountry()) + Text(PXTGetLocaleNameAStr(1031));
+  environ = kept;
+  EXPECT_EQ(texts, "en_USenUSde");
+}
+
 TEST(Locale, NameWithoutCountryHasNeitherPart) {
   EXPECT_EQ(LanguageOf("fr"), nullptr);
   EXPECT_EQ(CountryOf("fr"), nullptr);
@@ -77,8 +90,8 @@ TEST(Locale, LanguageFillsAtMostItsBlock) {
 
 TEST(Locale, LanguageBlockHas256Bytes) {
   const HeapArray<astring> language(PXTGetOSLanguage());
-  ASSERT_NE(language, nullptr);
-  memset(language.get(), 'x', 256);
+  EXPECT_EQ(test::LastAllocationSize(), 256u);
+  EXPECT_STREQ(language.get(), "en");
 }
 
 TEST(Locale, IsNullWheneverAnAllocationFails) {

@@ -76,20 +76,28 @@ TEST(ProductPaths, TempDirectoryHiddenByAFileIsNull) {
   EXPECT_EQ(PXTGetIWSTempDirPath(), nullptr);
 }
 
+// The allocations are counted, so that the path that another rests on is seen to be asked for.
 TEST(ProductPaths, AreNullWheneverAnAllocationFails) {
-  for (const auto call :
-       {SUPTIntfGetProductIniPath, SUPTIntfGetProductVarPath, SUPTIntfGetQVXWWWRootPath,
-        SUPTIntfGetQVXXSLRootPath, SUPTIntfGetQVXDownloadPath, SUPTIntfGetQVXUploadPath,
-        SUPTIntfGetQVXCLIDocsPath, SUPTIntfGetQVXWEBDocsPath, SUPTIntfGetIWSTempDirPath}) {
+  const struct {
+    astring* (*call)();
+    u32 allocations;
+  } cases[] = {
+      {SUPTIntfGetProductIniPath, 1},  {SUPTIntfGetProductVarPath, 1},
+      {SUPTIntfGetQVXWWWRootPath, 2},  {SUPTIntfGetQVXXSLRootPath, 2},  // the install path
+      {SUPTIntfGetQVXDownloadPath, 2}, {SUPTIntfGetQVXUploadPath, 2},   // the var path
+      {SUPTIntfGetQVXCLIDocsPath, 3},  {SUPTIntfGetQVXWEBDocsPath, 3},  // and the locale's name
+      {SUPTIntfGetIWSTempDirPath, 2},                                   // the install path
+  };
+  for (const auto& each : cases) {
     HeapArray<astring> last;
     const u32 met = test::FailEachAllocation(
         [&] {
-          last.reset(call());
+          last.reset(each.call());
           return last.get();
         },
         [](const astring* text) { EXPECT_EQ(text, nullptr); });
-    EXPECT_GE(met, 1u);
-    EXPECT_NE(last, nullptr);
+    EXPECT_EQ(met, each.allocations) << last.get();
+    EXPECT_STREQ(last.get(), Text(each.call()).c_str());
   }
 }
 

@@ -91,6 +91,13 @@ TEST(WebServer, EachActionRunsTheInitScriptWithoutOsRelease) {
   }
 }
 
+TEST(WebServer, ADanglingOsReleaseLinkIsNoOsRelease) {
+  MakeHost(false);
+  ASSERT_EQ(symlink("/run/missing", kOsRelease), 0);
+  EXPECT_EQ(PXTWebServer(1, 0, nullptr), SM_STATUS_SUCCESS);
+  EXPECT_EQ(Recorded(), "/etc/init.d/hvn_qv_connsvc start\n");
+}
+
 TEST(WebServer, UnknownActionRunsNoServiceCommand) {
   for (const bool systemd : {true, false}) {
     MakeHost(systemd);
@@ -147,6 +154,16 @@ TEST(WebServer, ShellEndedBySignalPassesForSuccess) {
   EXPECT_EQ(PXTWebServer(1, 0, &code), SM_STATUS_SUCCESS);
   EXPECT_EQ(code, 0);
   EXPECT_EQ(Recorded(), "/usr/bin/systemctl start hvn_qv_connsvc.service\n");
+}
+
+TEST(WebServer, WithoutAShellTheExitCodeIs127) {
+  MakeHost(true);
+  ASSERT_EQ(rename("/usr/bin/sh", "/usr/bin/sh.away"), 0);
+  s32 code = 77;
+  EXPECT_EQ(PXTWebServer(1, 0, &code), kFailed);
+  EXPECT_EQ(code, 127);
+  ASSERT_EQ(rename("/usr/bin/sh.away", "/usr/bin/sh"), 0);
+  EXPECT_EQ(Recorded(), "");
 }
 
 TEST(WebServer, ShellThatCannotBeWaitedForIsExitCodeMinusOne) {

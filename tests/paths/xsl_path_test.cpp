@@ -178,12 +178,21 @@ TEST(XslPath, BlanksAreEscapedAndBackslashesTurned) {
             Include("template/a%20b/f.xsl"));
 }
 
-TEST(XslPath, ForwardSlashesLeaveNoBackslash) {
+// Every path of the result is a URI, so that the flag finds nothing left to turn.
+TEST(XslPath, NoBackslashIsLeftWhateverTheFlag) {
+  EXPECT_EQ(Text(PXTGetXSLPathLocale("p", "d\\e", "f\\g.xsl", nullptr, 0, 0)),
+            kBase + "/d/e/f/g.xsl");
   MakeSheet("template/d/f\\g.xsl");
   for (const booln forward : {booln{0}, booln{1}, booln{0x100}}) {
     EXPECT_EQ(Text(PXTGetXSLPathLocale("p", "d", "f\\g.xsl", nullptr, 0, forward)),
               Include("template/d/f/g.xsl"));
   }
+}
+
+TEST(XslPath, TurnsEveryBackslashOfAText) {
+  astring text[] = "\\a\\\\b/c\\";
+  TurnBackslashes(text);
+  EXPECT_STREQ(text, "/a//b/c/");
 }
 
 TEST(XslPath, ComposedSheetIsCutAt512Characters) {

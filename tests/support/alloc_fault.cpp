@@ -16,6 +16,7 @@ std::atomic<bool> fired{false};
 std::atomic<bool> countSleeps{false};
 std::atomic<u32> sleeps{0};
 std::atomic<u64> slept{0};
+std::atomic<size_t> lastSize{0};
 
 bool MustFail() {
   if (countdown.load() == 0 || countdown.fetch_sub(1) != 1) {
@@ -34,13 +35,18 @@ void* __real_calloc(size_t count, size_t size);
 void* __real_realloc(void* block, size_t size);
 int __real_usleep(useconds_t time);
 
-void* __wrap_malloc(size_t size) { return MustFail() ? nullptr : __real_malloc(size); }
+void* __wrap_malloc(size_t size) {
+  lastSize = size;
+  return MustFail() ? nullptr : __real_malloc(size);
+}
 
 void* __wrap_calloc(size_t count, size_t size) {
+  lastSize = count * size;
   return MustFail() ? nullptr : __real_calloc(count, size);
 }
 
 void* __wrap_realloc(void* block, size_t size) {
+  lastSize = size;
   return MustFail() ? nullptr : __real_realloc(block, size);
 }
 
@@ -73,6 +79,8 @@ void operator delete(void* block, size_t) noexcept { free(block); }
 void operator delete[](void* block, size_t) noexcept { free(block); }
 
 namespace qvx::test {
+
+size_t LastAllocationSize() { return lastSize; }
 
 FailNthAllocation::FailNthAllocation(u32 nth) {
   if (nth != 0) {

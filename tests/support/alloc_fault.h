@@ -3,6 +3,8 @@
 #ifndef QVX_TESTS_SUPPORT_ALLOC_FAULT_H
 #define QVX_TESTS_SUPPORT_ALLOC_FAULT_H
 
+#include <cstddef>
+
 #include "qvxcs/types.h"
 
 // Test programs wrap malloc, calloc, realloc and usleep and replace operator new, so that an
@@ -40,6 +42,9 @@ u32 FailEachAllocation(Call call, Check check) {
     }
   }
 }
+
+// The bytes that the last call of malloc, calloc or realloc asked for.
+size_t LastAllocationSize();
 
 // While it lives, usleep returns at once and is counted.
 class CountSleeps {
