@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_OS_TORN_LOG_NOTES_H
+#define QVX_OS_TORN_LOG_NOTES_H
+
+#include <sys/stat.h>
+
+#include "qvxcs/types.h"
+
+namespace qvx {
+
+// Which file, whatever its names.
+struct FileId {
+  u64 device;
+  u64 inode;
+};
+
+inline bool operator==(const FileId& one, const FileId& other) {
+  return one.device == other.device && one.inode == other.inode;
+}
+
+inline FileId FileIdOf(const struct stat& status) { return {status.st_dev, status.st_ino}; }
+
+// What a log looked like before a write that a kill could cut: the write begins at `offset`, where
+// the closing tag is, and ends at `end`. `sum` is SumOf the bytes that it puts before the first
+// page border, which even a write that is cut leaves whole.
+struct TornLogNote {
+  FileId file;
+  u64 offset;
+  u64 end;
+  u64 sum;
+};
+
+inline constexpr u32 kMaxTornLogNotes = 64;
+
+// A kill cuts a write only where a page of memory ends.
+inline constexpr u64 kTearBorder = 4096;
+inline constexpr u64 FirstBorderAfter(u64 offset) {
+  return (offset / kTearBorder + 1) * kTearBorder;
+}
+
+// A 64-bit FNV-1a sum, to be continued with further bytes.
+inline constexpr u64 kEmptySum = 0xCBF29CE484222325;
+u64 SumOf(const void* bytes, u64 count, u64 sum = kEmptySum);
+
+// Whether the lock file holds anything. May be asked without the lock: the answer is then a hint.
+bool MayHaveTornLogNotes();
+
+// The notes of all processes. They lie in the lock file, which is empty without one; whatever else
+// it holds counts for nothing and is replaced by the first note. An object is made and used within
+// one hold of the file lock.
+class TornLogNotes {
+ public:
+  TornLogNotes();
+  TornLogNotes(const TornLogNotes&) = delete;
+  TornLogNotes& operator=(const TornLogNotes&) = delete;
+
+  // Null when there is no note of this file.
+  const TornLogNote* Find(const FileId& file) const;
+  // Replaces the file's note; the oldest gives way to the 65th. False when it cannot be written.
+  bool Add(const TornLogNote& note);
+  void Drop(const FileId& file);
+
+ private:
+  void Remove(const FileId& file);
+  bool Store();
+
+  u32 count_ = 0;
+  u64 stored_ = 0;        // bytes of the lock file
+  bool changed_ = false;  // the lock file holds other notes than these
+  TornLogNote notes_[kMaxTornLogNotes];
+};
+
+}  // namespace qvx
+
+#endif
