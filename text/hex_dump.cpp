@@ -12,6 +12,7 @@ namespace {
 
 constexpr u32 kBytesPerLine = 16;
 constexpr u32 kLineColumns = 80;
+constexpr u32 kHexDumpLine = kLineColumns + 2;
 constexpr u32 kFirstDigitColumn = 12;
 constexpr u32 kCharacterColumn = 63;
 constexpr char kHexDigits[] = "0123456789ABCDEF";
@@ -41,7 +42,24 @@ void PutBytes(astring* line, const u8* bytes, u32 count) {
   }
 }
 
+// One line of up to 16 bytes, its line end included.
+void PutLine(astring* line, const u8* bytes, u32 count, u32 address) {
+  memset(line, ' ', kLineColumns);
+  memcpy(line + kLineColumns, "\r\n", 2);
+  PutAddress(line, address);
+  PutBytes(line, bytes, count);
+}
+
 }  // namespace
+
+u32 HexDumpLength(u32 count) { return (count + kBytesPerLine - 1) / kBytesPerLine * kHexDumpLine; }
+
+void PutHexDump(astring* out, const void* bytes, u32 count) {
+  const u8* const at = static_cast<const u8*>(bytes);
+  for (u32 done = 0; done < count; done += kBytesPerLine, out += kHexDumpLine) {
+    PutLine(out, at + done, std::min(count - done, kBytesPerLine), done);
+  }
+}
 
 s32 BufToUStr(SSUStr* record, const void* bytes, u32 count, u32 base) {
   if (record == nullptr) return -1;
@@ -49,11 +67,9 @@ s32 BufToUStr(SSUStr* record, const void* bytes, u32 count, u32 base) {
   const u8* at = static_cast<const u8*>(bytes);
   while (count > 0) {
     const u32 shown = std::min(count, kBytesPerLine);
-    astring line[kLineColumns + 3];
-    memset(line, ' ', kLineColumns);
-    memcpy(line + kLineColumns, "\r\n", 3);
-    PutAddress(line, base);
-    PutBytes(line, at, shown);
+    astring line[kHexDumpLine + 1];
+    PutLine(line, at, shown, base);
+    line[kHexDumpLine] = '\0';
     if (SSUStrCatAStr(record, line) == nullptr) return -1;
     at += shown;
     base += shown;

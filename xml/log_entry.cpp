@@ -5,30 +5,23 @@
 #include <string.h>
 #include <time.h>
 
-#include <cinttypes>
-#include <cstdio>
+#include <iterator>
 
 #include "qvxcs/status.h"
 
-#include "base/heap.h"
+#include "base/results.h"
 #include "os/host_name.h"
-#include "text/grow_string.h"
 #include "text/hex_dump.h"
 #include "text/time_text.h"
 #include "text/xml_escape.h"
+#include "xml/xml_value.h"
 
 namespace qvx {
 
 namespace {
 
-constexpr u32 kFailed = 0xFFFFFFFF;
-
-constexpr u32 kEntryRoom = 2048;
 constexpr u32 kTimeRoom = 26;
 constexpr u32 kHostNameRoom = 256;
-
-constexpr u32 kDumpBytesPerLine = 16;
-constexpr u32 kDumpLineLength = 82;
 
 bool IsTextWithin(const astring* text, u32 longest) {
   if (text == nullptr) {
@@ -38,16 +31,30 @@ bool IsTextWithin(const astring* text, u32 longest) {
   return length >= 1 && length <= longest;
 }
 
-// A 16-bit text with its room, given back at the end of the scope.
-class DumpText {
- public:
-  DumpText() = default;
-  ~DumpText() { SSUStrFree(&record); }
-  DumpText(const DumpText&) = delete;
-  DumpText& operator=(const DumpText&) = delete;
+std::string_view ViewOf(const astring* text) { return text == nullptr ? "" : text; }
 
-  SSUStr record = {};
+// A text with its markup escaped; none for a null text. False where it cannot be made.
+bool Escape(const astring* text, HeapArray<astring>* escaped) {
+  if (text == nullptr) return true;
+  escaped->reset(SUPTIntfGetXMLUTF8StrFromAStr(text, 1));
+  return *escaped != nullptr;
+}
+
+// A number's decimal digits.
+class Digits {
+ public:
+  explicit Digits(s64 number) : length_(PutDecimalNumber(text_, number)) {}
+  std::string_view View() const { return {text_, length_}; }
+
+ private:
+  astring text_[kValueTextRoom];
+  u32 length_;
 };
+
+astring* Put(astring* to, std::string_view text) {
+  memcpy(to, text.data(), text.size());
+  return to + text.size();
+}
 
 }  // namespace
 
@@ -59,8 +66,6 @@ bool IsLoggable(const LogEvent& event) {
          IsTextWithin(event.source, kMaxLogUser) &&
          IsTextWithin(event.description, kMaxLogDescription);
 }
-
-LogEntry::~LogEntry() { SSAStrFree(&record_); }
 
 u32 LogEntry::Build(const LogEvent& event) {
   const time_t now = time(nullptr);
@@ -74,59 +79,43 @@ u32 LogEntry::Build(const LogEvent& event) {
     return status;
   }
   hostName[kHostNameRoom - 1] = '\0';
+  HeapArray<astring> user;
+  HeapArray<astring> source;
+  if (!Escape(event.user, &user) || !Escape(event.source, &source)) return kMinusOne;
 
-  const bool whole =
-      SSAStrAlloc(&record_, kEntryRoom) != nullptr && Add("<LogEntry>") &&
-      AddNumber("TimeStamp", now) && AddElement("DateTime", dateTime) &&
-      AddElement("ComputerName", hostName) && AddNumber("Type", event.type) &&
-      AddNumber("ID", event.id) && AddEscaped("UserInfo", event.user) &&
-      AddEscaped("Source", event.source) &&
+  const Digits stamp(now);
+  const Digits type(event.type);
+  const Digits id(event.id);
+  const std::string_view pieces[] = {
+      "<LogEntry><TimeStamp>", stamp.View(), "</TimeStamp><DateTime>", ViewOf(dateTime),
+      "</DateTime><ComputerName>", ViewOf(hostName), "</ComputerName><Type>", type.View(),
+      "</Type><ID>", id.View(), "</ID><UserInfo>", ViewOf(user.get()), "</UserInfo><Source>",
+      ViewOf(source.get()), "</Source><Description>",
       // Deliberate: the description is not escaped: callers hand over well-formed markup, such as
       // elements of their own. Held by LogEntry.DescriptionIsWrittenAsItStands.
-      AddElement("Description", event.description) && Add("<Data>") &&
-      AddDump(event.data, event.dataSize) && Add("</Data></LogEntry>");
-  return whole ? SM_STATUS_SUCCESS : kFailed;
+      ViewOf(event.description), "</Description><Data>"};
+  return Join(pieces, std::size(pieces), event);
 }
 
-// A growable text reports a failed append by its unchanged length only.
-bool LogEntry::Add(const astring* text) {
-  const u64 wanted = u64{record_.length} + strlen(text);
-  return SSAStrCatAStr(&record_, text) != nullptr && record_.length == wanted;
-}
-
-bool LogEntry::AddElement(const astring* name, const astring* text) {
-  return Add("<") && Add(name) && Add(">") && Add(text == nullptr ? "" : text) && Add("</") &&
-         Add(name) && Add(">");
-}
-
-bool LogEntry::AddNumber(const astring* name, s64 number) {
-  astring digits[24];
-  (void)snprintf(digits, sizeof digits, "%" PRId64, number);
-  return AddElement(name, digits);
-}
-
-bool LogEntry::AddEscaped(const astring* name, const astring* text) {
-  if (text == nullptr) {
-    return AddElement(name, nullptr);
+u32 LogEntry::Join(const std::string_view* pieces, size_t count, const LogEvent& event) {
+  constexpr std::string_view kEnd = "</Data></LogEntry>";
+  u64 length = HexDumpLength(event.dataSize) + kEnd.size();
+  for (size_t i = 0; i < count; ++i) {
+    length += pieces[i].size();
   }
-  const HeapArray<astring> escaped(SUPTIntfGetXMLUTF8StrFromAStr(text, 1));
-  return escaped && AddElement(name, escaped.get());
-}
-
-// Deliberate: the dump keeps its line ends and is not escaped, so data bytes that are markup in
-// XML stand bare in its character columns. Held by LogEntry.DataIsTheDumpWithItsLineEnds.
-bool LogEntry::AddDump(const void* data, u32 dataSize) {
-  if (dataSize == 0) {
-    return true;
+  text_ = AllocArray<astring>(length + 1);
+  if (!text_) return kMinusOne;
+  astring* at = text_.get();
+  for (size_t i = 0; i < count; ++i) {
+    at = Put(at, pieces[i]);
   }
-  const u32 units = (dataSize + kDumpBytesPerLine - 1) / kDumpBytesPerLine * kDumpLineLength;
-  DumpText dump;
-  if (SSUStrAlloc(&dump.record, (units + 1) * 2) == nullptr ||
-      BufToUStr(&dump.record, data, dataSize, 0) != 0 || dump.record.length != units) {
-    return false;
-  }
-  const u32 wanted = record_.length + units;
-  return SSAStrCatUStr(&record_, dump.record.text) != nullptr && record_.length == wanted;
+  // Deliberate: the dump keeps its line ends and is not escaped, so data bytes that are markup in
+  // XML stand bare in its character columns. Held by LogEntry.DataIsTheDumpWithItsLineEnds.
+  PutHexDump(at, event.data, event.dataSize);
+  at = Put(at + HexDumpLength(event.dataSize), kEnd);
+  *at = '\0';
+  length_ = static_cast<u32>(length);
+  return SM_STATUS_SUCCESS;
 }
 
 }  // namespace qvx

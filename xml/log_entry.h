@@ -3,8 +3,12 @@
 #ifndef QVX_XML_LOG_ENTRY_H
 #define QVX_XML_LOG_ENTRY_H
 
-#include "qvxcs/grow_string.h"
+#include <cstddef>
+#include <string_view>
+
 #include "qvxcs/types.h"
+
+#include "base/heap.h"
 
 namespace qvx {
 
@@ -35,26 +39,19 @@ bool IsLoggable(const LogEvent& event);
 // One LogEntry element as text.
 class LogEntry {
  public:
-  LogEntry() = default;
-  ~LogEntry();
-  LogEntry(const LogEntry&) = delete;
-  LogEntry& operator=(const LogEntry&) = delete;
-
   // Builds the element with the current time and this machine's name; called once. The time's or
   // the host name's status, else -1 when the element could not be built whole.
   u32 Build(const LogEvent& event);
 
-  const astring* Text() const { return record_.text; }
-  u32 Length() const { return record_.length; }
+  const astring* Text() const { return text_.get(); }
+  u32 Length() const { return length_; }
 
  private:
-  bool Add(const astring* text);
-  bool AddElement(const astring* name, const astring* text);
-  bool AddNumber(const astring* name, s64 number);
-  bool AddEscaped(const astring* name, const astring* text);
-  bool AddDump(const void* data, u32 dataSize);
+  // The pieces, the data's dump and the end.
+  u32 Join(const std::string_view* pieces, size_t count, const LogEvent& event);
 
-  SSAStr record_ = {};
+  HeapArray<astring> text_;
+  u32 length_ = 0;
 };
 
 }  // namespace qvx

@@ -88,9 +88,15 @@ u32 PutBooln(astring* out, const void* value) {
 
 u32 PutDecimal(astring* out, const ValueType& type, const void* value) {
   const u64 number = LoadNumber(type, value);
-  if (!type.isSigned || number <= INT64_MAX) return PutDigits(out, number, 10);
+  return type.isSigned ? PutDecimalNumber(out, static_cast<s64>(number))
+                       : PutDigits(out, number, 10);
+}
+
+u32 PutDecimalNumber(astring* out, s64 number) {
+  const u64 magnitude = static_cast<u64>(number);
+  if (number >= 0) return PutDigits(out, magnitude, 10);
   out[0] = '-';
-  return 1 + PutDigits(out + 1, 0 - number, 10);
+  return 1 + PutDigits(out + 1, 0 - magnitude, 10);
 }
 
 u32 PutHexadecimal(astring* out, const ValueType& type, const void* value) {

@@ -42,6 +42,7 @@ constexpr u32 kValueTextRoom = 64;
 // Each writes a terminated text into kValueTextRoom bytes and returns its length.
 u32 PutBooln(astring* out, const void* value);
 u32 PutDecimal(astring* out, const ValueType& type, const void* value);
+u32 PutDecimalNumber(astring* out, s64 number);
 // The low 32 bits of a sign-extended number, as "%#x" prints them.
 u32 PutHexadecimal(astring* out, const ValueType& type, const void* value);
 u32 PutDouble(astring* out, const void* value);
