@@ -4,33 +4,37 @@
 
 #include <string.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "os/file_lock.h"
 #include "os/file_util.h"
+#include "xml/log_file.h"
 
 namespace qvx {
 
 namespace {
 
-constexpr u32 kFailed = 0xFFFFFFFF;
 constexpr u32 kBackupNameRoom = 256;
 
-bool ReachesMaximum(const astring* path, u32 maxSize, u32 entrySize) {
+bool IsFull(const astring* path, u32 maxSize, u32 entrySize) {
   u32 size = 0;
-  return GetSizeOfFile(path, &size) == SM_STATUS_SUCCESS && u64{size} + entrySize >= maxSize;
+  return GetSizeOfFile(path, &size) == SM_STATUS_SUCCESS &&
+         ReachesMaximum(size, maxSize, entrySize);
 }
 
 u32 MoveOverBackup(const astring* path, const astring* backup) {
   if (chmod(path, kFileMode) != 0) {
-    return kFailed;
+    return kMinusOne;
   }
-  (void)DelFile(backup);
-  return rename(path, backup) == 0 ? SM_STATUS_SUCCESS : kFailed;
+  SetLogMode(backup, LookAtLog(backup));
+  (void)unlink(backup);
+  return rename(path, backup) == 0 ? SM_STATUS_SUCCESS : kMinusOne;
 }
 
 }  // namespace
@@ -66,7 +70,7 @@ u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
     return status;
   }
   if (strcmp(path, backup.get()) == 0) {
-    return kFailed;
+    return kMinusOne;
   }
   const FileLockGuard lock(1);
   if (!lock) {
@@ -74,15 +78,15 @@ u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
   }
   // Another process may have moved the log since it was measured: then the backup that stands holds
   // its entries and must not be deleted for the sake of a new, short log.
-  if (!ReachesMaximum(path, maxSize, entrySize)) {
-    return kFailed;
+  if (!IsFull(path, maxSize, entrySize)) {
+    return kMinusOne;
   }
   return MoveOverBackup(path, backup.get());
 }
 
 void CheckBackupLogFile(const astring* path, u32 maxSize, u32 entrySize, booln* backedUp) {
   *backedUp = 0;
-  if (ReachesMaximum(path, maxSize, entrySize) &&
+  if (IsFull(path, maxSize, entrySize) &&
       BackupLogFile(path, maxSize, entrySize) == SM_STATUS_SUCCESS) {
     *backedUp = 1;
   }

@@ -13,6 +13,11 @@ u32 GetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* size)
 // moved; otherwise log and old backup are as they were, unless the move itself failed.
 u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize);
 
+// Whether an entry of this size brings a log of that size to the maximum.
+inline bool ReachesMaximum(s64 size, u32 maxSize, u32 entrySize) {
+  return size + s64{entrySize} >= s64{maxSize};
+}
+
 // Tells in `backedUp` whether the log had reached the maximum and was moved.
 void CheckBackupLogFile(const astring* path, u32 maxSize, u32 entrySize, booln* backedUp);
 

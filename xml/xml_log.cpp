@@ -2,165 +2,100 @@
 // SPDX-License-Identifier: MIT
 #include "xml/xml_log.h"
 
-#include <errno.h>
-#include <string.h>
 #include <sys/stat.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "os/file_lock.h"
 #include "os/file_util.h"
-#include "os/stdio_file.h"
+#include "os/torn_log_notes.h"
 #include "xml/log_entry.h"
+#include "xml/log_file.h"
+#include "xml/log_tail.h"
 
 namespace qvx {
 
 namespace {
 
-constexpr u32 kFailed = 0xFFFFFFFF;
+constexpr u16 kWait = 1;
 
-constexpr astring kHead[] =
-    "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?>";
-constexpr astring kOpeningTag[] = "<EventLog>";
-constexpr astring kClosingTag[] = "</EventLog>";
-constexpr s64 kHeadLength = sizeof kHead - 1;
-constexpr s64 kTagLength = sizeof kClosingTag - 1;
-static_assert(kHeadLength == 65 && kTagLength == 11);
+bool HasHead(const LogLook& look) { return look.regular && look.size >= kLogHeadLength; }
 
-// The closing tag is nearly always the last thing in the log: the first block read holds it.
-constexpr s64 kSearchBlock = 4096;
-
-iovec Part(const astring* text, size_t length) { return {const_cast<astring*>(text), length}; }
-
-// One write, so that no other program ever finds the entry without its closing tag.
-bool WriteAt(int descriptor, const iovec* parts, int count, s64 offset) {
-  size_t wanted = 0;
-  for (int i = 0; i < count; ++i) {
-    wanted += parts[i].iov_len;
-  }
-  ssize_t written = 0;
-  do {
-    written = pwritev(descriptor, parts, count, static_cast<off_t>(offset));
-  } while (written < 0 && errno == EINTR);
-  return written >= 0 && static_cast<size_t>(written) == wanted;
+// Mends the log where a kill within a noted write has cut it.
+void MendNoted(LogFile* log, TornLogNotes* notes) {
+  const TornLogNote* const note = notes->Find(log->id);
+  if (note != nullptr && IsTorn(*log, *note) && MendLog(log, *note)) notes->Drop(log->id);
 }
 
-bool ReadAt(int descriptor, astring* block, size_t length, s64 offset) {
-  ssize_t got = 0;
-  do {
-    got = pread(descriptor, block, length, static_cast<off_t>(offset));
-  } while (got < 0 && errno == EINTR);
-  return got >= 0 && static_cast<size_t>(got) == length;
+// Mends the log in a hold of its own.
+void MendLogAt(const astring* path) {
+  const FileLockGuard lock(kWait);
+  if (!lock) return;
+  TornLogNotes notes;
+  const LogLook look = LookAtLog(path);
+  if (!look.regular || notes.Find(look.id) == nullptr) return;
+  LogFile log = OpenStandingLog(path);
+  if (log) MendNoted(&log, &notes);
 }
 
-bool CutAt(int descriptor, s64 length) {
-  return ftruncate(descriptor, static_cast<off_t>(length)) == 0;
+// A log is mended before its size moves it to the backup, which would keep it torn. The lock file
+// is empty unless a process was killed. Mending makes no log longer.
+bool IsFull(const astring* path, const LogLook& look, u32 maxSize, const LogEntry& entry) {
+  if (!look.regular || !ReachesMaximum(look.size, maxSize, entry.Length())) return false;
+  if (!MayHaveTornLogNotes()) return true;
+  MendLogAt(path);
+  const LogLook mended = LookAtLog(path);
+  return mended.regular && ReachesMaximum(mended.size, maxSize, entry.Length());
 }
 
-// The last place at which the tag stands in the block, or -1.
-s64 LastTagIn(const astring* block, s64 length) {
-  for (s64 at = length - kTagLength; at >= 0; --at) {
-    if (memcmp(block + at, kClosingTag, kTagLength) == 0) {
-      return at;
-    }
-  }
-  return -1;
+// The log's last close failed, which may have lost the entry.
+void TakeBackFromClosed(const astring* path, const FileId& id, const LogAddition& addition) {
+  const LogFile log = OpenStandingLog(path);
+  if (log && log.id == id) (void)addition.TakeBack(log);
 }
 
-// The offset of the log's last closing tag behind the head; -1 without one or when a read fails.
-s64 FindClosingTag(int descriptor, s64 size) {
-  astring block[kSearchBlock];
-  s64 end = size;
-  while (end - kTagLength >= kHeadLength) {
-    const s64 start = std::max(end - kSearchBlock, kHeadLength);
-    if (!ReadAt(descriptor, block, static_cast<size_t>(end - start), start)) {
-      return -1;
-    }
-    const s64 found = LastTagIn(block, end - start);
-    if (found >= 0) {
-      return start + found;
-    }
-    end = start + kTagLength - 1;
-  }
-  return -1;
-}
-
-u32 WriteFirstEntry(int descriptor, const LogEntry& entry) {
-  const iovec parts[] = {Part(kHead, sizeof kHead - 1), Part(kOpeningTag, sizeof kOpeningTag - 1),
-                         Part(entry.Text(), entry.Length()),
-                         Part(kClosingTag, sizeof kClosingTag - 1)};
-  if (!WriteAt(descriptor, parts, 4, 0)) {
-    (void)CutAt(descriptor, 0);
+u32 WriteAndClose(const astring* path, LogFile log, const LogAddition& addition) {
+  // What is behind the closing tag goes first, so that a kill within the write leaves nothing of
+  // it behind the entry.
+  if (addition.End() < log.size && !CutLog(log, addition.Offset() + kLogClosingLength)) {
     return SM_STATUS_WRITE_FAILED;
   }
-  return SM_STATUS_SUCCESS;
-}
-
-// The tag goes back first: its bytes are still allocated, also on a disk that is full.
-void RestoreClosingTag(int descriptor, s64 offset) {
-  const iovec tag = Part(kClosingTag, sizeof kClosingTag - 1);
-  (void)WriteAt(descriptor, &tag, 1, offset);
-  (void)CutAt(descriptor, offset + kTagLength);
-}
-
-u32 WriteNextEntry(int descriptor, s64 size, const LogEntry& entry) {
-  const s64 offset = FindClosingTag(descriptor, size);
-  if (offset < 0) {
-    return SM_STATUS_BAD_DATA;
-  }
-  const iovec parts[] = {Part(entry.Text(), entry.Length()),
-                         Part(kClosingTag, sizeof kClosingTag - 1)};
-  const s64 end = offset + s64{entry.Length()} + kTagLength;
-  if (!WriteAt(descriptor, parts, 2, offset) || (end < size && !CutAt(descriptor, end))) {
-    RestoreClosingTag(descriptor, offset);
+  if (!addition.Write(log)) {
+    (void)addition.TakeBack(log);
     return SM_STATUS_WRITE_FAILED;
   }
-  return SM_STATUS_SUCCESS;
-}
-
-// A directory or a device that stands in a log's place keeps its mode.
-void SetLogMode(const astring* path) {
-  struct stat status;
-  if (stat(path, &status) == 0 && S_ISREG(status.st_mode)) {
-    (void)chmod(path, kFileMode);
-  }
-}
-
-// Only a missing log is created: one that cannot be opened is left to whoever protected it.
-FilePtr OpenLog(const astring* path) {
-  SetLogMode(path);
-  FilePtr file = OpenFile(path, "r+b");
-  if (!file && errno == ENOENT) {
-    file = OpenFile(path, "w+b");
-    SetLogMode(path);
-  }
-  return file;
+  if (log.descriptor.Close()) return SM_STATUS_SUCCESS;
+  TakeBackFromClosed(path, log.id, addition);
+  return SM_STATUS_WRITE_FAILED;
 }
 
 u32 WriteEntry(const astring* path, const LogEntry& entry) {
-  const FileLockGuard lock(1);
-  if (!lock) {
-    return SM_STATUS_LOCK_FAILED;
-  }
-  FilePtr file = OpenLog(path);
-  if (!file) {
-    return kFailed;
-  }
-  const s64 size = StreamSize(file.get());
-  if (size < 0) {
-    return kFailed;
-  }
-  const int descriptor = fileno(file.get());
-  const u32 status = size < kHeadLength ? WriteFirstEntry(descriptor, entry)
-                                        : WriteNextEntry(descriptor, size, entry);
-  const bool closed = CloseWritten(std::move(file));
-  return status == SM_STATUS_SUCCESS && !closed ? SM_STATUS_WRITE_FAILED : status;
+  const FileLockGuard lock(kWait);
+  if (!lock) return SM_STATUS_LOCK_FAILED;
+  LogFile log = OpenLog(path);
+  if (!log) return kMinusOne;
+  TornLogNotes notes;
+  MendNoted(&log, &notes);
+  const s64 offset = log.size < kLogHeadLength ? 0 : FindClosingTag(log);
+  if (offset < 0) return SM_STATUS_BAD_DATA;
+  const FileId id = log.id;
+  const LogAddition addition(entry, offset);
+  // Without its note the entry is written all the same.
+  if (addition.MayBeTorn()) (void)notes.Add(addition.NoteFor(log));
+  const u32 status = WriteAndClose(path, std::move(log), addition);
+  notes.Drop(id);
+  return status;
+}
+
+// Whether the path names the file itself, not a link to it.
+bool NamesItself(const astring* path, const FileId& id) {
+  struct stat status = {};
+  return lstat(path, &status) == 0 && FileIdOf(status) == id;
 }
 
 u32 AppendCleared(const astring* path, const astring* user, const astring* source) {
@@ -168,18 +103,10 @@ u32 AppendCleared(const astring* path, const astring* user, const astring* sourc
                         nullptr, 0, kDefaultMaxLogSize);
 }
 
-bool HasHead(const astring* path) {
-  struct stat info = {};
-  return path != nullptr && stat(path, &info) == 0 && S_ISREG(info.st_mode) &&
-         info.st_size >= kHeadLength;
-}
-
 }  // namespace
 
 u32 ForceXMLLogExists(const astring* path, const astring* user, const astring* source) {
-  if (HasHead(path)) {
-    return SM_STATUS_SUCCESS;
-  }
+  if (path != nullptr && HasHead(LookAtLog(path))) return SM_STATUS_SUCCESS;
   return AppendCleared(path, user, source);
 }
 
@@ -201,8 +128,9 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
   if (path == nullptr || !IsLoggable(event)) {
     return SM_STATUS_BAD_ARGUMENT;
   }
-  if (const u32 status = CreateLogDir(path)) {
-    return status;
+  const LogLook look = LookAtLog(path);
+  if (!look.found) {
+    if (const u32 status = CreateLogDir(path)) return status;
   }
   LogEntry entry;
   if (const u32 status = entry.Build(event)) {
@@ -211,7 +139,9 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
   // Deliberate: a backup that fails is not reported; the entry goes to the log that is full.
   // Held by XmlLog.FailedBackupLeavesTheEntryInTheFullLog.
   booln backedUp = 0;
-  CheckBackupLogFile(path, maxSize, entry.Length(), &backedUp);
+  if (IsFull(path, look, maxSize, entry)) {
+    CheckBackupLogFile(path, maxSize, entry.Length(), &backedUp);
+  }
   if (backedUp == 1) {
     // Deliberate: the new log tells first that it was begun, ahead of the entry that made it
     // necessary and is older. Held by XmlLog.ReachingTheMaximumMovesTheLogToItsBackup.
@@ -222,15 +152,16 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
 }
 
 u32 DeleteLogFile(const astring* path) {
-  if (path == nullptr) {
-    return SM_STATUS_INVALID_PARAMETER;
-  }
-  const FileLockGuard lock(1);
-  if (!lock) {
-    return SM_STATUS_LOCK_FAILED;
-  }
-  SetLogMode(path);
-  return unlink(path) == 0 ? SM_STATUS_SUCCESS : kFailed;
+  if (path == nullptr) return SM_STATUS_INVALID_PARAMETER;
+  const FileLockGuard lock(kWait);
+  if (!lock) return SM_STATUS_LOCK_FAILED;
+  const LogLook look = LookAtLog(path);
+  SetLogMode(path, look);
+  TornLogNotes notes;
+  const bool forgets = notes.Find(look.id) != nullptr && NamesItself(path, look.id);
+  if (unlink(path) != 0) return kMinusOne;
+  if (forgets) notes.Drop(look.id);
+  return SM_STATUS_SUCCESS;
 }
 
 u32 CreateLogDir(const astring* path) {
@@ -241,7 +172,7 @@ u32 CreateLogDir(const astring* path) {
   if (!directory) {
     return SM_STATUS_NO_MEMORY;
   }
-  return CreateDir(directory.get()) == SM_STATUS_SUCCESS ? SM_STATUS_SUCCESS : kFailed;
+  return CreateDir(directory.get()) == SM_STATUS_SUCCESS ? SM_STATUS_SUCCESS : kMinusOne;
 }
 
 }  // namespace qvx

@@ -22,15 +22,18 @@
  * | `Description` | the caller's text as it stands: it must be well-formed markup or free of it |
  * | `Data` | the caller's bytes as a hex dump, unescaped, its lines ended by CR LF; empty without |
  *
- * An append writes in place. It searches the end of the log for the closing tag and overwrites it,
- * and whatever stands behind it, by the entry and a new closing tag, both in one write; its cost
- * does not grow with the log. A log that an entry would bring to the caller's maximum size is
- * renamed to its backup first: the log's path with the last character replaced by `_`, so
+ * An append writes in place. It looks for the closing tag at the end of the log and overwrites it,
+ * and whatever follows it, with the entry and a new closing tag, both in one write; its cost does
+ * not grow with the log. A process that is killed within that write may leave the log without its
+ * closing tag. The next append puts the tag back where the library noted it before the write; the
+ * entry that was cut is lost, earlier ones are not. A log that an entry would bring to the caller's
+ * maximum size is renamed to its backup first: the log's path with the last character replaced by `_`, so
  * `cmd.xml` moves to `cmd.xm_`. One backup is kept and is replaced each time. The new log begins
  * with the entry QVX_LOG_BACKUP_CREATED.
  *
- * Sizes and text limits are in bytes. Logs and backups get mode 01664, their directory 0755 less
- * the umask.
+ * Sizes and text limits are in bytes. Logs and backups get mode 01664, a log that is created 0664
+ * less the umask until then; a directory that a link in their place leads to keeps its mode. Their
+ * directory gets 0755 less the umask.
  *
  * @par Locks
  * Append, delete and backup hold the suite's file lock, for which they wait up to
@@ -85,7 +88,8 @@ QVX_EXPORT qvx_u32 PXTForceXMLLogExists(const qvx_astring* path, const qvx_astri
 /**
  * Deletes a log and begins it anew with the entry QVX_LOG_CLEARED, `Log was cleared`.
  *
- * The arguments are checked before anything is deleted. The backup stays. Entries that another
+ * The arguments are checked before anything is deleted. The backup stays. Whatever is no directory
+ * is deleted, a FIFO or a device in the log's place too; of a link, the link. Entries that another
  * process appends between the two steps stand ahead of the new entry.
  *
  * @param[in] path    the log
@@ -108,7 +112,7 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * Appends one entry to a log; a missing log and one directory above it are created.
  *
  * A file under 65 bytes is written anew. A backup that fails is not reported: the entry goes to
- * the log that is full. A log of 4 GiB or more has no backup, nor has one whose name ends with `_`
+ * the log that is full. A log of 4 GiB - 1 or more has no backup, nor has one whose name ends with `_`
  * or has more than 255 bytes. `Log backup created` names the same user and source; a failure to
  * write it is not reported.
  *
@@ -128,10 +132,12 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * @retval SM_STATUS_NO_MEMORY when there is no memory for the directory's name
  * @retval SM_STATUS_NOT_LOADED while the library is not attached; the log is as it was
  * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken; nothing is appended
- * @retval SM_STATUS_BAD_DATA when a log of 65 bytes and more has no closing tag; it is as it was
- * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk. The log
- * is cut back and its closing tag written again (the first entry leaves an empty file); only where
- * that fails too do later appends give SM_STATUS_BAD_DATA, until the log is cleared.
+ * @retval SM_STATUS_BAD_DATA when a log of 65 bytes and more has no closing tag, and no kill within
+ *         an append was the cause; it is as it was
+ * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk, or the
+ * log could not be closed. The entry is taken back: the log is cut and its closing tag written
+ * again (the first entry leaves an empty file); only where that fails too do later appends give
+ * SM_STATUS_BAD_DATA, until the log is cleared.
  * @retval 0xFFFFFFFF when the directory cannot be made, the time cannot be told, the entry cannot
  *         be built whole, or the log cannot be opened, created or measured
  * @par Memory
@@ -169,13 +175,14 @@ QVX_EXPORT qvx_u32 PXTGetBackupXMLLogPathFileName(const qvx_astring* path, qvx_a
  * `SMStatus` element with the value 0. A file that is not empty but cannot be opened or read gives
  * `SMStatus` with the value -1 alone. The file is read without the lock; what is appended while it
  * is read is not shown, which may cost the closing tag. A line is shown up to its first NUL byte.
+ * The answer is whole or NULL.
  *
  * @param[in] path  the log
  * @return the answer; NULL for a NULL path, a file that is missing, empty, no regular file or of
- *         4 GiB and more, and without memory
+ *         4 GiB - 1 and more, and without memory
  * @par Memory
- * The answer is the caller's, who frees it with PXTFreeMem(). Several times the file's size is
- * needed while it is built.
+ * The answer is the caller's, who frees it with PXTFreeMem(). While it is built, it needs little
+ * more than the file's size.
  * @par Threads
  * Keeps no state; any thread may call.
  */

@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_XML_LOG_TAIL_H
+#define QVX_XML_LOG_TAIL_H
+
+#include "qvxcs/types.h"
+
+#include "xml/log_entry.h"
+#include "xml/log_file.h"
+
+namespace qvx {
+
+// The offset of the log's last closing tag after the head; -1 without one or when a read fails.
+s64 FindClosingTag(const LogFile& log);
+
+// One write that puts an entry and a new closing tag into a log.
+class LogAddition {
+ public:
+  // At offset 0 the entry begins the log: the head goes before it.
+  LogAddition(const LogEntry& entry, s64 offset);
+
+  s64 Offset() const { return offset_; }
+  s64 End() const { return end_; }
+  // Whether a kill can cut the write.
+  bool MayBeTorn() const {
+    return static_cast<u64>(end_) > FirstBorderAfter(static_cast<u64>(offset_));
+  }
+  TornLogNote NoteFor(const LogFile& log) const;
+  bool Write(const LogFile& log) const;
+  // Makes the log what it was before the write: the closing tag again, or nothing at all.
+  bool TakeBack(const LogFile& log) const;
+
+ private:
+  void Add(const astring* text, u32 length);
+
+  iovec parts_[4];
+  int count_ = 0;
+  s64 offset_;
+  s64 end_;
+};
+
+// Whether a kill within the very write that the note tells of has cut this log.
+bool IsTorn(const LogFile& log, const TornLogNote& note);
+
+// Puts the closing tag back where the note has it; a log that was to be begun is made empty.
+// False when that fails.
+bool MendLog(LogFile* log, const TornLogNote& note);
+
+}  // namespace qvx
+
+#endif
