@@ -8,18 +8,15 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "qvxcs/paths.h"
 #include "qvxcs/status.h"
 
 #include "base/layout.h"
+#include "base/results.h"
 #include "os/kept_descriptor.h"
 
 namespace qvx {
 namespace {
-
-constexpr u32 kStop = 0;
-constexpr u32 kStart = 1;
-constexpr u32 kRestart = 3;
-constexpr u32 kRestartToo = 4;
 
 constexpr int kFirstInherited = 3;
 constexpr int kLastInherited = 255;
@@ -37,12 +34,12 @@ void CloseInherited() {
 
 const astring* WordOf(u32 action) {
   switch (action) {
-    case kStop:
+    case QVX_WEBSERVER_STOP:
       return " stop";
-    case kStart:
+    case QVX_WEBSERVER_START:
       return " start";
-    case kRestart:
-    case kRestartToo:
+    case QVX_WEBSERVER_RESTART:
+    case QVX_WEBSERVER_RESTART_TOO:
       return " restart";
     default:
       // Deliberate: an unknown action is run as a command that does not exist, so that it fails
@@ -69,7 +66,7 @@ void FormatCommand(astring (&command)[kCommandRoom], const astring* word) {
 }  // namespace
 
 u32 CfgWebServer(u32 action, u32 /*reserved*/, s32* exitCode) {
-  if (action == kRestart || action == kRestartToo) CloseInherited();
+  if (action == QVX_WEBSERVER_RESTART || action == QVX_WEBSERVER_RESTART_TOO) CloseInherited();
   astring command[kCommandRoom];
   FormatCommand(command, WordOf(action));
   // Deliberate: only the upper bits of the wait status count, so that a shell ended by a signal
@@ -77,7 +74,7 @@ u32 CfgWebServer(u32 action, u32 /*reserved*/, s32* exitCode) {
   const s32 code = static_cast<s32>(system(command)) >> 8;
   if (exitCode != nullptr) *exitCode = code;
   if (code == 0) return SM_STATUS_SUCCESS;
-  return code == kServiceExitTwo ? SM_STATUS_FILE_CREATE_FAILED : static_cast<u32>(-1);
+  return code == kServiceExitTwo ? SM_STATUS_FILE_CREATE_FAILED : kMinusOne;
 }
 
 }  // namespace qvx

@@ -7,16 +7,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "qvxcs/xsl_path.h"
+
 #include "base/heap.h"
 #include "paths/locale.h"
 #include "paths/product_paths.h"
 
 namespace qvx {
 namespace {
-
-constexpr u8 kFlagDeclaration = 2;
-constexpr u8 kFlagOpeningTag = 4;
-constexpr u8 kFlagClosingTag = 8;
 
 constexpr astring kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 constexpr astring kOpeningTag[] =
@@ -107,8 +105,8 @@ bool AppendInclude(SheetText* sheet, const SheetPath& path) {
 astring* ComposeSheet(const Search& search, const SheetPath& templatePath, const astring* file,
                       const astring* locale, u8 flags) {
   SheetText sheet;
-  if ((flags & kFlagDeclaration) != 0) sheet.Append(kDeclaration);
-  if ((flags & kFlagOpeningTag) != 0) sheet.Append(kOpeningTag);
+  if ((flags & QVX_SHEET_DECLARATION) != 0) sheet.Append(kDeclaration);
+  if ((flags & QVX_SHEET_OPENING_TAG) != 0) sheet.Append(kOpeningTag);
   if (!AppendInclude(&sheet, templatePath)) return nullptr;
   SheetPath path;
   const astring* const includes[] = {file, kGlobalsFile};
@@ -116,7 +114,7 @@ astring* ComposeSheet(const Search& search, const SheetPath& templatePath, const
     if (!FindLocaleOrDefaultFile(&path, search, included, &locale)) continue;
     if (!AppendInclude(&sheet, path)) return nullptr;
   }
-  if ((flags & kFlagClosingTag) != 0) sheet.Append(kClosingTag);
+  if ((flags & QVX_SHEET_CLOSING_TAG) != 0) sheet.Append(kClosingTag);
   return CopyText(sheet.text).release();
 }
 

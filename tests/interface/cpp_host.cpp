@@ -71,7 +71,7 @@ void TextsConvert() {
   const Units copy(PXTNVSAstrToUstr(utf8.c_str(), &status));
   EXPECT(status == SM_STATUS_SUCCESS && PXTUniStrcmp(copy.get(), units.data()) == 0);
   EXPECT(Taken(PXTGetXMLUTF8StrFromUStr(copy.get(), 1)) == utf8);
-  EXPECT(PXTASCIIToSigned64VT("-5000000000", 10, &status) == -5000000000);
+  EXPECT(PXTASCIIToSigned64VT("-5000000000", QVX_BASE_DECIMAL, &status) == -5000000000);
   EXPECT(PXTASCIIToDouble("0.25") == 0.25);
   SSAStr text = {};
   PXTSSAStrAlloc(&text, 1);
@@ -107,19 +107,20 @@ void DocumentsAreBuilt() {
   Buffer buffer(PXTXAllocBuf(0, 0));
   const s32 answer = 42;
   EXPECT(PXTXBufCatBeginNode(buffer.get(), "A", nullptr) == SM_STATUS_SUCCESS);
-  EXPECT(PXTXBufCatNode(buffer.get(), "N", "u=\"1\"", 7, &answer) == SM_STATUS_SUCCESS);
-  EXPECT(PXTXBufCatNode(buffer.get(), "T", nullptr, 26, "1 < 2") == SM_STATUS_SUCCESS);
+  EXPECT(PXTXBufCatNode(buffer.get(), "N", "u=\"1\"", QVX_TYPE_S32, &answer) == SM_STATUS_SUCCESS);
+  EXPECT(PXTXBufCatNode(buffer.get(), "T", nullptr, QVX_TYPE_XML_ASTRING, "1 < 2") ==
+         SM_STATUS_SUCCESS);
   EXPECT(PXTXBufCatEndNode(buffer.get(), "A") == SM_STATUS_SUCCESS);
   PXTNVSCatSMStatusNode(buffer.get(), 0, nullptr);
   const Content text(PXTXFreeBufGetContent(buffer.release()));
   EXPECT(std::string(text.get()) ==
          "<A><N u=\"1\">42</N><T>1 &lt; 2</T></A><SMStatus>0</SMStatus>");
 
-  EXPECT(PXTAppendToXMLLog("/run/cpp.xml", 4, 9, "me", "host", "<D/>", nullptr, 0, 131072) ==
-         SM_STATUS_SUCCESS);
+  EXPECT(PXTAppendToXMLLog("/run/cpp.xml", QVX_LOG_INFORMATION, 9, "me", "host", "<D/>", nullptr, 0,
+                           131072) == SM_STATUS_SUCCESS);
   EXPECT(ReadFile("/run/cpp.xml").find("<ID>9</ID><UserInfo>me</UserInfo>") != std::string::npos);
   u32 size = 0;
-  EXPECT(PXTAppendToCmdLog(5001, "me", "host", "<D/>", 4) == SM_STATUS_SUCCESS);
+  EXPECT(PXTAppendToCmdLog(5001, "me", "host", "<D/>", QVX_LOG_INFORMATION) == SM_STATUS_SUCCESS);
   EXPECT(PXTGetCmdLogSize(&size) == SM_STATUS_SUCCESS);
   EXPECT(size == ReadFile(Taken(PXTGetCmdLogPathFileName())).size());
 }
@@ -129,10 +130,11 @@ void SettingsAreKept() {
   const u32 port = 8080;
   u32 read = 0;
   u32 size = sizeof read;
-  EXPECT(PXTWriteINIPathFileValue("Net", "port", 5, &port, 4, path, 1) == SM_STATUS_SUCCESS);
-  EXPECT(ReadFile(path) == "[Net]\nport=8080\n");
-  EXPECT(PXTReadINIPathFileValue("Net", "port", 5, &read, &size, nullptr, 0, path, 1) ==
+  EXPECT(PXTWriteINIPathFileValue("Net", "port", QVX_INI_U32, &port, 4, path, QVX_LOCK_WAIT) ==
          SM_STATUS_SUCCESS);
+  EXPECT(ReadFile(path) == "[Net]\nport=8080\n");
+  EXPECT(PXTReadINIPathFileValue("Net", "port", QVX_INI_U32, &read, &size, nullptr, 0, path,
+                                 QVX_LOCK_WAIT) == SM_STATUS_SUCCESS);
   EXPECT(read == port && size == 4);
 
   std::ofstream("/run/cpp.properties") << "level=1\n";
@@ -152,8 +154,8 @@ void SettingsAreKept() {
 
 void RightsAreTold() {
   const ustring root[] = {'r', 'o', 'o', 't', 0};
-  EXPECT(PXTAuthorizeUser(nullptr, root) == 0x40007);
-  EXPECT(PXTGetProcessRights() == 0x40007);
+  EXPECT(PXTAuthorizeUser(nullptr, root) == (QVX_PRIV_ADMINISTRATOR | QVX_PRIV_ROOT));
+  EXPECT(PXTGetProcessRights() == (QVX_PRIV_ADMINISTRATOR | QVX_PRIV_ROOT));
   EXPECT(Taken(PXTGetProcessUser()) == "root");
   EXPECT(std::string(pam_servicename) == "qvauth");
   EXPECT(Taken(PXTGetHostNameAStr()) == "qvxtest");
@@ -176,7 +178,7 @@ void ThreadsAndLibrariesRun() {
   EXPECT(PXTLibLoad(&library, "libm.so.6") == SM_STATUS_SUCCESS);
   EXPECT(PXTLibLinkToExportFN(&library, "cos") != nullptr);
   EXPECT(PXTLibUnLoad(&library) == SM_STATUS_SUCCESS);
-  EXPECT(PXTOSGetType() == 2);
+  EXPECT(PXTOSGetType() == QVX_OS_LINUX);
 }
 
 }  // namespace

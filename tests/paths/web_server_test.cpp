@@ -94,7 +94,7 @@ TEST(WebServer, EachActionRunsTheInitScriptWithoutOsRelease) {
 TEST(WebServer, ADanglingOsReleaseLinkIsNoOsRelease) {
   MakeHost(false);
   ASSERT_EQ(symlink("/run/missing", kOsRelease), 0);
-  EXPECT_EQ(PXTWebServer(1, 0, nullptr), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, nullptr), SM_STATUS_SUCCESS);
   EXPECT_EQ(Recorded(), "/etc/init.d/hvn_qv_connsvc start\n");
 }
 
@@ -120,7 +120,7 @@ TEST(WebServer, UnknownActionRunsTheServiceNameAsItsWord) {
 TEST(WebServer, ExitStatusTwoHasAStatusOfItsOwn) {
   MakeHost(true, "exit 2\n");
   s32 code = 77;
-  EXPECT_EQ(PXTWebServer(1, 0, &code), SM_STATUS_FILE_CREATE_FAILED);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), SM_STATUS_FILE_CREATE_FAILED);
   EXPECT_EQ(code, 2);
 }
 
@@ -128,19 +128,19 @@ TEST(WebServer, AnyOtherExitStatusIsAFailure) {
   for (const s32 status : {1, 3, 255}) {
     MakeHost(true, "exit " + std::to_string(status) + "\n");
     s32 code = 77;
-    EXPECT_EQ(PXTWebServer(1, 0, &code), kFailed);
+    EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), kFailed);
     EXPECT_EQ(code, status);
   }
 }
 
 TEST(WebServer, NullExitCodeIsNotStored) {
   MakeHost(true, "exit 2\n");
-  EXPECT_EQ(PXTWebServer(0, 0, nullptr), SM_STATUS_FILE_CREATE_FAILED);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_STOP, 0, nullptr), SM_STATUS_FILE_CREATE_FAILED);
 }
 
 TEST(WebServer, ReservedArgumentIsNotUsed) {
   MakeHost(true);
-  EXPECT_EQ(PXTWebServer(1, 0xFFFFFFFF, nullptr), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0xFFFFFFFF, nullptr), SM_STATUS_SUCCESS);
   EXPECT_EQ(Recorded(), "/usr/bin/systemctl start hvn_qv_connsvc.service\n");
 }
 
@@ -151,7 +151,7 @@ TEST(WebServer, ShellEndedBySignalPassesForSuccess) {
            "test \"$(cat /proc/$PPID/comm)\" = sh && victim=$PPID\n"
            "kill -KILL $victim\n");
   s32 code = 77;
-  EXPECT_EQ(PXTWebServer(1, 0, &code), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), SM_STATUS_SUCCESS);
   EXPECT_EQ(code, 0);
   EXPECT_EQ(Recorded(), "/usr/bin/systemctl start hvn_qv_connsvc.service\n");
 }
@@ -160,7 +160,7 @@ TEST(WebServer, WithoutAShellTheExitCodeIs127) {
   MakeHost(true);
   ASSERT_EQ(rename("/usr/bin/sh", "/usr/bin/sh.away"), 0);
   s32 code = 77;
-  EXPECT_EQ(PXTWebServer(1, 0, &code), kFailed);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), kFailed);
   EXPECT_EQ(code, 127);
   ASSERT_EQ(rename("/usr/bin/sh.away", "/usr/bin/sh"), 0);
   EXPECT_EQ(Recorded(), "");
@@ -170,7 +170,7 @@ TEST(WebServer, ShellThatCannotBeWaitedForIsExitCodeMinusOne) {
   MakeHost(true);
   ASSERT_NE(signal(SIGCHLD, SIG_IGN), SIG_ERR);
   s32 code = 77;
-  EXPECT_EQ(PXTWebServer(1, 0, &code), kFailed);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), kFailed);
   EXPECT_EQ(code, -1);
 }
 
@@ -180,7 +180,7 @@ TEST(WebServer, CommandIsSilentOnItsStandardOutput) {
   const int heard = open("/run/heard", O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   ASSERT_GE(heard, 0);
   ASSERT_EQ(dup2(heard, STDOUT_FILENO), STDOUT_FILENO);
-  const u32 status = CfgWebServer(1, 0, nullptr);
+  const u32 status = CfgWebServer(QVX_WEBSERVER_START, 0, nullptr);
   ASSERT_EQ(dup2(kept, STDOUT_FILENO), STDOUT_FILENO);
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
   EXPECT_EQ(test::ReadFile("/run/heard"), "");
@@ -225,7 +225,7 @@ TEST(WebServer, RestartKeepsTheLockAndTheServiceDoesNotInheritItsFile) {
   ASSERT_LE(lockFile, 255);
   ASSERT_EQ(FileLock(1), 1u);
   ASSERT_FALSE(test::LockIsFree());
-  EXPECT_EQ(PXTWebServer(3, 0, nullptr), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_RESTART, 0, nullptr), SM_STATUS_SUCCESS);
   EXPECT_TRUE(IsOpen(lockFile));
   EXPECT_FALSE(test::LockIsFree());
   EXPECT_EQ(test::ReadFile("/run/descriptors").find(".qvxipc"), std::string::npos);

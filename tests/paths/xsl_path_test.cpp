@@ -22,6 +22,7 @@ const std::string kOpening =
     "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\" "
     "xmlns:fo=\"http://www.w3.org/1999/XSL/Format\">";
 const std::string kClosing = "</xsl:stylesheet>";
+constexpr u8 kAllParts = QVX_SHEET_DECLARATION | QVX_SHEET_OPENING_TAG | QVX_SHEET_CLOSING_TAG;
 
 std::string Text(astring* text) {
   const HeapArray<astring> owner(text);
@@ -48,7 +49,7 @@ std::string Find(const char* locale, u8 flags = 0) {
 
 TEST(XslPath, WithoutAnyFileIsTheUriOfThePlainSheet) {
   EXPECT_EQ(Find("zh_TW"), kBase + "/d/f.xsl");
-  EXPECT_EQ(Find(nullptr, 14), kBase + "/d/f.xsl");
+  EXPECT_EQ(Find(nullptr, kAllParts), kBase + "/d/f.xsl");
 }
 
 TEST(XslPath, LocaleFileComesBeforeThePlainSheet) {
@@ -89,9 +90,9 @@ TEST(XslPath, AllFlagsWrapThreeIncludes) {
   MakeSheet("template/d/f.xsl");
   MakeSheet("template/en/d/f.xsl");
   MakeSheet("template/en/d/globals.xsl");
-  EXPECT_EQ(Find("en", 14), kDeclaration + kOpening + Include("template/d/f.xsl") +
-                                Include("template/en/d/f.xsl") +
-                                Include("template/en/d/globals.xsl") + kClosing);
+  EXPECT_EQ(Find("en", kAllParts), kDeclaration + kOpening + Include("template/d/f.xsl") +
+                                       Include("template/en/d/f.xsl") +
+                                       Include("template/en/d/globals.xsl") + kClosing);
 }
 
 TEST(XslPath, NoFlagsGiveTheIncludesAlone) {
@@ -108,9 +109,9 @@ TEST(XslPath, NoFlagsGiveTheIncludesAlone) {
 TEST(XslPath, EachFlagAddsItsPart) {
   MakeSheet("template/d/f.xsl");
   const std::string include = Include("template/d/f.xsl");
-  EXPECT_EQ(Find("en", 2), kDeclaration + include);
-  EXPECT_EQ(Find("en", 4), kOpening + include);
-  EXPECT_EQ(Find("en", 8), include + kClosing);
+  EXPECT_EQ(Find("en", QVX_SHEET_DECLARATION), kDeclaration + include);
+  EXPECT_EQ(Find("en", QVX_SHEET_OPENING_TAG), kOpening + include);
+  EXPECT_EQ(Find("en", QVX_SHEET_CLOSING_TAG), include + kClosing);
 }
 
 TEST(XslPath, CountryDirectoryComesBeforeTheLanguage) {
@@ -158,7 +159,7 @@ TEST(XslPath, WithoutTheTemplatesSheetItsLocalesDoNotCount) {
   MakeSheet("template/en/US/d/f.xsl");
   MakeSheet("template/en/d/f.xsl");
   MakeSheet("template/d/globals.xsl");
-  EXPECT_EQ(Find("en_US", 14), kBase + "/d/f.xsl");
+  EXPECT_EQ(Find("en_US", kAllParts), kBase + "/d/f.xsl");
 }
 
 TEST(XslPath, GlobalsLieInTheCountryDirectoryOrTheLanguages) {
@@ -204,7 +205,7 @@ TEST(XslPath, ComposedSheetIsCutAt512Characters) {
                             Include("template/en/" + dir + "/f.xsl") +
                             Include("template/en/" + dir + "/globals.xsl") + kClosing;
   ASSERT_GT(whole.size(), 512u);
-  EXPECT_EQ(Text(PXTGetXSLPathLocale("p", dir.c_str(), "f.xsl", "en", 14, 0)),
+  EXPECT_EQ(Text(PXTGetXSLPathLocale("p", dir.c_str(), "f.xsl", "en", kAllParts, 0)),
             whole.substr(0, 512));
 }
 
