@@ -6,7 +6,6 @@
 
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
-#include "base/layout.h"
 
 namespace qvx {
 namespace {
@@ -47,8 +46,6 @@ QVAuthFileReader& QVAuthFileReader::GetInstance() {
 
 void QVAuthFileReader::DeleteInstance() { delete &GetInstance(); }
 
-QVAuthFileReader::QVAuthFileReader() : path_(kRoleMapPath) {}
-
 QVAuthFileReader::~QVAuthFileReader() {
   const ZarnCriticalSection section(*this);
   records_.Clear();
@@ -58,7 +55,15 @@ QVAuthFileReader::~QVAuthFileReader() {
 void QVAuthFileReader::Open() {
   const ZarnCriticalSection section(*this);
   CheckFilePermissions();
-  if (loaded_) return;
+  if (!loaded_) OpenStream();
+}
+
+void QVAuthFileReader::OpenDraft() {
+  const ZarnCriticalSection section(*this);
+  OpenStream();
+}
+
+void QVAuthFileReader::OpenStream() {
   if (!stream_) stream_ = std::make_unique<RoleMapStream>();
   // Deliberate: a fault leaves the stream open where reading stopped, so that this second open
   // fails and every later reading finds no records, also when the file has been corrected. The

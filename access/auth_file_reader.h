@@ -11,6 +11,7 @@
 
 #include "access/auth_file_record.h"
 #include "access/role_map_stream.h"
+#include "base/layout.h"
 #include "zsupt/zarn_critical_section.h"
 
 namespace qvx {
@@ -33,19 +34,27 @@ class QVAuthFileRecords {
   std::deque<QVAuthFileRecord*> list_;
 };
 
-// Reads the role map file, again only when its modification time has changed. One for the process;
-// its calls exclude each other, but the lists they return are the reader's own: use them at once.
-// Every fault is thrown as a QVXRoleMapFileReaderException.
+// Reads the role map file, again only when its modification time has changed. The library has one
+// for the process; its calls exclude each other, but the lists they return are the reader's own:
+// use them at once. Every fault is thrown as a QVXRoleMapFileReaderException.
 class QVAuthFileReader : public ZarnSupport::ZarnCriticalSectionObject {
  public:
   static QVAuthFileReader& GetInstance();
   // At the process's exit, which does not do so under a thread that is at work with it.
   static void DeleteInstance();
+
+  // A reader of its own, also of another file: a tool checks a draft with it before it is put in
+  // place.
+  explicit QVAuthFileReader(const std::string& path = kRoleMapPath) : path_(path) {}
+  ~QVAuthFileReader();
   QVAuthFileReader(const QVAuthFileReader&) = delete;
   QVAuthFileReader& operator=(const QVAuthFileReader&) = delete;
 
   // Checks the file and opens it for the next GetRecords. Nothing is parsed.
   void Open();
+
+  // Opens the file whatever its mode, for the next GetRecords.
+  void OpenDraft();
 
   // A new modification time makes the records and the algorithm's maps stale. Runs under Open.
   void CheckFilePermissions();
@@ -63,9 +72,7 @@ class QVAuthFileReader : public ZarnSupport::ZarnCriticalSectionObject {
   void StopReading();
 
  private:
-  QVAuthFileReader();
-  ~QVAuthFileReader();
-
+  void OpenStream();
   void ReadRecords();
 
   bool loaded_ = false;

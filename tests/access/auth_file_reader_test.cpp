@@ -77,6 +77,15 @@ TEST(AuthFileReader, AFileOfCommentsAndBlankLinesHasNoRecords) {
   EXPECT_EQ(Read(), u32{RoleNoRecords});
 }
 
+TEST(AuthFileReader, AReaderOfItsOwnReadsADraftWhateverItsMode) {
+  test::WriteFile("/tmp/draft", "# note\nalice * user\nbob * nobody\n");
+  ASSERT_EQ(chmod("/tmp/draft", 0666), 0);
+  QVAuthFileReader draft("/tmp/draft");
+  EXPECT_EQ(FaultOf([&] { draft.Open(); }), u32{RoleBadPermissions});
+  EXPECT_EQ(FaultOf([&] { draft.OpenDraft(); }), 0u);
+  EXPECT_EQ(FaultOf([&] { draft.GetRecords(); }), 300u + RoleInvalidRole);
+}
+
 TEST(AuthFileReader, AnEmptyFileHasNoRecords) {
   WriteRoleMap("");
   EXPECT_EQ(Open(), 0u);
