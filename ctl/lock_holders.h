@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_LOCK_HOLDERS_H
+#define QVX_CTL_LOCK_HOLDERS_H
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+// Who holds the suite's lock, from the system's list of locks. The lock file is never opened.
+namespace qvx::ctl {
+
+struct LockHolder {
+  pid_t process;
+  bool writes;          // an exclusive lock; else a shared one
+  bool waits;           // does not hold it yet
+  std::string command;  // empty where the system does not say
+  std::string user;
+  std::string start;  // local time, "YYYY-MM-DD HH:MM:SS"
+};
+
+// Of the product's lock file. Throws a Failure where the file or the list cannot be examined.
+std::vector<LockHolder> FindLockHolders();
+
+// "process 12 (name)" of the first process that holds the lock; empty where none does or none is
+// known.
+std::string DescribeHolder();
+
+}  // namespace qvx::ctl
+
+#endif

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_OUTPUT_H
+#define QVX_CTL_OUTPUT_H
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "qvxcs/types.h"
+
+// What a command shows and how it ends. Answers go to stdout, faults to stderr.
+namespace qvx::ctl {
+
+enum ExitCode : int {
+  kYes = 0,
+  kNo = 1,       // no, refused, a fault or a warning was found
+  kUsage = 2,    // the command line is wrong
+  kUnknown = 3,  // it could not be found out
+};
+
+// Ends the command. An empty message ends it in silence.
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+  [[nodiscard]] ExitCode Code() const { return code_; }
+
+ private:
+  ExitCode code_;
+};
+
+// A failed call: "WHAT: SM_STATUS_...: meaning (the system's reason)". `reason` is an errno, 0 for
+// none.
+Failure StatusFailure(const std::string& what, u32 status, int reason = 0);
+
+// A failed system call: "WHAT: reason".
+Failure SystemFailure(const std::string& what, int reason);
+
+// Text to stdout as it is. A reader that has gone ends the command in silence, a full disk with its
+// reason.
+void Print(std::string_view text);
+
+// One line to stdout, made safe to show. A terminal's line is cut at its width.
+void PrintLine(std::string_view line);
+
+// A value for programs, and its line end: as it is, but safe to show on a terminal.
+void PrintValue(const std::string& value);
+
+// Hands on what was printed.
+void FlushOutput();
+
+// A warning on stderr that does not end the command.
+void Warn(const std::string& message);
+
+enum class Color { kNone, kRed, kYellow, kGreen, kBold };
+
+// PrintLine with its first word in a color, on a terminal that has colors.
+void PrintMarked(Color color, std::string_view word, std::string_view rest);
+
+// The text on one line: control characters, bytes that are no text and marks that turn the
+// direction of writing become \xNN.
+std::string OneLine(std::string_view text);
+
+// As many whole characters of a line as fit the columns.
+std::string CutToWidth(const std::string& line, size_t columns);
+
+// Chooses the locale that text is shown and read in: the user's own, else UTF-8.
+void ChooseLocale();
+
+}  // namespace qvx::ctl
+
+#endif

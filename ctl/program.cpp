@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "ctl/commands.h"
+
+namespace qvx::ctl {
+namespace {
+
+constexpr char kFooter[] =
+    "Exit status: 0 yes or done; 1 no, refused, or a fault or warning was found;\n"
+    "2 the command line is wrong; 3 it could not be found out, or a file is missing.\n"
+    "Options come after the subcommand. See qvxctl(8).";
+
+void AddCommands(CLI::App& program, ExitCode& code) {
+  program.require_subcommand(1);
+  program.set_version_flag("--version", Version());
+  program.footer(kFooter);
+  AddIniCommand(program, code);
+  AddConfCommand(program, code);
+  AddLockCommand(program, code);
+  AddStatusCommand(program, code);
+}
+
+ExitCode Run(int argc, char** argv) {
+  ExitCode code = kYes;
+  CLI::App program("Checks and mends what libqvxcs keeps on this machine.", "qvxctl");
+  AddCommands(program, code);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    code = program.exit(error) == 0 ? kYes : kUsage;
+  }
+  FlushOutput();
+  return code;
+}
+
+ExitCode Report(ExitCode code, const char* message) {
+  (void)fflush(stdout);
+  if (*message != '\0') (void)fprintf(stderr, "qvxctl: %s\n", OneLine(message).c_str());
+  return code;
+}
+
+}  // namespace
+
+int RunProgram(int argc, char** argv) {
+  // A reader that has gone is seen by the write that fails.
+  (void)signal(SIGPIPE, SIG_IGN);
+  ChooseLocale();
+  try {
+    return Run(argc, argv);
+  } catch (const Failure& failure) {
+    return Report(failure.Code(), failure.what());
+  } catch (const std::exception& error) {
+    return Report(kUnknown, error.what());
+  }
+}
+
+}  // namespace qvx::ctl

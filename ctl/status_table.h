@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_STATUS_TABLE_H
+#define QVX_CTL_STATUS_TABLE_H
+
+#include "qvxcs/types.h"
+
+#include "ctl/output.h"
+
+namespace qvx::ctl {
+
+// The library has no text for its statuses; here it is.
+struct StatusEntry {
+  u32 value;
+  const char* name;
+  const char* meaning;
+  const char* advice;
+  ExitCode exitCode;  // of a command that ends with it
+};
+
+// An entry without a name of the catalogue for a value that is none.
+const StatusEntry& EntryOfStatus(u32 value);
+
+// Whether the value is one of the catalogue's, -1 included.
+bool IsStatus(u32 value);
+
+}  // namespace qvx::ctl
+
+#endif

@@ -1,0 +1,235 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
+
+#include "support/processes.h"
+#include "tests/ctl/run_tool.h"
+
+namespace qvx {
+namespace {
+
+using test::Answer;
+using test::ReadFile;
+using test::RunTool;
+using test::WriteFile;
+
+constexpr char kFile[] = "/tmp/net.ini";
+const Answer kDone{0, "", ""};
+
+class CtlIni : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    WriteFile(kFile, "[Net]\nport=8080\nname=my host\nmask=0x01,0xAB\non=TRUE\n[Log]\nlevel=-3\n");
+  }
+};
+
+TEST_F(CtlIni, GetShowsAValueInItsType) {
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Net", "name"}), (Answer{0, "my host\n", ""}));
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Net", "port", "--type", "u32"}).out, "8080\n");
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Log", "level", "--type", "s64"}).out, "-3\n");
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Net", "mask", "--type", "binary"}).out, "0x01,0xAB\n");
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Net", "on", "--type", "booln", "--wait"}).out, "TRUE\n");
+}
+
+TEST_F(CtlIni, GetAsJsonKeepsTheType) {
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Net", "port", "--type", "u32", "--json"}).out,
+            "{\"section\":\"Net\",\"key\":\"port\",\"type\":\"u32\",\"value\":8080}\n");
+}
+
+TEST_F(CtlIni, AMissingKeyOrSectionAnswersNo) {
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Net", "Port"}),
+            (Answer{1, "",
+                    "qvxctl: ini get: /tmp/net.ini: SM_STATUS_KEY_NOT_FOUND: the section has no "
+                    "such key\n"}));
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "net", "port"}).code, 1);
+}
+
+TEST_F(CtlIni, AMissingFileCouldNotBeTold) {
+  EXPECT_EQ(RunTool({"ini", "get", "/tmp/none.ini", "a", "b"}),
+            (Answer{3, "",
+                    "qvxctl: ini get: /tmp/none.ini: SM_STATUS_FILE_OPEN_FAILED: the INI file "
+                    "cannot be opened (No such file or directory)\n"}));
+}
+
+TEST_F(CtlIni, SetWritesAValueInItsType) {
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "Net", "port", "81", "--type", "u32"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "d", "1.5", "--type", "d64"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "t", "A", "--type", "ustring"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "b", "0x0A,FF", "--type", "binary"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "New", "t", "--type", "ustring"}).out, "A\n");
+  EXPECT_EQ(ReadFile(kFile),
+            "[Net]\nport=81\nname=my host\nmask=0x01,0xAB\non=TRUE\n[Log]\nlevel=-3\n"
+            "[New]\nd=1.50000000\nt=0x41,0x00,0x00,0x00\nb=0x0A,0xFF\n");
+}
+
+TEST_F(CtlIni, SetMakesAMissingFile) {
+  EXPECT_EQ(RunTool({"ini", "set", "/tmp/new.ini", "A", "k", "v"}), kDone);
+  EXPECT_EQ(ReadFile("/tmp/new.ini"), "[A]\nk=v\n");
+}
+
+TEST_F(CtlIni, WhatWouldNotBeFoundAgainIsRefused) {
+  const std::string before = ReadFile(kFile);
+  for (const test::Words& words :
+       {test::Words{"A]", "k", "v"}, {"A", "k=", "v"}, {"A", "#k", "v"}, {"A", "k", "v\n[B]"}}) {
+    test::Words all = {"ini", "set", kFile};
+    all.insert(all.end(), words.begin(), words.end());
+    EXPECT_EQ(RunTool(all).code, 2);
+  }
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "A", "k", "4294967296", "--type", "u32"}).code, 2);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "A", "k", "0x1FF", "--type", "binary"}).code, 2);
+  EXPECT_EQ(ReadFile(kFile), before);
+}
+
+TEST_F(CtlIni, DeleteTakesAKeyOutAndSaysWhereThereIsNone) {
+  EXPECT_EQ(RunTool({"ini", "delete", kFile, "Log", "level"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "delete", kFile, "Log", "level"}).code, 1);
+  EXPECT_EQ(RunTool({"ini", "delete", "/tmp/none.ini", "Log", "level"}).code, 3);
+  EXPECT_EQ(ReadFile(kFile), "[Net]\nport=8080\nname=my host\nmask=0x01,0xAB\non=TRUE\n[Log]\n");
+}
+
+TEST_F(CtlIni, ListShowsSectionsAndKeys) {
+  EXPECT_EQ(RunTool({"ini", "list", kFile}), (Answer{0, "Net\nLog\n", ""}));
+  EXPECT_EQ(RunTool({"ini", "list", kFile, "Net"}).out, "port\nname\nmask\non\n");
+  EXPECT_EQ(RunTool({"ini", "list", kFile, "--json"}).out, "{\"sections\":[\"Net\",\"Log\"]}\n");
+}
+
+TEST_F(CtlIni, AListLongerThanTheFirstRoomIsWhole) {
+  std::string file;
+  std::string expected;
+  for (int at = 10000; at < 20000; ++at) {
+    file += "[section " + std::to_string(at) + "]\n";
+    expected += "section " + std::to_string(at) + "\n";
+  }
+  WriteFile(kFile, file);
+  EXPECT_EQ(RunTool({"ini", "list", kFile}), (Answer{0, expected, ""}));
+}
+
+TEST_F(CtlIni, AHeldLockEndsTheCommandAndNamesItsHolder) {
+  test::WriteFile(kIPCFilePath, "");
+  test::LockHolder holder;
+  const Answer answer = RunTool({"ini", "get", kFile, "Net", "port"});
+  EXPECT_EQ(answer.code, 3);
+  EXPECT_EQ(answer.err.rfind("qvxctl: ini get: SM_STATUS_LOCK_FAILED: the suite's file lock could "
+                             "not be taken: process ",
+                             0),
+            0u)
+      << answer.err;
+  EXPECT_NE(answer.err.find("qvx_ctl_tests"), std::string::npos) << answer.err;
+}
+
+TEST_F(CtlIni, WithWaitAHeldLockIsWaitedFor) {
+  test::WriteFile(kIPCFilePath, "");
+  test::LockHolder holder(kIPCFilePath, 300000);
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "Net", "port", "--wait"}), (Answer{0, "8080\n", ""}));
+}
+
+TEST_F(CtlIni, LintTellsWhatTheReaderSkipsOrRefuses) {
+  WriteFile(kFile,
+            "early=1\n"
+            "[A] rest\n"
+            " # note = 1\n"
+            "key = 2\r\n"
+            "no sign\n"
+            "x=1\n"
+            "x=2\n"
+            "[A]\n"
+            "[Bad\n"
+            "last=1");
+  EXPECT_EQ(RunTool({"ini", "lint", kFile}),
+            (Answer{1,
+                    "/tmp/net.ini:1: warning: key \"early\" is before the first section\n"
+                    "/tmp/net.ini:2: warning: what follows the \"]\" is not read\n"
+                    "/tmp/net.ini:3: warning: a comment begins in the first column; this is key "
+                    "\"# note \"\n"
+                    "/tmp/net.ini:3: warning: the blank before the \"=\" belongs to the key "
+                    "\"# note \"\n"
+                    "/tmp/net.ini:3: warning: the blank after the \"=\" belongs to the value\n"
+                    "/tmp/net.ini:4: warning: the blank before the \"=\" belongs to the key "
+                    "\"key \"\n"
+                    "/tmp/net.ini:4: warning: the blank after the \"=\" belongs to the value\n"
+                    "/tmp/net.ini:4: warning: the carriage return belongs to the value\n"
+                    "/tmp/net.ini:5: warning: no \"=\": the line is skipped\n"
+                    "/tmp/net.ini:7: warning: key \"x\" is in line 6 already, which is the one "
+                    "that is read\n"
+                    "/tmp/net.ini:8: warning: section \"A\" was begun in line 2 and is searched "
+                    "there alone\n"
+                    "/tmp/net.ini:9: fault: a header without \"]\": nothing from here on is found "
+                    "or can be set\n"
+                    "/tmp/net.ini:10: warning: the last line has no line end: what is added comes "
+                    "behind it\n",
+                    ""}));
+}
+
+TEST_F(CtlIni, LintOfACleanFileSaysNothing) {
+  EXPECT_EQ(RunTool({"ini", "lint", kFile}), kDone);
+  EXPECT_EQ(RunTool({"ini", "lint", kFile, "--json"}).out,
+            "{\"file\":\"/tmp/net.ini\",\"findings\":[]}\n");
+  EXPECT_EQ(RunTool({"ini", "lint", "/tmp/none.ini"}).code, 3);
+}
+
+TEST_F(CtlIni, LintTellsALineThatIsReadAsSeveral) {
+  WriteFile(kFile, "[A]\nkey=" + std::string(9000, 'v') + "\nend=1\n[A\0B]\n");
+  const Answer answer = RunTool({"ini", "lint", kFile});
+  EXPECT_NE(answer.out.find("/tmp/net.ini:2: warning: longer than 8449 characters"),
+            std::string::npos)
+      << answer.out;
+}
+
+TEST_F(CtlIni, AnOrdinaryUserWhoMayNotOpenTheLockIsToldSo) {
+  test::WriteFile(kIPCFilePath, "");
+  ASSERT_EQ(chmod(kIPCFilePath, 0600), 0);
+  ASSERT_EQ(chmod(kFile, 0644), 0);
+  EXPECT_EQ(test::RunToolAsNobody({"ini", "get", kFile, "Net", "port"}),
+            (Answer{3, "",
+                    "qvxctl: ini get: /etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc: "
+                    "SM_STATUS_LOCK_FAILED: the suite's file lock could not be taken (Permission "
+                    "denied)\n"}));
+}
+
+constexpr char kPairs[] = "/tmp/a.properties";
+
+class CtlConf : public ::testing::Test {
+ protected:
+  void SetUp() override { WriteFile(kPairs, "a=1\n# c=2\nb = \"x y\"\na=3\n"); }
+};
+
+TEST_F(CtlConf, GetShowsTheValueOfAnOccurrence) {
+  EXPECT_EQ(RunTool({"conf", "get", kPairs, "b"}), (Answer{0, "x y\n", ""}));
+  EXPECT_EQ(RunTool({"conf", "get", kPairs, "a", "--index", "1"}).out, "3\n");
+  EXPECT_EQ(RunTool({"conf", "get", kPairs, "b", "--json"}).out,
+            "{\"key\":\"b\",\"value\":\"x y\"}\n");
+}
+
+TEST_F(CtlConf, AMissingKeyAnswersNoAndAMissingFileCouldNotBeTold) {
+  EXPECT_EQ(RunTool({"conf", "get", kPairs, "c"}).code, 1);
+  EXPECT_EQ(RunTool({"conf", "get", "/tmp/none", "c"}),
+            (Answer{3, "", "qvxctl: conf: /tmp/none: No such file or directory\n"}));
+  EXPECT_EQ(RunTool({"conf", "set", "/tmp/none", "c", "1"}).code, 3);
+}
+
+TEST_F(CtlConf, ListShowsEveryEntry) {
+  EXPECT_EQ(RunTool({"conf", "list", kPairs}), (Answer{0, "a=1\nb=x y\na=3\n", ""}));
+  WriteFile(kPairs, "# nothing\n");
+  EXPECT_EQ(RunTool({"conf", "list", kPairs}), (Answer{0, "", ""}));
+  EXPECT_EQ(RunTool({"conf", "list", kPairs, "--json"}).out, "[]\n");
+}
+
+TEST_F(CtlConf, SetReplacesOrAppendsAndQuotesBlanksAtTheEnds) {
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "a", "4", "--index", "1"}), kDone);
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "new", " two words "}), kDone);
+  EXPECT_EQ(ReadFile(kPairs), "a=1\n# c=2\nb = \"x y\"\na=4\nnew=\" two words \"\n");
+  EXPECT_EQ(RunTool({"conf", "get", kPairs, "new"}).out, " two words \n");
+}
+
+TEST_F(CtlConf, WhatWouldBeReadOtherwiseIsRefused) {
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "a b", "1"}).code, 2);
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "#a", "1"}).code, 2);
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "a", "say \"x\""}).code, 2);
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "a", "1", "--index", "7"}).code, 1);
+}
+
+}  // namespace
+}  // namespace qvx

@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include "qvxcs/status.h"
+
+#include "ctl/output.h"
+#include "ctl/status_table.h"
+#include "tests/ctl/run_tool.h"
+
+namespace qvx {
+namespace {
+
+using ctl::CutToWidth;
+using ctl::OneLine;
+using test::Answer;
+using test::RunningTool;
+using test::RunTool;
+
+constexpr char kLockText[] =
+    "SM_STATUS_LOCK_FAILED\n"
+    "meaning:    the suite's file lock could not be taken\n"
+    "what to do: `qvxctl lock` shows who holds it; `qvxctl doctor` checks the lock file\n";
+
+TEST(CtlStatus, ANumberIsDecimalOrHexadecimal) {
+  EXPECT_EQ(RunTool({"status", "11"}), (Answer{0, kLockText, ""}));
+  EXPECT_EQ(RunTool({"status", "0x0B"}), (Answer{0, kLockText, ""}));
+}
+
+TEST(CtlStatus, MinusOneIsTheStatusOfAllBits) {
+  EXPECT_EQ(RunTool({"status", "-1"}), RunTool({"status", "0xFFFFFFFF"}));
+  EXPECT_EQ(RunTool({"status", "-1"}).code, 0);
+}
+
+TEST(CtlStatus, AValueThatIsNoStatusAnswersNo) { EXPECT_EQ(RunTool({"status", "4711"}).code, 1); }
+
+TEST(CtlStatus, JsonHasNameMeaningAndAdvice) {
+  EXPECT_EQ(RunTool({"status", "263", "--json"}).out,
+            "{\"value\":263,\"known\":true,\"name\":\"SM_STATUS_KEY_NOT_FOUND\",\"meaning\":"
+            "\"the section has no such key\",\"advice\":\"`qvxctl ini list FILE SECTION` shows its "
+            "keys; case and blanks count\"}\n");
+}
+
+TEST(CtlStatus, EveryStatusOfTheCatalogueHasItsEntry) {
+  constexpr u32 kCatalogue[] = {0x00,  0x02,  0x03,  0x07,  0x0B,  0x0F,  0x10,
+                                0x11,  0x13,  0x100, 0x101, 0x102, 0x104, 0x105,
+                                0x106, 0x107, 0x108, 0x10E, 0x10F, 0x110, 0x2018};
+  for (const u32 status : kCatalogue)
+    EXPECT_TRUE(ctl::IsStatus(status)) << status;
+  EXPECT_FALSE(ctl::IsStatus(0x103));
+}
+
+TEST(CtlUsage, AWrongCommandLineEndsWithTwo) {
+  for (const test::Words& words : {test::Words{},
+                                   {"nothing"},
+                                   {"status"},
+                                   {"status", "x"},
+                                   {"status", "1", "2"},
+                                   {"status", "1", "--jason"}}) {
+    const Answer answer = RunTool(words);
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_NE(answer.err, "");
+  }
+}
+
+TEST(CtlUsage, HelpIsAnAnswer) {
+  const Answer answer = RunTool({"status", "--help"});
+  EXPECT_EQ(answer.code, 0);
+  EXPECT_NE(answer.out.find("NUMBER"), std::string::npos);
+}
+
+TEST(CtlUsage, AFullDiskIsToldWithItsReason) {
+  // /dev/full refuses what is written to it.
+  const std::string line = std::string(QVX_CTL_PROGRAM) + " status 0 >/dev/full 2>/tmp/full.err";
+  EXPECT_EQ(WEXITSTATUS(system(line.c_str())), 3);
+  EXPECT_EQ(test::ReadFile("/tmp/full.err"), "qvxctl: stdout: No space left on device\n");
+}
+
+TEST(CtlUsage, AReaderThatHasGoneEndsTheCommandInSilence) {
+  const std::string line = "bash -c '" + std::string(QVX_CTL_PROGRAM) +
+                           " --help 2>/tmp/gone.err | true; exit ${PIPESTATUS[0]}'";
+  const int code = WEXITSTATUS(system(line.c_str()));
+  EXPECT_TRUE(code == 3 || code == 0) << code;  // 0 when the text was taken before the end
+  EXPECT_EQ(test::ReadFile("/tmp/gone.err"), "");
+}
+
+TEST(CtlOutput, ATerminalsLineIsCutAtItsWidth) {
+  RunningTool tool({"status", "11"}, 20);
+  const Answer answer = tool.End();
+  EXPECT_NE(answer.out.find("meaning:    the suit\r\n"), std::string::npos) << answer.out;
+}
+
+TEST(CtlOutput, ColorsAreForTerminalsOnly) {
+  setenv("TERM", "xterm", 1);
+  EXPECT_NE(RunningTool({"status", "11"}, 80).End().out.find("\033[1m"), std::string::npos);
+  EXPECT_EQ(RunTool({"status", "11"}).out.find('\033'), std::string::npos);
+  setenv("NO_COLOR", "1", 1);
+  EXPECT_EQ(RunningTool({"status", "11"}, 80).End().out.find('\033'), std::string::npos);
+  unsetenv("NO_COLOR");
+}
+
+TEST(CtlOutput, ControlCharactersAndBytesThatAreNoTextAreEscaped) {
+  ctl::ChooseLocale();
+  EXPECT_EQ(OneLine("a\033[2Jb\r\nc"), "a\\x1b[2Jb\\x0d\\x0ac");
+  EXPECT_EQ(OneLine("\xC3\xAB\xFF|\xC3"), "\xC3\xAB\\xff|\\xc3");
+  EXPECT_EQ(OneLine("\xE2\x80\xAEx"), "\\xe2\\x80\\xaex");
+  EXPECT_EQ(OneLine(std::string("a\0b", 3)), "a\\x00b");
+}
+
+TEST(CtlOutput, AWideCharacterTakesTwoColumns) {
+  ctl::ChooseLocale();
+  EXPECT_EQ(CutToWidth("a\xE6\x97\xA5z", 3), "a\xE6\x97\xA5");
+  EXPECT_EQ(CutToWidth("a\xE6\x97\xA5z", 2), "a");
+  EXPECT_EQ(CutToWidth("abc", 3), "abc");
+}
+
+}  // namespace
+}  // namespace qvx
