@@ -22,6 +22,9 @@ void AddCommands(CLI::App& program, ExitCode& code) {
   program.require_subcommand(1);
   program.set_version_flag("--version", Version());
   program.footer(kFooter);
+  AddRolemapCommand(program, code);
+  AddRightsCommand(program, code);
+  AddLoginCommand(program, code);
   AddIniCommand(program, code);
   AddConfCommand(program, code);
   AddLockCommand(program, code);

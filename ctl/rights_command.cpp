@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <CLI/App.hpp>
+#include <memory>
+#include <string>
+
+#include "base/layout.h"
+#include "ctl/commands.h"
+#include "ctl/json.h"
+#include "ctl/role_decision.h"
+#include "ctl/role_map_text.h"
+
+namespace qvx::ctl {
+namespace {
+
+struct RightsArguments {
+  std::string user;
+  std::string host;
+  bool asJson = false;
+};
+
+std::string LineText(const RoleDecision& decision) {
+  if (decision.entry.empty()) return "no line grants anything";
+  if (decision.line == 0) return "built-in line for " + decision.entry;
+  return "line " + std::to_string(decision.line) + ": " +
+         ReadRoleMapText(kRoleMapPath).Line(decision.line);
+}
+
+Json JsonOf(const RoleDecision& decision) {
+  Json faults = Json::array();
+  for (const RoleMapFault& fault : decision.faults) {
+    faults.push_back({{"line", fault.line}, {"text", TextOfFault(fault.code)}});
+  }
+  return {{"user", decision.user},     {"host", decision.host},   {"map", decision.byMap},
+          {"line", decision.line},     {"entry", decision.entry}, {"system", decision.bySystem},
+          {"rights", decision.rights}, {"faults", faults}};
+}
+
+void ShowDecision(const RoleDecision& decision) {
+  for (const RoleMapFault& fault : decision.faults) {
+    const std::string line = fault.line == 0 ? "" : ":" + std::to_string(fault.line);
+    Warn(kRoleMapPath + line + ": " + TextOfFault(fault.code) + "; the built-in lines stand in");
+  }
+  PrintLine("user:   " + decision.user);
+  PrintLine("host:   " + decision.host);
+  PrintLine("map:    " + TextOfRights(decision.byMap) + ", " + LineText(decision));
+  PrintLine("system: " + TextOfRights(decision.bySystem));
+  PrintMarked(Color::kBold, "rights: " + TextOfRights(decision.rights), "");
+}
+
+ExitCode Show(const RightsArguments& given) {
+  const std::string login = given.host.empty() ? given.user : given.user + "@" + given.host;
+  const RoleDecision decision = DecideRights(login);
+  if (given.asJson) {
+    PrintJson(JsonOf(decision));
+  } else {
+    ShowDecision(decision);
+  }
+  return decision.rights != 0 ? kYes : kNo;
+}
+
+}  // namespace
+
+void AddRightsCommand(CLI::App& program, ExitCode& code) {
+  const auto given = std::make_shared<RightsArguments>();
+  CLI::App* const rights =
+      program.add_subcommand("rights", "Shows a user's rights and which line decides");
+  rights->add_option("USER", given->user, "user, user@host or domain\\user")->required();
+  rights->add_option("--host", given->host, "the host or domain of the login");
+  rights->add_flag("--json", given->asJson, "Answer as JSON");
+  rights->callback([given, &code] { code = Show(*given); });
+}
+
+}  // namespace qvx::ctl

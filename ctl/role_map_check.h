@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_ROLE_MAP_CHECK_H
+#define QVX_CTL_ROLE_MAP_CHECK_H
+
+#include <string>
+#include <vector>
+
+namespace qvx::ctl {
+
+enum class Weight {
+  kFault,    // the library refuses the map and takes its built-in lines
+  kWarning,  // the library says nothing, and it is hardly meant
+  kNote,     // does not count here
+};
+
+struct RoleMapFinding {
+  unsigned long line;  // 0 for the file
+  Weight weight;
+  std::string text;
+};
+
+// The name shown with a weight.
+const char* NameOfWeight(Weight weight);
+
+// Checks a map: faults first, then lines, then entries, then the file's place. Of a draft, any file
+// but the live one, mode and place are told as notes. Throws a Failure for a file that cannot be
+// read.
+std::vector<RoleMapFinding> CheckRoleMap(const std::string& path, bool isLive);
+
+}  // namespace qvx::ctl
+
+#endif
