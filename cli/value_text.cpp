@@ -9,7 +9,7 @@
 #include "base/heap.h"
 #include "base/results.h"
 #include "text/transcode.h"
-#include "text/uni_string.h"
+#include "text/unit_scan.h"
 
 namespace qvx {
 namespace {

@@ -5,7 +5,7 @@
 #include <ctype.h>
 #include <string.h>
 
-#include "text/uni_string.h"
+#include "text/unit_scan.h"
 
 namespace qvx {
 namespace {

@@ -10,7 +10,7 @@
 #include "text/locale_text.h"
 #include "text/number_text.h"
 #include "text/scan32.h"
-#include "text/uni_string.h"
+#include "text/unit_scan.h"
 
 namespace qvx {
 namespace {

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "base/results.h"
+#include "text/unit_scan.h"
 
 namespace qvx {
 namespace {
@@ -41,21 +42,10 @@ u32 Capped(u64 count) { return static_cast<u32>(std::min(count, kMaxSize)); }
 
 }  // namespace
 
-u64 UnitCount(const ustring* string) {
-  const ustring* end = string;
-  while (*end != 0) {
-    ++end;
-  }
-  return static_cast<u64>(end - string);
-}
-
 u32 Uni_strlen(const ustring* string) { return Capped(UnitCount(string)); }
 
 void Uni_strcpy(ustring* destination, const ustring* source) {
-  for (; *source != 0; ++source, ++destination) {
-    *destination = *source;
-  }
-  *destination = 0;
+  memmove(destination, source, (UnitCount(source) + 1) * sizeof(ustring));
 }
 
 void Uni_strncpy(ustring* destination, const ustring* source, u32 count) {
@@ -82,11 +72,8 @@ void Uni_strncat(ustring* destination, const ustring* source, u32 count) {
 }
 
 s32 Uni_strcmp(const ustring* first, const ustring* second) {
-  while (*first != 0 && *first == *second) {
-    ++first;
-    ++second;
-  }
-  return UnsignedDifference(*first, *second);
+  const size_t equal = EqualUnits(first, second);
+  return UnsignedDifference(first[equal], second[equal]);
 }
 
 s32 Uni_memcmp(const ustring* first, const ustring* second, u32 count) {
@@ -105,21 +92,13 @@ s32 Uni_strncasecmp(const ustring* first, const ustring* second, s32 count) {
 }
 
 ustring* Uni_strchr(const ustring* string, ustring unit) {
-  for (; *string != unit; ++string) {
-    if (*string == 0) return nullptr;
-  }
-  return const_cast<ustring*>(string);
+  const ustring* const found = FindUnitOrEnd(string, unit);
+  return *found == unit ? const_cast<ustring*>(found) : nullptr;
 }
 
 ustring* Uni_strstr(const ustring* string, const ustring* pattern) {
-  const u64 patternLength = UnitCount(pattern);
-  for (u64 left = UnitCount(string); left >= patternLength; --left) {
-    if (memcmp(string, pattern, patternLength * sizeof(ustring)) == 0) {
-      return const_cast<ustring*>(string);
-    }
-    ++string;
-  }
-  return nullptr;
+  return const_cast<ustring*>(FindUnits(string, static_cast<size_t>(UnitCount(string)), pattern,
+                                        static_cast<size_t>(UnitCount(pattern))));
 }
 
 u32 Uni_strspn(const ustring* string, const ustring* set) {

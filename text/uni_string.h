@@ -7,9 +7,6 @@
 
 namespace qvx {
 
-// The units before the terminator; the library measures 16-bit text by this one.
-u64 UnitCount(const ustring* string);
-
 // The second names are what the exported calls forward to.
 u32 UniStrlen(const ustring* string);
 void UniStrcpy(ustring* destination, const ustring* source);

@@ -13,6 +13,7 @@
 #include "tests/reference/text_model.h"
 #include "tests/support/guard_buffer.h"
 #include "tests/support/long_text.h"
+#include "text/unit_scan.h"
 
 namespace qvx {
 namespace {

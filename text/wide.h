@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_TEXT_WIDE_H
+#define QVX_TEXT_WIDE_H
+
+// Which loops take many characters at a time. Each has a plain loop beside it that defines what it
+// does; QVXCS_WIDE=OFF, and machines without SSE2 in the compiler's baseline, use the plain ones.
+//
+// QVX_WIDE_LOADS    16 bytes at a time, within the text
+// QVX_WIDE_PAGES    aligned loads that may pass a terminator, never its page; not in builds with a
+//                   sanitizer, which would report them, and which so check the plain loops
+// QVX_WIDE_SHUFFLE  byte shuffles, where the processor has them (HasByteShuffle)
+
+#if defined(QVX_WIDE) && defined(__SSE2__)
+#define QVX_WIDE_LOADS 1
+#define QVX_WIDE_SHUFFLE 1
+#include <tmmintrin.h>
+#endif
+
+#if defined(__has_feature)
+#define QVX_HAS_FEATURE(name) __has_feature(name)
+#else
+#define QVX_HAS_FEATURE(name) 0
+#endif
+
+#if defined(QVX_WIDE_LOADS) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && \
+    !QVX_HAS_FEATURE(address_sanitizer) && !QVX_HAS_FEATURE(thread_sanitizer) &&                  \
+    !QVX_HAS_FEATURE(memory_sanitizer)
+#define QVX_WIDE_PAGES 1
+#endif
+
+namespace qvx {
+
+// Whether the processor has the instructions of the loops with byte shuffles (SSSE3 and POPCNT).
+bool HasByteShuffle();
+
+}  // namespace qvx
+
+#endif
