@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "text/code_point.h"
 
-#include <string.h>
+#include <array>
+#include <cstring>
 
 #include "qvxcs/status.h"
 
@@ -31,7 +32,8 @@ constexpr Utf8Form kUtf8Forms[] = {
 constexpr u32 kLongestUtf8 = 6;
 
 u32 Utf8Length(u32 codePoint) {
-  u32 length = 1;
+  if (codePoint <= kUtf8Forms[1].last) return codePoint <= kUtf8Forms[0].last ? 1 : 2;
+  u32 length = 3;
   while (codePoint > kUtf8Forms[length - 1].last) {
     ++length;
   }
@@ -39,13 +41,16 @@ u32 Utf8Length(u32 codePoint) {
 }
 
 // 0 for a byte that begins no character: a continuation byte, 0xFE or 0xFF.
-u32 LengthByLead(u32 lead) {
-  for (u32 length = 1; length <= kLongestUtf8; ++length) {
-    const Utf8Form& form = kUtf8Forms[length - 1];
-    if ((lead & form.leadMask) == form.lead) return length;
+constexpr auto kLengthByLead = [] {
+  std::array<u8, 256> lengths{};
+  for (u32 lead = 0; lead < lengths.size(); ++lead) {
+    for (u8 length = kLongestUtf8; length > 0; --length) {
+      const Utf8Form& form = kUtf8Forms[length - 1];
+      if ((lead & form.leadMask) == form.lead) lengths[lead] = length;
+    }
   }
-  return 0;
-}
+  return lengths;
+}();
 
 bool IsHighSurrogate(ustring unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowSurrogate(ustring unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -74,7 +79,7 @@ u32 UTF8CharsToUCS4Char(u32* codePoint, const astring* in, u32* length) {
   }
   *codePoint = 0;
   const u32 lead = static_cast<u8>(in[0]);
-  const u32 count = LengthByLead(lead);
+  const u32 count = kLengthByLead[lead];
   if (count == 0) return SM_STATUS_BAD_DATA;
   u32 value = lead & ~kUtf8Forms[count - 1].leadMask;
   // Deliberate: a following byte only must not be zero; its upper two bits, overlong forms,

@@ -2,14 +2,24 @@
 // SPDX-License-Identifier: MIT
 #include "text/transcode.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
 #include "qvxcs/status.h"
 
 #include "text/code_point.h"
+#include "text/unit_scan.h"
+#include "text/wide_transcode.h"
 
 namespace qvx {
 namespace {
 
 constexpr u8 kFirstBeyondASCII = 0x80;
+// A text is measured and converted piece by piece: one that faults early is not read to its end,
+// and a piece is still in the processor's cache when it is converted.
+constexpr size_t kPieceLength = 4096;
+constexpr ptrdiff_t kPlainSteps = 8;
 
 bool IsSurrogate(ustring unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
@@ -24,6 +34,8 @@ struct Output {
   [[nodiscard]] u32 Room() const {
     return to == nullptr || used > size ? 0 : size - static_cast<u32>(used);
   }
+  // What a run may write, or count.
+  [[nodiscard]] size_t RunRoom() const { return to == nullptr ? SIZE_MAX : Room(); }
 };
 
 // Stores an element that is a character by itself; false without room for it.
@@ -48,6 +60,41 @@ u32 AppendUtf8(Output<astring>* output, u32 codePoint) {
   return SM_STATUS_SUCCESS;
 }
 
+// One unit of `text`.
+u32 AppendUnit(Output<astring>* output, ustring unit, const ustring* text) {
+  u32 codePoint = unit;
+  if (IsSurrogate(unit)) {
+    // Deliberate: decoded at `text`, not where the unit is: every surrogate becomes the code point
+    // that the text begins with. Held by
+    // Transcode.SurrogatesRepeatTheCodePointTheTextBeginsWith.
+    if (const u32 status = UTF16CharsToUCS4Char(&codePoint, text)) return status;
+  }
+  return AppendUtf8(output, codePoint);
+}
+
+// The character at `*text`, which is moved past it.
+u32 AppendCharacter(Output<ustring>* output, const astring** text) {
+  if (const auto byte = static_cast<u8>(**text); byte < kFirstBeyondASCII) {
+    if (!AppendPlain<ustring>(output, byte)) return SM_STATUS_BUFFER_TOO_SMALL;
+    ++*text;
+    return SM_STATUS_SUCCESS;
+  }
+  u32 codePoint = 0;
+  u32 consumed = 0;
+  if (const u32 status = UTF8CharsToUCS4Char(&codePoint, *text, &consumed)) return status;
+  u32 units = output->Room();
+  if (const u32 status = UCS4CharToUTF16Chars(output->At(), &units, codePoint)) return status;
+  *text += consumed;
+  output->used += units;
+  return SM_STATUS_SUCCESS;
+}
+
+// How far to go character by character before the next run is tried.
+template <typename Element>
+const Element* PlainEnd(const Element* at, const Element* end) {
+  return end - at < kPlainSteps ? end : at + kPlainSteps;
+}
+
 // Ends the text unchecked and gives its size in bytes. No room that a size can name holds a text
 // beyond 32 bits, so that one is too large for any buffer.
 template <typename Element>
@@ -66,15 +113,20 @@ u32 Finish(const Output<Element>& output, u32* size) {
 u32 UCS2StrToUTF8Str(astring* out, u32* size, const ustring* text) {
   if (size == nullptr || text == nullptr) return SM_STATUS_INVALID_PARAMETER;
   Output<astring> output{out, *size, 0};
-  for (const ustring* at = text; *at != 0; ++at) {
-    u32 codePoint = *at;
-    if (IsSurrogate(*at)) {
-      // Deliberate: decoded at `text`, not at `at`: every surrogate becomes the code point that the
-      // text begins with. Held by Transcode.SurrogatesRepeatTheCodePointTheTextBeginsWith.
-      if (const u32 status = UTF16CharsToUCS4Char(&codePoint, text)) return status;
+  const ustring* at = text;
+  size_t length = 0;
+  do {
+    length = UnitCountWithin(at, kPieceLength);
+    const ustring* const end = at + length;
+    while (at < end) {
+      const Run run = NarrowRun(output.At(), output.RunRoom(), at, static_cast<size_t>(end - at));
+      at += run.read;
+      output.used += run.written;
+      for (const ustring* const stop = PlainEnd(at, end); at < stop; ++at) {
+        if (const u32 status = AppendUnit(&output, *at, text)) return status;
+      }
     }
-    if (const u32 status = AppendUtf8(&output, codePoint)) return status;
-  }
+  } while (length == kPieceLength);
   return Finish(output, size);
 }
 
@@ -92,20 +144,21 @@ u32 UTF8StrToUCS2Str(ustring* out, u32* size, const astring* text) {
   // Deliberate: the size is read as a count of units and written back as a count of bytes.
   // Held by Transcode.Ucs2SizesAreReadInUnitsAndWrittenInBytes.
   Output<ustring> output{out, *size, 0};
-  while (*text != '\0') {
-    if (const auto byte = static_cast<u8>(*text); byte < kFirstBeyondASCII) {
-      if (!AppendPlain<ustring>(&output, byte)) return SM_STATUS_BUFFER_TOO_SMALL;
-      ++text;
-      continue;
+  size_t length = 0;
+  do {
+    length = strnlen(text, kPieceLength);
+    const astring* const end = text + length;
+    while (text < end) {
+      const Run run =
+          WidenRun(output.At(), output.RunRoom(), text, static_cast<size_t>(end - text));
+      text += run.read;
+      output.used += run.written;
+      // The last character may end beyond the piece; a text that ends within it is seen there.
+      for (const astring* const stop = PlainEnd(text, end); text < stop;) {
+        if (const u32 status = AppendCharacter(&output, &text)) return status;
+      }
     }
-    u32 codePoint = 0;
-    u32 consumed = 0;
-    if (const u32 status = UTF8CharsToUCS4Char(&codePoint, text, &consumed)) return status;
-    u32 units = output.Room();
-    if (const u32 status = UCS4CharToUTF16Chars(output.At(), &units, codePoint)) return status;
-    text += consumed;
-    output.used += units;
-  }
+  } while (length == kPieceLength);
   return Finish(output, size);
 }
 

@@ -252,4 +252,82 @@ std::vector<u8> HostileTexts::Bytes(u32 longest) {
   return text;
 }
 
+constexpr u32 kRunKinds = 7;
+
+u32 HostileTexts::UnitOfKind(u32 kind) {
+  switch (kind) {
+    case 0:
+      return 1 + Below(0x7F);
+    case 1:
+      return Below(3) == 0 ? 0x80 + Below(0x780) : 1 + Below(0x7F);
+    case 2:
+      return 0x80 + Below(0x780);
+    case 3:
+      return 0x800 + Below(0xD000);
+    case 4:
+      return 0xE000 + Below(0x2000);
+    case 5:
+      return 0xD800 + Below(0x800);
+    default:
+      return 1 + Below(0xFFFF);
+  }
+}
+
+std::vector<u32> HostileTexts::RunsOfUnits(u32 longest) {
+  std::vector<u32> text;
+  const u32 length = Below(longest + 1);
+  if (Below(3) == 0) text = {0xD83D, 0xDE00};  // else most surrogates end the text at once
+  while (text.size() < length) {
+    const u32 kind = Below(kRunKinds);
+    for (u32 count = Below(Below(4) == 0 ? 90 : 20); count != 0; --count) {
+      text.push_back(UnitOfKind(kind));
+    }
+    if (!text.empty() && Below(8) == 0) {
+      text[Below(static_cast<u32>(text.size()))] = 1 + Below(0xFFFF);
+    }
+  }
+  return text;
+}
+
+void HostileTexts::AppendOfKind(u32 kind, std::vector<u8>* bytes) {
+  const auto append = [&](u32 firstLead, u32 leads, u32 more) {
+    bytes->push_back(static_cast<u8>(firstLead + Below(leads)));
+    for (; more != 0; --more) {
+      bytes->push_back(static_cast<u8>(0x80 + Below(0x40)));
+    }
+  };
+  switch (kind) {
+    case 0:
+      return append(1, 0x7F, 0);
+    case 1:
+      return Below(3) == 0 ? append(0xC0, 0x20, 1) : append(1, 0x7F, 0);
+    case 2:
+      return append(0xC0, 0x20, 1);
+    case 3:
+    case 4:
+      return append(0xE0, 0x10, 2);
+    case 5:
+      return append(0xF0, 4, 3);
+    default:
+      return append(1, 0xFF, 0);
+  }
+}
+
+std::vector<u8> HostileTexts::RunsOfBytes(u32 longest) {
+  std::vector<u8> text;
+  const u32 length = Below(longest + 1);
+  while (text.size() < length) {
+    const u32 kind = Below(kRunKinds);
+    const u32 most = kind == kRunKinds - 1 ? 2 : Below(4) == 0 ? 90 : 20;
+    for (u32 count = Below(most); count != 0; --count) {
+      AppendOfKind(kind, &text);
+    }
+    if (!text.empty() && Below(8) == 0) {
+      text[Below(static_cast<u32>(text.size()))] = static_cast<u8>(1 + Below(0xFF));
+    }
+  }
+  if (!text.empty() && Below(4) == 0) text.resize(1 + Below(static_cast<u32>(text.size())));
+  return text;
+}
+
 }  // namespace qvx::test

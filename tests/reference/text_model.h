@@ -39,8 +39,15 @@ class HostileTexts {
   std::vector<u32> CodePoints(u32 longest);
   // Leads without their rest, overlong forms, 0xFE and 0xFF, whole characters, XML's characters.
   std::vector<u8> Bytes(u32 longest);
+  // Runs of ASCII, of characters of one length and of several, with a fault here and there: what
+  // loops over many characters at a time take, leave and stop at. Up to some `longest` elements.
+  std::vector<u32> RunsOfUnits(u32 longest);
+  std::vector<u8> RunsOfBytes(u32 longest);
 
  private:
+  u32 UnitOfKind(u32 kind);
+  void AppendOfKind(u32 kind, std::vector<u8>* bytes);
+
   std::mt19937 next_;
 };
 
