@@ -65,6 +65,9 @@ void OverlayFolder(const std::string& folder) {
   Check(mount("overlay", folder.c_str(), "overlay", 0, options.c_str()), "overlay " + folder);
 }
 
+// The machine's own files in /tmp are not the tests': theirs have plain names.
+void EmptyTmp() { Check(mount("tmpfs", "/tmp", "tmpfs", 0, "mode=1777"), "/tmp"); }
+
 void PrivateDevices() {
   const std::string base = "/run/.dev";
   MakeDirectories(base);
@@ -110,6 +113,7 @@ int OpenFolder(const std::string& path) {
 }
 
 void BindOver(int folder, const std::string& place) {
+  MakeDirectories(place);
   const std::string held = "/proc/self/fd/" + std::to_string(folder);
   Check(mount(held.c_str(), place.c_str(), nullptr, MS_BIND, nullptr), place);
 }
@@ -120,7 +124,6 @@ void EnterRoot([[maybe_unused]] int build) {
   for (const char* folder : {"/proc", "/dev"}) {
     Check(mount(folder, (root + folder).c_str(), nullptr, MS_BIND | MS_REC, nullptr), folder);
   }
-  MakeDirectories(root + QVX_BUILD_DIR);
   BindOver(build, root + QVX_BUILD_DIR);
   Check(chroot(root.c_str()), root);
   Check(chdir("/"), "/");
@@ -128,16 +131,20 @@ void EnterRoot([[maybe_unused]] int build) {
 }
 
 void Enter() {
-  Check(unshare(CLONE_NEWNS | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWNET), "unshare (needs root, in a container --privileged)");
+  Check(unshare(CLONE_NEWNS | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWNET),
+        "unshare (needs root, in a container --privileged)");
   Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr),
         "/ (a chroot must be a mount: bind it over itself first)");
-  // The build folder may lie in one of the folders that are about to be covered.
+  // The sources and the build folder may lie in one of the folders that are about to be covered.
+  const int source = OpenFolder(QVX_SOURCE_DIR);
   const int build = OpenFolder(QVX_BUILD_DIR);
   EnterRoot(build);
   Check(mount("tmpfs", "/run", "tmpfs", MS_NOSUID, "mode=755"), "/run");
-  for (const char* folder : {"/etc", "/usr", "/opt", "/tmp"}) {
+  for (const char* folder : {"/etc", "/usr", "/opt"}) {
     OverlayFolder(folder);
   }
+  EmptyTmp();
+  BindOver(source, QVX_SOURCE_DIR);
   BindOver(build, QVX_BUILD_DIR);
   HideInstalled();
   PrivateDevices();
