@@ -136,16 +136,12 @@ void FreeContextLock(u32 handle) {
 
 void LockContext(u32 handle) {
   LocalMutex mutex = FindMutex(handle);
-  if (mutex != nullptr) {
-    (void)WaitForLocalMutex(mutex, -1);
-  }
+  if (mutex != nullptr) (void)pthread_mutex_lock(mutex);
 }
 
 void UnLockContext(u32 handle) {
   LocalMutex mutex = FindMutex(handle);
-  if (mutex != nullptr) {
-    (void)ReleaseLocalMutex(mutex);
-  }
+  if (mutex != nullptr) (void)pthread_mutex_unlock(mutex);
 }
 
 void HoldContextLocksForFork() { (void)pthread_mutex_lock(&tableMutex); }

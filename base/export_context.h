@@ -5,6 +5,8 @@
 
 #include "qvxcs/types.h"
 
+#include "base/cancel_hold.h"
+
 namespace qvx {
 
 // The context captured by the first attach.
@@ -27,6 +29,8 @@ class ExportBracket {
   ExportBracket& operator=(const ExportBracket&) = delete;
 
  private:
+  // Declared first: the context is put back before the thread may end.
+  CancelHold hold_;
   u32 slot_ = 0;
 };
 

@@ -7,6 +7,7 @@
 
 #include "qvxcs/status.h"
 
+#include "base/cancel_hold.h"
 #include "text/transcode.h"
 
 namespace qvx {
@@ -21,6 +22,7 @@ constexpr astring kMonths[][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 bool ToLocalTime(time_t time, struct tm* local) {
+  const CancelHold hold;  // the C library may read the zone's file
   tzset();  // the reentrant form need not look for a changed time zone
   return localtime_r(&time, local) != nullptr;
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/cli_value.h"
 
+#include "base/cancel_hold.h"
 #include "cli/cmd_help.h"
 #include "cli/param_node.h"
 #include "cli/value_convert.h"
@@ -37,5 +38,6 @@ void PXTNVSCatSMStatusNode(void* buffer, s32 status, const astring* message) {
 }
 astring* PXTNVSCMDHelp(s32 ignoredCount, astring** ignoredVector, const PXTCommand* table,
                        s32 count, PXTCommandFunction self) {
+  const qvx::CancelHold hold;
   return qvx::NVSuptCMDHelp(ignoredCount, ignoredVector, table, count, self);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/list.h"
 
+#include "base/cancel_hold.h"
 #include "text/dlist.h"
 #include "text/slist.h"
 
@@ -25,9 +26,11 @@ void PXTDLListDeleteEntry(PXTDLList* list, PXTDLListEntry* entry) {
   qvx::DLListDeleteEntry(list, entry);
 }
 u32 PXTDLListInsertKeyed(PXTDLList* list, PXTDLListEntry* entry, PXTDLListCompare compare) {
+  const qvx::CancelHold hold;
   return qvx::DLListInsertKeyed(list, entry, compare);
 }
 u32 PXTDLListInsertOrdered(PXTDLList* list, PXTDLListEntry* entry, PXTDLListCompare compare) {
+  const qvx::CancelHold hold;
   return qvx::DLListInsertOrdered(list, entry, compare);
 }
 PXTSLList* PXTSLListAlloc() { return qvx::SLListAlloc(); }
@@ -50,8 +53,10 @@ void PXTSLListDeleteEntry(PXTSLList* list, PXTSLListEntry* entry) {
   qvx::SLListDeleteEntry(list, entry);
 }
 u32 PXTSLListInsertKeyed(PXTSLList* list, PXTSLListEntry* entry, PXTSLListCompare compare) {
+  const qvx::CancelHold hold;
   return qvx::SLListInsertKeyed(list, entry, compare);
 }
 u32 PXTSLListInsertOrdered(PXTSLList* list, PXTSLListEntry* entry, PXTSLListCompare compare) {
+  const qvx::CancelHold hold;
   return qvx::SLListInsertOrdered(list, entry, compare);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/paths.h"
 
+#include "base/cancel_hold.h"
 #include "base/export_context.h"
 #include "config/oem.h"
 #include "os/ip_interfaces.h"
@@ -26,12 +27,21 @@ astring* PXTGetQVXDownloadPath() { return qvx::SUPTIntfGetQVXDownloadPath(); }
 astring* PXTGetQVXUploadPath() { return qvx::SUPTIntfGetQVXUploadPath(); }
 astring* PXTGetQVXCLIDocsPath() { return qvx::SUPTIntfGetQVXCLIDocsPath(); }
 astring* PXTGetQVXWEBDocsPath() { return qvx::SUPTIntfGetQVXWEBDocsPath(); }
-astring* PXTGetIWSTempDirPath() { return qvx::SUPTIntfGetIWSTempDirPath(); }
+astring* PXTGetIWSTempDirPath() {
+  const qvx::CancelHold hold;
+  return qvx::SUPTIntfGetIWSTempDirPath();
+}
 astring* PXTGetOEMINIPathFile(const astring* oem, const astring* file, const astring* flag) {
   return qvx::SUPTIntfGetOEMINIPathFile(oem, file, flag);
 }
-u32 PXTCheckModularChassis() { return qvx::CheckModularChassis(); }
-astring* PXTGetOEMADSchemaPrefix() { return qvx::GetOEMADSchemaPrefix(); }
+u32 PXTCheckModularChassis() {
+  const qvx::CancelHold hold;
+  return qvx::CheckModularChassis();
+}
+astring* PXTGetOEMADSchemaPrefix() {
+  const qvx::CancelHold hold;
+  return qvx::GetOEMADSchemaPrefix();
+}
 astring* PXTGetLocaleNameAStr(u32 languageId) { return qvx::SUPTIntfGetLocaleNameAStr(languageId); }
 astring* PXTGetOSLocaleName() { return qvx::SUPTIntfGetOSLocaleName(); }
 astring* PXTGetOSLanguage() { return qvx::SUPTIntfGetOSLanguage(); }

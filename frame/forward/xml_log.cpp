@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "qvxcs/xml_log.h"
 
+#include "base/cancel_hold.h"
 #include "base/export_context.h"
 #include "cli/log_content.h"
 #include "xml/xml_log.h"
@@ -24,4 +25,7 @@ u32 PXTGetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* si
   const qvx::ExportBracket bracket;
   return qvx::GetBackupXMLLogPathFileName(path, buffer, size);
 }
-astring* PXTCmdGetXMLLogContent(const astring* path) { return qvx::CmdGetXMLLogContent(path); }
+astring* PXTCmdGetXMLLogContent(const astring* path) {
+  const qvx::CancelHold hold;
+  return qvx::CmdGetXMLLogContent(path);
+}

@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+
+// What pthread_cancel does to a thread within a call: nothing, until the call is over.
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include "qvxcs/file_util.h"
+#include "qvxcs/ini_file.h"
+#include "qvxcs/keyvalue.h"
+#include "qvxcs/list.h"
+#include "qvxcs/status.h"
+#include "qvxcs/thread.h"
+#include "qvxcs/xml_log.h"
+
+#include "frame/module.h"
+#include "os/threads_turn.h"
+#include "support/cancelled.h"
+#include "support/files.h"
+#include "support/processes.h"
+
+namespace {
+
+using qvx::test::EndsAfter;
+using qvx::test::LockHolder;
+using qvx::test::LockIsFree;
+using qvx::test::ReadFile;
+
+int OpenDescriptors() {
+  int count = 0;
+  DIR* const folder = opendir("/proc/self/fd");
+  while (readdir(folder) != nullptr) {
+    ++count;
+  }
+  (void)closedir(folder);
+  return count;
+}
+
+class Cancel : public testing::Test {
+ protected:
+  void SetUp() override {
+    qvx::test::RequireSandbox();
+    ASSERT_EQ(qvx::ModuleAttach(), 1);
+    descriptors_ = OpenDescriptors();
+  }
+  void TearDown() override {
+    EXPECT_TRUE(LockIsFree());
+    EXPECT_EQ(qvx::TakeThreadsTurn(0), 0);
+    qvx::GiveThreadsTurn();
+    EXPECT_EQ(OpenDescriptors(), descriptors_);
+    EXPECT_EQ(qvx::ModuleDetach(), 1);
+  }
+
+  int descriptors_ = 0;
+};
+
+TEST_F(Cancel, ALogAppendThatWaitsForTheLockIsDoneFirst) {
+  const LockHolder other(qvx::kIPCFilePath, 50000);
+  u32 status = 77;
+  EXPECT_TRUE(EndsAfter([&status] {
+    status = PXTAppendToXMLLog("/run/cancel.xml", 4, 9, "u", "s", "<D/>", nullptr, 0, 131072);
+  }));
+  EXPECT_EQ(status, SM_STATUS_SUCCESS);
+  EXPECT_NE(ReadFile("/run/cancel.xml").find("<ID>9</ID>"), std::string::npos);
+}
+
+TEST_F(Cancel, AnINIWriteLeavesTheNewFileAndNoTemporary) {
+  qvx::test::WriteFile("/run/cancel.ini", "[A]\nb=1\n");
+  u32 status = 77;
+  EXPECT_TRUE(EndsAfter(
+      [&status] { status = PXTWriteINIPathFileValue("A", "b", 1, "2", 2, "/run/cancel.ini", 1); }));
+  EXPECT_EQ(status, SM_STATUS_SUCCESS);
+  EXPECT_EQ(ReadFile("/run/cancel.ini"), "[A]\nb=2\n");
+}
+
+TEST_F(Cancel, AKeyValueWriteAndAReadAreDoneFirst) {
+  qvx::test::WriteFile("/run/cancel.properties", "a=1\n");
+  char key[] = "a";
+  char value[] = "2";
+  const PXTKeyValue pair = {key, value};
+  u32 status = 77;
+  EXPECT_TRUE(EndsAfter([&] { status = PXTCFGSetKeyValue("/run/cancel.properties", &pair, 0); }));
+  EXPECT_EQ(status, SM_STATUS_SUCCESS);
+  u32 count = 0;
+  PXTKeyValue* entries = nullptr;
+  EXPECT_TRUE(
+      EndsAfter([&] { entries = PXTCFGGetKeyValueEntries("/run/cancel.properties", &count); }));
+  ASSERT_EQ(count, 1U);
+  EXPECT_STREQ(entries[0].value, "2");
+  PXTCFGFreeKeyValueEntries(entries, count);
+}
+
+TEST_F(Cancel, AThreadThatWaitsForTheTurnGetsIt) {
+  std::atomic<bool> taken = false;
+  std::thread other([&taken] {
+    EXPECT_EQ(qvx::TakeThreadsTurn(0), 0);
+    taken = true;
+    usleep(50000);
+    qvx::GiveThreadsTurn();
+  });
+  while (!taken) {
+    std::this_thread::yield();
+  }
+  u32 status = 77;
+  EXPECT_TRUE(EndsAfter(
+      [&status] { status = PXTWriteINIPathFileValue("A", "b", 1, "2", 2, "/run/turn.ini", 1); }));
+  EXPECT_EQ(status, SM_STATUS_SUCCESS);
+  other.join();
+}
+
+TEST_F(Cancel, AFileCallIsDoneFirst) {
+  u32 status = 77;
+  EXPECT_TRUE(EndsAfter([&status] { status = PXTMkDir("/run/cancelled"); }));
+  EXPECT_EQ(status, SM_STATUS_SUCCESS);
+  u32 size = 0;
+  qvx::test::WriteFile("/run/cancelled/file", "four");
+  EXPECT_TRUE(EndsAfter([&] { status = PXTGetSizeOfFile("/run/cancelled/file", &size); }));
+  EXPECT_EQ(size, 4U);
+}
+
+s32 CompareAtACancellationPoint(PXTDLListEntry*, PXTDLListEntry*) {
+  pthread_testcancel();
+  return 1;
+}
+
+TEST_F(Cancel, AHostsCompareNeverLeavesTheListLocked) {
+  PXTDLList* const list = PXTDLListAlloc();
+  PXTDLListInsertEntryAtHead(list, PXTDLListEntryAlloc(4));
+  PXTDLListEntry* const entry = PXTDLListEntryAlloc(4);
+  EXPECT_TRUE(
+      EndsAfter([&] { (void)PXTDLListInsertOrdered(list, entry, CompareAtACancellationPoint); }));
+  EXPECT_EQ(list->count, 2U);
+  PXTDLListInsertEntryAtHead(list, PXTDLListEntryAlloc(4));
+  EXPECT_EQ(list->count, 3U);
+  PXTDLListFree(list);
+}
+
+TEST_F(Cancel, AThreadThatHasItOffKeepsItOff) {
+  int state = PTHREAD_CANCEL_ENABLE;
+  ASSERT_EQ(pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr), 0);
+  (void)PXTMkDir("/run/held");
+  ASSERT_EQ(pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &state), 0);
+  EXPECT_EQ(state, PTHREAD_CANCEL_DISABLE);
+}
+
+u32 UntilTold(u32) {
+  while (!qvx::test::Exists("/run/end")) {
+    usleep(1000);
+  }
+  return 0;
+}
+
+TEST_F(Cancel, WaitingForAThreadMayBeCancelled) {
+  PXTThread thread = {};
+  ASSERT_EQ(PXTThreadStart(&thread, UntilTold, 0), 0);
+  EXPECT_FALSE(EndsAfter([&thread] { (void)PXTThreadStop(&thread); }));
+  qvx::test::WriteFile("/run/end", "");
+  EXPECT_EQ(PXTThreadStop(&thread), 0);
+}
+
+}  // namespace
