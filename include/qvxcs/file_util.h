@@ -23,9 +23,10 @@ QVX_BEGIN_DECLS
 /**
  * Deletes a file.
  *
- * The file's mode is set to 01664 (octal) first. A file whose mode cannot be set stays; a directory
- * is left alone, its mode too. Through a symbolic link the mode of the file behind it is set, and
- * the link is what is deleted.
+ * The file's mode is set to 01664 (octal) first. A file whose mode cannot be set stays. A directory
+ * stays and keeps its mode. A symbolic link is deleted itself: the mode is set on the file that it
+ * leads to, but never on a directory. A FIFO, socket or device with this name is deleted like a
+ * file.
  *
  * @param[in] path  the file
  * @retval SM_STATUS_SUCCESS
@@ -40,13 +41,14 @@ QVX_BEGIN_DECLS
 QVX_EXPORT qvx_u32 PXTDeleteFile(const qvx_astring* path);
 
 /**
- * Tells the size of a file.
+ * Gives the size of a file.
  *
  * @param[in] path   the file, which must be readable
  * @param[out] size  its length in bytes; 0 after every failure
  * @retval SM_STATUS_SUCCESS
  * @retval -1 when a pointer is NULL (`*size` is set to 0 where there is one), when the file cannot
- * be opened, and when it is as large as 4 GiB less a byte or larger: such a length does not fit
+ * be opened, and when its length is 4 GiB - 1 or more: 4 GiB - 1 counts as 4 GiB, because it is the
+ * value that stands for a failure
  * @par Memory
  * Allocates nothing that outlives the call.
  * @par Threads
