@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include "os/block_reader.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace qvx {
+
+bool BlockReader::ReadOn() {
+  if (ended_) return false;
+  end_ -= begin_;
+  memmove(block_.get(), block_.get() + begin_, end_);
+  begin_ = 0;
+  ssize_t count = 0;
+  do {
+    count = read(file_, block_.get() + end_, kBlock - end_);
+  } while (count < 0 && errno == EINTR);
+  if (count > 0) {
+    end_ += static_cast<size_t>(count);
+    return true;
+  }
+  ended_ = true;
+  failed_ = count < 0;
+  return false;
+}
+
+}  // namespace qvx
