@@ -2,77 +2,66 @@
 // SPDX-License-Identifier: MIT
 #include "config/ini_lines.h"
 
-#include <string.h>
+#include <algorithm>
+#include <cstring>
 
 #include "qvxcs/status.h"
+
+#include "base/results.h"
 
 namespace qvx {
 namespace {
 
-const astring* SkipBlanks(const astring* text) { return text + strspn(text, " \t"); }
+std::string_view SkipBlanks(std::string_view text) {
+  size_t at = 0;
+  while (at < text.size() && (text[at] == ' ' || text[at] == '\t'))
+    ++at;
+  return text.substr(at);
+}
+
+// Up to the line end or the first NUL byte.
+std::string_view TextOf(std::string_view line) {
+  if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
+  return line.substr(0, line.find('\0'));
+}
 
 }  // namespace
 
-LineRead ReadLine(FILE* stream, IniLine* line) {
-  u32 length = 0;
-  while (length < kLineLength) {
-    const int character = getc_unlocked(stream);
-    if (character == EOF) {
-      break;
-    }
-    line->text[length] = static_cast<astring>(character);
-    ++length;
-    if (character == '\n') {
-      break;
-    }
-  }
-  line->text[length] = '\0';
-  line->length = length;
-  if (ferror_unlocked(stream) != 0) {
-    return LineRead::kError;
-  }
-  return length == 0 ? LineRead::kEnd : LineRead::kLine;
-}
-
-u32 ParseForSection(const astring* line, astring* name) {
-  if (line == nullptr || name == nullptr) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
+u32 ParseForSection(std::string_view line, astring* name) {
+  if (line.data() == nullptr || name == nullptr) return SM_STATUS_BAD_ARGUMENT;
   name[0] = '\0';
-  const astring* const bracket = SkipBlanks(line);
-  if (*bracket != '[') {
-    return kNotAHeader;
-  }
-  const astring* const text = bracket + 1;
-  const size_t length = strcspn(text, "]\n");
+  if (!EndsSection(line)) return kMinusOne;
+  const std::string_view text = TextOf(SkipBlanks(line).substr(1));
+  const size_t length = std::min(text.find(']'), text.size());
   // Deliberate: a header's name is known by its first 255 characters alone, so two longer names
   // that begin alike are one section. Held by IniLines.SectionNamesAreCutAt255Characters.
-  const size_t kept = length < kNameRoom ? length : kNameRoom - 1;
-  memcpy(name, text, kept);
+  const size_t kept = std::min<size_t>(length, kNameRoom - 1);
+  memcpy(name, text.data(), kept);
   name[kept] = '\0';
-  return text[length] == ']' ? SM_STATUS_SUCCESS : SM_STATUS_BAD_SECTION_HEADER;
+  return length < text.size() ? SM_STATUS_SUCCESS : SM_STATUS_BAD_SECTION_HEADER;
 }
 
-bool IsComment(const astring* line) { return *line == '#' || *line == ';'; }
+bool IsComment(std::string_view line) { return line.starts_with('#') || line.starts_with(';'); }
 
-bool EndsSection(const astring* line) { return *SkipBlanks(line) == '['; }
+bool EndsSection(std::string_view line) { return SkipBlanks(line).starts_with('['); }
 
-IniKey KeyOfLine(const astring* line) {
-  const astring* const text = SkipBlanks(line);
-  const size_t length = strcspn(text, "=\n");
-  const astring* const value = text[length] == '=' ? text + length + 1 : nullptr;
-  return {text, static_cast<u32>(length), value};
+IniKey KeyOfLine(std::string_view line) {
+  const std::string_view text = TextOf(SkipBlanks(line));
+  const size_t equals = text.find('=');
+  if (equals == std::string_view::npos) return {text, false, {}};
+  return {text.substr(0, equals), true, text.substr(equals + 1)};
 }
 
-bool IsKey(const IniKey& found, const astring* key) {
-  return strncmp(found.text, key, found.length) == 0 && key[found.length] == '\0';
+// Most lines differ in their first characters, which are compared before the line is taken apart.
+bool HasKey(std::string_view line, std::string_view key, IniKey* found) {
+  if (!SkipBlanks(line).starts_with(key)) return false;
+  *found = KeyOfLine(line);
+  return found->text == key;
 }
 
 bool IsUstringOfSize(const void* text, u32 size) {
   const u8* const bytes = static_cast<const u8*>(text);
-  if (size < sizeof(ustring) || size % sizeof(ustring) != 0) {
-    return false;
-  }
+  if (size < sizeof(ustring) || size % sizeof(ustring) != 0) return false;
   const u32 last = size - static_cast<u32>(sizeof(ustring));
   for (u32 at = 0; at <= last; at += static_cast<u32>(sizeof(ustring))) {
     if (bytes[at] == 0 && bytes[at + 1] == 0) {

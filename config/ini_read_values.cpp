@@ -2,14 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "config/ini_read_values.h"
 
-#include <string.h>
-
 #include <cstdio>
+#include <cstring>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
 #include "base/layout.h"
+#include "base/results.h"
+#include "base/unaligned.h"
 #include "config/ini_lines.h"
 #include "config/ini_reader.h"
 #include "paths/install_path.h"
@@ -21,43 +22,24 @@ namespace qvx {
 namespace {
 
 constexpr u32 kTextRoom = 8193;
-constexpr u32 kNoInstallPath = 0xFFFFFFFF;
+// The longest line, and its NUL.
+constexpr u32 kBytesTextRoom = 8451;
 
-// A read as the caller asked for it.
-struct Read {
-  const astring* section;
-  const astring* key;
-  void* value;
-  u32* size;
-  const void* defaultValue;
-  u32 defaultSize;
-  const astring* path;
-  booln lockFlag;
-};
-
-bool IsComplete(const Read& read) {
+bool IsComplete(const IniRead& read) {
   return read.section != nullptr && read.key != nullptr && read.value != nullptr &&
          read.size != nullptr && read.path != nullptr && *read.size != 0;
 }
 
-u32 ReadText(const Read& read, astring* text, u32 room) {
-  if (text == nullptr) {
-    return kOutOfMemory;
-  }
-  return ReadINIFileValue_astring(read.section, read.key, text, &room, nullptr, 0, read.path,
-                                  read.lockFlag);
-}
-
-u32 ReadAstring(const Read& read) {
-  return ReadINIFileValue_astring(read.section, read.key, static_cast<astring*>(read.value),
-                                  read.size, read.defaultValue, read.defaultSize, read.path,
-                                  read.lockFlag);
+u32 ReadText(const IniRead& read, astring* text, u32 room) {
+  if (text == nullptr) return kMinusOne;
+  return ReadINIFileValue_astring(
+      {read.section, read.key, text, &room, nullptr, 0, read.path, read.lockFlag});
 }
 
 // The conversions of the types of fixed size. Values of callers may be unaligned.
 template <typename T>
 u32 Store(T converted, void* value) {
-  memcpy(value, &converted, sizeof(converted));
+  StoreValue(value, converted);
   return SM_STATUS_SUCCESS;
 }
 
@@ -99,7 +81,7 @@ constexpr FixedType kFixedTypes[] = {
 static_assert(sizeof(kFixedTypes) / sizeof(kFixedTypes[0]) == kLastFixed - kFirstFixed + 1);
 
 // A default may be the value buffer itself.
-void GiveFixedDefault(const Read& read, u32 bytes) {
+void GiveFixedDefault(const IniRead& read, u32 bytes) {
   if (read.defaultValue == nullptr || read.defaultSize < bytes) {
     *read.size = 0;
     return;
@@ -108,7 +90,7 @@ void GiveFixedDefault(const Read& read, u32 bytes) {
   *read.size = bytes;
 }
 
-u32 ReadFixed(const Read& read, const FixedType& type) {
+u32 ReadFixed(const IniRead& read, const FixedType& type) {
   if (!IsComplete(read) || *read.size < type.bytes) {
     return SM_STATUS_BAD_ARGUMENT;
   }
@@ -123,7 +105,7 @@ u32 ReadFixed(const Read& read, const FixedType& type) {
   return status;
 }
 
-void GiveBytesDefault(const Read& read) {
+void GiveBytesDefault(const IniRead& read) {
   const u32 given = read.defaultValue == nullptr ? 0 : read.defaultSize;
   const u32 count = given < *read.size ? given : *read.size;
   if (count != 0) {
@@ -164,20 +146,20 @@ void LeaveBytesBehind(u32 given, void* value, const astring* bytes, u32 count) {
   }
 }
 
-u32 DeliverBytes(const Read& read, const astring* bytes, u32 count) {
+u32 DeliverBytes(const IniRead& read, const astring* bytes, u32 count) {
   const u32 room = *read.size;
   *read.size = count;
   memcpy(read.value, bytes, count < room ? count : room);
   return count <= room ? SM_STATUS_SUCCESS : SM_STATUS_BUFFER_TOO_SMALL;
 }
 
-u32 ReadBinary(const Read& read) {
+u32 ReadBinary(const IniRead& read) {
   if (!IsComplete(read)) {
     return SM_STATUS_BAD_ARGUMENT;
   }
-  const HeapArray<astring> text = AllocArray<astring>(kLineRoom);
+  const HeapArray<astring> text = AllocArray<astring>(kBytesTextRoom);
   u32 count = 0;
-  u32 status = ReadText(read, text.get(), kLineRoom);
+  u32 status = ReadText(read, text.get(), kBytesTextRoom);
   if (status == SM_STATUS_SUCCESS) {
     status = ParseBytes(text.get(), &count);
   }
@@ -190,7 +172,7 @@ u32 ReadBinary(const Read& read) {
   return DeliverBytes(read, text.get(), count);
 }
 
-u32 ReadUstring(const Read& read) {
+u32 ReadUstring(const IniRead& read) {
   if (!IsComplete(read)) {
     return SM_STATUS_BAD_ARGUMENT;
   }
@@ -205,13 +187,13 @@ u32 ReadUstring(const Read& read) {
 u32 ReadINIPathFileValue(const astring* section, const astring* key, s32 type, void* value,
                          u32* size, const void* defaultValue, u32 defaultSize, const astring* path,
                          booln lockFlag) {
-  const Read read = {section, key, value, size, defaultValue, defaultSize, path, lockFlag};
+  const IniRead read = {section, key, value, size, defaultValue, defaultSize, path, lockFlag};
   if (type >= kFirstFixed && type <= kLastFixed) {
     return ReadFixed(read, kFixedTypes[type - kFirstFixed]);
   }
   switch (type) {
     case kAstring:
-      return ReadAstring(read);
+      return ReadINIFileValue_astring(read);
     case kUstring:
       return ReadUstring(read);
     case kBinary:
@@ -227,7 +209,7 @@ u32 ProductIniFilePath(const astring* fileName, astring (&path)[kIniPathRoom]) {
   }
   const HeapArray<astring> installPath(SUPTIntfGetQVXInstallPath());
   if (!installPath) {
-    return kNoInstallPath;
+    return kMinusOne;
   }
   // Deliberate: a name too long for the path is cut, not refused. Held by
   // IniReadValues.FileNameIsCutWhereThePathHas255Characters.

@@ -2,14 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "config/ini_write_values.h"
 
-#include <inttypes.h>
-#include <string.h>
-
+#include <cinttypes>
 #include <cstdio>
+#include <cstring>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
+#include "base/unaligned.h"
 #include "config/ini_lines.h"
 #include "config/ini_read_values.h"
 #include "config/ini_writer.h"
@@ -35,8 +36,8 @@ struct Write {
 };
 
 u32 WriteText(const Write& write, const astring* text, s32 size) {
-  return WriteINIFileValue_astring(write.section, write.key, text, size, write.path,
-                                   write.lockFlag);
+  return WriteINIFileValue_astring(
+      {write.section, write.key, text, size, write.path, write.lockFlag});
 }
 
 u32 WriteAstring(const Write& write) {
@@ -46,26 +47,23 @@ u32 WriteAstring(const Write& write) {
 // The texts of the types of fixed size. Values of callers may be unaligned.
 using NumberText = astring[kNumberRoom];
 
-template <typename T>
-T Load(const void* value) {
-  T loaded;
-  memcpy(&loaded, value, sizeof(loaded));
-  return loaded;
-}
-
 void FormatBooln(const void* value, NumberText& text) {
-  (void)snprintf(text, sizeof(text), "%s", Load<booln>(value) == 1 ? "TRUE" : "FALSE");
+  (void)snprintf(text, sizeof(text), "%s", LoadValue<booln>(value) == 1 ? "TRUE" : "FALSE");
 }
 void FormatU32(const void* value, NumberText& text) {
-  (void)snprintf(text, sizeof(text), "%" PRIu32, Load<u32>(value));
+  (void)snprintf(text, sizeof(text), "%" PRIu32, LoadValue<u32>(value));
 }
 void FormatS32(const void* value, NumberText& text) {
-  (void)snprintf(text, sizeof(text), "%" PRId32, Load<s32>(value));
+  (void)snprintf(text, sizeof(text), "%" PRId32, LoadValue<s32>(value));
 }
-void FormatU64(const void* value, NumberText& text) { UnSigned64ToASCII(text, Load<u64>(value)); }
-void FormatS64(const void* value, NumberText& text) { Signed64ToASCII(text, Load<s64>(value)); }
+void FormatU64(const void* value, NumberText& text) {
+  UnSigned64ToASCII(text, LoadValue<u64>(value));
+}
+void FormatS64(const void* value, NumberText& text) {
+  Signed64ToASCII(text, LoadValue<s64>(value));
+}
 void FormatD64(const void* value, NumberText& text) {
-  (void)snprintf(text, sizeof(text), "%.8f", Load<d64>(value));
+  (void)snprintf(text, sizeof(text), "%.8f", LoadValue<d64>(value));
 }
 
 struct FixedType {
@@ -105,7 +103,7 @@ u32 WriteBytes(const Write& write) {
   const u32 count = static_cast<u32>(write.size);
   const HeapArray<astring> text = AllocArray<astring>(u64{count} * kByteText + 1);
   if (!text) {
-    return kOutOfMemory;
+    return kMinusOne;
   }
   FormatBytes(static_cast<const u8*>(write.value), count, text.get());
   return WriteText(write, text.get(), static_cast<s32>(count * kByteText));

@@ -3,25 +3,33 @@
 #ifndef QVX_CONFIG_INI_WRITER_H
 #define QVX_CONFIG_INI_WRITER_H
 
-#include <cstdio>
-
 #include "qvxcs/types.h"
+
+#include "os/block_reader.h"
+#include "os/block_writer.h"
 
 namespace qvx {
 
 // The steps of a write, under the file lock. A null value deletes the key.
 // FindSection copies the lines up to and including the section's header; FindKeyUpdateValue copies
-// the rest with the key set or deleted. `in` and `out` stay open.
-u32 FindSection(const astring* section, FILE* in, FILE* out);
-u32 FindKeyUpdateValue(const astring* key, const astring* value, FILE* in, FILE* out);
-u32 AppendValue(const astring* section, const astring* key, const astring* value,
-                const astring* path);
+// the rest with the key set or deleted. Neither flushes `out`.
+u32 FindSection(const astring* section, BlockReader* in, BlockWriter* out);
+u32 FindKeyUpdateValue(const astring* key, const astring* value, BlockReader* in, BlockWriter* out);
 u32 UpdateValue(const astring* section, const astring* key, const astring* value,
                 const astring* path, const astring* tmpPath);
 
+// A write of text as the caller asked for it.
+struct IniWrite {
+  const astring* section;
+  const astring* key;
+  const astring* value;
+  s32 size;
+  const astring* path;
+  booln lockFlag;
+};
+
 // Sets or deletes one key; every typed writer ends here.
-u32 WriteINIFileValue_astring(const astring* section, const astring* key, const astring* value,
-                              s32 size, const astring* path, booln lockFlag);
+u32 WriteINIFileValue_astring(const IniWrite& write);
 
 }  // namespace qvx
 

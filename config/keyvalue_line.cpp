@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "config/keyvalue_line.h"
 
+#include <cstdio>
 #include <cstring>
 
 #include "base/heap.h"
@@ -10,7 +11,6 @@
 namespace qvx {
 namespace {
 
-constexpr size_t kReadLimit = 8449;
 constexpr size_t kInstallPathLimit = 255;
 
 bool IsBlank(astring character) {
@@ -47,18 +47,6 @@ void RemoveDoubleQuotes(astring* line) {
 
 }  // namespace
 
-size_t ReadKeyValueLine(FILE* file, astring* line) {
-  size_t length = 0;
-  while (length < kReadLimit) {
-    const int character = getc_unlocked(file);
-    if (character == EOF) break;
-    line[length++] = static_cast<astring>(character);
-    if (character == '\n') break;
-  }
-  line[length] = '\0';
-  return length;
-}
-
 void CFGEntryRemoveWhiteSpaceAndDQuotes(astring* line) {
   const astring* const equals = strchr(line, '=');
   if (equals == nullptr) return;
@@ -74,6 +62,13 @@ astring* SplitKeyValueLine(astring* line) {
   if (equals == nullptr) return nullptr;
   *equals = '\0';
   return equals + 1;
+}
+
+const astring* SplitKeyValueLine(std::string_view line, astring* cleaned) {
+  if (line.find('=') == std::string_view::npos) return nullptr;
+  memcpy(cleaned, line.data(), line.size());
+  cleaned[line.size()] = '\0';
+  return SplitKeyValueLine(cleaned);
 }
 
 bool KeyValuePath(const astring* name, u16 installFlag, astring (&path)[kKeyValuePathRoom]) {

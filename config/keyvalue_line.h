@@ -4,7 +4,7 @@
 #define QVX_CONFIG_KEYVALUE_LINE_H
 
 #include <cstddef>
-#include <cstdio>
+#include <string_view>
 
 #include "qvxcs/types.h"
 
@@ -16,17 +16,16 @@ namespace qvx {
 inline constexpr size_t kKeyValueLineRoom = 8451;
 inline constexpr size_t kKeyValuePathRoom = 257;
 
-// Reads a line with its line end, at most 8,449 characters of it, into a buffer of
-// kKeyValueLineRoom and puts a NUL behind; the rest of a longer line is the next read. The count of
-// characters read, NUL bytes of the file among them; 0 at the end and when reading fails.
-size_t ReadKeyValueLine(FILE* file, astring* line);
-
 // Takes the blanks around the key and the "=", those inside the key, those at the end and all
 // double quotes out of a line that has a "="; blanks between quotes stay.
 void CFGEntryRemoveWhiteSpaceAndDQuotes(astring* line);
 
 // Cleans the line and ends its key at the "="; the value, or null when the line is no entry.
 astring* SplitKeyValueLine(astring* line);
+
+// The same for a line of a file, cleaned in a buffer of kKeyValueLineRoom, which then begins with
+// the key.
+const astring* SplitKeyValueLine(std::string_view line, astring* cleaned);
 
 // The file's path: the name itself, or with an install flag of 1 the name below the product's INI
 // path, cut at 255 characters. False without that path and for a name that does not fit.

@@ -2,12 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "config/keyvalue_reader.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
+#include "config/file_lines.h"
 #include "config/keyvalue_line.h"
 #include "os/file_lock.h"
 #include "os/stdio_file.h"
@@ -16,7 +21,7 @@ namespace qvx {
 namespace {
 
 constexpr u16 kWait = 1;
-constexpr u32 kFailed = static_cast<u32>(-1);
+constexpr u64 kFirstCapacity = 16;
 
 void FreeEntries(PXTKeyValue* entries, u32 count) {
   for (u32 i = 0; i < count; ++i) {
@@ -33,19 +38,63 @@ bool StoreEntry(PXTKeyValue* entry, const astring* key, const astring* value) {
   return true;
 }
 
-// Stores up to `capacity` entries and counts all of them; -1 when the file cannot be read.
-u32 ReadEntries(FILE* file, PXTKeyValue* entries, u32 capacity, u64* found) {
-  astring line[kKeyValueLineRoom];
-  while (ReadKeyValueLine(file, line) != 0) {
-    const astring* const value = SplitKeyValueLine(line);
-    if (value == nullptr) continue;
-    if (*found < capacity && !StoreEntry(&entries[*found], line, value)) {
-      return SM_STATUS_NO_MEMORY;
-    }
-    ++*found;
+// Takes each entry of the file in turn; -1 when the file cannot be read, SM_STATUS_NO_MEMORY when
+// `take` says so by false.
+template <typename Take>
+u32 TakeEntries(const astring* path, Take take) {
+  const FileLockGuard lock(kWait);
+  if (!lock) return SM_STATUS_LOCK_FAILED;
+  struct stat seen = {};
+  const Descriptor opened = OpenRegular(path, O_RDONLY, &seen);
+  if (!opened) return kMinusOne;
+  BlockReader file(opened.Number());
+  if (!file) return SM_STATUS_NO_MEMORY;
+  astring key[kKeyValueLineRoom];
+  std::string_view line;
+  LineRead read = NextLine(&file, &line);
+  for (; read == LineRead::kLine; read = NextLine(&file, &line)) {
+    const astring* const value = SplitKeyValueLine(line, key);
+    if (value != nullptr && !take(key, value)) return SM_STATUS_NO_MEMORY;
   }
-  return ferror(file) == 0 ? SM_STATUS_SUCCESS : kFailed;
+  return read == LineRead::kEnd ? SM_STATUS_SUCCESS : kMinusOne;
 }
+
+// Entries that free themselves unless they are released.
+class EntryList {
+ public:
+  EntryList() = default;
+  ~EntryList() { FreeEntries(entries_.get(), count_); }
+  EntryList(const EntryList&) = delete;
+  EntryList& operator=(const EntryList&) = delete;
+
+  bool Add(const astring* key, const astring* value) {
+    if (count_ == capacity_ && !Grow()) return false;
+    if (!StoreEntry(&entries_[count_], key, value)) return false;
+    ++count_;
+    return true;
+  }
+  [[nodiscard]] u32 Count() const { return count_; }
+  PXTKeyValue* Release() {
+    count_ = 0;
+    return entries_.release();
+  }
+
+ private:
+  bool Grow() {
+    const u64 capacity = std::min(std::max(u64{capacity_} * 2, kFirstCapacity), kMaxSize);
+    if (capacity == capacity_) return false;
+    HeapArray<PXTKeyValue> grown = AllocArray<PXTKeyValue>(capacity);
+    if (!grown) return false;
+    std::copy_n(entries_.get(), count_, grown.get());
+    entries_ = std::move(grown);
+    capacity_ = static_cast<u32>(capacity);
+    return true;
+  }
+
+  HeapArray<PXTKeyValue> entries_;
+  u32 count_ = 0;
+  u32 capacity_ = 0;
+};
 
 }  // namespace
 
@@ -53,21 +102,21 @@ u32 PopulateKeyValueEntries(const astring* path, PXTKeyValue* entries, u32* coun
   if (path == nullptr || count == nullptr) return SM_STATUS_INVALID_PARAMETER;
   const u32 capacity = *count;
   if (capacity != 0 && entries == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  const FileLockGuard lock(kWait);
-  if (!lock) return SM_STATUS_LOCK_FAILED;
-  const FilePtr file = OpenFile(path, "r");
-  if (!file) return kFailed;
   u64 found = 0;
-  const u32 status = ReadEntries(file.get(), entries, capacity, &found);
+  const u32 status = TakeEntries(path, [&](const astring* key, const astring* value) {
+    if (found < capacity && !StoreEntry(&entries[found], key, value)) return false;
+    ++found;
+    return true;
+  });
   const auto stored = static_cast<u32>(std::min(found, u64{capacity}));
   if (status != SM_STATUS_SUCCESS) {
     FreeEntries(entries, stored);
     return status;
   }
-  *count = static_cast<u32>(std::min(found, u64{UINT32_MAX}));
+  *count = static_cast<u32>(std::min(found, kMaxSize));
   if (entries != nullptr && found <= capacity) return SM_STATUS_SUCCESS;
   FreeEntries(entries, stored);
-  return kFailed;
+  return kMinusOne;
 }
 
 PXTKeyValue* CFGGetKeyValueEntries(const astring* name, u16 installFlag, u32* count) {
@@ -75,16 +124,13 @@ PXTKeyValue* CFGGetKeyValueEntries(const astring* name, u16 installFlag, u32* co
   *count = 0;
   astring path[kKeyValuePathRoom];
   if (name == nullptr || !KeyValuePath(name, installFlag, path)) return nullptr;
-  u32 held = 0;
-  // Only the count is of interest: this pass always fails.
-  (void)PopulateKeyValueEntries(path, nullptr, &held);
-  if (held == 0) return nullptr;
-  HeapArray<PXTKeyValue> entries = AllocArray<PXTKeyValue>(held);
-  if (!entries) return nullptr;
-  const u32 status = PopulateKeyValueEntries(path, entries.get(), &held);
-  if (status != SM_STATUS_SUCCESS || held == 0) return nullptr;
-  *count = held;
-  return entries.release();
+  EntryList entries;
+  const u32 status = TakeEntries(path, [&entries](const astring* key, const astring* value) {
+    return entries.Add(key, value);
+  });
+  if (status != SM_STATUS_SUCCESS || entries.Count() == 0) return nullptr;
+  *count = entries.Count();
+  return entries.Release();
 }
 
 astring* CFGGetKeyValue(const PXTKeyValue* entries, u32 count, const astring* key, u32 index) {

@@ -2,14 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "config/keyvalue_writer.h"
 
-#include <cstdio>
+#include <fcntl.h>
+
 #include <cstring>
 #include <utility>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
+#include "config/file_lines.h"
 #include "config/keyvalue_line.h"
+#include "os/block_writer.h"
 #include "os/file_lock.h"
 #include "os/file_util.h"
 #include "os/stdio_file.h"
@@ -18,62 +22,49 @@ namespace qvx {
 namespace {
 
 constexpr u16 kWait = 1;
-constexpr u32 kFailed = static_cast<u32>(-1);
 constexpr astring kTemporaryName[] = "pxtcfg32.tmp";
 
-// The directory part of a path, and the temporary file beside it.
-struct Places {
-  HeapArray<astring> directory;
-  HeapArray<astring> temporary;
-};
-
-u32 FindPlaces(const astring* path, Places* places) {
-  const astring* const slash = strrchr(path, '/');
-  const astring* const from = slash == nullptr ? "." : path;
-  const size_t length = slash == nullptr ? 1 : static_cast<size_t>(slash - path);
-  const u64 room = u64{length} + 1 + sizeof(kTemporaryName);
-  places->directory = AllocArray<astring>(room);
-  places->temporary = AllocArray<astring>(room);
-  if (!places->directory || !places->temporary) return SM_STATUS_NO_MEMORY;
-  memcpy(places->directory.get(), from, length);
-  places->directory[length] = '\0';
-  (void)snprintf(places->temporary.get(), static_cast<size_t>(room), "%s%c%s",
-                 places->directory.get(), '/', kTemporaryName);
-  return SM_STATUS_SUCCESS;
+// Differs on purpose from DirectoryPart, which the INI writer takes: of a file in "/" the part is
+// empty, so that its copy lies in "/" and not in the working directory. Both are what callers of
+// the two formats have always found.
+HeapArray<astring> DirectoryOf(const astring* path) {
+  return strrchr(path, '/') == path ? CopyText("") : DirectoryPart(path);
 }
 
-bool WritePair(FILE* out, const PXTKeyValue* pair) {
-  return fprintf(out, "%s=%s\n", pair->key, pair->value) >= 0;
+bool WritePair(BlockWriter* out, const PXTKeyValue* pair) {
+  return out->Write(pair->key) && out->Write("=") && out->Write(pair->value) && out->Write("\n");
 }
 
-// Whether the line, of which a copy is cleaned, is an entry of the key.
-bool IsEntryOf(const astring* key, const astring* line, size_t length, astring* cleaned) {
-  memcpy(cleaned, line, length + 1);
-  return SplitKeyValueLine(cleaned) != nullptr && strcmp(cleaned, key) == 0;
+// Whether the line is an entry of the key.
+bool IsEntryOf(const astring* key, std::string_view line) {
+  astring cleaned[kKeyValueLineRoom];
+  return SplitKeyValueLine(line, cleaned) != nullptr && strcmp(cleaned, key) == 0;
 }
 
-// Copies the file with the pair in the place of its occurrence `index`, or behind the last line.
-u32 CopyWithPair(FILE* in, FILE* out, const PXTKeyValue* pair, u32 index) {
-  const HeapArray<astring> line = AllocArray<astring>(kKeyValueLineRoom);
-  const HeapArray<astring> cleaned = AllocArray<astring>(kKeyValueLineRoom);
-  if (!line || !cleaned) return SM_STATUS_NO_MEMORY;
-  u64 occurrences = 0;
-  bool changed = false;
-  while (const size_t length = ReadKeyValueLine(in, line.get())) {
-    const bool found = !changed && IsEntryOf(pair->key, line.get(), length, cleaned.get());
-    const bool replaces = found && occurrences == index;
-    if (found) ++occurrences;
-    if (replaces) changed = true;
-    const bool written =
-        replaces ? WritePair(out, pair) : fwrite(line.get(), 1, length, out) == length;
-    if (!written) return SM_STATUS_WRITE_FAILED;
+// Copies the lines before the key's occurrence `index`, which is read and left out; `*met` is how
+// many occurrences were met.
+u32 CopyUpToPair(BlockReader* in, BlockWriter* out, const PXTKeyValue* pair, u32 index, u64* met) {
+  for (;;) {
+    std::string_view line;
+    const LineRead read = NextLine(in, &line);
+    if (read == LineRead::kError) return kMinusOne;
+    if (read == LineRead::kEnd) return SM_STATUS_SUCCESS;
+    if (IsEntryOf(pair->key, line) && (*met)++ == index) return SM_STATUS_SUCCESS;
+    if (!out->Write(line)) return SM_STATUS_WRITE_FAILED;
   }
-  if (ferror(in) != 0) return kFailed;
-  if (changed) return SM_STATUS_SUCCESS;
-  if (occurrences != index) return SM_STATUS_INVALID_PARAMETER;
+}
+
+// Copies the file with the pair in the place of its occurrence `index`, or after the last line.
+u32 CopyWithPair(BlockReader* in, BlockWriter* out, const PXTKeyValue* pair, u32 index) {
+  if (!*in || !*out) return SM_STATUS_NO_MEMORY;
+  u64 met = 0;
+  if (const u32 status = CopyUpToPair(in, out, pair, index, &met)) return status;
+  if (met < index) return SM_STATUS_INVALID_PARAMETER;
   // Deliberate: no line end comes before the pair: behind a last line that has none, the pair
   // joins that line. Held by KeyValueWriter.AppendsWithoutEndingTheLastLine.
-  return WritePair(out, pair) ? SM_STATUS_SUCCESS : SM_STATUS_WRITE_FAILED;
+  if (!WritePair(out, pair) || !CopyRest(in, out)) return SM_STATUS_WRITE_FAILED;
+  if (in->Failed()) return kMinusOne;
+  return out->Flush() ? SM_STATUS_SUCCESS : SM_STATUS_WRITE_FAILED;
 }
 
 }  // namespace
@@ -86,20 +77,24 @@ u32 SetKeyValueEntry(const astring* path, const PXTKeyValue* pair, u32 index) {
   if (u64{strlen(pair->key)} + strlen(pair->value) + 3 > kKeyValueLineRoom) {
     return SM_STATUS_DATA_TOO_LARGE;
   }
-  Places places;
-  if (const u32 status = FindPlaces(path, &places)) return status;
-  if (HasDirectoryPart(path) && CreateDir(places.directory.get()) != 0) return kFailed;
+  const HeapArray<astring> directory = DirectoryOf(path);
+  if (!directory) return SM_STATUS_NO_MEMORY;
+  const HeapArray<astring> temporary = PathIn(directory.get(), kTemporaryName);
+  if (!temporary) return SM_STATUS_NO_MEMORY;
+  if (HasDirectoryPart(path) && CreateDir(directory.get()) != 0) return kMinusOne;
 
   const FileLockGuard lock(kWait);
   if (!lock) return SM_STATUS_LOCK_FAILED;
-  FilePtr in = OpenFile(path, "r");
-  if (!in) return SM_STATUS_FILE_OPEN_ERROR;
-  FilePtr out = OpenTemporary(places.temporary.get(), in.get());
-  if (!out) return SM_STATUS_FILE_OPEN_ERROR;
-  if (const u32 status = CopyWithPair(in.get(), out.get(), pair, index)) return status;
-  in.reset();
-  if (!FinishCopy(std::move(out))) return SM_STATUS_WRITE_FAILED;
-  return MoveInPlace(path, places.temporary.get());
+  struct stat seen = {};
+  const Descriptor file = OpenRegular(path, O_RDONLY, &seen);
+  if (!file) return SM_STATUS_FILE_OPEN_ERROR;
+  Descriptor copy = OpenCopy(temporary.get(), &seen);
+  if (!copy) return SM_STATUS_FILE_OPEN_ERROR;
+  BlockReader in(file.Number());
+  BlockWriter out(copy.Number());
+  if (const u32 status = CopyWithPair(&in, &out, pair, index)) return status;
+  if (!FinishCopy(std::move(copy))) return SM_STATUS_WRITE_FAILED;
+  return MoveInPlace(path, temporary.get());
 }
 
 u32 CFGSetKeyValue(const astring* name, u16 installFlag, const PXTKeyValue* pair, u32 index) {

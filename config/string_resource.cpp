@@ -2,10 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "config/string_resource.h"
 
+#include <fcntl.h>
+
 #include <bit>
+#include <cstdio>
 #include <cstring>
 
 #include "base/heap.h"
+#include "os/block_reader.h"
 #include "os/stdio_file.h"
 #include "text/transcode.h"
 #include "text/uni_string.h"
@@ -48,9 +52,18 @@ u32 DeliverMessage(const astring* message, ustring* buffer, u32* size) {
   return Deliver(text, buffer, size);
 }
 
-bool HasByteOrderMark(FILE* file) {
-  u8 mark[2] = {};
-  return fread(mark, 1, sizeof(mark), file) == sizeof(mark) && mark[0] == 0xFF && mark[1] == 0xFE;
+// Reads on until that many bytes are there, or all that are left.
+std::string_view BytesOf(BlockReader* file, size_t wanted) {
+  while (file->Unread().size() < wanted && file->ReadOn()) {
+  }
+  return file->Unread().substr(0, wanted);
+}
+
+bool SkipByteOrderMark(BlockReader* file) {
+  constexpr std::string_view kMark = "\xFF\xFE";
+  if (BytesOf(file, kMark.size()) != kMark) return false;
+  file->Skip(kMark.size());
+  return true;
 }
 
 bool FormatKey(ustring* key, u32 language, u32 stringId) {
@@ -60,13 +73,39 @@ bool FormatKey(ustring* key, u32 language, u32 stringId) {
   return UTF8StrToUCS2Str(key, &room, text) == 0;
 }
 
-bool FindLine(ustring* line, const ustring* key, FILE* file) {
-  while (dc_fgetws(line, kLineUnits, file) != nullptr) {
+// The room for a search: the line just read, and the first one of the neutral language.
+struct Lines {
+  ustring read[kLineUnits];
+  ustring neutral[kLineUnits];
+};
+
+// The keys of a search; the second is empty when the language is the neutral one itself.
+struct Keys {
+  ustring own[kKeyUnits];
+  ustring neutral[kKeyUnits];
+};
+
+bool FormatKeys(Keys* keys, u32 language, u32 stringId) {
+  keys->neutral[0] = 0;
+  return FormatKey(keys->own, language, stringId) &&
+         (language == kNeutral || FormatKey(keys->neutral, kNeutral, stringId));
+}
+
+// The first line with the key; else the first one with the neutral language's key, which is kept
+// while the search goes on, so that the file is read once. Null without either.
+ustring* FindLine(Lines* lines, const Keys& keys, BlockReader* file) {
+  ustring* neutral = nullptr;
+  while (dc_fgetws(lines->read, kLineUnits, file) != nullptr) {
     // Deliberate: the key may stand anywhere in the line, so that a key "0:1=" is also found in a
     // line that begins "10:1=". Held by StringResource.KeyMatchesInsideTheKeyOfAnotherLanguage.
-    if (Uni_strstr(line, key) != nullptr) return true;
+    if (Uni_strstr(lines->read, keys.own) != nullptr) return lines->read;
+    const bool sought = neutral == nullptr && keys.neutral[0] != 0;
+    if (sought && Uni_strstr(lines->read, keys.neutral) != nullptr) {
+      neutral = lines->neutral;
+      memcpy(neutral, lines->read, sizeof(lines->read));
+    }
   }
-  return false;
+  return neutral;
 }
 
 // Ends the line at its carriage return or line feed; what stands behind its last "=".
@@ -98,15 +137,15 @@ u32 SetUnicodeStringToDestination(const ustring* text, ustring* buffer, u32* siz
   return needed;
 }
 
-ustring* dc_fgetws(ustring* buffer, u32 units, FILE* stream) {
-  const off_t start = ftello(stream);
-  if (start < 0) return nullptr;
-  const size_t count = fread(buffer, sizeof(ustring), units, stream);
+ustring* dc_fgetws(ustring* buffer, u32 units, BlockReader* file) {
+  const std::string_view bytes = BytesOf(file, units * sizeof(ustring));
+  const size_t count = bytes.size() / sizeof(ustring);
+  memcpy(buffer, bytes.data(), count * sizeof(ustring));
   if (count < 2) {
-    if (count == 0) (void)fseeko(stream, start, SEEK_SET);
+    file->Skip(count * sizeof(ustring));
     return nullptr;
   }
-  // Without a line end, or without room for the NUL behind it, the NUL takes the last unit's place.
+  // Without a line end, or without room for the NUL after it, the NUL takes the last unit's place.
   size_t end = count - 1;
   for (size_t at = 1; at + 1 < units && at < count; ++at) {
     if (IsLineEnd(buffer, at)) {
@@ -115,33 +154,34 @@ ustring* dc_fgetws(ustring* buffer, u32 units, FILE* stream) {
     }
   }
   buffer[end] = 0;
-  const off_t next = start + static_cast<off_t>(end * sizeof(ustring));
-  return fseeko(stream, next, SEEK_SET) == 0 ? buffer : nullptr;
+  file->Skip(end * sizeof(ustring));
+  return buffer;
 }
 
 u32 GetUnicodeStringFromIDPathFile(u32 stringId, u32* languageId, const astring* path,
                                    ustring* buffer, u32* size) {
-  const HeapArray<ustring> line = AllocArray<ustring>(kLineUnits);
-  if (!line) return DeliverNothing(size);
+  const HeapArray<Lines> lines = AllocArray<Lines>(1);
+  if (!lines) return DeliverNothing(size);
   if (path == nullptr) return DeliverMessage("Invalid Path File Name", buffer, size);
-  const HeapArray<ustring> key = AllocArray<ustring>(kKeyUnits);
-  if (!key) return DeliverMessage("Failed to allocate memory", buffer, size);
-  const FilePtr file = OpenFile(path, "rb");
-  if (!file) return DeliverMessage("String resource not found", buffer, size);
-  if (!HasByteOrderMark(file.get())) {
+  const HeapArray<Keys> keys = AllocArray<Keys>(1);
+  if (!keys) return DeliverMessage("Failed to allocate memory", buffer, size);
+  struct stat seen = {};
+  const Descriptor opened = OpenRegular(path, O_RDONLY, &seen);
+  if (!opened) return DeliverMessage("String resource not found", buffer, size);
+  BlockReader file(opened.Number());
+  if (!file) return DeliverMessage("Failed to allocate memory", buffer, size);
+  if (!SkipByteOrderMark(&file)) {
     return DeliverMessage("Invalid string resource found", buffer, size);
   }
 
   u32 language = languageId == nullptr ? kNeutral : *languageId;
   if (language == kEnglishUS || language == kEnglishUSToo) language = kNeutral;
   if (languageId != nullptr) *languageId = language;
-  if (!FormatKey(key.get(), language, stringId)) return DeliverNothing(size);
-  if (FindLine(line.get(), key.get(), file.get())) {
-    return Deliver(TextOf(line.get()), buffer, size);
-  }
-  if (language == kNeutral) return DeliverNothing(size);
-  *languageId = kNeutral;
-  return GetUnicodeStringFromIDPathFile(stringId, languageId, path, buffer, size);
+  if (!FormatKeys(keys.get(), language, stringId)) return DeliverNothing(size);
+  ustring* const line = FindLine(lines.get(), keys[0], &file);
+  // Only a language of the caller's own can be another than the neutral one.
+  if (line != lines[0].read && language != kNeutral) *languageId = kNeutral;
+  return line == nullptr ? DeliverNothing(size) : Deliver(TextOf(line), buffer, size);
 }
 
 }  // namespace qvx

@@ -3,9 +3,9 @@
 #ifndef QVX_CONFIG_STRING_RESOURCE_H
 #define QVX_CONFIG_STRING_RESOURCE_H
 
-#include <cstdio>
-
 #include "qvxcs/types.h"
+
+#include "os/block_reader.h"
 
 namespace qvx {
 
@@ -17,9 +17,9 @@ u32 GetUnicodeStringFromIDPathFile(u32 stringId, u32* languageId, const astring*
 u32 SetUnicodeStringToDestination(const ustring* text, ustring* buffer, u32* size);
 
 // Reads a line of at most `units` - 1 units, its carriage return and line feed included, and leaves
-// the stream behind them; the last unit of a piece without that pair is read again with the next.
-// Null at the end, and when less than two units are left.
-ustring* dc_fgetws(ustring* buffer, u32 units, FILE* stream);
+// the file after them; the last unit of a piece without that pair is read again with the next.
+// Null at the end, and when less than two units are left. `units` is at most half a block.
+ustring* dc_fgetws(ustring* buffer, u32 units, BlockReader* file);
 
 }  // namespace qvx
 

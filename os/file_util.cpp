@@ -14,12 +14,12 @@
 
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "os/stdio_file.h"
 
 namespace qvx {
 namespace {
 
-constexpr u32 kFailed = 0xFFFFFFFF;
 constexpr u32 kCannotReturn = 9;
 
 constexpr u32 kTmpNameRoom = 20;
@@ -84,27 +84,27 @@ bool IsTargetsFault(int error) {
 }  // namespace
 
 u32 DelFile(const astring* path) {
-  if (path == nullptr || !IsReplaceable(path)) return kFailed;
+  if (path == nullptr || !IsReplaceable(path)) return kMinusOne;
   // A directory that a link leads to keeps its mode: only the link goes.
-  if (!IsDirectory(path) && chmod(path, kFileMode) != 0) return kFailed;
-  return unlink(path) == 0 ? SM_STATUS_SUCCESS : kFailed;
+  if (!IsDirectory(path) && chmod(path, kFileMode) != 0) return kMinusOne;
+  return unlink(path) == 0 ? SM_STATUS_SUCCESS : kMinusOne;
 }
 
 u32 GetSizeOfFile(const astring* path, u32* size) {
   if (size == nullptr) {
-    return kFailed;
+    return kMinusOne;
   }
   *size = 0;
   if (path == nullptr) {
-    return kFailed;
+    return kMinusOne;
   }
   const FilePtr file = OpenFile(path, "rb");
   if (!file) {
-    return kFailed;
+    return kMinusOne;
   }
   const s64 length = StreamSize(file.get());
   if (length < 0 || length >= 0xFFFFFFFF) {
-    return kFailed;
+    return kMinusOne;
   }
   *size = static_cast<u32>(length);
   return SM_STATUS_SUCCESS;
@@ -112,7 +112,7 @@ u32 GetSizeOfFile(const astring* path, u32* size) {
 
 u32 GetTmpFile(const astring* directory, astring* name, u32* size) {
   if (directory == nullptr || name == nullptr || size == nullptr) {
-    return kFailed;
+    return kMinusOne;
   }
   if (*size < kTmpNameRoom) {
     *size = kTmpNameRoom;
@@ -142,17 +142,16 @@ u32 GetTmpFile(const astring* directory, astring* name, u32* size) {
 
 u32 CreateDir(const astring* path) {
   if (path == nullptr) {
-    return kFailed;
+    return kMinusOne;
   }
-  if (mkdir(path, kDirectoryMode) == 0 || IsDirectory(path)) {
-    return SM_STATUS_SUCCESS;
-  }
-  return kFailed;
+  // Most are there already; one that another process makes meanwhile is looked at again.
+  const bool there = IsDirectory(path) || mkdir(path, kDirectoryMode) == 0 || IsDirectory(path);
+  return there ? SM_STATUS_SUCCESS : kMinusOne;
 }
 
 u32 DelDir(const astring* path) {
   if (path == nullptr) {
-    return kFailed;
+    return kMinusOne;
   }
   if (rmdir(path) == 0) {
     return SM_STATUS_SUCCESS;
@@ -160,11 +159,11 @@ u32 DelDir(const astring* path) {
   if (errno == ENOTEMPTY || errno == EEXIST) {
     return SM_STATUS_BAD_DATA;
   }
-  return errno == ENOENT ? SM_STATUS_FAILURE : kFailed;
+  return errno == ENOENT ? SM_STATUS_FAILURE : kMinusOne;
 }
 
 u32 ReplaceFile(const astring* target, const astring* source) {
-  if (target == nullptr || source == nullptr) return kFailed;
+  if (target == nullptr || source == nullptr) return kMinusOne;
   if (!IsReplaceable(target)) return SM_STATUS_FILE_DELETE_FAILED;
   struct stat seen = {};
   Descriptor file = OpenRegular(source, O_RDONLY | O_NOFOLLOW, &seen);
@@ -195,6 +194,13 @@ HeapArray<astring> DirectoryPart(const astring* path) {
     directory[length] = '\0';
   }
   return directory;
+}
+
+HeapArray<astring> PathIn(const astring* directory, const astring* name) {
+  const u64 room = u64{strlen(directory)} + 1 + strlen(name) + 1;
+  HeapArray<astring> path = AllocArray<astring>(room);
+  if (path) (void)snprintf(path.get(), static_cast<size_t>(room), "%s/%s", directory, name);
+  return path;
 }
 
 }  // namespace qvx

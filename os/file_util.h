@@ -40,6 +40,9 @@ bool HasDirectoryPart(const astring* path);
 // Empty without memory.
 HeapArray<astring> DirectoryPart(const astring* path);
 
+// "directory/name". Empty without memory.
+HeapArray<astring> PathIn(const astring* directory, const astring* name);
+
 }  // namespace qvx
 
 #endif

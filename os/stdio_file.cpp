@@ -94,19 +94,6 @@ FilePtr OpenFile(const astring* path, const astring* mode) {
   return StreamOver(std::move(file), mode);
 }
 
-FilePtr OpenTemporary(const astring* path, FILE* source) {
-  struct stat replaced = {};
-  if (fstat(fileno(source), &replaced) != 0) return nullptr;
-  return StreamOver(OpenCopy(path, &replaced), "w");
-}
-
-bool FinishCopy(FilePtr copy) {
-  const int file = fileno(copy.get());
-  if (fflush(copy.get()) != 0 || ferror(copy.get()) != 0) return false;
-  (void)fchmod(file, kFileMode);
-  return fsync(file) == 0 && fclose(copy.release()) == 0;
-}
-
 bool CloseWritten(FilePtr file) {
   const bool good = fflush(file.get()) == 0 && ferror(file.get()) == 0;
   return fclose(file.release()) == 0 && good;

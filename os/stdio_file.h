@@ -43,12 +43,6 @@ using FilePtr = std::unique_ptr<FILE, FileCloser>;
 // OpenRegular as a stream. `mode` is one of "r", "r+", "w", "w+", "a" (a "b" is accepted).
 FilePtr OpenFile(const astring* path, const astring* mode);
 
-// OpenCopy as a stream, for a copy that is to take the place of `source`.
-FilePtr OpenTemporary(const astring* path, FILE* source);
-
-// FinishCopy behind the stream's last flush; false when any write failed, too.
-bool FinishCopy(FilePtr copy);
-
 // Flushes and closes; false when any write, the flush or the close failed.
 bool CloseWritten(FilePtr file);
 

@@ -10,11 +10,11 @@
  * A file is 8-bit text, read line by line; the line end is "\n", and a "\r" before it belongs to
  * the line. A read takes 8,449 characters at most, so that a longer line is seen as several lines.
  *
- * - Header: behind any leading spaces and tabs "[", then the section's name up to the next "]";
+ * - Header: after any leading spaces and tabs "[", then the section's name up to the next "]";
  *   what follows is ignored. The name is not trimmed; its first 255 characters count. A "[" without
  *   its "]" is a malformed header.
  * - Comment: a line that begins with "#" or ";" in its first column.
- * - Key line: behind any leading spaces and tabs the key up to the first "=", then the value up to
+ * - Key line: after any leading spaces and tabs the key up to the first "=", then the value up to
  *   the line end. Neither is trimmed: the key of "name = x" is "name ", its value " x". There are
  *   no quotes, escapes or continuation lines.
  *
@@ -24,12 +24,12 @@
  * The types of values are `QVXIniType`; PXTXBufCatNode() gives some of the numbers other meanings.
  * Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
  *
- * Every call holds the lock that the suite's processes share for as long as it works on the file,
- * so that none sees a file that another is changing. With the lock flag QVX_LOCK_WAIT a call waits
- * for it, 60,000 attempts that are 1 ms apart; with any other it tries once, which always fails in
- * a process that may not write the lock file. The lock keeps out processes, not the threads of one
- * process: a host whose threads write the same file, or any two files of one directory, brings a
- * lock of its own. The lock belongs to the process: the first release ends it for all threads.
+ * Every call takes its turn among the threads of its process, then the lock that the suite's
+ * processes share, and keeps both while it works on the file, so that no call sees a file that
+ * another is changing. With the lock flag QVX_LOCK_WAIT a call waits for them, 60,000 attempts that
+ * are 1 ms apart; with any other it tries once, which always fails in a process that may not write
+ * the lock file. To read a value, change it and write it back takes two calls: another program or
+ * thread may write in between.
  */
 
 #include "qvxcs/types.h"
@@ -64,21 +64,21 @@ enum QVXLockFlag {
  * more NUL closes it. `*size` becomes the sum of the lengths plus one each: the closing NUL is not
  * counted, so that a list that fills `*size` exactly ends one byte behind it.
  *
- * When the value cannot be read the default takes its place; the status still tells why. What
+ * When the value cannot be read the default takes its place; the status still says why. What
  * counts as a default, and when:
- * - QVX_INI_ASTRING: any failure behind the opening of the file but SM_STATUS_BUFFER_TOO_SMALL,
- * when the default's size is not 0: as many bytes as both sizes allow, the last one made NUL. Else
- * the value is "" and its size 0. When the lock or the file is not to be had, value and size stay
- * as they were. Lists have no default, and but for SM_STATUS_BUFFER_TOO_SMALL a failed one leaves
- * its size.
- * - QVX_INI_USTRING and QVX_INI_BINARY: any failure but SM_STATUS_BUFFER_TOO_SMALL: as many bytes
- * as both sizes allow. Else `*size` is 0. Bytes that stood before one above 255 may lie in the room
- * behind that size.
+ * - QVX_INI_ASTRING: any failure after the file was opened, except SM_STATUS_BUFFER_TOO_SMALL, when
+ *   the default's size is not 0: as many bytes as both sizes allow, the last one made NUL. Else the
+ *   value is "" and its size 0. When the lock cannot be taken or the file cannot be opened, value
+ *   and size stay as they were. Lists have no default; a list that fails, except with
+ *   SM_STATUS_BUFFER_TOO_SMALL, leaves the size as it was.
+ * - QVX_INI_USTRING and QVX_INI_BINARY: any failure except SM_STATUS_BUFFER_TOO_SMALL: as many
+ *   bytes as both sizes allow. Else `*size` is 0. Bytes that come before one above 255 in the file
+ *   may lie in the room after that size.
  * - the other types: any failure, when the default's size is at least the type's: the value is the
  *   default, `*size` the type's size. Else `*size` is 0.
  *
- * A default may be the value itself. There is none after a missing pointer, a size too small for
- * the type or an unknown type; value and size then stay as they were.
+ * A default may be the value itself, or overlap it. There is none after a missing pointer, a size
+ * too small for the type or an unknown type; value and size then stay as they were.
  *
  * Texts are read so: of a `booln` the first word, ended by a space, counts. Bytes are hexadecimal
  * numbers between commas, with or without "0x"; the list ends quietly at the first piece that does
@@ -99,7 +99,7 @@ enum QVXLockFlag {
  * @retval SM_STATUS_BAD_ARGUMENT when value, size or path is NULL, section or key is NULL for a
  * type other than QVX_INI_ASTRING, `*size` is less than the type's least size (2 for a list), the
  * type is unknown or the default of QVX_INI_USTRING is not a text of its size
- * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
+ * @retval SM_STATUS_LOCK_FAILED when the lock could not be taken
  * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is no regular
  * file
  * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header stands before the section (in a list
@@ -156,16 +156,25 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * Sets or deletes a key.
  *
  * A missing file is created, and the last directory of its path too. In an existing file the key's
- * line is replaced where it stands; a new key comes before the next header, behind comments and
- * blank lines that end the section; a new section comes at the end of the file, where no line end
- * is added before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept
- * byte by byte. Of an old line longer than 8,449 characters only the first piece is replaced. A
- * value is written as it is: one with a line end in it becomes several lines.
+ * line is replaced in its place; a new key comes before the next header, after comments and blank
+ * lines that end the section; a new section comes at the end of the file, and no line end is added
+ * before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept byte by
+ * byte. Of an old line longer than 8,449 characters only the first piece is replaced. A value is
+ * written as it is: one with a line end in it becomes several lines.
  *
- * A change of a section that exists is made in a copy, "pxtini32.tmp" beside the file, which then
- * takes its place: whoever opens the file sees the old one or the new one. For a path without a
- * directory, or in the root directory, the copy lies in the working directory. A file of the copy's
- * own name is refused with SM_STATUS_FILE_OPEN_FAILED. The file's mode becomes 01664 (octal).
+ * The change is made in a copy, "pxtini32.tmp" beside the file, which is flushed to disk and then
+ * takes the file's place: whoever opens the file sees the old one or the new one, also after a kill
+ * or a power cut. For a path without a directory, or in the root directory, the copy lies in the
+ * working directory. A file of the copy's own name, or a hard link to it, is refused with
+ * SM_STATUS_FILE_OPEN_FAILED; a missing file of that name is made. The file keeps its owner and
+ * group where the process may give them; its mode becomes 01664 (octal), and nobody has more rights
+ * on the file or its copy meanwhile.
+ *
+ * A new section, or a new file, is appended in place where a copy cannot take the file's place or
+ * has no room: the path is a symbolic link, the file has several hard links or may only be appended
+ * to, the copy cannot be moved onto it (another file system, a mount point), or the disk is full or
+ * the quota used up. The section is then written in one call, flushed, and taken back when that
+ * fails.
  *
  * A NULL value with size 0 deletes the key (texts and binary values). To delete a key that the
  * section does not have is a success.
@@ -185,7 +194,7 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * is NULL and its type no text and not binary or the type is unknown
  * @retval SM_STATUS_DATA_TOO_LARGE when the size does not fit the value, or a key is to be deleted
  * from a missing section or file
- * @retval SM_STATUS_LOCK_FAILED when the lock was not to be had
+ * @retval SM_STATUS_LOCK_FAILED when the lock could not be taken
  * @retval SM_STATUS_FILE_OPEN_FAILED when the file or its copy cannot be opened
  * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header stands before the section, or the
  * file cannot be read on
@@ -194,12 +203,12 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * @retval SM_STATUS_FILE_CREATE_FAILED when the copy cannot be moved
  * @retval -1 when the directory cannot be created, or without memory
  *
- * After a failure the file's text is as it was, and a file that was to be created may be left
- * empty; the copy may be left, too, and is overwritten by the next change.
+ * After a failure the file's text is as it was. A file that was to be created may be left empty,
+ * and a copy may be left beside the file; the next change removes it.
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads
- * One thread of a process at a time; see above.
+ * Any thread may call; see above for the lock.
  * @par Standards
  * ISO C printf for QVX_INI_D64, in the current locale.
  */
@@ -227,7 +236,7 @@ QVX_EXPORT qvx_u32 PXTWriteINIPathFileValue(const qvx_astring* section, const qv
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads
- * One thread of a process at a time; see above.
+ * Any thread may call; see above for the lock.
  */
 QVX_EXPORT qvx_u32 PXTWriteINIFileValue(const qvx_astring* section, const qvx_astring* key,
                                         qvx_s32 type, const void* value, qvx_s32 size,

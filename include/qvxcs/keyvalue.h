@@ -17,10 +17,10 @@
  * first NUL byte. Names are paths as they are given, at most 256 characters; those of the `Inst`
  * calls are relative to the product's INI path and cut with it at 255 characters.
  *
- * Reading and rewriting wait for the lock that the suite's processes share, up to 60,000 ms. A
- * rewrite holds it throughout; a read takes it twice, to count and to copy. The lock belongs to the
- * process: it keeps other processes out and not other threads, so threads that use one file at once
- * agree among themselves.
+ * Reading and rewriting wait for their turn among the threads of the process and for the lock that
+ * the suite's processes share, 60,000 attempts that are 1 ms apart, and keep both throughout. To
+ * read a value, change it and write it back takes two calls: another program or thread may write in
+ * between.
  */
 
 #include "qvxcs/types.h"
@@ -39,12 +39,12 @@ typedef struct PXTKeyValue {
  * @param[in] name    the file
  * @param[out] count  the number of entries, 0 with a NULL result
  * @return the entries in the order of the file; NULL when an argument is NULL, the name is too
- * long, the lock cannot be taken, the file cannot be read, holds no entry or gains one meanwhile,
- *         or without memory
+ *         long, the lock cannot be taken, the file cannot be read or holds no entry, or without
+ *         memory
  * @par Memory
  * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
  * @par Threads
- * Keeps no state; any thread may call, within the limits of the lock.
+ * Keeps no state; any thread may call; see above for the lock.
  */
 QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const qvx_astring* name, qvx_u32* count);
 
@@ -57,7 +57,7 @@ QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const qvx_astring* name, qvx_u3
  * @par Memory
  * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
  * @par Threads
- * Keeps no state; any thread may call, within the limits of the lock.
+ * Keeps no state; any thread may call; see above for the lock.
  */
 QVX_EXPORT PXTKeyValue* PXTCFGInstGetKeyValueEntries(const qvx_astring* name, qvx_u32* count);
 
@@ -93,17 +93,19 @@ QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, qvx_u32 count);
  * Replaces a key's occurrence, or appends the next one.
  *
  * The line of the occurrence becomes "key=value"; all other lines stay as they are. Where the key
- * stands `index` times, the line is appended; no line end is put before it, so that a last line
- * without its line end takes it up. The file is copied to "pxtcfg32.tmp" in its directory, which
- * then takes its place, with mode 01664. Any failure leaves the file as it was; the copy may
- * remain.
+ * occurs `index` times, the line is appended; no line end is put before it, so that a last line
+ * without its line end takes it up. The file is copied to "pxtcfg32.tmp" in its directory ("/" for
+ * a file there), which is flushed to disk and then takes its place. A file of the copy's own name,
+ * or a hard link to it, is refused. The file keeps its owner and group where the process may give
+ * them; its mode becomes 01664 (octal), and nobody has more rights on the file or its copy
+ * meanwhile. Any failure leaves the file as it was; the copy may remain.
  *
  * @param[in] name   the file, which must exist; a missing last directory of its path is created
  * @param[in] pair   key and value, written as they are
  * @param[in] index  the occurrence, counted from 0
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER when `name`, `pair`, its key or its value is NULL, or the key
- *         stands less than `index` times in the file
+ *         occurs less than `index` times in the file
  * @retval SM_STATUS_DATA_TOO_LARGE when key and value have more than 8,448 characters together
  * @retval SM_STATUS_LOCK_FAILED
  * @retval SM_STATUS_FILE_OPEN_ERROR when the name is too long or is the copy's own, or the file or
@@ -116,7 +118,7 @@ QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, qvx_u32 count);
  * @par Memory
  * Takes and keeps none.
  * @par Threads
- * Keeps no state; any thread may call, within the limits of the lock.
+ * Keeps no state; any thread may call; see above for the lock.
  */
 QVX_EXPORT qvx_u32 PXTCFGSetKeyValue(const qvx_astring* name, const PXTKeyValue* pair,
                                      qvx_u32 index);
@@ -141,7 +143,7 @@ QVX_EXPORT qvx_u32 PXTCFGSetKeyValue(const qvx_astring* name, const PXTKeyValue*
  * @par Memory
  * Takes and keeps none.
  * @par Threads
- * Keeps no state; any thread may call, within the limits of the lock.
+ * Keeps no state; any thread may call; see above for the lock.
  */
 QVX_EXPORT qvx_u32 PXTCFGInstSetKeyValue(const qvx_astring* name, const PXTKeyValue* pair,
                                          qvx_u32 index);

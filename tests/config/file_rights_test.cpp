@@ -28,9 +28,9 @@ using test::RightsWatch;
 using test::WatchRights;
 using test::WriteFile;
 
-constexpr char kDirectory[] = "/tmp/rights";
-constexpr char kIniFile[] = "/tmp/rights/a.ini";
-constexpr char kPairFile[] = "/tmp/rights/a.properties";
+constexpr char kDirectory[] = "/tmp/watched";
+constexpr char kIniFile[] = "/tmp/watched/a.ini";
+constexpr char kPairFile[] = "/tmp/watched/a.properties";
 constexpr s32 kText = 1;
 constexpr uid_t kUser = 1234;
 constexpr gid_t kGroup = 4321;
@@ -137,16 +137,16 @@ TEST_F(FileRights, AUmaskThatTakesTheOwnersRightsHindersNoUser) {
                 (void)umask(mask);
                 if (WriteIni("A") != SM_STATUS_SUCCESS) return 1;
                 if (WriteIni("B") != SM_STATUS_SUCCESS) return 2;
-                if (WriteIni("A", "/tmp/rights/new.ini") != SM_STATUS_SUCCESS) return 3;
+                if (WriteIni("A", "/tmp/watched/new.ini") != SM_STATUS_SUCCESS) return 3;
                 return SetPair() == SM_STATUS_SUCCESS ? 0 : 4;
               }),
               0);
     EXPECT_EQ(ReadFile(kIniFile), "[A]\nkey=value\n[B]\nkey=value\n");
-    EXPECT_EQ(ReadFile("/tmp/rights/new.ini"), "[A]\nkey=value\n");
+    EXPECT_EQ(ReadFile("/tmp/watched/new.ini"), "[A]\nkey=value\n");
     EXPECT_EQ(ReadFile(kPairFile), "key=value\n");
-    EXPECT_FALSE(Exists("/tmp/rights/pxtini32.tmp"));
-    EXPECT_FALSE(Exists("/tmp/rights/pxtcfg32.tmp"));
-    for (const char* path : {"/tmp/rights/new.ini", kIniFile, kPairFile}) {
+    EXPECT_FALSE(Exists("/tmp/watched/pxtini32.tmp"));
+    EXPECT_FALSE(Exists("/tmp/watched/pxtcfg32.tmp"));
+    for (const char* path : {"/tmp/watched/new.ini", kIniFile, kPairFile}) {
       EXPECT_EQ(ModeOf(path), 01664u) << path;
       ASSERT_EQ(unlink(path), 0);
     }

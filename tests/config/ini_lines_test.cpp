@@ -6,33 +6,18 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "qvxcs/status.h"
 
-#include "os/stdio_file.h"
-#include "support/files.h"
 #include "support/guard_buffer.h"
 
 namespace qvx {
 namespace {
 
+using namespace std::string_literals;
+using namespace std::string_view_literals;
 using test::GuardBuffer;
-using test::WriteFile;
-
-FilePtr FileOf(const std::string& text) {
-  WriteFile("/tmp/a.ini", text);
-  return OpenFile("/tmp/a.ini", "r");
-}
-
-std::string NextLine(FILE* file) {
-  IniLine line;
-  const LineRead read = ReadLine(file, &line);
-  if (read != LineRead::kLine) {
-    return read == LineRead::kEnd ? "(end)" : "(error)";
-  }
-  EXPECT_EQ(line.text[line.length], '\0');
-  return {line.text, line.length};
-}
 
 struct Header {
   u32 status;
@@ -41,52 +26,11 @@ struct Header {
 
 Header HeaderOf(const std::string& line) {
   GuardBuffer<astring> name(256);
-  const u32 status = ParseForSection(line.c_str(), name.data());
+  const u32 status = ParseForSection(line, name.data());
   return {status, name.data()};
 }
 
-std::string KeyTextOf(const char* line) {
-  const IniKey key = KeyOfLine(line);
-  return {key.text, key.length};
-}
-
-TEST(IniLines, LinesKeepTheirEnds) {
-  const FilePtr file = FileOf("a=1\r\n\nlast");
-  EXPECT_EQ(NextLine(file.get()), "a=1\r\n");
-  EXPECT_EQ(NextLine(file.get()), "\n");
-  EXPECT_EQ(NextLine(file.get()), "last");
-  EXPECT_EQ(NextLine(file.get()), "(end)");
-  EXPECT_EQ(NextLine(file.get()), "(end)");
-}
-
-TEST(IniLines, ReadsTake8449Characters) {
-  const std::string fits = std::string(8448, 'a') + "\n";
-  const std::string longer = std::string(8449, 'b') + "\n";
-  const FilePtr file = FileOf(fits + longer + std::string(20000, 'c'));
-  EXPECT_EQ(NextLine(file.get()), fits);
-  EXPECT_EQ(NextLine(file.get()), std::string(8449, 'b'));
-  EXPECT_EQ(NextLine(file.get()), "\n");
-  EXPECT_EQ(NextLine(file.get()), std::string(8449, 'c'));
-  EXPECT_EQ(NextLine(file.get()), std::string(8449, 'c'));
-  EXPECT_EQ(NextLine(file.get()), std::string(3102, 'c'));
-  EXPECT_EQ(NextLine(file.get()), "(end)");
-}
-
-TEST(IniLines, NulBytesCount) {
-  const std::string line("a\0b=\0\n", 6);
-  const FilePtr file = FileOf(line + std::string("\0", 1));
-  EXPECT_EQ(NextLine(file.get()), line);
-  EXPECT_EQ(NextLine(file.get()), std::string("\0", 1));
-}
-
-TEST(IniLines, EmptyFileHasNoLine) { EXPECT_EQ(NextLine(FileOf("").get()), "(end)"); }
-
-TEST(IniLines, ReadErrorIsNoEnd) {
-  // Address 0 of a process cannot be read.
-  const FilePtr file = OpenFile("/proc/self/mem", "r");
-  ASSERT_TRUE(file);
-  EXPECT_EQ(NextLine(file.get()), "(error)");
-}
+std::string KeyTextOf(const char* line) { return std::string(KeyOfLine(line).text); }
 
 TEST(IniLines, SectionNameStandsBetweenTheBrackets) {
   const struct {
@@ -129,7 +73,7 @@ TEST(IniLines, SectionNamesAreCutAt255Characters) {
 
 TEST(IniLines, ParsingNeedsBothPointers) {
   astring name[256];
-  EXPECT_EQ(ParseForSection(nullptr, name), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(ParseForSection({}, name), SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(ParseForSection("[a]", nullptr), SM_STATUS_BAD_ARGUMENT);
 }
 
@@ -160,20 +104,39 @@ TEST(IniLines, KeyRunsFromTheFirstCharacterToTheFirstEqualsSign) {
 }
 
 TEST(IniLines, ValueFollowsTheFirstEqualsSign) {
-  EXPECT_STREQ(KeyOfLine("a=b=c\n").value, "b=c\n");
-  EXPECT_STREQ(KeyOfLine("a=").value, "");
-  EXPECT_EQ(KeyOfLine("bare\n").value, nullptr);
+  EXPECT_EQ(KeyOfLine("a=b=c\n").value, "b=c");
+  EXPECT_EQ(KeyOfLine("a=b\r\n").value, "b\r");
+  EXPECT_EQ(KeyOfLine("a=b").value, "b");
+  EXPECT_EQ(KeyOfLine("a=").value, "");
+  EXPECT_TRUE(KeyOfLine("a=").hasValue);
+  EXPECT_FALSE(KeyOfLine("bare\n").hasValue);
+}
+
+TEST(IniLines, NothingAfterANulByteIsSeen) {
+  EXPECT_EQ(KeyOfLine("a=b\0c\n"sv).value, "b");
+  EXPECT_EQ(KeyOfLine("a\0=b\n"sv).text, "a");
+  EXPECT_FALSE(KeyOfLine("a\0=b\n"sv).hasValue);
+  EXPECT_EQ(HeaderOf("[a]\0"s).status, SM_STATUS_SUCCESS);
+  EXPECT_EQ(HeaderOf("[a\0]\n"s).status, SM_STATUS_BAD_SECTION_HEADER);
+  EXPECT_FALSE(EndsSection("\0[a]\n"sv));
+  EXPECT_FALSE(EndsSection(" \0[a]\n"sv));
 }
 
 TEST(IniLines, KeysMatchWholeAndExactly) {
-  const IniKey found = KeyOfLine("port=80\n");
-  EXPECT_TRUE(IsKey(found, "port"));
-  EXPECT_FALSE(IsKey(found, "Port"));
-  EXPECT_FALSE(IsKey(found, "por"));
-  EXPECT_FALSE(IsKey(found, "ports"));
-  EXPECT_FALSE(IsKey(found, "port=80"));
-  EXPECT_FALSE(IsKey(found, ""));
-  EXPECT_TRUE(IsKey(KeyOfLine("=x"), ""));
+  IniKey found;
+  EXPECT_TRUE(HasKey("port=80\n", "port", &found));
+  EXPECT_EQ(found.value, "80");
+  EXPECT_FALSE(HasKey("port=80\n", "Port", &found));
+  EXPECT_FALSE(HasKey("port=80\n", "por", &found));
+  EXPECT_FALSE(HasKey("port=80\n", "ports", &found));
+  EXPECT_FALSE(HasKey("port=80\n", "port=80", &found));
+  EXPECT_FALSE(HasKey("port=80=90\n", "port=80", &found));
+  EXPECT_FALSE(HasKey("port\n", "port\n", &found));
+  EXPECT_FALSE(HasKey(" port=80\n", " port", &found));
+  EXPECT_FALSE(HasKey("port=80\n", "", &found));
+  EXPECT_TRUE(HasKey("=x", "", &found));
+  EXPECT_TRUE(HasKey("bare", "bare", &found));
+  EXPECT_FALSE(found.hasValue);
 }
 
 TEST(IniLines, UstringsAreMeasuredWithinTheirSize) {

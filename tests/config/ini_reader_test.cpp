@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "config/ini_reader.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -11,8 +12,8 @@
 #include "qvxcs/status.h"
 
 #include "frame/module.h"
+#include "os/descriptor.h"
 #include "os/file_lock.h"
-#include "os/stdio_file.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
@@ -60,7 +61,7 @@ class IniReader : public testing::Test {
     value[0] = '\0';
     u32 size = 100;
     const u32 status =
-        ReadINIFileValue_astring(section, key, value.data(), &size, nullptr, 0, kPath, 0);
+        ReadINIFileValue_astring({section, key, value.data(), &size, nullptr, 0, kPath, 0});
     return {status, value.data(), size};
   }
 
@@ -69,7 +70,7 @@ class IniReader : public testing::Test {
     GuardBuffer<astring> value(room);
     u32 size = given;
     const u32 status =
-        ReadINIFileValue_astring(section, nullptr, value.data(), &size, nullptr, 0, kPath, 0);
+        ReadINIFileValue_astring({section, nullptr, value.data(), &size, nullptr, 0, kPath, 0});
     std::string text;
     if (status == SM_STATUS_SUCCESS) {
       EXPECT_EQ(value[size], '\0');
@@ -172,7 +173,7 @@ TEST_F(IniReader, LongLinesAreSeveralLines) {
   EXPECT_EQ(Read("A", "y"), Found("2"));
   GuardBuffer<astring> value(8448);
   u32 size = 8448;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "x", value.data(), &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "x", value.data(), &size, nullptr, 0, kPath, 0}),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(size, 8448u);
   EXPECT_EQ(std::string(value.data()), std::string(8447, 'v'));
@@ -193,7 +194,7 @@ TEST_F(IniReader, SectionNamesAbove255CharactersAreNeverFound) {
   EXPECT_EQ(Read((name + "m").c_str(), "x"), Missing(SM_STATUS_SECTION_NOT_FOUND));
   GuardBuffer<astring> list(257);
   u32 size = 256;
-  EXPECT_EQ(ReadINIFileValue_astring(nullptr, nullptr, list.data(), &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({nullptr, nullptr, list.data(), &size, nullptr, 0, kPath, 0}),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(size, 256u);
   EXPECT_EQ(std::string(list.data()), name);
@@ -203,7 +204,7 @@ TEST_F(IniReader, TooSmallBufferIsLeftAloneAndToldTheSize) {
   WriteFile(kPath, "[A]\nname=abcdef\n");
   GuardBuffer<astring> value(4);
   u32 size = 4;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "name", value.data(), &size, "dflt", 5, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "name", value.data(), &size, "dflt", 5, kPath, 0}),
             SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 7u);
   EXPECT_TRUE(value.UntouchedFrom(0));
@@ -213,10 +214,10 @@ TEST_F(IniReader, ValueMayFillTheBuffer) {
   WriteFile(kPath, "[A]\nname=abcdef\n");
   GuardBuffer<astring> value(7);
   u32 size = 6;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "name", value.data(), &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "name", value.data(), &size, nullptr, 0, kPath, 0}),
             SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 7u);
-  EXPECT_EQ(ReadINIFileValue_astring("A", "name", value.data(), &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "name", value.data(), &size, nullptr, 0, kPath, 0}),
             SM_STATUS_SUCCESS);
   EXPECT_STREQ(value.data(), "abcdef");
 }
@@ -225,7 +226,7 @@ TEST_F(IniReader, DefaultOfAMissingKeyIsCutAndTheStatusStays) {
   WriteFile(kPath, "[A]\nx=1\n");
   GuardBuffer<astring> value(3);
   u32 size = 3;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "y", value.data(), &size, "dflt", 5, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", value.data(), &size, "dflt", 5, kPath, 0}),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_STREQ(value.data(), "df");
   EXPECT_EQ(size, 3u);
@@ -235,14 +236,14 @@ TEST_F(IniReader, DefaultIsDeliveredWithItsOwnSize) {
   WriteFile(kPath, "[A]\nx=1\n");
   GuardBuffer<astring> value(20);
   u32 size = 20;
-  EXPECT_EQ(ReadINIFileValue_astring("B", "y", value.data(), &size, "dflt", 5, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"B", "y", value.data(), &size, "dflt", 5, kPath, 0}),
             SM_STATUS_SECTION_NOT_FOUND);
   EXPECT_STREQ(value.data(), "dflt");
   EXPECT_EQ(size, 5u);
   EXPECT_TRUE(value.UntouchedFrom(5));
   // A default that is cut short by its own size ends in a NUL all the same.
   size = 20;
-  EXPECT_EQ(ReadINIFileValue_astring("B", "y", value.data(), &size, "dflt", 4, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"B", "y", value.data(), &size, "dflt", 4, kPath, 0}),
             SM_STATUS_SECTION_NOT_FOUND);
   EXPECT_STREQ(value.data(), "dfl");
   EXPECT_EQ(size, 4u);
@@ -252,7 +253,7 @@ TEST_F(IniReader, DefaultMayBeTheValueItself) {
   WriteFile(kPath, "[A]\nx=1\n");
   astring value[10] = "dflt";
   u32 size = 10;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "y", value, &size, value, 5, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", value, &size, value, 5, kPath, 0}),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_STREQ(value, "dflt");
   EXPECT_EQ(size, 5u);
@@ -263,7 +264,7 @@ TEST_F(IniReader, WithoutADefaultTheValueIsEmptyAndItsSizeZero) {
   for (const char* given : {static_cast<const char*>(nullptr), "dflt"}) {
     GuardBuffer<astring> value(5);
     u32 size = 5;
-    EXPECT_EQ(ReadINIFileValue_astring("A", "y", value.data(), &size, given, 0, kPath, 0),
+    EXPECT_EQ(ReadINIFileValue_astring({"A", "y", value.data(), &size, given, 0, kPath, 0}),
               SM_STATUS_KEY_NOT_FOUND);
     EXPECT_STREQ(value.data(), "");
     EXPECT_EQ(size, 0u);
@@ -288,7 +289,7 @@ TEST_F(IniReader, ListThatDoesNotFitTellsItsWholeSize) {
   WriteFile(kPath, "[A]\na=1\nbc=2\nd=3\n[B]\n");
   GuardBuffer<astring> keys(5);
   u32 size = 4;
-  EXPECT_EQ(ReadINIFileValue_astring("A", nullptr, keys.data(), &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", nullptr, keys.data(), &size, nullptr, 0, kPath, 0}),
             SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 7u);
   EXPECT_EQ(memcmp(keys.data(), "a\0\0", 3), 0);
@@ -296,7 +297,7 @@ TEST_F(IniReader, ListThatDoesNotFitTellsItsWholeSize) {
   GuardBuffer<astring> sections(4);
   size = 3;
   EXPECT_EQ(
-      ReadINIFileValue_astring(nullptr, nullptr, sections.data(), &size, nullptr, 0, kPath, 0),
+      ReadINIFileValue_astring({nullptr, nullptr, sections.data(), &size, nullptr, 0, kPath, 0}),
       SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 4u);
   EXPECT_EQ(memcmp(sections.data(), "A\0\0", 3), 0);
@@ -307,7 +308,7 @@ TEST_F(IniReader, NameThatDoesNotFitHidesLaterOnesThatWould) {
   WriteFile(kPath, "[A]\nlong=1\nb=2\n");
   GuardBuffer<astring> keys(4);
   u32 size = 4;
-  EXPECT_EQ(ReadINIFileValue_astring("A", nullptr, keys.data(), &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", nullptr, keys.data(), &size, nullptr, 0, kPath, 0}),
             SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 7u);
   EXPECT_EQ(memcmp(keys.data(), "\0\0", 2), 0);
@@ -322,7 +323,7 @@ TEST_F(IniReader, EmptyListsAreFailuresThatLeaveTheSize) {
   EXPECT_EQ(List(nullptr, 100, 100), (Answer{SM_STATUS_SECTION_NOT_FOUND, "", 100}));
   GuardBuffer<astring> list(2);
   u32 size = 2;
-  EXPECT_EQ(ReadINIFileValue_astring(nullptr, nullptr, list.data(), &size, "d", 2, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({nullptr, nullptr, list.data(), &size, "d", 2, kPath, 0}),
             SM_STATUS_SECTION_NOT_FOUND);
   EXPECT_EQ(size, 2u);
   EXPECT_EQ(memcmp(list.data(), "\0\0", 2), 0);
@@ -339,13 +340,13 @@ TEST_F(IniReader, ReadErrorIsABadSectionHeader) {
   astring value[10];
   u32 size = 10;
   const char* path = "/proc/self/mem";
-  EXPECT_EQ(ReadINIFileValue_astring("A", "x", value, &size, "dflt", 5, path, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "x", value, &size, "dflt", 5, path, 0}),
             SM_STATUS_BAD_SECTION_HEADER);
   EXPECT_STREQ(value, "dflt");
   size = 10;
-  EXPECT_EQ(ReadINIFileValue_astring("A", nullptr, value, &size, nullptr, 0, path, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", nullptr, value, &size, nullptr, 0, path, 0}),
             SM_STATUS_BAD_SECTION_HEADER);
-  EXPECT_EQ(ReadINIFileValue_astring(nullptr, nullptr, value, &size, nullptr, 0, path, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({nullptr, nullptr, value, &size, nullptr, 0, path, 0}),
             SM_STATUS_BAD_SECTION_HEADER);
   EXPECT_EQ(size, 10u);
 }
@@ -354,15 +355,15 @@ TEST_F(IniReader, MissingArgumentsTouchNothing) {
   WriteFile(kPath, "[A]\nx=1\n");
   GuardBuffer<astring> value(4);
   u32 size = 4;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "y", nullptr, &size, "d", 2, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", nullptr, &size, "d", 2, kPath, 0}),
             SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(ReadINIFileValue_astring("A", "y", value.data(), nullptr, "d", 2, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", value.data(), nullptr, "d", 2, kPath, 0}),
             SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(ReadINIFileValue_astring("A", "y", value.data(), &size, "d", 2, nullptr, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", value.data(), &size, "d", 2, nullptr, 0}),
             SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(size, 4u);
   size = 0;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "y", value.data(), &size, "d", 2, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", value.data(), &size, "d", 2, kPath, 0}),
             SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(size, 0u);
   EXPECT_TRUE(value.UntouchedFrom(0));
@@ -370,20 +371,21 @@ TEST_F(IniReader, MissingArgumentsTouchNothing) {
 
 TEST_F(IniReader, ScannersRefuseMissingArguments) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const FilePtr file = OpenFile(kPath, "r");
+  const Descriptor opened = OpenDescriptor(kPath, O_RDONLY);
+  BlockReader file(opened.Number());
   astring text[10];
   u32 size = 10;
-  EXPECT_EQ(GetValue(nullptr, "x", text, &size, file.get()), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetValue("A", nullptr, text, &size, file.get()), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetValue("A", "x", nullptr, &size, file.get()), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetValue("A", "x", text, nullptr, file.get()), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetValue(nullptr, "x", text, &size, &file), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetValue("A", nullptr, text, &size, &file), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetValue("A", "x", nullptr, &size, &file), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetValue("A", "x", text, nullptr, &file), SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(GetValue("A", "x", text, &size, nullptr), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetAllKeys(nullptr, text, &size, file.get()), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetAllKeys("A", nullptr, &size, file.get()), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetAllKeys("A", text, nullptr, file.get()), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetAllKeys(nullptr, text, &size, &file), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetAllKeys("A", nullptr, &size, &file), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetAllKeys("A", text, nullptr, &file), SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(GetAllKeys("A", text, &size, nullptr), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetAllSections(nullptr, &size, file.get()), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(GetAllSections(text, nullptr, file.get()), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetAllSections(nullptr, &size, &file), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(GetAllSections(text, nullptr, &file), SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(GetAllSections(text, &size, nullptr), SM_STATUS_BAD_ARGUMENT);
 }
 
@@ -392,7 +394,7 @@ TEST_F(IniReader, FilesThatCannotBeOpenedLeaveValueAndSize) {
   for (const char* path : {"/tmp/missing.ini", "/tmp", "/tmp/fifo", ""}) {
     GuardBuffer<astring> value(5);
     u32 size = 5;
-    EXPECT_EQ(ReadINIFileValue_astring("A", "x", value.data(), &size, "dflt", 5, path, 0),
+    EXPECT_EQ(ReadINIFileValue_astring({"A", "x", value.data(), &size, "dflt", 5, path, 0}),
               SM_STATUS_FILE_OPEN_FAILED)
         << path;
     EXPECT_EQ(size, 5u);
@@ -408,7 +410,7 @@ TEST_F(IniReader, LockHeldByAnotherProcessRefusesASingleAttempt) {
   for (const booln flag : {booln{0}, booln{2}, booln{0x101}}) {
     GuardBuffer<astring> value(5);
     u32 size = 5;
-    EXPECT_EQ(ReadINIFileValue_astring("A", "x", value.data(), &size, "dflt", 5, kPath, flag),
+    EXPECT_EQ(ReadINIFileValue_astring({"A", "x", value.data(), &size, "dflt", 5, kPath, flag}),
               SM_STATUS_LOCK_FAILED);
     EXPECT_EQ(size, 5u);
     EXPECT_TRUE(value.UntouchedFrom(0));
@@ -421,7 +423,7 @@ TEST_F(IniReader, WaitingEndsAfter60000Milliseconds) {
   astring value[5];
   u32 size = 5;
   const test::CountSleeps sleeps;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "x", value, &size, nullptr, 0, kPath, 1),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "x", value, &size, nullptr, 0, kPath, 1}),
             SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(test::CountSleeps::Count(), 60000u);
   EXPECT_EQ(test::CountSleeps::Microseconds(), 60000000u);
@@ -432,7 +434,7 @@ TEST_F(IniReader, WaitingReaderGetsTheLockOfAProcessThatEnds) {
   const LockHolder holder(kIPCFilePath, 50000);
   astring value[5];
   u32 size = 5;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "x", value, &size, nullptr, 0, kPath, 1),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "x", value, &size, nullptr, 0, kPath, 1}),
             SM_STATUS_SUCCESS);
   EXPECT_STREQ(value, "1");
 }
@@ -499,7 +501,7 @@ TEST(IniReaderUnattached, ReadingIsRefused) {
   WriteFile(kPath, "[A]\nx=1\n");
   astring value[5];
   u32 size = 5;
-  EXPECT_EQ(ReadINIFileValue_astring("A", "x", value, &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "x", value, &size, nullptr, 0, kPath, 0}),
             SM_STATUS_LOCK_FAILED);
 }
 

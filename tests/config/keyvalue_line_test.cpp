@@ -6,9 +6,8 @@
 #include <sys/stat.h>
 
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "os/stdio_file.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
@@ -101,35 +100,14 @@ TEST(KeyValueLine, CommentMarkBehindTheFirstCharacterIsPartOfTheEntry) {
   EXPECT_EQ(SplitOf("a#b=c;d"), (Split{true, "a#b", "c;d"}));
 }
 
-std::vector<std::string> LinesOf(const std::string& content) {
-  test::WriteFile("/tmp/lines", content);
-  const FilePtr file = OpenFile("/tmp/lines", "r");
-  std::vector<std::string> lines;
-  test::GuardBuffer<astring> line(kKeyValueLineRoom);
-  while (const size_t length = ReadKeyValueLine(file.get(), line.data())) {
-    EXPECT_EQ(line[length], '\0');
-    lines.emplace_back(line.data(), length);
-  }
-  return lines;
-}
-
-TEST(KeyValueLine, ReadsLinesWithTheirEnds) {
-  using Lines = std::vector<std::string>;
-  EXPECT_EQ(LinesOf("a\nb\r\n\nc"), (Lines{"a\n", "b\r\n", "\n", "c"}));
-  EXPECT_EQ(LinesOf(""), Lines{});
-}
-
-TEST(KeyValueLine, ReadsAtMost8449CharactersAtOnce) {
-  using Lines = std::vector<std::string>;
-  const std::string full(8449, 'x');
-  EXPECT_EQ(LinesOf(full + "y\n"), (Lines{full, "y\n"}));
-  EXPECT_EQ(LinesOf(full + "\n"), (Lines{full, "\n"}));
-  EXPECT_EQ(LinesOf(full.substr(1) + "\nz"), (Lines{full.substr(1) + "\n", "z"}));
-}
-
-TEST(KeyValueLine, CountsNulBytes) {
-  const std::string line("a=1\0b\n", 6);
-  EXPECT_EQ(LinesOf(line + "c\n"), (std::vector<std::string>{line, "c\n"}));
+TEST(KeyValueLine, ALineOfAFileIsSplitUpToItsFirstNulByte) {
+  test::GuardBuffer<astring> cleaned(8);
+  EXPECT_STREQ(SplitKeyValueLine(" a = b\n", cleaned.data()), "b");
+  EXPECT_STREQ(cleaned.data(), "a");
+  EXPECT_STREQ(SplitKeyValueLine(std::string_view("a=b\0c\n", 6), cleaned.data()), "b");
+  EXPECT_EQ(SplitKeyValueLine(std::string_view("a\0=b\n", 5), cleaned.data()), nullptr);
+  EXPECT_EQ(SplitKeyValueLine(";a=b\n", cleaned.data()), nullptr);
+  EXPECT_EQ(SplitKeyValueLine("a line without an equals sign", cleaned.data()), nullptr);
 }
 
 TEST(KeyValueLine, NameIsTakenAsItIsUpTo256Characters) {

@@ -2,25 +2,30 @@
 // SPDX-License-Identifier: MIT
 
 // Streams whose reads, writes and moves fail, as those of a disk do that is failing.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "qvxcs/keyvalue.h"
 #include "qvxcs/status.h"
 
 #include "config/ini_reader.h"
+#include "config/ini_section.h"
 #include "config/ini_writer.h"
 #include "config/keyvalue_writer.h"
-#include "config/string_resource.h"
 #include "frame/module.h"
+#include "os/block_reader.h"
+#include "os/block_writer.h"
+#include "os/descriptor.h"
 #include "os/file_util.h"
 #include "os/stdio_file.h"
 #include "support/files.h"
@@ -38,29 +43,12 @@ constexpr u32 kMoveCall = SYS__llseek;
 constexpr u32 kMoveCall = SYS_lseek;
 #endif
 
-// A disk that gives a text, then fails; that takes nothing; that refuses one kind of move.
+// A disk that refuses one kind of move.
 struct FailingDisk {
   std::string text;
   int refusedMove = -1;
   size_t at = 0;
 };
-
-ssize_t ReadFromDisk(void* cookie, char* buffer, size_t size) {
-  auto* const disk = static_cast<FailingDisk*>(cookie);
-  const size_t count = std::min(size, disk->text.size() - disk->at);
-  if (count == 0) {
-    errno = EIO;
-    return -1;
-  }
-  memcpy(buffer, disk->text.data() + disk->at, count);
-  disk->at += count;
-  return static_cast<ssize_t>(count);
-}
-
-ssize_t WriteToDisk(void*, const char*, size_t) {
-  errno = EIO;
-  return 0;
-}
 
 int MoveOnDisk(void* cookie, off64_t* offset, int whence) {
   auto* const disk = static_cast<FailingDisk*>(cookie);
@@ -74,55 +62,85 @@ int MoveOnDisk(void* cookie, off64_t* offset, int whence) {
   return 0;
 }
 
-// Unbuffered, so that each failure is met by the call that causes it.
 FilePtr Open(FailingDisk* disk) {
-  FilePtr stream(fopencookie(disk, "r+", {ReadFromDisk, WriteToDisk, MoveOnDisk, nullptr}));
-  if (stream != nullptr) {
-    (void)setvbuf(stream.get(), nullptr, _IONBF, 0);
-  }
-  return stream;
+  return FilePtr(fopencookie(disk, "r+", {nullptr, nullptr, MoveOnDisk, nullptr}));
 }
 
+// A file that gives a text and then fails: a pipe that nobody writes to any more but keeps open.
+class FailingFile {
+ public:
+  explicit FailingFile(std::string_view text) : reader_(Opened(text, this)) {}
+  ~FailingFile() { close(writer_); }
+  FailingFile(const FailingFile&) = delete;
+  FailingFile& operator=(const FailingFile&) = delete;
+
+  BlockReader* Reader() { return &reader_; }
+
+ private:
+  static int Opened(std::string_view text, FailingFile* self) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0 || !WriteAll(ends[1], text)) abort();
+    self->file_ = Descriptor(ends[0]);
+    self->writer_ = ends[1];
+    return ends[0];
+  }
+
+  Descriptor file_;
+  int writer_ = -1;
+  BlockReader reader_;
+};
+
+// A writer that holds as much as it can, over a disk that takes nothing: any more text fails.
+class FullWriter {
+ public:
+  FullWriter() : disk_(OpenDescriptor("/dev/full", O_WRONLY)), writer_(disk_.Number()) {
+    if (!writer_.Write(std::string(BlockWriter::kBlock, 'f'))) abort();
+  }
+  BlockWriter* Writer() { return &writer_; }
+
+ private:
+  Descriptor disk_;
+  BlockWriter writer_;
+};
+
 TEST(StreamFault, AnIniSectionThatCannotBeReadToItsEndIsABadHeader) {
-  FailingDisk disk = {"[A]\nk=1\n"};
+  constexpr char kText[] = "[A]\nk=1\n";
   astring value[16];
   u32 size = sizeof value;
-  EXPECT_EQ(GetValue("A", "absent", value, &size, Open(&disk).get()), SM_STATUS_BAD_SECTION_HEADER);
-  disk.at = 0;
+  EXPECT_EQ(GetValue("A", "absent", value, &size, FailingFile(kText).Reader()),
+            SM_STATUS_BAD_SECTION_HEADER);
   size = sizeof value;
-  EXPECT_EQ(GetAllKeys("A", value, &size, Open(&disk).get()), SM_STATUS_BAD_SECTION_HEADER);
-  disk.at = 0;
-  EXPECT_EQ(GetAllSections(value, &size, Open(&disk).get()), SM_STATUS_BAD_SECTION_HEADER);
+  EXPECT_EQ(GetAllKeys("A", value, &size, FailingFile(kText).Reader()),
+            SM_STATUS_BAD_SECTION_HEADER);
+  EXPECT_EQ(GetAllSections(value, &size, FailingFile(kText).Reader()),
+            SM_STATUS_BAD_SECTION_HEADER);
 }
 
 TEST(StreamFault, AKeyThatIsReadBeforeTheFaultIsFound) {
-  FailingDisk disk = {"[A]\nk=1\n"};
   astring value[16];
   u32 size = sizeof value;
-  EXPECT_EQ(GetValue("A", "k", value, &size, Open(&disk).get()), SM_STATUS_SUCCESS);
+  EXPECT_EQ(GetValue("A", "k", value, &size, FailingFile("[A]\nk=1\n").Reader()),
+            SM_STATUS_SUCCESS);
   EXPECT_STREQ(value, "1");
 }
 
 TEST(StreamFault, AnIniFileThatCannotBeCopiedToItsEndIsABadHeader) {
-  FailingDisk disk = {"k=old\nother=2\n"};
-  const FilePtr out(tmpfile());
-  ASSERT_TRUE(out);
-  EXPECT_EQ(FindKeyUpdateValue("k", "new", Open(&disk).get(), out.get()),
+  constexpr char kText[] = "k=old\nother=2\n";
+  const Descriptor copy = OpenDescriptor("/tmp/copy", O_WRONLY | O_CREAT, 0600);
+  BlockWriter out(copy.Number());
+  EXPECT_EQ(FindKeyUpdateValue("k", "new", FailingFile(kText).Reader(), &out),
             SM_STATUS_BAD_SECTION_HEADER);
-  disk.at = 0;
-  EXPECT_EQ(FindKeyUpdateValue("absent", "new", Open(&disk).get(), out.get()),
+  EXPECT_EQ(FindKeyUpdateValue("absent", "new", FailingFile(kText).Reader(), &out),
             SM_STATUS_BAD_SECTION_HEADER);
-  disk.at = 0;
-  EXPECT_EQ(FindSection("A", Open(&disk).get(), out.get()), SM_STATUS_BAD_SECTION_HEADER);
+  EXPECT_EQ(FindSection("A", FailingFile(kText).Reader(), &out), SM_STATUS_BAD_SECTION_HEADER);
 }
 
 TEST(StreamFault, EveryIniLineThatCannotBeWrittenIsAWriteFailure) {
-  FailingDisk disk;
-  const FilePtr out = Open(&disk);
-  ASSERT_TRUE(out);
-  const auto update = [&out](std::string text, const astring* value) {
-    const FilePtr in(fmemopen(text.data(), text.size(), "r"));
-    return FindKeyUpdateValue("k", value, in.get(), out.get());
+  const auto update = [](const char* text, const astring* value) {
+    test::WriteFile("/tmp/in", text);
+    const Descriptor file = OpenDescriptor("/tmp/in", O_RDONLY);
+    BlockReader in(file.Number());
+    return FindKeyUpdateValue("k", value, &in, FullWriter().Writer());
   };
   EXPECT_EQ(update("before=1\nk=old\n", "new"), SM_STATUS_WRITE_FAILED);
   EXPECT_EQ(update("k=old\n", "new"), SM_STATUS_WRITE_FAILED);
@@ -132,6 +150,13 @@ TEST(StreamFault, EveryIniLineThatCannotBeWrittenIsAWriteFailure) {
   EXPECT_EQ(update("k=old\n", nullptr), SM_STATUS_SUCCESS);
 }
 
+TEST(StreamFault, AnIniHeaderThatCannotBeWrittenIsAWriteFailure) {
+  test::WriteFile("/tmp/in", "[A]\n");
+  const Descriptor file = OpenDescriptor("/tmp/in", O_RDONLY);
+  BlockReader in(file.Number());
+  EXPECT_EQ(FindSection("A", &in, FullWriter().Writer()), SM_STATUS_WRITE_FAILED);
+}
+
 TEST(StreamFault, ASizeIsOnlyToldWhereThePositionComesBack) {
   for (const int move : {SEEK_CUR, SEEK_END, SEEK_SET}) {
     FailingDisk disk = {"text", move};
@@ -139,18 +164,6 @@ TEST(StreamFault, ASizeIsOnlyToldWhereThePositionComesBack) {
   }
   FailingDisk sound = {"text"};
   EXPECT_EQ(StreamSize(Open(&sound).get()), 4);
-}
-
-TEST(StreamFault, AResourceLineNeedsAPositionToComeBackTo) {
-  const ustring line[] = {'a', '\r', '\n', 'b', 'c', 'd'};
-  const std::string bytes(reinterpret_cast<const char*>(line), sizeof line);
-  ustring buffer[6];
-  FailingDisk sound = {bytes};
-  ASSERT_EQ(dc_fgetws(buffer, 6, Open(&sound).get()), buffer);
-  for (const int move : {SEEK_CUR, SEEK_SET}) {
-    FailingDisk disk = {bytes, move};
-    EXPECT_EQ(dc_fgetws(buffer, 6, Open(&disk).get()), nullptr) << move;
-  }
 }
 
 TEST(StreamFault, AFileWhoseKindCannotBeToldIsNotOpenedAndNotKept) {
@@ -199,12 +212,14 @@ TEST(StreamFault, AFileThatDoesNotTellItsSizeHasNone) {
             3);
 }
 
+// To take it back after a close that failed needs a second descriptor.
 TEST(StreamFault, ASectionIsNotAppendedWhereItCouldNotBeTakenBack) {
   test::WriteFile("/tmp/a", "[A]\nk=1\n");
   EXPECT_EQ(test::InChild([] {
               const int next = test::NextDescriptor();
-              test::RefuseCall(kMoveCall, next, EIO);
-              const u32 status = AppendValue("B", "k", "2", "/tmp/a");
+              const rlimit one = {static_cast<rlim_t>(next) + 1, static_cast<rlim_t>(next) + 1};
+              if (setrlimit(RLIMIT_NOFILE, &one) != 0) return 5;
+              const u32 status = AppendValue({"B", "k", "2"}, "/tmp/a");
               return status == SM_STATUS_WRITE_FAILED && test::TakeDescriptor(next) ? 3 : 4;
             }),
             3);
@@ -215,7 +230,7 @@ TEST(StreamFault, ASectionThatIsLostOnCloseIsNotWritten) {
   test::WriteFile("/tmp/a", "[A]\nk=1\n");
   EXPECT_EQ(test::InChild([] {
               test::RefuseCall(SYS_close, test::NextDescriptor(), EIO);
-              return AppendValue("B", "k", "2", "/tmp/a") == SM_STATUS_WRITE_FAILED ? 3 : 4;
+              return AppendValue({"B", "k", "2"}, "/tmp/a") == SM_STATUS_WRITE_FAILED ? 3 : 4;
             }),
             3);
   EXPECT_EQ(ReadFile("/tmp/a"), "[A]\nk=1\n");
@@ -242,8 +257,9 @@ TEST(StreamFault, ACopyThatIsLostOnCloseDoesNotReplaceItsFile) {
     const PXTKeyValue pair = {key, value};
     return SetKeyValueEntry("/tmp/a", &pair, 0);
   }));
-  EXPECT_TRUE(FailsWhereTheCopyIsLost(
-      [] { return WriteINIFileValue_astring("A", "k", "2", 2, "/tmp/a", 0); }));
+  EXPECT_TRUE(FailsWhereTheCopyIsLost([] {
+    return WriteINIFileValue_astring({"A", "k", "2", 2, "/tmp/a", 0});
+  }));
   EXPECT_EQ(ReadFile("/tmp/a"), text);
 }
 

@@ -33,11 +33,9 @@ TEST(StdioFile, EveryDescriptorIsClosedOnExec) {
     ASSERT_TRUE(file) << mode;
     EXPECT_EQ(fcntl(fileno(file.get()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC) << mode;
   }
-  WriteFile("/tmp/source", "text");
-  const FilePtr source = OpenFile("/tmp/source", "r");
-  const FilePtr temporary = OpenTemporary(kPath, source.get());
-  ASSERT_TRUE(temporary);
-  EXPECT_EQ(fcntl(fileno(temporary.get()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+  const Descriptor copy = OpenCopy(kPath, nullptr);
+  ASSERT_TRUE(copy);
+  EXPECT_EQ(fcntl(copy.Number(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
 TEST(StdioFile, OnlyRegularFilesAreOpened) {
@@ -97,46 +95,49 @@ TEST(StdioFile, WritingGoesOnWhereThePositionIs) {
   EXPECT_EQ(ReadFile(kPath), "worst");
 }
 
-TEST(StdioFile, TemporaryTakesTheNameFromAnOldFileOrLink) {
+struct stat StatusOf(const char* path) {
+  struct stat status = {};
+  EXPECT_EQ(stat(path, &status), 0) << path;
+  return status;
+}
+
+TEST(StdioFile, ACopyTakesTheNameFromAnOldFileOrLink) {
   WriteFile("/tmp/other", "other");
   ASSERT_EQ(symlink("/tmp/other", "/tmp/link"), 0);
   ASSERT_EQ(link("/tmp/other", kPath), 0);
   WriteFile("/tmp/source", "text");
-  const FilePtr source = OpenFile("/tmp/source", "r");
+  const struct stat source = StatusOf("/tmp/source");
   for (const char* path : {"/tmp/link", kPath}) {
-    FilePtr file = OpenTemporary(path, source.get());
-    ASSERT_TRUE(file) << path;
-    EXPECT_GE(fputs("mine", file.get()), 0);
-    EXPECT_TRUE(CloseWritten(std::move(file)));
+    Descriptor copy = OpenCopy(path, &source);
+    ASSERT_TRUE(copy) << path;
+    EXPECT_EQ(write(copy.Number(), "mine", 4), 4);
+    EXPECT_TRUE(FinishCopy(std::move(copy)));
     EXPECT_EQ(ReadFile(path), "mine");
     EXPECT_EQ(ReadFile("/tmp/other"), "other");
   }
 }
 
-TEST(StdioFile, TemporaryInPlaceOfADirectoryFails) {
+TEST(StdioFile, ACopyInPlaceOfADirectoryFails) {
   ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
-  WriteFile(kPath, "text");
-  EXPECT_FALSE(OpenTemporary("/tmp/d", OpenFile(kPath, "r").get()));
+  EXPECT_FALSE(OpenCopy("/tmp/d", nullptr));
   EXPECT_TRUE(Exists("/tmp/d"));
 }
 
 TEST(StdioFile, TheSourceIsNotUnlinkedForItsOwnCopy) {
   WriteFile(kPath, "text");
-  ASSERT_EQ(symlink(kPath, "/tmp/link"), 0);
   ASSERT_EQ(link(kPath, "/tmp/name"), 0);
-  for (const char* path : {kPath, "/tmp/link", "/tmp/name"}) {
-    for (const char* copy : {kPath, "/tmp/name"}) {
-      EXPECT_FALSE(OpenTemporary(copy, OpenFile(path, "r").get())) << path;
-      EXPECT_EQ(ReadFile(kPath), "text") << path;
-      EXPECT_TRUE(Exists(copy)) << path;
-    }
+  const struct stat source = StatusOf(kPath);
+  for (const char* path : {kPath, "/tmp/name"}) {
+    EXPECT_FALSE(OpenCopy(path, &source)) << path;
+    EXPECT_EQ(ReadFile(path), "text") << path;
   }
 }
 
 TEST(StdioFile, ALinkToTheSourceGivesWayToItsCopy) {
   WriteFile(kPath, "text");
   ASSERT_EQ(symlink(kPath, "/tmp/link"), 0);
-  EXPECT_TRUE(OpenTemporary("/tmp/link", OpenFile(kPath, "r").get()));
+  const struct stat source = StatusOf(kPath);
+  EXPECT_TRUE(OpenCopy("/tmp/link", &source));
   EXPECT_EQ(ReadFile(kPath), "text");
   EXPECT_EQ(ReadFile("/tmp/link"), "");
 }

@@ -15,12 +15,13 @@
 
 namespace qvx::test {
 
-// A file that not even root can change, rename over or remove, while this stands.
+// A file that not even root can change, rename over or remove while this lives; with FS_APPEND_FL
+// one that can only be appended to.
 class Immutable {
  public:
-  explicit Immutable(std::string path) : path_(std::move(path)) {
+  explicit Immutable(std::string path, int flag = FS_IMMUTABLE_FL) : path_(std::move(path)) {
     RequireSandbox();
-    SetFlag(FS_IMMUTABLE_FL);
+    SetFlag(flag);
   }
   ~Immutable() { SetFlag(0); }
   Immutable(const Immutable&) = delete;

@@ -18,15 +18,30 @@
 namespace qvx::test {
 
 // From here to the end of this process the system call `number` fails with `error`, where its first
-// argument is `first`. Use it in a child process.
-inline void RefuseCall(u32 number, int first, u16 error) {
+// argument, or the one counted from 0, is `value`. Use it in a child process.
+inline void RefuseCall(u32 number, int value, u16 error, u32 argument = 0) {
   // Both machines that the tests run on keep an argument's low half first.
-  constexpr u32 kFirstArgument = offsetof(seccomp_data, args);
+  const u32 place = static_cast<u32>(offsetof(seccomp_data, args)) + argument * 8;
   sock_filter steps[] = {
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 3),
-      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kFirstArgument),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<u32>(first), 0, 1),
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, place),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<u32>(value), 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  const sock_fprog program = {static_cast<unsigned short>(std::size(steps)), steps};
+  if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+      prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
+    abort();
+  }
+}
+
+// The same whatever the arguments.
+inline void RefusePathCall(u32 number, u16 error) {
+  sock_filter steps[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
   };
