@@ -94,6 +94,7 @@ std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetRecords() {
   // AuthFileReader.DefaultRecordsStandInForLoadedOnesUntilTheTimeChanges.
   if (loaded_) return records_.List();
   records_.Clear();
+  defaultsStand_ = false;
   if (!stream_) throw QVXRoleMapFileReaderException(RoleFileOpenFailed, 0);
   try {
     ReadRecords();
@@ -123,11 +124,13 @@ void QVAuthFileReader::ReadRecords() {
 
 std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetDefaultRecords() {
   const ZarnCriticalSection section(*this);
+  if (defaultsStand_) return records_.List();
   QVAuthFileRecords defaults;
   for (const wchar_t* line : kDefaultLines) {
     defaults.Append(line, 0);
   }
   records_.Swap(defaults);
+  defaultsStand_ = true;
   return records_.List();
 }
 

@@ -76,6 +76,7 @@ class QVAuthFileReader : public ZarnSupport::ZarnCriticalSectionObject {
   void ReadRecords();
 
   bool loaded_ = false;
+  bool defaultsStand_ = false;  // records_ are the built-in lines
   std::string path_;
   QVAuthFileRecords records_;
   std::unique_ptr<RoleMapStream> stream_;

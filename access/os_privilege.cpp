@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <span>
 
 #include "access/account.h"
 #include "access/role.h"
@@ -61,18 +62,17 @@ u32 OSGetProcessRights() {
 
 astring* OSGetProcessUser() { return NameOfUser(getuid()).release(); }
 
+u32 GetOSPrivilege(SystemUser& user) {
+  if (!user.IsKnown()) return QVX_PRIV_NONE;
+  if (user.IsSuperuser()) return QVX_PRIV_ADMINISTRATOR;
+  const std::span<const gid_t> groups = user.Groups();
+  const bool inGroup0 = std::find(groups.begin(), groups.end(), gid_t{0}) != groups.end();
+  return inGroup0 ? QVX_PRIV_POWERUSER : QVX_PRIV_USER;
+}
+
 u32 GetOSPrivilege(const astring* userName) {
-  Account account{};
-  if (userName == nullptr || !FindAccount(userName, &account)) return QVX_PRIV_NONE;
-  if (account.user == 0) return QVX_PRIV_ADMINISTRATOR;
-  int count = 0;
-  (void)getgrouplist(userName, account.group, nullptr, &count);
-  if (count <= 0) return QVX_PRIV_USER;
-  const auto groups = AllocArray<gid_t>(static_cast<u64>(count));
-  if (!groups) return QVX_PRIV_USER;
-  if (getgrouplist(userName, account.group, groups.get(), &count) < 0) return QVX_PRIV_USER;
-  gid_t* end = groups.get() + count;
-  return std::find(groups.get(), end, gid_t{0}) != end ? QVX_PRIV_POWERUSER : QVX_PRIV_USER;
+  SystemUser user(userName);
+  return GetOSPrivilege(user);
 }
 
 u32 getugroups(u32 max, u32* groups, const astring* name) {
@@ -92,9 +92,6 @@ u32 getugroups(u32 max, u32* groups, const astring* name) {
   return count;
 }
 
-s32 isuserroot(const astring* name) {
-  Account account{};
-  return name != nullptr && FindAccount(name, &account) && account.user == 0 ? 0 : -1;
-}
+s32 isuserroot(const astring* name) { return SystemUser(name).IsSuperuser() ? 0 : -1; }
 
 }  // namespace qvx

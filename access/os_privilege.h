@@ -5,6 +5,8 @@
 
 #include "qvxcs/types.h"
 
+#include "access/account.h"
+
 namespace qvx {
 
 // The calling process's rights, by its user and group identities.
@@ -15,14 +17,17 @@ astring* OSGetProcessUser();
 
 // What the operating system alone says of a user: its superuser administers, the members of group 0
 // are power users, any other known user is a user. Without memory it answers less, never more.
+u32 GetOSPrivilege(SystemUser& user);
+// The same by the name. No caller in the library; held by its tests.
 u32 GetOSPrivilege(const astring* userName);
 
 // The groups that list the user as a member; the primary group counts only where it does. At most
 // `max` identifiers are stored; `max` 0 only counts. Walks the process's one cursor over the group
-// database: not for two threads at once.
+// database: not for two threads at once. No caller in the library; held by its tests.
 u32 getugroups(u32 max, u32* groups, const astring* name);
 
-// 0 when the user exists and is the superuser, else -1.
+// 0 when the user exists and is the superuser, else -1. No caller in the library; held by its
+// tests.
 s32 isuserroot(const astring* name);
 
 }  // namespace qvx

@@ -2,21 +2,33 @@
 // SPDX-License-Identifier: MIT
 #include "access/role_map_algorithm.h"
 
-#include <grp.h>
+#include <arpa/inet.h>
+#include <netinet/in.h>
 
 #include <algorithm>
 #include <optional>
+#include <span>
+#include <utility>
 
 #include "access/account.h"
 #include "access/role_map_error.h"
+#include "access/wide_text.h"
 #include "base/heap.h"
 #include "os/host_name.h"
 #include "os/ip_address.h"
 #include "os/ip_interfaces.h"
-#include "zsupt/zarn_locale_factory.h"
-#include "zsupt/zarn_string_utilities.h"
 
 namespace qvx {
+
+namespace {
+
+using ZarnSupport::ZarnCriticalSection;
+using HostMap = std::map<std::wstring, u32>;
+
+// Of a map with this many groups it pays to look for the greatest grant first.
+constexpr size_t kFewGroups = 32;
+// A user with so many groups for each that the map names is sought in the groups of these names.
+constexpr size_t kManyForEach = 4;
 
 // This machine's address texts, in the order of its interfaces; none when they cannot be had.
 class LocalAddresses {
@@ -30,22 +42,13 @@ class LocalAddresses {
   HeapArray<astring> list_;
 };
 
-namespace {
-
-using ZarnSupport::ZarnCriticalSection;
-using ZarnSupport::ZarnLocaleFactory;
-using ZarnSupport::ZarnStringUtilities;
-
-constexpr u32 kGroupRoom = 100;
-
-std::optional<std::wstring> Widen(const astring* text) {
-  return ZarnStringUtilities::widen(text, ZarnLocaleFactory::getDefaultLocale());
-}
-
-// An 8-bit text ends at its NUL, so a text with one inside has no 8-bit form.
-std::optional<std::string> Narrow(const std::wstring& text) {
-  if (text.find(L'\0') != std::wstring::npos) return std::nullopt;
-  return ZarnStringUtilities::narrow(text, ZarnLocaleFactory::getDefaultLocale());
+// Whether the key is the text of an address. Only then are the machine's own asked for.
+bool IsAddress(const std::wstring& key) {
+  if (key.find_first_not_of(L"0123456789ABCDEFabcdef:.") != std::wstring::npos) return false;
+  const std::string text(key.begin(), key.end());
+  u8 network[sizeof(in6_addr)];
+  return inet_pton(AF_INET, text.c_str(), network) == 1 ||
+         inet_pton(AF_INET6, text.c_str(), network) == 1;
 }
 
 // "*." and the computer's domain name, or "*." alone where there is none.
@@ -61,75 +64,77 @@ bool IsDomainPatternOf(const std::wstring& key, const std::wstring& host) {
   return key.find(kDomainPrefix) != std::wstring::npos && key.find(host) != std::wstring::npos;
 }
 
-void Raise(QVXRole& query, u32 privileges) {
-  query.privileges = std::max(query.privileges, privileges);
-}
-
 // The grant of this very key, or 0.
-u32 GrantOf(const std::map<std::wstring, u32>& hosts, const std::wstring& key) {
+u32 GrantOf(const HostMap& hosts, const std::wstring& key) {
   const auto found = hosts.find(key);
   return found == hosts.end() ? QVX_PRIV_NONE : found->second;
 }
 
-u32 GrantOfDomain(const std::map<std::wstring, u32>& hosts, const std::wstring& domainKey) {
-  const u32 grant = GrantOf(hosts, domainKey);
+// Whether any key is a domain's: they all begin alike, so they are neighbours.
+bool NamesADomain(const HostMap& hosts) {
+  const auto first = hosts.lower_bound(kDomainPrefix);
+  return first != hosts.end() && first->first.starts_with(kDomainPrefix);
+}
+
+u32 GrantOfDomain(const HostMap& hosts) {
+  const u32 grant = NamesADomain(hosts) ? GrantOf(hosts, DomainKey()) : QVX_PRIV_NONE;
   return grant != QVX_PRIV_NONE ? grant : GrantOf(hosts, kAnyHost);
 }
 
-u32 GrantOfAddress(const std::map<std::wstring, u32>& hosts, const astring* address) {
-  for (const auto& [key, privileges] : hosts) {
-    const std::optional<std::string> text = Narrow(key);
-    if (text && CheckIPEqual(text->c_str(), address) == 1) return privileges;
+// The first key that is equal to the address decides for it, the greatest grant for them all.
+u32 GrantOfAddresses(const HostMap& hosts) {
+  HostMap::const_iterator first = hosts.begin();
+  while (first != hosts.end() && !IsAddress(first->first)) {
+    ++first;
   }
-  return QVX_PRIV_NONE;
+  if (first == hosts.end()) return QVX_PRIV_NONE;
+  std::deque<std::pair<std::string, u32>> keys;
+  for (; first != hosts.end(); ++first) {
+    if (IsAddress(first->first)) {
+      keys.emplace_back(std::string(first->first.begin(), first->first.end()), first->second);
+    }
+  }
+  const LocalAddresses addresses;
+  u32 grant = QVX_PRIV_NONE;
+  for (u32 at = 0; at < addresses.Count(); ++at) {
+    const auto equal = std::find_if(keys.begin(), keys.end(), [&addresses, at](const auto& key) {
+      return CheckIPEqual(key.first.c_str(), addresses.At(at)) == 1;
+    });
+    if (equal != keys.end()) grant = std::max(grant, equal->second);
+  }
+  return grant;
 }
 
-u32 GrantOfDomainPattern(const std::map<std::wstring, u32>& hosts, const std::wstring& host) {
+u32 GrantOfDomainPattern(const HostMap& hosts, const std::wstring& host) {
   for (const auto& [key, privileges] : hosts) {
     if (IsDomainPatternOf(key, host)) return privileges;
   }
   return QVX_PRIV_NONE;
 }
 
-struct GroupList {
-  HeapArray<gid_t> groups;
-  int count = 0;
-};
-
-// Deliberate: without memory for the list the user has no groups, so that the entries for anyone
-// decide, also where they grant more. Held by
-// RoleMapAlgorithm.WithoutMemoryForTheGroupListOnlyTheAnyUserEntriesCount.
-GroupList GroupsOf(const astring* user, gid_t primary) {
-  GroupList list{HeapArray<gid_t>(static_cast<gid_t*>(AllocMem(kGroupRoom * sizeof(gid_t)))), 0};
-  int count = kGroupRoom;
-  if (!list.groups) return list;
-  if (getgrouplist(user, primary, list.groups.get(), &count) < 0) {
-    const u64 bytes = static_cast<u64>(std::max(count, 1)) * sizeof(gid_t);
-    if (bytes > UINT32_MAX) return list;
-    void* grown = ReAllocMem(list.groups.get(), static_cast<u32>(bytes));
-    if (grown == nullptr) return list;
-    (void)list.groups.release();
-    list.groups.reset(static_cast<gid_t*>(grown));
-    count = std::max(count, 1);
-    if (getgrouplist(user, primary, list.groups.get(), &count) < 0) return list;
+// What the entries of one group grant on the host.
+u32 GrantOfGroup(const HostMap& hosts, const std::wstring& host) {
+  u32 grant = std::max(GrantOf(hosts, host), GrantOf(hosts, kAnyHost));
+  for (const auto& [key, privileges] : hosts) {
+    if (IsDomainPatternOf(key, host)) grant = std::max(grant, privileges);
   }
-  list.count = count;
-  return list;
+  return grant;
 }
 
-// "+" and its name for each of the user's groups; none for an unknown user.
-std::deque<std::wstring> GroupKeysOf(const std::wstring& user) {
-  std::deque<std::wstring> keys;
-  Account account{};
-  const std::optional<std::string> name = Narrow(user);
-  if (!name || !FindAccount(name->c_str(), &account)) return keys;
-  const GroupList list = GroupsOf(name->c_str(), account.group);
-  for (int at = 0; at < list.count; ++at) {
-    const HeapArray<astring> group = NameOfGroup(list.groups[static_cast<size_t>(at)]);
-    const std::optional<std::wstring> wide = group ? Widen(group.get()) : std::nullopt;
-    if (wide) keys.push_back(kGroupPrefix + *wide);
-  }
-  return keys;
+// "+" and the group's name; empty where the system has no name, or none that can be widened.
+std::wstring KeyOfGroup(gid_t group) {
+  const HeapArray<astring> name = NameOfGroup(group);
+  const std::optional<std::wstring> wide = name ? Widen(name.get()) : std::nullopt;
+  return wide ? kGroupPrefix + *wide : std::wstring();
+}
+
+// Whether the user is in the group that the system finds by the name of the key. When this says no,
+// the user may still be in another group of that name.
+bool IsInGroupOfKey(const std::wstring& key, std::span<const gid_t> groups) {
+  const std::optional<std::string> name = Narrow(key.substr(1));
+  const std::optional<gid_t> group = name ? FindGroup(name->c_str()) : std::nullopt;
+  return group && std::find(groups.begin(), groups.end(), *group) != groups.end() &&
+         KeyOfGroup(*group) == key;
 }
 
 }  // namespace
@@ -150,8 +155,9 @@ void QVXRoleMapAlgorithm::Initialize(const std::deque<QVAuthFileRecord*>& record
   userMap_.clear();
   groupMap_.clear();
   anyUserMap_.clear();
+  anyUserNamesAddress_ = false;
+  std::deque<QVXRole*> roles;
   for (const QVAuthFileRecord* record : records) {
-    std::deque<QVXRole*> roles;
     record->GetRoles(roles);
     for (const QVXRole* role : roles) {
       if (AddRole(*role)) continue;
@@ -169,62 +175,81 @@ bool QVXRoleMapAlgorithm::AddRole(const QVXRole& role) {
   if (role.user != kAnyone && !isGroup) {
     return userMap_[role.user].emplace(role.host, role.privileges).second;
   }
+  if (!isGroup && IsAddress(role.host)) anyUserNamesAddress_ = true;
   u32& grant = isGroup ? groupMap_[role.user][role.host] : anyUserMap_[role.host];
   grant = std::max(grant, role.privileges);
   return true;
 }
 
 void QVXRoleMapAlgorithm::GetUserPrivileges(QVXRole& query) const {
-  query.privileges = QVX_PRIV_NONE;
-  const LocalAddresses addresses;
-  const std::wstring domainKey = DomainKey();
-  // Deliberate: an entry that names the user decides, also where it grants less than a group's or
-  // anyone's does. Held by RoleMapAlgorithm.APersonalEntryBeatsAGreaterGroupEntry.
-  if (DecideByUser(query, addresses, domainKey)) return;
-  RaiseByGroups(query);
-  if (query.privileges == QVX_PRIV_NONE) DecideByAnyUser(query, addresses, domainKey);
+  const std::optional<std::string> name = Narrow(query.user);
+  SystemUser user(name ? name->c_str() : nullptr);
+  GetUserPrivileges(query, user);
 }
 
-// True when an entry that names the user grants something here.
-bool QVXRoleMapAlgorithm::DecideByUser(QVXRole& query, const LocalAddresses& addresses,
-                                       const std::wstring& domainKey) const {
+void QVXRoleMapAlgorithm::GetUserPrivileges(QVXRole& query, SystemUser& user) const {
+  // Deliberate: an entry that names the user decides, also where it grants less than a group's or
+  // anyone's does. Held by RoleMapAlgorithm.APersonalEntryBeatsAGreaterGroupEntry.
+  query.privileges = GrantByUser(query);
+  if (query.privileges != QVX_PRIV_NONE) return;
+  query.privileges = GrantByGroups(query, user);
+  if (query.privileges == QVX_PRIV_NONE) query.privileges = GrantByAnyUser(query);
+}
+
+u32 QVXRoleMapAlgorithm::GrantByUser(const QVXRole& query) const {
   const auto found = userMap_.find(query.user);
-  if (found == userMap_.end()) return false;
+  if (found == userMap_.end()) return QVX_PRIV_NONE;
   const HostMap& hosts = found->second;
   // Deliberate: the plain host name is no key of this phase, though it is one for groups and for
   // anyone; and addresses come before the domain here, behind the host name there. Held by
   // RoleMapAlgorithm.AUserEntryForThePlainHostNameGrantsNothing.
-  query.privileges = GrantOfDomainPattern(hosts, query.host);
-  if (query.privileges != QVX_PRIV_NONE) return true;
-  for (u32 at = 0; at < addresses.Count(); ++at) {
-    Raise(query, GrantOfAddress(hosts, addresses.At(at)));
-  }
-  if (query.privileges != QVX_PRIV_NONE) return true;
-  query.privileges = GrantOfDomain(hosts, domainKey);
-  return query.privileges != QVX_PRIV_NONE;
+  if (const u32 grant = GrantOfDomainPattern(hosts, query.host)) return grant;
+  if (const u32 grant = GrantOfAddresses(hosts)) return grant;
+  return GrantOfDomain(hosts);
 }
 
-void QVXRoleMapAlgorithm::RaiseByGroups(QVXRole& query) const {
-  for (const std::wstring& group : GroupKeysOf(query.user)) {
-    const auto found = groupMap_.find(group);
-    if (found == groupMap_.end()) continue;
-    for (const auto& [key, privileges] : found->second) {
-      if (IsDomainPatternOf(key, query.host)) Raise(query, privileges);
+// The most that any group is granted on the host, or more.
+u32 QVXRoleMapAlgorithm::MostOfGroups(const std::wstring& host) const {
+  if (groupMap_.size() > kFewGroups) return QVX_PRIV_ADMINISTRATOR;
+  u32 most = QVX_PRIV_NONE;
+  for (const auto& [key, hosts] : groupMap_) {
+    most = std::max(most, GrantOfGroup(hosts, host));
+  }
+  return most;
+}
+
+// The grants of all groups count, the greatest wins; nothing more is asked once it is reached.
+u32 QVXRoleMapAlgorithm::GrantByGroups(const QVXRole& query, SystemUser& user) const {
+  const u32 most = MostOfGroups(query.host);
+  if (groupMap_.empty() || most == QVX_PRIV_NONE) return QVX_PRIV_NONE;
+  const std::span<const gid_t> groups = user.Groups();
+  u32 grant = QVX_PRIV_NONE;
+  // To name each of hundreds of groups takes the system long: the few of the map come first.
+  if (groupMap_.size() <= std::min(kFewGroups, groups.size() / kManyForEach)) {
+    for (const auto& [key, hosts] : groupMap_) {
+      const u32 grantOfKey = GrantOfGroup(hosts, query.host);
+      if (grantOfKey > grant && IsInGroupOfKey(key, groups)) grant = grantOfKey;
     }
-    Raise(query, GrantOf(found->second, query.host));
-    Raise(query, GrantOf(found->second, kAnyHost));
   }
+  for (size_t at = 0; at < groups.size() && grant < most; ++at) {
+    const auto found = groupMap_.find(KeyOfGroup(groups[at]));
+    if (found == groupMap_.end()) continue;
+    grant = std::max(grant, GrantOfGroup(found->second, query.host));
+  }
+  return grant;
 }
 
-void QVXRoleMapAlgorithm::DecideByAnyUser(QVXRole& query, const LocalAddresses& addresses,
-                                          const std::wstring& domainKey) const {
-  query.privileges = GrantOf(anyUserMap_, query.host);
-  if (query.privileges != QVX_PRIV_NONE) return;
-  for (u32 at = 0; at < addresses.Count(); ++at) {
-    const std::optional<std::wstring> address = Widen(addresses.At(at));
-    if (address) Raise(query, GrantOf(anyUserMap_, *address));
+u32 QVXRoleMapAlgorithm::GrantByAnyUser(const QVXRole& query) const {
+  if (const u32 grant = GrantOf(anyUserMap_, query.host)) return grant;
+  u32 grant = QVX_PRIV_NONE;
+  if (anyUserNamesAddress_) {
+    const LocalAddresses addresses;
+    for (u32 at = 0; at < addresses.Count(); ++at) {
+      const std::optional<std::wstring> address = Widen(addresses.At(at));
+      if (address) grant = std::max(grant, GrantOf(anyUserMap_, *address));
+    }
   }
-  if (query.privileges == QVX_PRIV_NONE) query.privileges = GrantOfDomain(anyUserMap_, domainKey);
+  return grant != QVX_PRIV_NONE ? grant : GrantOfDomain(anyUserMap_);
 }
 
 }  // namespace qvx

@@ -13,7 +13,7 @@
 
 namespace qvx {
 
-class LocalAddresses;
+class SystemUser;
 
 // Answers what the role map grants a user. The entry that names the user beats the entries of the
 // user's groups, and these beat the entries for anyone, even where they grant less.
@@ -33,7 +33,10 @@ class QVXRoleMapAlgorithm : public ZarnSupport::ZarnCriticalSectionObject {
   // The maps are stale: the next Initialize builds them anew.
   void ForgetInitialized() { initialized_ = false; }
 
-  // Sets the privileges of the query; 0 when the role map grants nothing. Takes no lock.
+  // Sets the privileges of the query; 0 when the role map grants nothing. Takes no lock. The system
+  // is asked only for what can still change the answer. `user` is the query's user, of whom the
+  // caller may know something already.
+  void GetUserPrivileges(QVXRole& query, SystemUser& user) const;
   void GetUserPrivileges(QVXRole& query) const;
 
  private:
@@ -44,15 +47,15 @@ class QVXRoleMapAlgorithm : public ZarnSupport::ZarnCriticalSectionObject {
   ~QVXRoleMapAlgorithm() = default;
 
   bool AddRole(const QVXRole& role);
-  bool DecideByUser(QVXRole& query, const LocalAddresses& addresses,
-                    const std::wstring& domainKey) const;
-  void RaiseByGroups(QVXRole& query) const;
-  void DecideByAnyUser(QVXRole& query, const LocalAddresses& addresses,
-                       const std::wstring& domainKey) const;
+  u32 GrantByUser(const QVXRole& query) const;
+  u32 MostOfGroups(const std::wstring& host) const;
+  u32 GrantByGroups(const QVXRole& query, SystemUser& user) const;
+  u32 GrantByAnyUser(const QVXRole& query) const;
 
   NameMap userMap_;
   NameMap groupMap_;  // each name with its "+"
   HostMap anyUserMap_;
+  bool anyUserNamesAddress_ = false;  // whether a host of anyUserMap_ is an address
   bool initialized_ = false;
 };
 

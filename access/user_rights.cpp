@@ -6,17 +6,19 @@
 #include <atomic>
 #include <cstdio>
 #include <cstring>
-#include <cwchar>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
+#include "access/account.h"
 #include "access/auth_file_reader.h"
 #include "access/os_privilege.h"
 #include "access/role.h"
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
+#include "access/wide_text.h"
 #include "base/heap.h"
 #include "cli/param_node.h"
 #include "os/host_name.h"
@@ -69,16 +71,6 @@ class RoleMap {
 constinit RoleMap::Mutex RoleMap::mutex_;
 constinit std::atomic<bool> RoleMap::gone_{false};
 
-// By the locale in force; nothing when the text is not in its encoding.
-std::optional<std::wstring> Widen(const astring* text) {
-  std::wstring wide(strlen(text) + 1, L'\0');
-  std::mbstate_t state{};
-  const size_t length = std::mbsrtowcs(wide.data(), &text, wide.size(), &state);
-  if (length == static_cast<size_t>(-1)) return std::nullopt;
-  wide.resize(length);
-  return wide;
-}
-
 // This machine's name, empty when it is not to be had.
 struct HostName {
   HostName() {
@@ -88,21 +80,40 @@ struct HostName {
   astring text[kHostNameRoom] = {};
 };
 
-// The buffer's text is the entry's description.
-void AppendFault(void* buffer, const QVXRoleMapFileReaderException& fault) {
-  astring line[kLineNumberRoom];
-  (void)snprintf(line, sizeof(line), "%lu", fault.GetLineNumber());
-  (void)NVSuptBufCatSetCmdParam(buffer, "line", nullptr, nullptr, line, kEscapedText);
-  astring* description = PXMFreeBuf(buffer, 1);
-  (void)SUPTIntfAppendToCmdLog(static_cast<s32>(fault.MapErrorCodeToCmdId()), "root", "QVXSERVER",
-                               description, kFaultEntryType);
-  PXMFreeBufContent(description);
-}
+// The command log's entry of a fault of the role map. It is written at the end, when the role map's
+// turn has been given back: the log may have to be waited for, and other logins must not.
+class FaultReport {
+ public:
+  FaultReport() = default;
+  ~FaultReport() {
+    if (id_ != 0) Append();
+  }
+  FaultReport(const FaultReport&) = delete;
+  FaultReport& operator=(const FaultReport&) = delete;
 
-// The default records stand in, also where the fault cannot be logged. Where they cannot be had,
-// the lines behind the fault must not be what the next query reads.
-void ReportFault(const QVXRoleMapFileReaderException& fault) {
-  if (void* buffer = PXMAllocBuf(kDescriptionRoom, 0)) AppendFault(buffer, fault);
+  void Note(const QVXRoleMapFileReaderException& fault) {
+    id_ = static_cast<s32>(fault.MapErrorCodeToCmdId());
+    (void)snprintf(line_, sizeof(line_), "%lu", fault.GetLineNumber());
+  }
+
+ private:
+  // Without memory there is no entry.
+  void Append() const {
+    void* buffer = PXMAllocBuf(kDescriptionRoom, 0);
+    if (buffer == nullptr) return;
+    (void)NVSuptBufCatSetCmdParam(buffer, "line", nullptr, nullptr, line_, kEscapedText);
+    astring* description = PXMFreeBuf(buffer, 1);
+    (void)SUPTIntfAppendToCmdLog(id_, "root", "QVXSERVER", description, kFaultEntryType);
+    PXMFreeBufContent(description);
+  }
+
+  s32 id_ = 0;
+  astring line_[kLineNumberRoom] = {};
+};
+
+// The default records stand in. Where they cannot be had, the lines behind the fault must not be
+// what the next query reads.
+void StandIn() {
   QVAuthFileReader& reader = QVAuthFileReader::GetInstance();
   try {
     QVXRoleMapAlgorithm::GetInstance().Initialize(reader.GetDefaultRecords());
@@ -112,42 +123,52 @@ void ReportFault(const QVXRoleMapFileReaderException& fault) {
   }
 }
 
-// What the role map grants; nothing to a name that cannot be widened.
-u32 RoleMapPrivileges(const astring* user, const astring* host) {
+// What the role map grants; nothing to a name that cannot be widened. `known` is a user of whom the
+// system may have been asked already.
+u32 RoleMapPrivileges(const astring* user, const astring* host, SystemUser& known) {
   const std::optional<std::wstring> wideUser = Widen(user);
   const std::optional<std::wstring> wideHost = Widen(host);
   if (!wideUser || !wideHost) return QVX_PRIV_NONE;
   QVXRole query{*wideUser, LowerCase(*wideHost), QVX_PRIV_NONE};
-  QVXRoleMapAlgorithm::GetInstance().GetUserPrivileges(query);
+  const QVXRoleMapAlgorithm& algorithm = QVXRoleMapAlgorithm::GetInstance();
+  if (Narrow(*wideUser) == std::string_view(known.Name())) {
+    algorithm.GetUserPrivileges(query, known);
+  } else {
+    algorithm.GetUserPrivileges(query);
+  }
   return query.privileges;
 }
 
 void OpenRolemapFile() {
+  FaultReport report;
   const RoleMap::Lock lock = RoleMap::Enter();
   try {
     QVAuthFileReader::GetInstance().Open();
   } catch (const QVXRoleMapFileReaderException& fault) {
-    ReportFault(fault);
+    report.Note(fault);
+    StandIn();
   }
 }
 
-u32 ProcessPrivileges(const astring* user) {
+u32 ProcessPrivileges(SystemUser& user) {
+  FaultReport report;
   const RoleMap::Lock lock = RoleMap::Enter();
   try {
     QVXRoleMapAlgorithm::GetInstance().Initialize(QVAuthFileReader::GetInstance().GetRecords());
   } catch (const QVXRoleMapFileReaderException& fault) {
-    ReportFault(fault);
+    report.Note(fault);
+    StandIn();
   }
-  return RoleMapPrivileges(user, HostName().text);
+  return RoleMapPrivileges(user.Name(), HostName().text, user);
 }
 
 u32 GetRightsUsingRolemap() {
-  const HeapArray<astring> user(OSGetProcessUser());
-  if (!user) return QVX_PRIV_NONE;
-  const u32 privileges = ProcessPrivileges(user.get());
+  const HeapArray<astring> name(OSGetProcessUser());
+  if (!name) return QVX_PRIV_NONE;
+  SystemUser user(name.get());
+  const u32 privileges = ProcessPrivileges(user);
   if (privileges != QVX_PRIV_NONE) return privileges;
-  return GetOSPrivilege(user.get()) == QVX_PRIV_ADMINISTRATOR ? QVX_PRIV_ADMINISTRATOR
-                                                              : QVX_PRIV_NONE;
+  return user.IsSuperuser() ? QVX_PRIV_ADMINISTRATOR : QVX_PRIV_NONE;
 }
 
 struct Login {
@@ -165,14 +186,25 @@ void SplitAt(astring* login, const astring* separator, const astring** first,
   *second = token == nullptr ? "" : token;
 }
 
-Login Split(astring* login, const HostName& thisHost) {
-  Login split{login, thisHost.text};
+// A host of nullptr is this machine.
+Login Split(astring* login) {
+  Login split{login, nullptr};
   if (strchr(login, '@') != nullptr) {
     SplitAt(login, "@", &split.user, &split.host);
   } else if (strchr(login, '\\') != nullptr) {
     SplitAt(login, "\\", &split.host, &split.user);
   }
   return split;
+}
+
+// Nothing to the superuser, whose rights do not depend on it.
+u32 LoginPrivileges(const Login& login, SystemUser& user) {
+  const RoleMap::Lock lock = RoleMap::Enter();
+  QVXRoleMapAlgorithm::GetInstance().Initialize(
+      QVAuthFileReader::GetInstance().GetDefaultRecords());
+  if (user.IsSuperuser()) return QVX_PRIV_NONE;
+  if (login.host != nullptr) return RoleMapPrivileges(login.user, login.host, user);
+  return RoleMapPrivileges(login.user, HostName().text, user);
 }
 
 }  // namespace
@@ -196,18 +228,16 @@ u32 OSGetRightsUsingRolemap() {
 
 u32 get_user_rights(astring* login) {
   if (login == nullptr) return QVX_PRIV_NONE;
-  RoleMap::Lock lock = RoleMap::Enter();
-  QVXRoleMapAlgorithm::GetInstance().Initialize(
-      QVAuthFileReader::GetInstance().GetDefaultRecords());
-  const HostName thisHost;
-  const Login split = Split(login, thisHost);
-  const u32 byRoleMap = RoleMapPrivileges(split.user, split.host);
-  lock.unlock();
+  const Login split = Split(login);
   // Deliberate: the system is asked of the caller's text as the split has left it, so for
   // domain\user of the domain's name. Held by UserRights.TheSystemIsAskedOfTheDomainOfADomainLogin.
-  const u32 bySystem = GetOSPrivilege(login);
-  if (bySystem == QVX_PRIV_ADMINISTRATOR) return QVX_PRIV_ADMINISTRATOR | QVX_PRIV_ROOT;
-  return byRoleMap == QVX_PRIV_NONE ? QVX_PRIV_NONE : std::max(byRoleMap, bySystem);
+  SystemUser user(login);
+  (void)user.IsKnown();  // asked before the role map's turn is taken: the answer may take long
+  const u32 byRoleMap = LoginPrivileges(split, user);
+  if (user.IsSuperuser()) return QVX_PRIV_ADMINISTRATOR | QVX_PRIV_ROOT;
+  // The system can only raise a user to a power user, by group 0.
+  if (byRoleMap != QVX_PRIV_USER) return byRoleMap;
+  return std::max(byRoleMap, GetOSPrivilege(user));
 }
 
 }  // namespace qvx

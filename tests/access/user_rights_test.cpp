@@ -409,12 +409,15 @@ TEST_F(UserRights, WithoutMemoryForTheDefaultsTheRecordsStay) {
   EXPECT_EQ(reader.GetRecords().size(), 3u);
 }
 
-// A login in a thread of its own. It hangs where it asks the system for its users, which are a pipe
-// that nobody writes to, until this ends.
+constexpr char kUsers[] = "/etc/passwd";
+constexpr char kGroups[] = "/etc/group";
+
+// A login in a thread of its own. It hangs where it asks the system for its users or its groups,
+// which are a pipe that nobody writes to, until this ends.
 class HangingLogin {
  public:
-  explicit HangingLogin(const std::string& user) {
-    if (rename(kUsers, kAside) != 0 || mkfifo(kUsers, 0644) != 0) abort();
+  HangingLogin(const std::string& user, const char* pipe) : pipe_(pipe) {
+    if (rename(pipe_, kAside) != 0 || mkfifo(pipe_, 0644) != 0) abort();
     login_ = std::thread([this, user] {
       thread_ = gettid();
       (void)RightsOf(user);
@@ -425,8 +428,8 @@ class HangingLogin {
     EXPECT_TRUE(Hangs());
   }
   ~HangingLogin() {
-    const int pipe = open(kUsers, O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-    (void)rename(kAside, kUsers);
+    const int pipe = open(pipe_, O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    (void)rename(kAside, pipe_);
     close(pipe);
     login_.join();
   }
@@ -440,18 +443,18 @@ class HangingLogin {
     return test::ReadFile(path).rfind(std::to_string(SYS_openat) + " ", 0) == 0;
   }
 
-  static constexpr char kUsers[] = "/etc/passwd";
-  static constexpr char kAside[] = "/etc/passwd.aside";
+  static constexpr char kAside[] = "/etc/aside";
+  const char* pipe_;
   std::atomic<pid_t> thread_{0};
   std::thread login_;
 };
 
 TEST_F(UserRights, TheRoleMapIsNotOpenedWhileALoginIsDecided) {
-  Load("alice * user\n");
+  Load("alice * user\n+users * user\n");
   std::atomic<bool> opened{false};
   std::thread other;
   {
-    const HangingLogin login("member");  // it has no line, so its groups are asked for
+    const HangingLogin login("member", kGroups);  // it has no line, so its groups are asked for
     other = std::thread([&opened] {
       (void)PXTOpenRolemapFile();
       opened = true;
@@ -463,12 +466,15 @@ TEST_F(UserRights, TheRoleMapIsNotOpenedWhileALoginIsDecided) {
   EXPECT_TRUE(opened);
 }
 
-TEST_F(UserRights, TheRoleMapIsFreeWhileTheSystemIsAskedForItsJudgement) {
+// For the account before the decision, for the groups after it.
+class TheRoleMap : public UserRights, public testing::WithParamInterface<const char*> {};
+
+TEST_P(TheRoleMap, IsFreeWhileTheSystemIsAskedForItsJudgement) {
   Load("alice * user\n");
   std::atomic<bool> opened{false};
   std::thread other;
   {
-    const HangingLogin login("alice");  // its line decides
+    const HangingLogin login("alice", GetParam());  // its line decides
     other = std::thread([&opened] {
       (void)PXTOpenRolemapFile();
       opened = true;
@@ -479,6 +485,30 @@ TEST_F(UserRights, TheRoleMapIsFreeWhileTheSystemIsAskedForItsJudgement) {
     EXPECT_TRUE(opened);
   }
   other.join();
+}
+
+INSTANTIATE_TEST_SUITE_P(AskedFor, TheRoleMap, testing::Values(kUsers, kGroups));
+
+// An operator who holds the suite's lock must not hold up logins by a fault of the role map.
+TEST_F(UserRights, AFaultThatWaitsForTheLogHoldsUpNoLogin) {
+  test::LockHolder other;
+  std::thread faulty([] { (void)PXTOpenRolemapFile(); });  // there is no file
+  std::atomic<u32> logins{0};
+  std::thread login([&logins] {
+    for (u32 turn = 0; turn < 50; ++turn) {
+      logins += RightsOf("alice@h") == 0x1 ? 1 : 0;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
+  for (u32 turn = 0; turn < 1000 && logins < 50; ++turn) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(logins, 50u);
+  EXPECT_EQ(FaultEntries(), 0u) << "the log is not to be had";
+  other.Release();
+  login.join();
+  faulty.join();
+  EXPECT_EQ(FaultEntries(), 1u);
 }
 
 TEST_F(UserRights, LoginsOfSeveralThreadsAreSafe) {
@@ -560,9 +590,9 @@ TEST_F(UserRights, AChildMayExitWhileAnotherThreadLogsIn) {
 }
 
 TEST_F(UserRights, ASignalHandlerMayExitWithinALogin) {
-  Load("alice * user\n");
-  ASSERT_EQ(rename("/etc/passwd", "/etc/passwd.aside"), 0);
-  ASSERT_EQ(mkfifo("/etc/passwd", 0644), 0);
+  Load("alice * user\n+users * user\n");
+  ASSERT_EQ(unlink("/etc/group"), 0);
+  ASSERT_EQ(mkfifo("/etc/group", 0644), 0);
   const int status = test::InChild([] {
     signal(SIGALRM, [](int) { exit(7); });
     const itimerval soon = {{0, 0}, {0, 50000}};
