@@ -18,6 +18,16 @@ constexpr XmlEntity kXmlEntities[] = {
     {'"', "&quot;", 6}, {'&', "&amp;", 5}, {'\'', "&apos;", 6}, {'<', "&lt;", 4}, {'>', "&gt;", 4},
 };
 
+// For each ASCII character its place in the table plus 1; 0 for one that is not there.
+constexpr auto kEntityPlaces = [] {
+  std::array<u8, 128> places{};
+  u8 place = 0;
+  for (const XmlEntity& entity : kXmlEntities) {
+    places[static_cast<u8>(entity.character)] = ++place;
+  }
+  return places;
+}();
+
 // One length of UTF-8: the last code point that it holds, and the lead byte's fixed bits.
 struct Utf8Form {
   u32 last;
@@ -146,10 +156,8 @@ u32 UCS4CharToXMLUTF8Chars(astring* out, u32* size, booln* escaped, u32 codePoin
 }
 
 const XmlEntity* FindXmlEntity(u32 codePoint) {
-  for (const XmlEntity& entity : kXmlEntities) {
-    if (codePoint == static_cast<u8>(entity.character)) return &entity;
-  }
-  return nullptr;
+  const u32 place = codePoint < kEntityPlaces.size() ? kEntityPlaces[codePoint] : 0;
+  return place == 0 ? nullptr : &kXmlEntities[place - 1];
 }
 
 }  // namespace qvx

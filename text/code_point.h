@@ -29,7 +29,7 @@ u32 UCS4CharToXMLUTF8Chars(astring* out, u32* size, booln* escaped, u32 codePoin
 // A character that XML text cannot hold as it is, and what stands for it.
 struct XmlEntity {
   char character;
-  astring text[7];  // terminated
+  astring text[8];  // terminated
   u32 length;       // bytes before the NUL
 };
 

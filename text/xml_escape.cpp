@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "text/xml_escape.h"
 
-#include <string.h>
-
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -15,6 +14,7 @@
 #include "text/code_point.h"
 #include "text/grow_string.h"
 #include "text/transcode.h"
+#include "text/xml_fill.h"
 
 namespace qvx {
 namespace {
@@ -87,43 +87,53 @@ bool AppendEscaped(SSAStr* record, const ustring* text) {
   return true;
 }
 
-// Empty when the text cannot be escaped or there is no memory for the result.
+// Empty when the result is beyond 32 bits or there is no memory for it.
 HeapArray<astring> EscapeOnce(const astring* text, booln* escaped) {
-  u32 size = 0;
-  if (UTF8StrToXMLUTF8Str(nullptr, &size, escaped, text) != SM_STATUS_SUCCESS) return {};
-  auto result = AllocArray<astring>(size);
-  if (!result) return {};
-  if (UTF8StrToXMLUTF8Str(result.get(), &size, escaped, text) != SM_STATUS_SUCCESS) return {};
+  const size_t length = strlen(text);
+  const u64 growth = XmlGrowth(text, length);
+  *escaped = growth != 0 ? 1 : 0;
+  const u64 needed = length + growth + 1;
+  HeapArray<astring> result = needed > kMaxSize ? nullptr : AllocArray<astring>(needed);
+  if (!result) return result;
+  FillXml(result.get(), growth, text, length);
+  result[needed - 1] = '\0';
   return result;
+}
+
+// What fits of a result that does not fit whole: clean bytes as far as there is room, entities
+// whole. `escaped` tells of the characters met on the way only.
+u32 FillRoom(astring* out, u32 room, booln* escaped, const astring* text) {
+  if (escaped != nullptr) *escaped = 0;
+  for (;;) {
+    const size_t clean = strcspn(text, kXmlCharacters);
+    const size_t fits = std::min<size_t>(clean, room);
+    memcpy(out, text, fits);
+    if (fits < clean || text[clean] == '\0') return SM_STATUS_BUFFER_TOO_SMALL;
+    room -= static_cast<u32>(fits);
+    const XmlEntity& entity = *FindXmlEntity(static_cast<u8>(text[clean]));
+    if (escaped != nullptr) *escaped = 1;
+    if (entity.length > room) return SM_STATUS_BUFFER_TOO_SMALL;
+    memcpy(out + fits, entity.text, entity.length);
+    room -= entity.length;
+    out += fits + entity.length;
+    text += clean + 1;
+  }
 }
 
 }  // namespace
 
 u32 UTF8StrToXMLUTF8Str(astring* out, u32* size, booln* escaped, const astring* text) {
   if (size == nullptr || text == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  if (escaped != nullptr) *escaped = 0;
-  u64 used = 0;
-  for (;;) {
-    const size_t plain = strcspn(text, kXmlCharacters);
-    if (out != nullptr) {
-      const size_t fits = std::min(plain, static_cast<size_t>(*size - used));
-      memcpy(out + used, text, fits);
-      if (fits < plain) return SM_STATUS_BUFFER_TOO_SMALL;
-    }
-    used += plain;
-    text += plain;
-    if (*text == '\0') break;
-    const XmlEntity& entity = *FindXmlEntity(static_cast<u8>(*text++));
-    if (escaped != nullptr) *escaped = 1;
-    if (out != nullptr) {
-      if (used + entity.length > *size) return SM_STATUS_BUFFER_TOO_SMALL;
-      memcpy(out + used, entity.text, entity.length);
-    }
-    used += entity.length;
+  const size_t length = strlen(text);
+  const u64 growth = XmlGrowth(text, length);
+  const u64 needed = length + growth + 1;
+  if (out != nullptr && needed > *size) return FillRoom(out, *size, escaped, text);
+  if (escaped != nullptr) *escaped = growth != 0 ? 1 : 0;
+  if (needed > kMaxSize) return SM_STATUS_BUFFER_TOO_SMALL;
+  if (out != nullptr) {
+    FillXml(out, growth, text, length);
+    out[needed - 1] = '\0';
   }
-  const u64 needed = used + 1;
-  if (needed > (out == nullptr ? UINT32_MAX : *size)) return SM_STATUS_BUFFER_TOO_SMALL;
-  if (out != nullptr) out[used] = '\0';
   *size = static_cast<u32>(needed);
   return SM_STATUS_SUCCESS;
 }
@@ -147,6 +157,7 @@ u32 UnicodeToEscape(astring* out, u32* size, const ustring* text) {
 }
 
 astring* SUPTIntfGetXMLUTF8StrFromAStr(const astring* text, u32 passes) {
+  if (text == nullptr) return nullptr;
   booln escaped = 0;
   HeapArray<astring> result = EscapeOnce(text, &escaped);
   // Each further pass escapes the ampersands of the one before.
