@@ -3,6 +3,8 @@
 #include "text/grow_string.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 #include "base/heap.h"
@@ -28,6 +30,22 @@ HeapArray<Unit> AllocText(u32 capacity) {
   return AllocArray<Unit>((u64{capacity} + sizeof(Unit) - 1) / sizeof(Unit));
 }
 
+// The C library moves pages of a large block, where a new one would be filled again.
+template <typename Unit>
+Unit* ReAllocText(Unit* text, u32 capacity) {
+  const u64 bytes = (u64{capacity} + sizeof(Unit) - 1) / sizeof(Unit) * sizeof(Unit);
+  if (bytes > SIZE_MAX) return nullptr;
+  return static_cast<Unit*>(realloc(text, static_cast<size_t>(bytes)));
+}
+
+// How many bytes into a record's block a text begins that may be appended to its own record;
+// `capacity` or more for any other.
+u64 OffsetWithin(const void* text, u32 capacity, const void* added) {
+  const auto begin = reinterpret_cast<uintptr_t>(text);
+  const auto at = reinterpret_cast<uintptr_t>(added);
+  return at < begin ? capacity : at - begin;
+}
+
 template <typename Unit, typename Record>
 Unit* Start(Record* record, u32 capacity) {
   if (record == nullptr || capacity == 0) return nullptr;
@@ -50,17 +68,18 @@ void Release(Record* record) {
 template <typename Unit, typename Record>
 Unit* Append(Record* record, const Unit* added, u64 count) {
   const u64 needed = (u64{record->length} + count + 1) * sizeof(Unit);
-  HeapArray<Unit> old;  // freed last: `added` may lie within it
   // Deliberate: a record that cannot grow keeps its text, and the call returns that text as after a
   // success; only the unchanged length shows it. Held by GrowString.FailedGrowthLeavesTheOldText.
   if (count > kMaxSize || needed > kMaxSize) return record->text;
   if (needed > record->capacity) {
     const u32 capacity = GrownCapacity(record->capacity, static_cast<u32>(needed));
-    HeapArray<Unit> grown = AllocText<Unit>(capacity);
-    if (!grown) return record->text;
-    memcpy(grown.get(), record->text, record->length * sizeof(Unit));
-    old.reset(record->text);
-    record->text = grown.release();
+    const u64 within = OffsetWithin(record->text, record->capacity, added);
+    Unit* const grown = ReAllocText(record->text, capacity);
+    if (grown == nullptr) return record->text;
+    if (within < record->capacity) {
+      added = reinterpret_cast<const Unit*>(reinterpret_cast<const u8*>(grown) + within);
+    }
+    record->text = grown;
     record->capacity = capacity;
   }
   memcpy(record->text + record->length, added, static_cast<size_t>(count) * sizeof(Unit));
