@@ -9,15 +9,10 @@
 
 #include "qvxcs/types.h"
 
+#include "ctl/exit_code.h"
+
 // What a command shows and how it ends. Answers go to stdout, faults to stderr.
 namespace qvx::ctl {
-
-enum ExitCode : int {
-  kYes = 0,
-  kNo = 1,       // no, refused, a fault or a warning was found
-  kUsage = 2,    // the command line is wrong
-  kUnknown = 3,  // it could not be found out
-};
 
 // Ends the command. An empty message ends it in silence.
 class Failure : public std::runtime_error {

@@ -6,19 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "ctl/role_map_finding.h"
+
 namespace qvx::ctl {
-
-enum class Weight {
-  kFault,    // the library refuses the map and takes its built-in lines
-  kWarning,  // the library says nothing, and it is hardly meant
-  kNote,     // does not count here
-};
-
-struct RoleMapFinding {
-  unsigned long line;  // 0 for the file
-  Weight weight;
-  std::string text;
-};
 
 // The name shown with a weight.
 const char* NameOfWeight(Weight weight);

@@ -6,7 +6,7 @@
 #include <deque>
 #include <vector>
 
-#include "ctl/role_map_check.h"
+#include "ctl/role_map_finding.h"
 
 namespace qvx {
 class QVAuthFileRecord;

@@ -5,7 +5,7 @@
 
 #include "qvxcs/types.h"
 
-#include "ctl/output.h"
+#include "ctl/exit_code.h"
 
 namespace qvx::ctl {
 
