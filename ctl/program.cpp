@@ -25,6 +25,7 @@ void AddCommands(CLI::App& program, ExitCode& code) {
   AddRolemapCommand(program, code);
   AddRightsCommand(program, code);
   AddLoginCommand(program, code);
+  AddLogCommand(program, code);
   AddIniCommand(program, code);
   AddConfCommand(program, code);
   AddLockCommand(program, code);

@@ -1,0 +1,113 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <CLI/App.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "qvxcs/access.h"
+#include "qvxcs/command_log.h"
+#include "qvxcs/memory.h"
+#include "qvxcs/status.h"
+#include "qvxcs/xml_log.h"
+
+#include "base/layout.h"
+#include "ctl/call_failure.h"
+#include "ctl/commands.h"
+#include "ctl/library.h"
+#include "ctl/log_follow.h"
+#include "ctl/log_repair.h"
+#include "ctl/log_show.h"
+
+namespace qvx::ctl {
+namespace {
+
+struct LogArguments {
+  std::string file = std::string(kCmdLogDirectory) + kCmdLogFileName;
+  std::string since;
+  std::string state;
+  bool isConfirmed = false;
+  LogView view;
+};
+
+using Arguments = std::shared_ptr<LogArguments>;
+
+LogView ViewOf(const LogArguments& given) {
+  LogView view = given.view;
+  if (!given.since.empty()) view.since = ParseSince(given.since);
+  return view;
+}
+
+ExitCode Show(const LogArguments& given) { return ShowLog(given.file, ViewOf(given)) ? kYes : kNo; }
+
+ExitCode Follow(const LogArguments& given) {
+  FollowLog(given.file, ViewOf(given), given.state);
+  return kYes;
+}
+
+ExitCode Clear(const LogArguments& given) {
+  if (const int reason = ReasonNotReadable(given.file)) throw SystemFailure(given.file, reason);
+  astring* const user = QVX_CALL(PXTGetProcessUser)();
+  errno = 0;
+  const u32 status = QVX_CALL(PXTClearXMLLog)(given.file.c_str(), user, "QVXCTL");
+  const int reason = errno;
+  QVX_CALL(PXTFreeMem)(user);
+  if (status != SM_STATUS_SUCCESS) throw CallFailure("log clear", given.file, status, reason);
+  return kYes;
+}
+
+bool IsConfirmed() {
+  (void)fputs("Repair it? [y/N] ", stderr);
+  const int answer = getchar();
+  return answer == 'y' || answer == 'Y';
+}
+
+ExitCode Repair(const LogArguments& given) {
+  const LogDamage damage = ExamineLog(given.file);
+  for (const std::string& text : damage.findings)
+    PrintLine(given.file + ": " + text);
+  if (damage.findings.empty()) PrintLine(given.file + ": whole");
+  FlushOutput();
+  if (!damage.mendable) return damage.findings.empty() ? kYes : kNo;
+  if (!given.isConfirmed && !IsConfirmed()) return kNo;
+  RepairLog(given.file, damage);
+  PrintLine(given.file + ": repaired");
+  return kYes;
+}
+
+CLI::App* AddOne(CLI::App* family, const char* name, const char* text, const Arguments& given,
+                 ExitCode* code, ExitCode (*run)(const LogArguments&)) {
+  CLI::App* const command = family->add_subcommand(name, text);
+  command->add_option("FILE", given->file, "an XML log; without it the command log");
+  command->callback([given, run, code] { *code = run(*given); });
+  return command;
+}
+
+void AddView(CLI::App* command, const Arguments& given) {
+  command->add_option(
+      "--since", given->since,
+      "only entries since a time: \"2026-11-22 14:30\", @SECONDS, 90s, 15m, 2h, 7d");
+  command->add_option("--user", given->view.user, "only entries of this user");
+  command->add_option("--id", given->view.id, "only entries of this identifier");
+  command->add_flag("--json", given->view.asJson, "One JSON object an entry");
+}
+
+}  // namespace
+
+void AddLogCommand(CLI::App& program, ExitCode& code) {
+  CLI::App* const log = program.add_subcommand("log", "Shows, follows and mends XML logs");
+  log->require_subcommand(1);
+  const auto given = std::make_shared<LogArguments>();
+  AddView(AddOne(log, "show", "Shows the entries", given, &code, Show), given);
+  CLI::App* const follow =
+      AddOne(log, "follow", "Shows the entries and waits for more", given, &code, Follow);
+  AddView(follow, given);
+  follow->add_option("--state", given->state, "keep the place here and go on from it");
+  (void)AddOne(log, "clear", "Deletes the entries and begins anew", given, &code, Clear);
+  CLI::App* const repair =
+      AddOne(log, "repair", "Closes a log whose end is damaged", given, &code, Repair);
+  repair->add_flag("--yes", given->isConfirmed, "Do not ask");
+}
+
+}  // namespace qvx::ctl

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_LOG_FILE_H
+#define QVX_CTL_LOG_FILE_H
+
+#include <sys/types.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "ctl/log_reader.h"
+#include "os/descriptor.h"
+
+namespace qvx::ctl {
+
+// A log that is open for reading; it stays the same file when its name goes to another one.
+class LogFile : public LogReader::Source {
+ public:
+  // Throws a Failure when the file cannot be opened.
+  explicit LogFile(const std::string& path);
+  // Null for a missing file.
+  static std::unique_ptr<LogFile> OpenIfThere(const std::string& path);
+
+  size_t Read(u64 offset, char* room, size_t size) override;
+  [[nodiscard]] u64 Size() const;
+  [[nodiscard]] bool IsSameFile(const LogFile& other) const;
+  // Whether the name still leads to this file.
+  [[nodiscard]] bool IsAt(const std::string& path) const;
+
+  // A mark of the first entry, by which a log is known again under another name; empty without a
+  // whole entry.
+  [[nodiscard]] std::string Mark();
+  // Tells one finished file from another: number, size and time of the last change.
+  [[nodiscard]] std::string Key() const;
+  // The mark of the entry at an offset.
+  [[nodiscard]] std::string MarkAt(u64 offset);
+
+ private:
+  LogFile(Descriptor file, const std::string& path);
+
+  std::string path_;
+  Descriptor file_;
+  dev_t device_ = 0;
+  ino_t inode_ = 0;
+};
+
+std::string MarkOf(const std::string& text);
+
+// The path of a log's backup.
+std::string BackupPath(const std::string& path);
+
+}  // namespace qvx::ctl
+
+#endif

@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_LOG_FOLLOW_H
+#define QVX_CTL_LOG_FOLLOW_H
+
+#include <memory>
+#include <string>
+
+#include "ctl/log_file.h"
+#include "ctl/log_show.h"
+#include "ctl/log_state.h"
+
+namespace qvx::ctl {
+
+// Shows each entry once, over moves to the backup and over clearing, until it is told to stop.
+class LogFollower {
+ public:
+  // Without a state file the place is not kept.
+  LogFollower(std::string path, LogView view, std::string statePath);
+
+  // Shows what is there now, and what came since in files that have been moved.
+  void Advance();
+
+  // A log without a file of its own yet.
+  [[nodiscard]] bool HasLog() const { return file_ != nullptr; }
+
+ private:
+  void Resume(const LogPlace& place);
+  bool Continue(const std::string& path, const LogPlace& place);
+  void Begin(std::unique_ptr<LogFile> file);
+  void OpenNext();
+  void Drain();
+  void NoteShrunk();
+  void Save();
+
+  std::string path_;
+  LogView view_;
+  std::string statePath_;
+  LogPlace place_;
+  LogPlace saved_;
+  std::unique_ptr<LogFile> file_;
+  std::unique_ptr<LogReader> reader_;
+  u64 toldDamage_ = 0;  // where damage was last told
+};
+
+// Follows until SIGINT or SIGTERM.
+void FollowLog(const std::string& path, const LogView& view, const std::string& statePath);
+
+}  // namespace qvx::ctl
+
+#endif

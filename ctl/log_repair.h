@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_LOG_REPAIR_H
+#define QVX_CTL_LOG_REPAIR_H
+
+#include <string>
+#include <vector>
+
+#include "qvxcs/types.h"
+
+namespace qvx::ctl {
+
+struct LogDamage {
+  std::vector<std::string> findings;  // none for a whole log
+  bool mendable = false;              // the end can be put right
+  u64 end = 0;                        // of the last whole entry: there the closing tag belongs
+  u64 size = 0;
+  bool operator==(const LogDamage&) const = default;
+};
+
+// Reads the whole log, what `log repair` would do included.
+LogDamage ExamineLog(const std::string& path);
+
+// Under the suite's lock: looks again, and only when the log is as it was seen cuts it after its
+// last whole entry and closes it.
+void RepairLog(const std::string& path, const LogDamage& seen);
+
+}  // namespace qvx::ctl
+
+#endif

@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_LOG_STATE_H
+#define QVX_CTL_LOG_STATE_H
+
+#include <optional>
+#include <string>
+
+#include "qvxcs/types.h"
+
+namespace qvx::ctl {
+
+// How far a log has been shown. A log is known again by its first and its last shown entry, not by
+// its name or number: both are used again.
+struct LogPlace {
+  std::string log;    // the path that was followed
+  std::string first;  // the mark of the log's first entry; empty before it was there
+  u64 last = 0;       // where the last shown entry begins; 0 before the first was shown
+  std::string lastMark;
+  u64 next = 0;        // where reading goes on
+  std::string backup;  // the key of the backup that needs no more showing
+};
+
+// Nothing for a file that is missing or empty. Throws a Failure for one that holds something else,
+// or the place of another log.
+std::optional<LogPlace> LoadPlace(const std::string& path, const std::string& log);
+
+// By a copy that is flushed and renamed over the old place.
+void SavePlace(const std::string& path, const LogPlace& place);
+
+}  // namespace qvx::ctl
+
+#endif

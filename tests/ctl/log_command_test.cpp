@@ -1,0 +1,168 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
+
+#include "qvxcs/xml_log.h"
+
+#include "base/layout.h"
+#include "frame/module.h"
+#include "support/processes.h"
+#include "tests/ctl/log_texts.h"
+#include "tests/ctl/run_tool.h"
+
+namespace qvx {
+namespace {
+
+using test::Answer;
+using test::Entry;
+using test::kLogClosing;
+using test::kLogHead;
+using test::Log;
+using test::ReadFile;
+using test::RunTool;
+using test::WriteFile;
+
+constexpr char kLog[] = "/tmp/logs/a.xml";
+constexpr char kFirst[] = "2023-11-14 22:13:20 srv1 root host 5001/2: one\n";
+constexpr char kSecond[] = "2023-11-14 22:13:21 srv1 eve host 5002/2: two\n";
+
+class CtlLog : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    test::RequireSandbox();
+    ASSERT_EQ(mkdir("/tmp/logs", 0755), 0);
+    WriteFile(kLog, Log(both_));
+  }
+  const std::string both_ = Entry(1700000000, "one") + Entry(1700000001, "two", "eve", 5002);
+};
+
+TEST_F(CtlLog, ShowPrintsALineForEachEntry) {
+  EXPECT_EQ(RunTool({"log", "show", kLog}), (Answer{0, std::string(kFirst) + kSecond, ""}));
+}
+
+TEST_F(CtlLog, WithoutAFileTheCommandLogIsShown) {
+  WriteFile("/etc/cim/zarn/plinthos/var/log/vexilon/qvcmdlog.xml", Log(Entry(1700000000, "one")));
+  EXPECT_EQ(RunTool({"log", "show"}), (Answer{0, kFirst, ""}));
+}
+
+TEST_F(CtlLog, FiltersChooseByTimeUserAndIdentifier) {
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--user", "eve"}).out, kSecond);
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--id", "5001"}).out, kFirst);
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--since", "@1700000001"}).out, kSecond);
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--since", "2023-11-14 22:13:21"}).out, kSecond);
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--since", "2023-11-15"}).out, "");
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--since", "1h"}).out, "");
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--since", "soon"}).code, 2);
+}
+
+TEST_F(CtlLog, JsonIsOneObjectAnEntryWithItsKey) {
+  WriteFile(kLog, Log(Entry(1700000000, "a<b>\xFF", "R&amp;D")));
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--json"}).out,
+            "{\"time\":1700000000,\"host\":\"srv1\",\"offset\":75,\"date\":\"Tue Nov 14 22:13:20 "
+            "2023\",\"type\":2,\"id\":5001,\"user\":\"R&D\",\"source\":\"host\",\"description\":"
+            "\"a<b>\xEF\xBF\xBD\",\"data\":\"\"}\n");
+}
+
+TEST_F(CtlLog, WhatAnEntryHoldsDoesNotReachTheTerminal) {
+  WriteFile(kLog, Log(Entry(1700000000, "x\033[2J\ny")));
+  EXPECT_EQ(RunTool({"log", "show", kLog}).out,
+            "2023-11-14 22:13:20 srv1 root host 5001/2: x\\x1b[2J\\x0ay\n");
+}
+
+TEST_F(CtlLog, ATerminalsLineIsCutAtItsWidth) {
+  EXPECT_EQ(test::RunningTool({"log", "show", kLog, "--user", "root"}, 30).End().out,
+            "2023-11-14 22:13:20 srv1 root \r\n");
+}
+
+TEST_F(CtlLog, ADamagedLogIsShownAsFarAsItCanBeRead) {
+  WriteFile(kLog, kLogHead + both_ + "<LogEntry><Time");
+  const std::string offset = std::to_string(75 + both_.size());
+  EXPECT_EQ(RunTool({"log", "show", kLog}),
+            (Answer{1, std::string(kFirst) + kSecond,
+                    "qvxctl: warning: /tmp/logs/a.xml: the end is damaged: `qvxctl log repair` "
+                    "puts the closing tag at offset " +
+                        offset + " and cuts off what follows\n"}));
+}
+
+TEST_F(CtlLog, AnEntryThatOnlyLacksTheClosingTagIsShown) {
+  WriteFile(kLog, kLogHead + both_ + "</Ev");
+  const Answer answer = RunTool({"log", "show", kLog});
+  EXPECT_EQ(answer.code, 1);
+  EXPECT_EQ(answer.out, std::string(kFirst) + kSecond);
+}
+
+TEST_F(CtlLog, DamageBetweenEntriesIsTold) {
+  WriteFile(kLog, Log(Entry(1700000000, "one") + "zz" + Entry(1700000001, "two", "eve", 5002)));
+  const Answer answer = RunTool({"log", "show", kLog});
+  EXPECT_EQ(answer.code, 1);
+  EXPECT_EQ(answer.out, std::string(kFirst) + kSecond);
+  EXPECT_NE(answer.err.find(": 2 bytes from offset "), std::string::npos) << answer.err;
+}
+
+TEST_F(CtlLog, AMissingLogCouldNotBeTold) {
+  EXPECT_EQ(RunTool({"log", "show", "/tmp/logs/none.xml"}),
+            (Answer{3, "", "qvxctl: /tmp/logs/none.xml: No such file or directory\n"}));
+  EXPECT_EQ(RunTool({"log", "show", "/tmp/logs"}).code, 3);
+  EXPECT_EQ(RunTool({"log", "clear", "/tmp/logs/none.xml"}).code, 3);
+  EXPECT_EQ(RunTool({"log", "repair", "/tmp/logs/none.xml"}).code, 3);
+}
+
+TEST_F(CtlLog, RepairClosesTheLogAfterItsLastWholeEntry) {
+  WriteFile(kLog, kLogHead + both_ + "<LogEntry><Time");
+  const Answer answer = RunTool({"log", "repair", kLog}, "y\n");
+  EXPECT_EQ(answer.code, 0);
+  EXPECT_EQ(ReadFile(kLog), Log(both_));
+}
+
+TEST_F(CtlLog, RepairKeepsAWholeEntryThatOnlyLacksTheTag) {
+  WriteFile(kLog, kLogHead + both_);
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--yes"}).code, 0);
+  EXPECT_EQ(ReadFile(kLog), Log(both_));
+}
+
+TEST_F(CtlLog, RepairChangesNothingWithoutAYes) {
+  const std::string damaged = kLogHead + both_ + "<LogEntry><Time";
+  WriteFile(kLog, damaged);
+  EXPECT_EQ(RunTool({"log", "repair", kLog}, "n\n").code, 1);
+  EXPECT_EQ(RunTool({"log", "repair", kLog}).code, 1);
+  EXPECT_EQ(ReadFile(kLog), damaged);
+}
+
+TEST_F(CtlLog, RepairOfAWholeLogHasNothingToDo) {
+  EXPECT_EQ(RunTool({"log", "repair", kLog}), (Answer{0, "/tmp/logs/a.xml: whole\n", ""}));
+  EXPECT_EQ(ReadFile(kLog), Log(both_));
+}
+
+TEST_F(CtlLog, RepairLeavesAFileThatIsNoLog) {
+  const std::string text(200, 'x');
+  WriteFile(kLog, text);
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--yes"}).code, 1);
+  EXPECT_EQ(ReadFile(kLog), text);
+}
+
+TEST_F(CtlLog, TheLibraryAppendsToARepairedLog) {
+  WriteFile(kLog, kLogHead + both_ + "<LogEntry><Time");
+  ASSERT_EQ(RunTool({"log", "repair", kLog, "--yes"}).code, 0);
+  const int status = test::InChild([] {
+    return ModuleAttach() == 1 &&
+                   PXTAppendToXMLLog(kLog, 4, 1, "root", "TEST", "three", nullptr, 0, 131072) == 0
+               ? 0
+               : 1;
+  });
+  EXPECT_EQ(status, 0);
+  const Answer answer = RunTool({"log", "show", kLog});
+  EXPECT_EQ(answer.code, 0);
+  EXPECT_NE(answer.out.find("root TEST 1/4: three\n"), std::string::npos) << answer.out;
+}
+
+TEST_F(CtlLog, ClearBeginsTheLogAnew) {
+  EXPECT_EQ(RunTool({"log", "clear", kLog}), (Answer{0, "", ""}));
+  const std::string out = RunTool({"log", "show", kLog}).out;
+  EXPECT_NE(out.find(" qvxtest root QVXCTL 0/4: Log was cleared\n"), std::string::npos) << out;
+}
+
+}  // namespace
+}  // namespace qvx
