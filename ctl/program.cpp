@@ -30,6 +30,7 @@ void AddCommands(CLI::App& program, ExitCode& code) {
   AddConfCommand(program, code);
   AddLockCommand(program, code);
   AddStatusCommand(program, code);
+  AddDoctorCommand(program, code);
 }
 
 ExitCode Run(int argc, char** argv) {

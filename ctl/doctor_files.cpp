@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "base/layout.h"
+#include "ctl/call_failure.h"
+#include "ctl/doctor_checks.h"
+#include "ctl/lock_holders.h"
+#include "ctl/log_repair.h"
+#include "ctl/output.h"
+#include "ctl/pam_service.h"
+#include "ctl/role_map_check.h"
+
+namespace qvx::ctl {
+namespace {
+
+constexpr char kServiceOfLogins[] = "qvauth";
+constexpr unsigned long long kLittleSpace = 1 << 20;
+
+std::string Octal(mode_t mode) {
+  char text[16];
+  (void)snprintf(text, sizeof text, "%04o", mode & 07777);
+  return text;
+}
+
+std::string LogPath() { return std::string(kCmdLogDirectory) + kCmdLogFileName; }
+
+unsigned long long FreeSpace(const char* directory) {
+  struct statvfs status {};
+  if (statvfs(directory, &status) != 0) return ~0ULL;
+  return static_cast<unsigned long long>(status.f_bavail) * status.f_frsize;
+}
+
+}  // namespace
+
+// Without the variable-data folder nothing attaches; the others are made as they are needed, but
+// for those above them.
+Diagnosis CheckFolders() {
+  for (const char* folder :
+       {kProductVarPath, kProductIniPath, kIniFileDirectory, kCmdLogDirectory}) {
+    struct stat status {};
+    const std::string mend = std::string("install -d -m 0755 ") + folder;
+    if (stat(folder, &status) != 0 || !S_ISDIR(status.st_mode)) {
+      return {"folders", Health::kFault, std::string(folder) + " is missing", mend};
+    }
+    if ((status.st_mode & 02) != 0 && (status.st_mode & S_ISVTX) == 0) {
+      return {"folders", Health::kFault,
+              std::string(folder) + " may be written by anyone: " + Octal(status.st_mode), mend};
+    }
+  }
+  return {"folders", Health::kGood, "all there", ""};
+}
+
+Diagnosis CheckLockFile() {
+  const std::string part = "lock file";
+  struct stat status {};
+  const std::string mend =
+      std::string("chown root:qvxcs ") + kIPCFilePath + " && chmod 0660 " + kIPCFilePath;
+  if (stat(kIPCFilePath, &status) != 0) {
+    return {part, Health::kWarning, "missing; the first program makes it",
+            "systemd-tmpfiles --create"};
+  }
+  if (!S_ISREG(status.st_mode)) {
+    return {part, Health::kFault, "no regular file", std::string("rm -r ") + kIPCFilePath};
+  }
+  if ((status.st_mode & 06) != 0) {
+    return {part, Health::kWarning,
+            "anyone can hold up the suite by a lock: mode " + Octal(status.st_mode), mend};
+  }
+  const std::string holder = DescribeHolder();
+  if (!holder.empty()) return {part, Health::kGood, "held by " + holder, ""};
+  return {part, Health::kGood, "free, mode " + Octal(status.st_mode), ""};
+}
+
+Diagnosis CheckLiveRoleMap() {
+  const std::string part = "role map";
+  if (ReasonNotReadable(kRoleMapPath) == ENOENT) {
+    return {part, Health::kWarning, "missing; the built-in lines stand in",
+            std::string("install -m 0640 -o root -g root DRAFT ") + kRoleMapPath};
+  }
+  const std::vector<RoleMapFinding> findings = CheckRoleMap(kRoleMapPath, true);
+  const auto faults = std::count_if(findings.begin(), findings.end(),
+                                    [](const auto& each) { return each.weight == Weight::kFault; });
+  if (faults != 0) {
+    return {part, Health::kFault, "refused; the built-in lines stand in", "qvxctl rolemap check"};
+  }
+  if (!findings.empty()) {
+    return {part, Health::kWarning, std::to_string(findings.size()) + " warnings",
+            "qvxctl rolemap check"};
+  }
+  return {part, Health::kGood, "no fault", ""};
+}
+
+Diagnosis CheckPamService() {
+  const std::string path = FindPamService(kServiceOfLogins);
+  if (path.empty()) {
+    return {"PAM service", Health::kFault, "there is no service qvauth; every login is refused",
+            "printf '@include common-auth\\n@include common-account\\n' >/etc/pam.d/qvauth"};
+  }
+  const std::vector<PamFinding> findings = FindTalkingModules(kServiceOfLogins);
+  if (findings.empty()) return {"PAM service", Health::kGood, path, ""};
+  const PamFinding& first = findings.front();
+  const std::string where = first.file + ":" + std::to_string(first.line);
+  return {"PAM service", Health::kWarning,
+          where + ": " + first.text + ", and logins may fail by it",
+          "sed -i '" + std::to_string(first.line) + "s/^/#/' " + first.file};
+}
+
+Diagnosis CheckCommandLog() {
+  const std::string path = LogPath();
+  if (ReasonNotReadable(path) == ENOENT) {
+    return {"logs", Health::kGood, "no command log yet; the first entry makes it", ""};
+  }
+  const LogDamage damage = ExamineLog(path);
+  if (!damage.findings.empty()) {
+    return {"logs", Health::kFault, damage.findings.back(),
+            damage.mendable ? "qvxctl log repair" : "qvxctl log clear"};
+  }
+  if (FreeSpace(kCmdLogDirectory) < kLittleSpace) {
+    return {"logs", Health::kWarning, "under 1 MiB is free", std::string("df ") + kCmdLogDirectory};
+  }
+  return {"logs", Health::kGood, "the command log is whole", ""};
+}
+
+}  // namespace qvx::ctl

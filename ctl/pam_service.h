@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_CTL_PAM_SERVICE_H
+#define QVX_CTL_PAM_SERVICE_H
+
+#include <string>
+#include <vector>
+
+namespace qvx::ctl {
+
+struct PamFinding {
+  std::string file;
+  unsigned line;
+  std::string text;
+};
+
+// The file of a PAM service; empty where there is none.
+std::string FindPamService(const std::string& service);
+
+// The modules of a service, its included files too, that send the user messages when a password is
+// checked. A login through the library fails on a message unless the module ignores that.
+std::vector<PamFinding> FindTalkingModules(const std::string& service);
+
+}  // namespace qvx::ctl
+
+#endif

@@ -1,0 +1,156 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "base/layout.h"
+#include "ctl/pam_service.h"
+#include "support/processes.h"
+#include "tests/access/accounts.h"
+#include "tests/ctl/log_texts.h"
+#include "tests/ctl/run_tool.h"
+
+namespace qvx {
+namespace {
+
+using test::Answer;
+using test::RunTool;
+using test::WriteFile;
+
+class CtlDoctor : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    test::RequireSandbox();
+    WriteFile(kIPCFilePath, "");
+    ASSERT_EQ(chmod(kIPCFilePath, 0660), 0);
+    test::WriteRoleMap("* * user\n");
+    test::UnixPamService("qvauth");
+    WriteFile(test::kCommandLog, test::Log(test::Entry(1, "a")));
+  }
+  // The doctor's line on one part.
+  static std::string LineOf(const std::string& part) {
+    const std::string out = "\n" + RunTool({"doctor"}).out;
+    const size_t at = out.find(" " + part + ": ");
+    if (at == std::string::npos) return out;
+    const size_t begin = out.rfind('\n', at) + 1;
+    return out.substr(begin, out.find('\n', at) - begin);
+  }
+};
+
+TEST_F(CtlDoctor, ASoundInstallationIsGood) {
+  const Answer answer = RunTool({"doctor"});
+  // A package of the machine that runs the tests may be judged otherwise.
+  const bool isGood = answer.out.find("\nfault") == std::string::npos &&
+                      answer.out.find("\nwarning") == std::string::npos;
+  EXPECT_EQ(answer.code, isGood ? 0 : 1);
+  EXPECT_EQ(answer.out.rfind("good folders: all there\n"
+                             "good lock file: free, mode 0660\n"
+                             "good rights: this process: administrator, superuser (0x40007)\n"
+                             "good role map: no fault\n"
+                             "good PAM service: /etc/pam.d/qvauth\n"
+                             "good logs: the command log is whole\n",
+                             0),
+            0u)
+      << answer.out;
+}
+
+TEST_F(CtlDoctor, EachFaultComesWithTheCommandThatMendsIt) {
+  ASSERT_EQ(chmod(kIPCFilePath, 0664), 0);
+  test::WriteRoleMap("* * boss\n");
+  test::WritePamService("qvauth", "auth required pam_unix.so\nauth optional pam_echo.so\n");
+  WriteFile(test::kCommandLog, test::kLogHead + test::Entry(1, "a"));
+  WriteFile(kIPCConfigPath, "ipcnamebase=-30000\n");
+  EXPECT_EQ(RunTool({"doctor"}).code, 1);
+  EXPECT_EQ(LineOf("lock file"),
+            "warning lock file: anyone can hold up the suite by a lock: mode 0664; mend: chown "
+            "root:qvxcs /etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc && chmod 0660 "
+            "/etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc");
+  EXPECT_EQ(LineOf("role map"),
+            "fault role map: refused; the built-in lines stand in; mend: qvxctl rolemap check");
+  EXPECT_EQ(LineOf("PAM service"),
+            "warning PAM service: /etc/pam.d/qvauth:2: pam_echo.so sends messages, and logins may "
+            "fail by it; mend: sed -i '2s/^/#/' /etc/pam.d/qvauth");
+  EXPECT_NE(LineOf("logs").find("; mend: qvxctl log repair"), std::string::npos);
+  EXPECT_EQ(LineOf("IPC base"),
+            "fault IPC base: ipcnamebase=-30000 keeps the library out; mend: sed -i "
+            "'/ipcnamebase=/d' /etc/qvx.conf");
+}
+
+TEST_F(CtlDoctor, MissingPartsAreTold) {
+  ASSERT_EQ(unlink("/etc/pam.d/qvauth"), 0);
+  ASSERT_EQ(unlink(kRoleMapPath), 0);
+  ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/log/vexilon", "/etc/cim/logs"), 0);
+  EXPECT_EQ(LineOf("PAM service").rfind("fault PAM service: there is no service qvauth", 0), 0u);
+  EXPECT_EQ(LineOf("role map").rfind("warning role map: missing", 0), 0u);
+  EXPECT_EQ(LineOf("folders"),
+            "fault folders: /etc/cim/zarn/plinthos/var/log/vexilon/ is missing; mend: install -d "
+            "-m 0755 /etc/cim/zarn/plinthos/var/log/vexilon/");
+}
+
+TEST_F(CtlDoctor, AnOrdinaryUserIsToldWhatMayNotBeSeen) {
+  const Answer answer = test::RunToolAsNobody({"doctor"});
+  EXPECT_EQ(answer.code, 1);
+  EXPECT_NE(answer.out.find("warning rights: this process: user (0x1), which may not take the "
+                            "suite's lock; mend: adduser $USER qvxcs\n"),
+            std::string::npos)
+      << answer.out;
+  EXPECT_NE(answer.out.find("warning role map: /etc/cim/zarn/plinthos/qvxrolemap: Permission denied"
+                            "; mend: sudo qvxctl doctor\n"),
+            std::string::npos)
+      << answer.out;
+}
+
+TEST_F(CtlDoctor, NothingIsOpenedForItThatAHolderWouldFeel) {
+  test::LockHolder holder;
+  EXPECT_EQ(LineOf("lock file").rfind("good lock file: held by process ", 0), 0u);
+  EXPECT_FALSE(test::LockIsFree());
+}
+
+TEST_F(CtlDoctor, JsonHasAnObjectForEachPart) {
+  const Answer answer = RunTool({"doctor", "--json"});
+  EXPECT_EQ(answer.out.rfind("[{\"part\":\"folders\",\"health\":\"good\",\"text\":\"all there\","
+                             "\"mend\":\"\"},",
+                             0),
+            0u)
+      << answer.out;
+}
+
+TEST_F(CtlDoctor, TalkingModulesAreFoundInIncludedFilesAndOnlyInPhasesOfALogin) {
+  test::WritePamService("all",
+                        "auth optional pam_issue.so\nsession optional pam_motd.so\n"
+                        "account optional pam_faillock.so silent\n");
+  test::WritePamService("qvauth",
+                        "@include all\nsession optional pam_mail.so\n"
+                        "auth [success=1 default=ignore] pam_exec.so stdout /bin/true\n"
+                        "# auth optional pam_echo.so\nauth include qvauth\n");
+  const auto findings = ctl::FindTalkingModules("qvauth");
+  ASSERT_GE(findings.size(), 2u);
+  EXPECT_EQ(findings[0].file + ":" + std::to_string(findings[0].line), "/etc/pam.d/all:1");
+  EXPECT_EQ(findings[1].file + ":" + std::to_string(findings[1].line), "/etc/pam.d/qvauth:3");
+}
+
+TEST_F(CtlDoctor, LockShowsWhoHoldsAndWaits) {
+  EXPECT_EQ(RunTool({"lock"}), (Answer{0, "free: no process holds the lock\n", ""}));
+  test::LockHolder holder;
+  const Answer answer = RunTool({"lock"});
+  EXPECT_EQ(answer.code, 0);
+  EXPECT_NE(answer.out.find(" writes, user root, started 20"), std::string::npos) << answer.out;
+  EXPECT_NE(answer.out.find("qvx_ctl_tests"), std::string::npos) << answer.out;
+  const Answer json = RunTool({"lock", "--json"});
+  EXPECT_EQ(json.out.rfind("{\"held\":true,\"processes\":[{\"pid\":", 0), 0u) << json.out;
+}
+
+TEST_F(CtlDoctor, LockOfAMissingFileCouldNotBeTold) {
+  ASSERT_EQ(unlink(kIPCFilePath), 0);
+  EXPECT_EQ(RunTool({"lock"}),
+            (Answer{3, "",
+                    "qvxctl: /etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc: No such file or "
+                    "directory\n"}));
+  EXPECT_FALSE(test::Exists(kIPCFilePath));
+}
+
+}  // namespace
+}  // namespace qvx
