@@ -2,17 +2,21 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/ini_lint.h"
 
+#include <fcntl.h>
+
 #include <cerrno>
-#include <cstring>
 #include <map>
-#include <memory>
-#include <set>
+#include <new>
+#include <string>
+#include <string_view>
 
 #include "qvxcs/status.h"
 
+#include "config/file_lines.h"
 #include "config/ini_lines.h"
 #include "ctl/call_failure.h"
 #include "ctl/output.h"
+#include "os/block_reader.h"
 #include "os/stdio_file.h"
 
 namespace qvx::ctl {
@@ -20,12 +24,14 @@ namespace {
 
 class Linter {
  public:
-  std::vector<LintFinding> Read(FILE* file) {
-    const auto line = std::make_unique<IniLine>();
+  std::vector<LintFinding> Read(int file) {
+    BlockReader in(file);
+    if (!in) throw std::bad_alloc();
+    std::string_view line;
     LineRead read = LineRead::kLine;
-    while ((read = ReadLine(file, line.get())) == LineRead::kLine) {
+    while ((read = NextLine(&in, &line)) == LineRead::kLine) {
       if (begins_) ++number_;
-      CheckPiece(line.get());
+      CheckPiece(line);
     }
     if (read == LineRead::kError) Add(true, "cannot be read any further");
     if (!begins_) Add(false, "the last line has no line end: what is added comes behind it");
@@ -33,25 +39,26 @@ class Linter {
   }
 
  private:
-  void CheckPiece(IniLine* line) {
-    const bool ends = line->length != 0 && line->text[line->length - 1] == '\n';
-    if (!ends && line->length == kLineLength) {
+  void CheckPiece(std::string_view line) {
+    begins_ = line.ends_with('\n');
+    if (!begins_ && line.size() == kLineLength) {
       Add(false, "longer than 8449 characters: the rest is taken for a line of its own");
     }
-    if (strlen(line->text) != line->length) Add(false, "what follows the NUL byte is not read");
-    begins_ = ends;
-    const u32 status = ParseForSection(line->text, line->name);
+    if (line.find('\0') != std::string_view::npos) {
+      Add(false, "what follows the NUL byte is not read");
+    }
+    astring name[kNameRoom];
+    const u32 status = ParseForSection(line, name);
     if (status == SM_STATUS_BAD_SECTION_HEADER) {
       Add(true, "a header without \"]\": nothing from here on is found or can be set");
     } else if (status == SM_STATUS_SUCCESS) {
-      CheckHeader(*line);
-    } else if (!IsComment(line->text)) {
-      CheckKey(line->text);
+      CheckHeader(name, line);
+    } else if (!IsComment(line)) {
+      CheckKey(KeyOfLine(line));
     }
   }
 
-  void CheckHeader(const IniLine& line) {
-    const std::string name = line.name;
+  void CheckHeader(const std::string& name, std::string_view line) {
     keys_.clear();
     isRead_ = sections_.emplace(name, number_).second;
     if (!isRead_) {
@@ -59,21 +66,20 @@ class Linter {
                      " and is searched there alone");
     }
     if (name.size() == kNameRoom - 1) Add(false, "of a section's name 255 characters count");
-    const char* const rest = strchr(strchr(line.text, '['), ']') + 1;
-    if (rest[strspn(rest, " \t\r\n")] != '\0') Add(false, "what follows the \"]\" is not read");
+    const std::string_view rest = line.substr(line.find(']') + 1);
+    if (rest.find_first_not_of(" \t\r\n") != std::string_view::npos) {
+      Add(false, "what follows the \"]\" is not read");
+    }
   }
 
-  void CheckKey(const astring* text) {
-    const IniKey key = KeyOfLine(text);
-    const astring first = *key.text;
-    if (key.value == nullptr) {
-      if (first != '\0' && first != '\n' && first != '\r')
-        Add(false, "no \"=\": the line is skipped");
+  void CheckKey(const IniKey& key) {
+    const std::string name(key.text);
+    if (!key.hasValue) {
+      if (!name.empty() && name != "\r") Add(false, "no \"=\": the line is skipped");
       return;
     }
-    const std::string name(key.text, key.length);
     if (sections_.empty()) return Add(false, "key \"" + name + "\" is before the first section");
-    if (first == '#' || first == ';') {
+    if (name.starts_with('#') || name.starts_with(';')) {
       Add(false, "a comment begins in the first column; this is key \"" + name + "\"");
     }
     CheckBlanks(name, key.value);
@@ -84,16 +90,14 @@ class Linter {
                    " already, which is the one that is read");
   }
 
-  void CheckBlanks(const std::string& name, const astring* value) {
-    if (!name.empty() && strchr(" \t", name.back()) != nullptr) {
-      Add(false, "the blank before the \"=\" belongs to the key \"" + name + "\"");
+  void CheckBlanks(std::string_view name, std::string_view value) {
+    if (name.ends_with(' ') || name.ends_with('\t')) {
+      Add(false, "the blank before the \"=\" belongs to the key \"" + std::string(name) + "\"");
     }
-    if (*value == ' ' || *value == '\t')
+    if (value.starts_with(' ') || value.starts_with('\t')) {
       Add(false, "the blank after the \"=\" belongs to the value");
-    const size_t length = strcspn(value, "\n");
-    if (length != 0 && value[length - 1] == '\r') {
-      Add(false, "the carriage return belongs to the value");
     }
+    if (value.ends_with('\r')) Add(false, "the carriage return belongs to the value");
   }
 
   void Add(bool refused, const std::string& text) { findings_.push_back({number_, refused, text}); }
@@ -109,9 +113,10 @@ class Linter {
 }  // namespace
 
 std::vector<LintFinding> LintIniFile(const std::string& path) {
-  const FilePtr file = OpenFile(path.c_str(), "r");
+  struct stat seen = {};
+  const Descriptor file = OpenRegular(path.c_str(), O_RDONLY, &seen);
   if (!file) throw CallFailure("ini lint", path, SM_STATUS_FILE_OPEN_FAILED, errno);
-  return Linter().Read(file.get());
+  return Linter().Read(file.Number());
 }
 
 }  // namespace qvx::ctl
