@@ -20,10 +20,10 @@
  * Sizes are in bytes.
  *
  * @par Locks
- * The sizes are read under the suite's file lock, which all calls wait for up to a
- * minute. It belongs to the process and does not nest: reading the properties file, or making a
- * missing log, ends the outer hold as well, and the rest of that call runs unlocked. Threads that
- * append take turns by a lock of their own.
+ * The sizes are read under the suite's file lock, for which all calls wait 60,000 attempts, 1 ms
+ * apart. It does not nest: reading the properties file, or making a missing log, ends the outer
+ * hold as well, and other processes may come into the rest of that call. Threads of one process
+ * take turns for the whole of each hold, within the same attempts.
  */
 
 #include "qvxcs/types.h"

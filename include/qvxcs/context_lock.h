@@ -14,6 +14,9 @@
  *
  * The lock is not recursive: a thread that takes it twice waits for itself for ever. It excludes
  * the threads of this process, not other processes. The linked lists of `list.h` use these locks.
+ *
+ * In a child forked from a process with threads, locks can be made, taken and freed. One that
+ * another thread held at the fork stays taken there.
  */
 
 #include "qvxcs/types.h"

@@ -13,7 +13,7 @@
  * the text of PXTGetLoopBack() is a constant.
  *
  * Sizes are bytes. No lock is taken here; the heap itself is safe for threads, and a block belongs
- * to whoever holds it.
+ * to whoever holds it. The calls also work in a child forked from a process with threads.
  */
 
 #include "qvxcs/types.h"

@@ -15,8 +15,9 @@
  * Failures have no status: a call that returns text returns NULL when memory is exhausted or a path
  * that it rests on cannot be had, and the two questions about an OEM answer with their default.
  *
- * The install path is kept by the library from its load on, under a lock of its own. The calls that
- * read INI files wait for the lock that the suite's processes share, up to 60,000 ms.
+ * The install path is kept by the library from its load on and is read without a lock, also in a
+ * child forked from a process with threads. The calls that read INI files wait for the lock that
+ * the suite's processes and their threads share, up to 60,000 attempts, 1 ms apart.
  */
 
 #include "qvxcs/types.h"
@@ -190,7 +191,7 @@ QVX_EXPORT qvx_astring* PXTGetOEMINIPathFile(const qvx_astring* oem, const qvx_a
  * @par Memory
  * Hands out none.
  * @par Threads
- * Any thread may call; takes the shared lock, which belongs to the process.
+ * Any thread may call; takes the shared lock.
  */
 QVX_EXPORT qvx_u32 PXTCheckModularChassis(void);
 
@@ -204,7 +205,7 @@ QVX_EXPORT qvx_u32 PXTCheckModularChassis(void);
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
- * Any thread may call; takes the shared lock, which belongs to the process.
+ * Any thread may call; takes the shared lock.
  */
 QVX_EXPORT qvx_astring* PXTGetOEMADSchemaPrefix(void);
 

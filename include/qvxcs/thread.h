@@ -10,7 +10,9 @@
  * A host starts a thread on a record of its own and waits for its end with the same record. The
  * record must stay where it is until the thread has been waited for, and is not locked: one record
  * is not started or stopped by two threads at once. Every thread that was started has to be
- * stopped once, or its resources stay taken. Nothing of a thread is kept in the library.
+ * stopped once, or its resources stay taken. Nothing of a thread is kept in the library, but its
+ * first and last steps are the library's code: unloading the library while a thread of it runs
+ * crashes the process.
  */
 
 #include <pthread.h>
@@ -48,7 +50,8 @@ QVX_EXPORT qvx_s32 PXTThreadStart(PXTThread* thread, PXTThreadEntry entry, qvx_u
 /**
  * Waits for a thread to end.
  *
- * There is no way to interrupt a body: to stop a thread is to wait until it ends by itself.
+ * There is no way to interrupt a body: to stop a thread is to wait until it ends by itself. Unlike
+ * every other call, the wait may be ended by pthread_cancel; the record can then be stopped again.
  *
  * @param[in,out] thread  a record that was started, or a zeroed one
  * @retval 0 the thread has ended; at once for a record whose start failed, that has been stopped

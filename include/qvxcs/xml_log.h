@@ -27,9 +27,9 @@
  * not grow with the log. A process that is killed within that write may leave the log without its
  * closing tag. The next append puts the tag back where the library noted it before the write; the
  * entry that was cut is lost, earlier ones are not. A log that an entry would bring to the caller's
- * maximum size is renamed to its backup first: the log's path with the last character replaced by `_`, so
- * `cmd.xml` moves to `cmd.xm_`. One backup is kept and is replaced each time. The new log begins
- * with the entry QVX_LOG_BACKUP_CREATED.
+ * maximum size is renamed to its backup first: the log's path with the last character replaced by
+ * `_`, so `cmd.xml` moves to `cmd.xm_`. One backup is kept and is replaced each time. The new log
+ * begins with the entry QVX_LOG_BACKUP_CREATED.
  *
  * Sizes and text limits are in bytes. Logs and backups get mode 01664, a log that is created 0664
  * less the umask until then; a directory that a link in their place leads to keeps its mode. Their
@@ -37,8 +37,8 @@
  *
  * @par Locks
  * Append, delete and backup hold the suite's file lock, for which they wait up to
- * a minute; entries are built outside it. The lock keeps processes apart, not the threads of one
- * process: threads that write to one log take turns by a lock of their own.
+ * 60,000 attempts, 1 ms apart; entries are built outside it. Threads of one process keep each other
+ * out as processes do, within the same attempts, and each thread's entries keep their order.
  */
 
 #include "qvxcs/types.h"
@@ -112,8 +112,8 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * Appends one entry to a log; a missing log and one directory above it are created.
  *
  * A file under 65 bytes is written anew. A backup that fails is not reported: the entry goes to
- * the log that is full. A log of 4 GiB - 1 or more has no backup, nor has one whose name ends with `_`
- * or has more than 255 bytes. `Log backup created` names the same user and source; a failure to
+ * the log that is full. A log of 4 GiB - 1 or more has no backup, nor has one whose name ends with
+ * `_` or has more than 255 bytes. `Log backup created` names the same user and source; a failure to
  * write it is not reported.
  *
  * @param[in] path         the log
