@@ -5,22 +5,43 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <set>
 #include <thread>
-#include <vector>
 
 #include "qvxcs/context_lock.h"
 
 #include "support/alloc_fault.h"
+#include "support/threads.h"
 
 namespace {
 
+// Whether another thread is kept waiting for the lock, which it then gets from `release`.
+template <typename Release>
+bool KeepsAnotherOut(u32 handle, Release release) {
+  std::atomic<bool> taken = false;
+  std::thread other([&taken, handle] {
+    PXTLockContext(handle);
+    taken = true;
+    PXTUnLockContext(handle);
+  });
+  usleep(20000);
+  const bool waited = !taken;
+  release();
+  other.join();
+  return waited && taken;
+}
+
 TEST(ContextLock, AZeroHandleDoesNothing) {
+  const u32 handle = PXTAllocContextLock();
   PXTLockContext(0);
   PXTLockContext(0);
+  PXTLockContext(handle);
   PXTUnLockContext(0);
   PXTFreeContextLock(0);
+  EXPECT_TRUE(KeepsAnotherOut(handle, [handle] { PXTUnLockContext(handle); }));
+  PXTFreeContextLock(handle);
 }
 
 TEST(ContextLock, HandlesNotInUseDoNothing) {
@@ -55,88 +76,76 @@ TEST(ContextLock, HandlesInUseDifferAndFreedOnesComeBack) {
 
 TEST(ContextLock, ExcludesTheOtherThreads) {
   const u32 handle = PXTAllocContextLock();
-  u32 sum = 0;
-  std::vector<std::thread> threads;
-  for (int at = 0; at < 8; ++at) {
-    threads.emplace_back([&sum, handle] {
-      for (int round = 0; round < 1000; ++round) {
-        PXTLockContext(handle);
-        ++sum;
-        PXTUnLockContext(handle);
-      }
-    });
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
-  EXPECT_EQ(sum, 8000U);
+  std::atomic<u32> within = 0;
+  std::atomic<u32> meetings = 0;
+  qvx::test::InThreads(4, [&](u32) {
+    for (int round = 0; round < 200; ++round) {
+      PXTLockContext(handle);
+      meetings += within.exchange(1);
+      std::this_thread::yield();
+      within = 0;
+      PXTUnLockContext(handle);
+    }
+  });
+  EXPECT_EQ(meetings, 0U);
   PXTFreeContextLock(handle);
 }
 
+// Which handles are in use, to find one that two owners were given.
+constexpr size_t kMarks = 4096;
+std::array<std::atomic<u32>, kMarks> marks;
+
+// Makes, takes and frees a lock; whether it was this thread's alone.
+bool UseALock() {
+  const u32 handle = PXTAllocContextLock();
+  if (handle == 0 || handle >= kMarks || marks.at(handle).exchange(1) != 0) return false;
+  PXTLockContext(handle);
+  PXTUnLockContext(handle);
+  marks.at(handle) = 0;
+  PXTFreeContextLock(handle);
+  return true;
+}
+
 TEST(ContextLock, ThreadsMakeAndFreeLocksAtOnce) {
-  std::vector<std::thread> threads;
-  for (int at = 0; at < 8; ++at) {
-    threads.emplace_back([] {
-      for (int round = 0; round < 500; ++round) {
-        const u32 handle = PXTAllocContextLock();
-        PXTLockContext(handle);
-        PXTUnLockContext(handle);
-        PXTFreeContextLock(handle);
-      }
-    });
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
+  std::atomic<u32> faults = 0;
+  qvx::test::InThreads(8, [&faults](u32) {
+    for (int round = 0; round < 2000; ++round) {
+      faults += UseALock() ? 0 : 1;
+    }
+  });
+  EXPECT_EQ(faults, 0U);
 }
 
 // A process may end, and the library go, while a thread still makes locks.
 TEST(ContextLock, TheSlotsGoOnlyWhileNoThreadMakesOrHasALock) {
-  std::atomic<int> running = 4;
-  std::atomic<int> releases = 0;
-  std::vector<std::thread> threads;
-  for (int at = running; at > 0; --at) {
-    threads.emplace_back([&running, &releases] {
-      for (int round = 0; round < 2000 || releases < 50000; ++round) {
-        const u32 handle = PXTAllocContextLock();
-        PXTLockContext(handle);
-        PXTUnLockContext(handle);
-        PXTFreeContextLock(handle);
+  std::atomic<u32> running = 4;
+  std::atomic<u32> faults = 0;
+  std::atomic<u32> releases = 0;
+  qvx::test::InThreads(5, [&](u32 thread) {
+    if (thread == 4) {
+      for (; running != 0; ++releases) {
+        qvx::ReleaseContextLockSlots();
       }
-      --running;
-    });
-  }
-  while (running != 0) {
-    qvx::ReleaseContextLockSlots();
-    ++releases;
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
+      return;
+    }
+    for (int round = 0; round < 2000 || releases < 20000; ++round) {
+      faults += UseALock() ? 0 : 1;
+    }
+    --running;
+  });
+  EXPECT_EQ(faults, 0U);
+  // The table begins anew.
+  qvx::ReleaseContextLockSlots();
   const u32 first = PXTAllocContextLock();
-  const u32 second = PXTAllocContextLock();
-  EXPECT_NE(first, 0U);
-  EXPECT_NE(second, 0U);
-  EXPECT_NE(first, second);
+  EXPECT_EQ(first, 1U);
   PXTFreeContextLock(first);
-  PXTFreeContextLock(second);
 }
 
 TEST(ContextLock, ALockInUseKeepsTheSlots) {
   const u32 handle = PXTAllocContextLock();
   PXTLockContext(handle);
   qvx::ReleaseContextLockSlots();
-  std::atomic<bool> taken = false;
-  std::thread other([&taken, handle] {
-    PXTLockContext(handle);
-    taken = true;
-    PXTUnLockContext(handle);
-  });
-  usleep(20000);
-  EXPECT_FALSE(taken);
-  PXTUnLockContext(handle);
-  other.join();
-  EXPECT_TRUE(taken);
+  EXPECT_TRUE(KeepsAnotherOut(handle, [handle] { PXTUnLockContext(handle); }));
   PXTFreeContextLock(handle);
 }
 

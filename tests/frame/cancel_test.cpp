@@ -21,6 +21,7 @@
 
 #include "frame/module.h"
 #include "os/threads_turn.h"
+#include "support/alone.h"
 #include "support/cancelled.h"
 #include "support/files.h"
 #include "support/processes.h"
@@ -42,25 +43,29 @@ int OpenDescriptors() {
   return count;
 }
 
-class Cancel : public testing::Test {
- protected:
-  void SetUp() override {
-    qvx::test::RequireSandbox();
-    ASSERT_EQ(qvx::ModuleAttach(), 1);
+// What a case may leave behind is seen when it ends.
+class Attached {
+ public:
+  Attached() {
+    EXPECT_EQ(qvx::ModuleAttach(), 1);
     descriptors_ = OpenDescriptors();
   }
-  void TearDown() override {
+  ~Attached() {
     EXPECT_TRUE(LockIsFree());
     EXPECT_EQ(qvx::TakeThreadsTurn(0), 0);
     qvx::GiveThreadsTurn();
     EXPECT_EQ(OpenDescriptors(), descriptors_);
     EXPECT_EQ(qvx::ModuleDetach(), 1);
   }
+  Attached(const Attached&) = delete;
+  Attached& operator=(const Attached&) = delete;
 
+ private:
   int descriptors_ = 0;
 };
 
-TEST_F(Cancel, ALogAppendThatWaitsForTheLockIsDoneFirst) {
+QVX_ALONE(Cancel, ALogAppendThatWaitsForTheLockIsDoneFirst) {
+  const Attached attached;
   const LockHolder other(qvx::kIPCFilePath, 50000);
   u32 status = 77;
   EXPECT_TRUE(EndsAfter([&status] {
@@ -70,7 +75,8 @@ TEST_F(Cancel, ALogAppendThatWaitsForTheLockIsDoneFirst) {
   EXPECT_NE(ReadFile("/run/cancel.xml").find("<ID>9</ID>"), std::string::npos);
 }
 
-TEST_F(Cancel, AnINIWriteLeavesTheNewFileAndNoTemporary) {
+QVX_ALONE(Cancel, AnINIWriteLeavesTheNewFileAndNoTemporary) {
+  const Attached attached;
   qvx::test::WriteFile("/run/cancel.ini", "[A]\nb=1\n");
   u32 status = 77;
   EXPECT_TRUE(EndsAfter(
@@ -79,7 +85,8 @@ TEST_F(Cancel, AnINIWriteLeavesTheNewFileAndNoTemporary) {
   EXPECT_EQ(ReadFile("/run/cancel.ini"), "[A]\nb=2\n");
 }
 
-TEST_F(Cancel, AKeyValueWriteAndAReadAreDoneFirst) {
+QVX_ALONE(Cancel, AKeyValueWriteAndAReadAreDoneFirst) {
+  const Attached attached;
   qvx::test::WriteFile("/run/cancel.properties", "a=1\n");
   char key[] = "a";
   char value[] = "2";
@@ -96,7 +103,8 @@ TEST_F(Cancel, AKeyValueWriteAndAReadAreDoneFirst) {
   PXTCFGFreeKeyValueEntries(entries, count);
 }
 
-TEST_F(Cancel, AThreadThatWaitsForTheTurnGetsIt) {
+QVX_ALONE(Cancel, AThreadThatWaitsForTheTurnGetsIt) {
+  const Attached attached;
   std::atomic<bool> taken = false;
   std::thread other([&taken] {
     EXPECT_EQ(qvx::TakeThreadsTurn(0), 0);
@@ -114,7 +122,8 @@ TEST_F(Cancel, AThreadThatWaitsForTheTurnGetsIt) {
   other.join();
 }
 
-TEST_F(Cancel, AFileCallIsDoneFirst) {
+QVX_ALONE(Cancel, AFileCallIsDoneFirst) {
+  const Attached attached;
   u32 status = 77;
   EXPECT_TRUE(EndsAfter([&status] { status = PXTMkDir("/run/cancelled"); }));
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
@@ -129,7 +138,8 @@ s32 CompareAtACancellationPoint(PXTDLListEntry*, PXTDLListEntry*) {
   return 1;
 }
 
-TEST_F(Cancel, AHostsCompareNeverLeavesTheListLocked) {
+QVX_ALONE(Cancel, AHostsCompareNeverLeavesTheListLocked) {
+  const Attached attached;
   PXTDLList* const list = PXTDLListAlloc();
   PXTDLListInsertEntryAtHead(list, PXTDLListEntryAlloc(4));
   PXTDLListEntry* const entry = PXTDLListEntryAlloc(4);
@@ -141,7 +151,8 @@ TEST_F(Cancel, AHostsCompareNeverLeavesTheListLocked) {
   PXTDLListFree(list);
 }
 
-TEST_F(Cancel, AThreadThatHasItOffKeepsItOff) {
+QVX_ALONE(Cancel, AThreadThatHasItOffKeepsItOff) {
+  const Attached attached;
   int state = PTHREAD_CANCEL_ENABLE;
   ASSERT_EQ(pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr), 0);
   (void)PXTMkDir("/run/held");
@@ -156,7 +167,8 @@ u32 UntilTold(u32) {
   return 0;
 }
 
-TEST_F(Cancel, WaitingForAThreadMayBeCancelled) {
+QVX_ALONE(Cancel, WaitingForAThreadMayBeCancelled) {
+  const Attached attached;
   PXTThread thread = {};
   ASSERT_EQ(PXTThreadStart(&thread, UntilTold, 0), 0);
   EXPECT_FALSE(EndsAfter([&thread] { (void)PXTThreadStop(&thread); }));

@@ -18,6 +18,7 @@
 #include "base/context_lock.h"
 #include "frame/module.h"
 #include "os/threads_turn.h"
+#include "support/alone.h"
 #include "support/files.h"
 #include "support/processes.h"
 
@@ -52,7 +53,7 @@ class AnotherThread {
   std::thread thread_;
 };
 
-TEST(Forks, AChildMakesContextLocksThoughAnotherThreadWasMakingOne) {
+QVX_ALONE(Forks, AChildMakesContextLocksThoughAnotherThreadWasMakingOne) {
   qvx::WatchForks();
   const AnotherThread maker(qvx::HoldContextLocksForFork, qvx::EndContextLocksHold);
   EXPECT_EQ(InChild([] {
@@ -66,7 +67,7 @@ TEST(Forks, AChildMakesContextLocksThoughAnotherThreadWasMakingOne) {
             0);
 }
 
-TEST(Forks, AreWatchedOnceHoweverOftenItIsAsked) {
+QVX_ALONE(Forks, AreWatchedOnceHoweverOftenItIsAsked) {
   qvx::WatchForks();
   qvx::WatchForks();
   EXPECT_EQ(InChild([] {
@@ -77,7 +78,7 @@ TEST(Forks, AreWatchedOnceHoweverOftenItIsAsked) {
             0);
 }
 
-TEST(Forks, AChildWritesAndExitsThoughAnotherThreadHadTheTurn) {
+QVX_ALONE(Forks, AChildWritesAndExitsThoughAnotherThreadHadTheTurn) {
   qvx::test::RequireSandbox();
   ASSERT_EQ(qvx::ModuleInit(), 1);
   const AnotherThread writer([] { EXPECT_EQ(qvx::TakeThreadsTurn(0), 0); }, qvx::GiveThreadsTurn);

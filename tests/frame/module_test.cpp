@@ -22,6 +22,8 @@
 #include "os/file_lock.h"
 #include "os/ipc_file.h"
 #include "support/alarms.h"
+#include "support/alloc_fault.h"
+#include "support/alone.h"
 #include "support/files.h"
 #include "support/processes.h"
 
@@ -39,7 +41,7 @@ int OpenDescriptors() {
   return count;
 }
 
-TEST(Module, OnlyTheFirstAttachOpensAndOnlyTheLastDetachCloses) {
+QVX_ALONE(Module, OnlyTheFirstAttachOpensAndOnlyTheLastDetachCloses) {
   EXPECT_EQ(qvx::IPCFileDescriptor(), -1);
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   const int opened = qvx::IPCFileDescriptor();
@@ -56,7 +58,7 @@ TEST(Module, OnlyTheFirstAttachOpensAndOnlyTheLastDetachCloses) {
   EXPECT_EQ(qvx::modAttachCount, 0);
 }
 
-TEST(Module, OnlyTheFirstAttachCapturesTheExportContext) {
+QVX_ALONE(Module, OnlyTheFirstAttachCapturesTheExportContext) {
   qvx::origECI = 7;
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   EXPECT_EQ(qvx::origECI, 0U);
@@ -65,13 +67,16 @@ TEST(Module, OnlyTheFirstAttachCapturesTheExportContext) {
   EXPECT_EQ(qvx::origECI, 7U);
 }
 
-TEST(Module, FirstAttachAndLastDetachWaitForTheLockAndTheOthersDoNot) {
+QVX_ALONE(Module, FirstAttachAndLastDetachWaitForTheLockAndTheOthersDoNot) {
   qvx::test::RequireSandbox();
   {
+    // Without a poll: the command log's size, which is read next, is polled for.
     LockHolder other(qvx::kIPCFilePath);
     const AlarmsEndTheHold alarms(&other);
+    const qvx::test::CountSleeps sleeps;
     EXPECT_EQ(qvx::ModuleAttach(), 1);
     EXPECT_GE(AlarmsEndTheHold::Count(), 3);
+    EXPECT_EQ(qvx::test::CountSleeps::Count(), 0U);
   }
   LockHolder other(qvx::kIPCFilePath);
   EXPECT_EQ(qvx::ModuleAttach(), 1);
@@ -81,7 +86,7 @@ TEST(Module, FirstAttachAndLastDetachWaitForTheLockAndTheOthersDoNot) {
   EXPECT_GE(AlarmsEndTheHold::Count(), 3);
 }
 
-TEST(Module, ARefusedAttachWaitsForTheLockToo) {
+QVX_ALONE(Module, ARefusedAttachWaitsForTheLockToo) {
   qvx::test::RequireSandbox();
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   EXPECT_EQ(qvx::ModuleDetach(), 1);
@@ -91,7 +96,7 @@ TEST(Module, ARefusedAttachWaitsForTheLockToo) {
   EXPECT_GE(AlarmsEndTheHold::Count(), 3);
 }
 
-TEST(Module, AttachAfterTheLastDetachIsRefused) {
+QVX_ALONE(Module, AttachAfterTheLastDetachIsRefused) {
   const int before = OpenDescriptors();
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   EXPECT_EQ(qvx::ModuleDetach(), 1);
@@ -103,18 +108,18 @@ TEST(Module, AttachAfterTheLastDetachIsRefused) {
   EXPECT_EQ(qvx::ModuleDetach(), 0);
 }
 
-TEST(Module, TheLockHandleIsTheIPCName) {
+QVX_ALONE(Module, TheLockHandleIsTheIPCName) {
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   EXPECT_EQ(qvx::hGFileLock, 130000U);
 }
 
-TEST(Module, TheConfiguredBaseMovesTheIPCName) {
+QVX_ALONE(Module, TheConfiguredBaseMovesTheIPCName) {
   WriteFile("/etc/qvx.conf", "  ipcnamebase=5000\n");
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   EXPECT_EQ(qvx::hGFileLock, 35000U);
 }
 
-TEST(Module, AnIPCNameOfZeroFailsTheAttachAndOpensNothing) {
+QVX_ALONE(Module, AnIPCNameOfZeroFailsTheAttachAndOpensNothing) {
   WriteFile("/etc/qvx.conf", "ipcnamebase=-30000\n");
   const int before = OpenDescriptors();
   EXPECT_EQ(qvx::ModuleAttach(), 0);
@@ -122,13 +127,13 @@ TEST(Module, AnIPCNameOfZeroFailsTheAttachAndOpensNothing) {
   EXPECT_EQ(OpenDescriptors(), before);
 }
 
-TEST(Module, TheLockIsFreeAfterAttach) {
+QVX_ALONE(Module, TheLockIsFreeAfterAttach) {
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   const LockHolder other(qvx::kIPCFilePath);
   EXPECT_EQ(qvx::FileLock(0), 0U);
 }
 
-TEST(Module, AttachedCallsReadTheConfiguredMaximum) {
+QVX_ALONE(Module, AttachedCallsReadTheConfiguredMaximum) {
   WriteFile(std::string(qvx::kProductIniPath) + qvx::kPropertiesFileName,
             "preferences.system.cmdlogmaxsize=500000\n");
   EXPECT_EQ(qvx::ModuleAttach(), 1);
@@ -138,17 +143,15 @@ TEST(Module, AttachedCallsReadTheConfiguredMaximum) {
 }
 
 // Without the lock's folder the attach fails, and everything that needs the lock says so.
-class Detached : public testing::Test {
- protected:
-  void SetUp() override {
-    qvx::test::RequireSandbox();
-    ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/lib", "/etc/cim/zarn/plinthos/var/gone"), 0);
-    EXPECT_EQ(qvx::ModuleAttach(), 0);
-    WriteFile("/tmp/x.ini", "[A]\nb=1\n");
-  }
-};
+void Detach() {
+  ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/lib", "/etc/cim/zarn/plinthos/var/gone"), 0);
+  EXPECT_EQ(qvx::ModuleAttach(), 0);
+  WriteFile("/tmp/x.ini", "[A]\nb=1\n");
+  (void)unlink("/tmp/l.xml");
+}
 
-TEST_F(Detached, INICallsCannotLock) {
+QVX_ALONE(Detached, INICallsCannotLock) {
+  Detach();
   char value[8] = "old";
   u32 size = sizeof value;
   EXPECT_EQ(PXTReadINIPathFileValue("A", "b", 1, value, &size, nullptr, 0, "/tmp/x.ini", 1),
@@ -159,7 +162,8 @@ TEST_F(Detached, INICallsCannotLock) {
   EXPECT_EQ(qvx::test::ReadFile("/tmp/x.ini"), "[A]\nb=1\n");
 }
 
-TEST_F(Detached, KeyValueCallsCannotLock) {
+QVX_ALONE(Detached, KeyValueCallsCannotLock) {
+  Detach();
   u32 count = 7;
   EXPECT_EQ(PXTCFGGetKeyValueEntries("/tmp/x.ini", &count), nullptr);
   EXPECT_EQ(count, 0U);
@@ -169,7 +173,8 @@ TEST_F(Detached, KeyValueCallsCannotLock) {
   EXPECT_EQ(PXTCFGSetKeyValue("/tmp/x.ini", &pair, 0), SM_STATUS_LOCK_FAILED);
 }
 
-TEST_F(Detached, LogCallsSayWhy) {
+QVX_ALONE(Detached, LogCallsSayWhy) {
+  Detach();
   EXPECT_EQ(PXTAppendToXMLLog("/tmp/l.xml", 4, 0, "u", "s", "d", nullptr, 0, 1000),
             SM_STATUS_NOT_LOADED);
   EXPECT_FALSE(qvx::test::Exists("/tmp/l.xml"));
@@ -181,7 +186,7 @@ TEST_F(Detached, LogCallsSayWhy) {
   EXPECT_EQ(PXTSetCmdLogMaxSize(131072), SM_STATUS_LOCK_FAILED);
 }
 
-TEST(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
+QVX_ALONE(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
   WriteFile(qvx::kIPCFilePath, "");
   ASSERT_EQ(chmod(qvx::kIPCFilePath, 0644), 0);
   EXPECT_EQ(qvx::test::InChild([] {
@@ -200,7 +205,7 @@ TEST(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
             0);
 }
 
-TEST(Module, ALockFileThatIsNoRegularFileFailsTheAttach) {
+QVX_ALONE(Module, ALockFileThatIsNoRegularFileFailsTheAttach) {
   qvx::test::RequireSandbox();
   (void)unlink(qvx::kIPCFilePath);
   ASSERT_EQ(mkfifo(qvx::kIPCFilePath, 0666), 0);
@@ -217,7 +222,7 @@ TEST(Module, ALockFileThatIsNoRegularFileFailsTheAttach) {
 
 // A failure at the lock file comes before the support for addresses is loaded, which is loaded
 // once.
-TEST(Module, AnAttachThatFoundNoLockFileMayBeTriedAgain) {
+QVX_ALONE(Module, AnAttachThatFoundNoLockFileMayBeTriedAgain) {
   qvx::test::RequireSandbox();
   const char folder[] = "/etc/cim/zarn/plinthos/var/lib";
   const char gone[] = "/etc/cim/zarn/plinthos/var/gone";
@@ -228,7 +233,7 @@ TEST(Module, AnAttachThatFoundNoLockFileMayBeTriedAgain) {
   EXPECT_EQ(qvx::modAttachCount, 1);
 }
 
-TEST(Module, InitAndFiniGiveTheResultsInSixteenBits) {
+QVX_ALONE(Module, InitAndFiniGiveTheResultsInSixteenBits) {
   EXPECT_EQ(qvx::ModuleInit(), 1);
   EXPECT_EQ(qvx::ModuleFini(), 1);
   EXPECT_EQ(qvx::ModuleFini(), 0);
