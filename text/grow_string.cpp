@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "base/heap.h"
 #include "base/results.h"
@@ -102,6 +103,23 @@ astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count) {
   if (record == nullptr || record->text == nullptr) return nullptr;
   if (text == nullptr) return record->text;
   return Append(record, text, count);
+}
+
+astring* SSAStrMakeRoom(SSAStr* record, u64 count, HeapArray<astring>* old) {
+  if (record->text == nullptr) return nullptr;
+  const u64 needed = u64{record->length} + count + 1;
+  if (count > kMaxSize || needed > kMaxSize) return nullptr;
+  if (needed > record->capacity) {
+    const u32 capacity = GrownCapacity(record->capacity, static_cast<u32>(needed));
+    HeapArray<astring> grown = AllocText<astring>(capacity);
+    if (!grown) return nullptr;
+    memcpy(grown.get(), record->text, size_t{record->length} + 1);
+    HeapArray<astring> left(record->text);
+    if (!*old) *old = std::move(left);
+    record->text = grown.release();
+    record->capacity = capacity;
+  }
+  return record->text + record->length;
 }
 
 astring* SSAStrCatAStr(SSAStr* record, const astring* text) {

@@ -9,8 +9,10 @@
 #include "qvxcs/xml_buffer.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "base/unaligned.h"
 #include "text/grow_string.h"
+#include "text/transcode.h"
 #include "text/xml_escape.h"
 #include "xml/xml_value.h"
 
@@ -18,7 +20,6 @@ namespace qvx {
 namespace {
 
 constexpr u32 kSmallestCapacity = 64;
-constexpr u64 kMaxSize = 0xFFFFFFFF;
 constexpr char kStylesheet[] =
     R"(<?xml-stylesheet type="text/xsl" version="1.0" encoding="UTF-8"?>)";
 
@@ -36,75 +37,105 @@ Element ElementOf(void* buffer, const astring* name, const astring* attributes) 
           attributes == nullptr ? 0 : strlen(attributes)};
 }
 
-// Scratch room for "<name attributes>", `valueLength` bytes, "</name>" and a NUL.
-HeapArray<astring> AllocScratch(const Element& element, u64 valueLength) {
-  const u64 room = 2 * u64{element.nameLength} + 7 + element.attributesLength + valueLength;
-  return room > kMaxSize ? nullptr : AllocArray<astring>(room);
-}
-
 astring* Put(astring* to, const astring* text, size_t length) {
   memcpy(to, text, length);
   return to + length;
 }
 
-// "<name attributes" and the end given; the place behind it.
-astring* PutOpening(astring* to, const Element& element, const astring* end) {
+size_t OpeningLength(const Element& element, size_t endLength) {
+  const size_t blank = element.attributes == nullptr ? 0 : 1;
+  return 1 + element.nameLength + blank + element.attributesLength + endLength;
+}
+
+// "<name attributes" and the end given; the place after it.
+astring* PutOpening(astring* to, const Element& element, const astring* end, size_t endLength) {
   *to++ = '<';
   to = Put(to, element.name, element.nameLength);
   if (element.attributes != nullptr) {
     *to++ = ' ';
     to = Put(to, element.attributes, element.attributesLength);
   }
-  return Put(to, end, strlen(end));
+  return Put(to, end, endLength);
 }
+
+size_t ClosingLength(const Element& element) { return element.nameLength + 3; }
 
 astring* PutClosing(astring* to, const Element& element) {
-  to = Put(to, "</", 2);
+  *to++ = '<';
+  *to++ = '/';
   to = Put(to, element.name, element.nameLength);
-  return Put(to, ">", 1);
+  *to++ = '>';
+  return to;
 }
 
-// Deliberate: an append for which the buffer cannot grow drops its piece, and the element call
-// still succeeds. Held by XmlBuffer.PieceThatDoesNotFitInMemoryIsDroppedSilently.
-void CatSpan(SSAStr* buffer, const astring* begin, const astring* end) {
-  (void)SSAStrCatChars(buffer, begin, static_cast<u64>(end - begin));
+// The element is larger than any buffer, also one that is empty.
+bool IsBeyondAnyBuffer(const Element& element, u64 valueLength) {
+  return OpeningLength(element, 1) + valueLength + ClosingLength(element) + 1 > kMaxSize;
 }
 
-// The whole element from one scratch text by one append.
+// The end of a buffer, where an element is written in place, piece by piece. The element's texts
+// may be the buffer's own: the block that they lie in is kept until all of it is written.
+class BufferEnd {
+ public:
+  explicit BufferEnd(SSAStr* buffer) : buffer_(buffer) {}
+
+  // Lets `put` write a piece of so many characters.
+  // Deliberate: a piece for which the buffer cannot grow is dropped, and the element call still
+  // succeeds. Held by XmlBuffer.PieceThatDoesNotFitInMemoryIsDroppedSilently.
+  template <typename Put>
+  void Cat(u64 length, Put put) {
+    astring* const place = SSAStrMakeRoom(buffer_, length, &old_);
+    if (place == nullptr) return;
+    put(place);
+    place[length] = '\0';
+    buffer_->length += static_cast<u32>(length);
+  }
+  void Cat(const astring* text, size_t length) {
+    Cat(length, [&](astring* place) { memcpy(place, text, length); });
+  }
+
+ private:
+  SSAStr* buffer_;
+  HeapArray<astring> old_;
+};
+
+// The whole element as one piece.
 u32 CatWhole(const Element& element, const astring* value, u64 valueLength) {
-  const HeapArray<astring> scratch = AllocScratch(element, valueLength);
-  if (!scratch) return SM_STATUS_NO_MEMORY;
-  astring* at = PutOpening(scratch.get(), element, ">");
-  if (valueLength > 0) at = Put(at, value, static_cast<size_t>(valueLength));
-  CatSpan(element.buffer, scratch.get(), PutClosing(at, element));
+  if (IsBeyondAnyBuffer(element, valueLength)) return SM_STATUS_NO_MEMORY;
+  const u64 length = OpeningLength(element, 1) + valueLength + ClosingLength(element);
+  BufferEnd(element.buffer).Cat(length, [&](astring* place) {
+    astring* at = PutOpening(place, element, ">", 1);
+    if (valueLength > 0) at = Put(at, value, static_cast<size_t>(valueLength));
+    (void)PutClosing(at, element);
+  });
   return SM_STATUS_SUCCESS;
 }
 
-// Opening tag, value and closing tag by an append each. Both tags are made before the first of
-// them, because the name may be text of the buffer that the append moves.
-template <typename CatValue>
-u32 CatPieces(const Element& element, CatValue catValue) {
-  const HeapArray<astring> scratch = AllocScratch(element, 0);
-  if (!scratch) return SM_STATUS_NO_MEMORY;
-  astring* const closing = PutOpening(scratch.get(), element, ">");
-  astring* const end = PutClosing(closing, element);
-  CatSpan(element.buffer, scratch.get(), closing);
-  catValue(element.buffer);
-  CatSpan(element.buffer, closing, end);
-  return SM_STATUS_SUCCESS;
-}
-
-u32 CatTag(const Element& element, const astring* end) {
-  const HeapArray<astring> scratch = AllocScratch(element, 0);
-  if (!scratch) return SM_STATUS_NO_MEMORY;
-  CatSpan(element.buffer, scratch.get(), PutOpening(scratch.get(), element, end));
+u32 CatTag(const Element& element, const astring* end, size_t endLength) {
+  if (IsBeyondAnyBuffer(element, 0)) return SM_STATUS_NO_MEMORY;
+  BufferEnd(element.buffer).Cat(OpeningLength(element, endLength), [&](astring* place) {
+    (void)PutOpening(place, element, end, endLength);
+  });
   return SM_STATUS_SUCCESS;
 }
 
 u32 CatEndTag(const Element& element) {
-  const HeapArray<astring> scratch = AllocScratch(element, 0);
-  if (!scratch) return SM_STATUS_NO_MEMORY;
-  CatSpan(element.buffer, scratch.get(), PutClosing(scratch.get(), element));
+  if (IsBeyondAnyBuffer(element, 0)) return SM_STATUS_NO_MEMORY;
+  BufferEnd(element.buffer).Cat(ClosingLength(element), [&](astring* place) {
+    (void)PutClosing(place, element);
+  });
+  return SM_STATUS_SUCCESS;
+}
+
+// Opening tag, value and closing tag, each a piece of its own.
+template <typename CatValue>
+u32 CatPieces(const Element& element, CatValue catValue) {
+  if (IsBeyondAnyBuffer(element, 0)) return SM_STATUS_NO_MEMORY;
+  BufferEnd end(element.buffer);
+  end.Cat(OpeningLength(element, 1),
+          [&](astring* place) { (void)PutOpening(place, element, ">", 1); });
+  catValue(&end);
+  end.Cat(ClosingLength(element), [&](astring* place) { (void)PutClosing(place, element); });
   return SM_STATUS_SUCCESS;
 }
 
@@ -125,13 +156,13 @@ u32 CatBooln(const Element& element, const void* value) {
 u32 CatLongNumber(const Element& element, const ValueType& type, const void* value) {
   astring text[kValueTextRoom];
   const u32 length = PutDecimal(text, type, value);
-  return CatPieces(element, [&](SSAStr* buffer) { CatSpan(buffer, text, text + length); });
+  return CatPieces(element, [&](BufferEnd* end) { end->Cat(text, length); });
 }
 
 u32 CatDouble(const Element& element, const void* value) {
   astring text[kValueTextRoom];
   const u32 length = PutDouble(text, value);
-  return CatPieces(element, [&](SSAStr* buffer) { CatSpan(buffer, text, text + length); });
+  return CatPieces(element, [&](BufferEnd* end) { end->Cat(text, length); });
 }
 
 u32 CatTime(const Element& element, const void* value) {
@@ -140,13 +171,21 @@ u32 CatTime(const Element& element, const void* value) {
   // Deliberate: time 0 is written "-1" as the times before it are; it stands for "no time". Held by
   // XmlBuffer.TimesBelowOneAreMinusOne.
   if (LoadValue<s32>(value) >= 1) length = PutTime(text, value);
-  return CatPieces(element, [&](SSAStr* buffer) { CatSpan(buffer, text, text + length); });
+  return CatPieces(element, [&](BufferEnd* end) { end->Cat(text, length); });
 }
 
 // Deliberate: a text that cannot be converted is left out between its tags, and the call succeeds.
 // Held by XmlBuffer.WideTextThatCannotBeConvertedLeavesTheElementEmpty.
 u32 CatWideText(const Element& element, const ustring* text) {
-  return CatPieces(element, [&](SSAStr* buffer) { (void)SSAStrCatUStr(buffer, text); });
+  u32 size = 1;
+  if (text == nullptr || UCS2StrToUTF8Str(nullptr, &size, text) != SM_STATUS_SUCCESS) size = 1;
+  return CatPieces(element, [&](BufferEnd* end) {
+    // The converter puts its NUL one byte beyond the room that it is offered.
+    u32 room = size - 1;
+    if (room != 0) {
+      end->Cat(room, [&](astring* place) { (void)UCS2StrToUTF8Str(place, &room, text); });
+    }
+  });
 }
 
 u32 CatTextRecord(const Element& element, const SSAStr& record) {
@@ -203,7 +242,7 @@ u32 PXMBufCatEndNode(void* buffer, const astring* name) {
 
 u32 PXMBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes) {
   if (buffer == nullptr || name == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  return CatTag(ElementOf(buffer, name, attributes), "/>");
+  return CatTag(ElementOf(buffer, name, attributes), "/>", 2);
 }
 
 u32 PXMBufCatNode(void* buffer, const astring* name, const astring* attributes, s32 type,
@@ -242,7 +281,7 @@ u32 PXMBufCatNodeT(void* buffer, const astring* name, const astring* attributes,
     case ValueForm::kWideTextRecord:
       return CatWideText(element, LoadValue<SSUStr>(value).text);
     case ValueForm::kBeginTag:
-      return CatTag(element, ">");
+      return CatTag(element, ">", 1);
     case ValueForm::kEndTag:
       return CatEndTag(element);
     case ValueForm::kTypedValue:

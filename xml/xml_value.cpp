@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "xml/xml_value.h"
 
+#include <array>
 #include <cstring>
 
 #include "base/unaligned.h"
@@ -61,15 +62,51 @@ u64 LoadNumber(const ValueType& type, const void* value) {
   }
 }
 
-u32 PutDigits(astring* out, u64 value, u32 radix) {
+constexpr auto kDigitPairs = [] {
+  std::array<astring, 200> pairs = {};
+  for (u32 number = 0; number < 100; ++number) {
+    pairs[2 * number] = static_cast<astring>('0' + number / 10);
+    pairs[2 * number + 1] = static_cast<astring>('0' + number % 10);
+  }
+  return pairs;
+}();
+
+// Two digits a step, from the last one.
+template <typename Number>
+astring* PutPairsBefore(astring* at, Number value) {
+  for (; value >= 100; value /= 100) {
+    at -= 2;
+    memcpy(at, &kDigitPairs[2 * static_cast<size_t>(value % 100)], 2);
+  }
+  if (value < 10) {
+    *--at = static_cast<astring>('0' + value);
+    return at;
+  }
+  at -= 2;
+  memcpy(at, &kDigitPairs[2 * static_cast<size_t>(value)], 2);
+  return at;
+}
+
+u32 PutDecimalDigits(astring* out, u64 value) {
+  astring digits[20];
+  astring* const end = digits + sizeof digits;
+  const astring* const begin = value <= UINT32_MAX ? PutPairsBefore(end, static_cast<u32>(value))
+                                                   : PutPairsBefore(end, value);
+  const u32 length = static_cast<u32>(end - begin);
+  memcpy(out, begin, length);
+  out[length] = '\0';
+  return length;
+}
+
+u32 PutHexDigits(astring* out, u32 value) {
   constexpr char kDigits[] = "0123456789abcdef";
   u32 length = 1;
-  for (u64 rest = value / radix; rest != 0; rest /= radix) {
+  for (u32 rest = value >> 4; rest != 0; rest >>= 4) {
     ++length;
   }
   out[length] = '\0';
-  for (u32 at = length; at > 0; value /= radix) {
-    out[--at] = kDigits[value % radix];
+  for (u32 at = length; at > 0; value >>= 4) {
+    out[--at] = kDigits[value & 0xF];
   }
   return length;
 }
@@ -89,23 +126,23 @@ u32 PutBooln(astring* out, const void* value) {
 u32 PutDecimal(astring* out, const ValueType& type, const void* value) {
   const u64 number = LoadNumber(type, value);
   return type.isSigned ? PutDecimalNumber(out, static_cast<s64>(number))
-                       : PutDigits(out, number, 10);
+                       : PutDecimalDigits(out, number);
 }
 
 u32 PutDecimalNumber(astring* out, s64 number) {
   const u64 magnitude = static_cast<u64>(number);
-  if (number >= 0) return PutDigits(out, magnitude, 10);
+  if (number >= 0) return PutDecimalDigits(out, magnitude);
   out[0] = '-';
-  return 1 + PutDigits(out + 1, 0 - magnitude, 10);
+  return 1 + PutDecimalDigits(out + 1, 0 - magnitude);
 }
 
 u32 PutHexadecimal(astring* out, const ValueType& type, const void* value) {
   // Deliberate: signed numbers are extended to 32 bits before they are printed, so an 8-bit -1 is
   // "0xffffffff"; 0 has no prefix. Held by XmlValue.HexadecimalExtendsTheSignTo32Bits.
   const u32 number = static_cast<u32>(LoadNumber(type, value));
-  if (number == 0) return PutDigits(out, 0, 16);
+  if (number == 0) return PutHexDigits(out, 0);
   memcpy(out, "0x", 2);
-  return 2 + PutDigits(out + 2, number, 16);
+  return 2 + PutHexDigits(out + 2, number);
 }
 
 u32 PutDouble(astring* out, const void* value) {

@@ -18,8 +18,9 @@
  * `PXTTypedValue` asks for radix 16.
  *
  * Memory: a buffer starts with 64 bytes or what is asked for and grows as the growable strings do.
- * When it cannot grow, the piece at hand is dropped and the call still succeeds; memory that
- * lacks before anything is appended is reported, and the buffer is then as it was.
+ * When it cannot grow, the piece at hand is dropped and the call still succeeds. Only an escaped
+ * text for which there is no memory, and an element that no buffer can hold, are reported; the
+ * buffer is then as it was.
  *
  * Nothing here takes a lock. A buffer belongs to one thread at a time; different buffers may be
  * built on different threads.
@@ -126,8 +127,8 @@ QVX_EXPORT void PXTXFreeBufContent(qvx_astring* text);
  *         QVX_TYPE_USTRING or QVX_TYPE_SSUSTR could not be converted and the element stays empty
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer`, `name` or a needed value is NULL, and for a
  *         type code or radix that is none; the buffer stays as it was
- * @retval SM_STATUS_NO_MEMORY without memory for the element, and when a text of
- *         QVX_TYPE_XML_ASTRING or QVX_TYPE_XML_USTRING cannot be converted; the buffer stays as it
+ * @retval SM_STATUS_NO_MEMORY when a text of QVX_TYPE_XML_ASTRING or QVX_TYPE_XML_USTRING cannot
+ *         be converted, for want of memory too, and for an element of 4 GiB; the buffer stays as it
  *         was
  * @par Memory
  * Name, attributes and value are copied.
@@ -145,7 +146,7 @@ QVX_EXPORT qvx_u32 PXTXBufCatNode(void* buffer, const qvx_astring* name,
  * @param[in] attributes  written as it stands after one blank; NULL without any
  * @retval SM_STATUS_SUCCESS also where the buffer could not grow
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer` or `name` is NULL
- * @retval SM_STATUS_NO_MEMORY without memory for the tag; the buffer stays as it was
+ * @retval SM_STATUS_NO_MEMORY for a tag of 4 GiB; the buffer stays as it was
  * @par Memory
  * Name and attributes are copied.
  * @par Threads
@@ -161,7 +162,7 @@ QVX_EXPORT qvx_u32 PXTXBufCatBeginNode(void* buffer, const qvx_astring* name,
  * @param[in] name        the element's name, written as it stands
  * @retval SM_STATUS_SUCCESS also where the buffer could not grow
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer` or `name` is NULL
- * @retval SM_STATUS_NO_MEMORY without memory for the tag; the buffer stays as it was
+ * @retval SM_STATUS_NO_MEMORY for a tag of 4 GiB; the buffer stays as it was
  * @par Memory
  * The name is copied.
  * @par Threads
@@ -177,7 +178,7 @@ QVX_EXPORT qvx_u32 PXTXBufCatEndNode(void* buffer, const qvx_astring* name);
  * @param[in] attributes  written as it stands after one blank; NULL without any
  * @retval SM_STATUS_SUCCESS also where the buffer could not grow
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer` or `name` is NULL
- * @retval SM_STATUS_NO_MEMORY without memory for the element; the buffer stays as it was
+ * @retval SM_STATUS_NO_MEMORY for an element of 4 GiB; the buffer stays as it was
  * @par Memory
  * Name and attributes are copied.
  * @par Threads

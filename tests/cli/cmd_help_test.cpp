@@ -112,10 +112,10 @@ TEST(CmdHelp, FirstTwoArgumentsAreIgnored) {
   EXPECT_EQ(Taken(PXTNVSCMDHelp(-1, nullptr, table, 1, Self)), expected);
 }
 
-// The third allocation, if there is one, makes the opening tag.
-TEST(CmdHelp, WithoutMemoryForTheBufferOrItsOpeningTagIsNull) {
+// The opening tag fits the buffer's first text.
+TEST(CmdHelp, WithoutMemoryForTheBufferIsNull) {
   const PXTCommand table[] = {{kSelf, Self}};
-  for (const u32 nth : {1u, 2u, 3u}) {
+  for (const u32 nth : {1u, 2u}) {
     astring* text = nullptr;
     {
       const FailNthAllocation fault(nth);
@@ -125,11 +125,11 @@ TEST(CmdHelp, WithoutMemoryForTheBufferOrItsOpeningTagIsNull) {
   }
 }
 
-TEST(CmdHelp, CommandWithoutMemoryForItsElementIsSkipped) {
+TEST(CmdHelp, CommandWithoutMemoryForItsAttributeIsSkipped) {
   astring help[] = "help";
   static astring* heapHelp = nullptr;
   const PXTCommand table[] = {{kAlpha, [](s32, astring**) { return heapHelp; }}};
-  for (const u32 nth : {4u, 5u}) {  // behind buffer, text and opening tag: attribute, element
+  for (const u32 nth : {3u}) {  // after buffer and text
     heapHelp = strdup(help);
     astring* text = nullptr;
     {

@@ -423,7 +423,7 @@ TEST(XmlBuffer, RecordsMayBeUnaligned) {
   EXPECT_EQ(ElementOf(25, bytes.data()), "<T>abc</T>");
 }
 
-TEST(XmlBuffer, ElementsWithoutScratchMemoryLeaveTheBuffer) {
+TEST(XmlBuffer, ElementsThatFitNeedNoMemoryBesideTheBuffer) {
   const u64 number = 7;
   const astring text[] = "t";
   const SSAStr record = {const_cast<astring*>(text), 2, 1};
@@ -435,29 +435,66 @@ TEST(XmlBuffer, ElementsWithoutScratchMemoryLeaveTheBuffer) {
   } rows[] = {{1, text},         {2, Units(u"w")}, {4, &number},  {5, &number},  {7, &number},
               {9, &number},      {11, &number},    {13, &number}, {15, &number}, {16, &record},
               {17, &wideRecord}, {18, nullptr},    {19, nullptr}, {20, &number}, {21, &number},
-              {22, &number},     {23, &number},    {25, &typed},  {26, text},    {27, Units(u"w")}};
+              {22, &number},     {23, &number},    {25, &typed}};
   (void)NumberOf(15, s32{1});  // the C library's own allocations for the time zone
   for (const auto& row : rows) {
+    Buffer whole;
+    EXPECT_EQ(PXMBufCatNode(whole.get(), "N", "a=\"1\"", row.type, row.value), SM_STATUS_SUCCESS);
     Buffer buffer;
-    u32 status = 0;
+    bool asked = false;
+    u32 status = 1;
     {
       const FailNthAllocation fault(1);
       status = PXMBufCatNode(buffer.get(), "N", "a=\"1\"", row.type, row.value);
+      asked = FailNthAllocation::Fired();
     }
-    EXPECT_EQ(status, SM_STATUS_NO_MEMORY) << row.type;
-    EXPECT_EQ(buffer.Text(), "") << row.type;
+    EXPECT_EQ(status, SM_STATUS_SUCCESS) << row.type;
+    EXPECT_FALSE(asked) << row.type;
+    EXPECT_EQ(buffer.Text(), whole.Text()) << row.type;
   }
 }
 
-TEST(XmlBuffer, EmptyElementWithoutScratchMemoryLeavesTheBuffer) {
-  Buffer buffer;
-  u32 status = 0;
+TEST(XmlBuffer, EmptyElementThatDoesNotFitInMemoryIsDroppedSilently) {
+  Buffer buffer(64);
+  const std::string name(70, 'n');
+  u32 status = 1;
   {
     const FailNthAllocation fault(1);
-    status = PXMBufCatEmptyNode(buffer.get(), "N", nullptr);
+    status = PXMBufCatEmptyNode(buffer.get(), name.c_str(), nullptr);
   }
-  EXPECT_EQ(status, SM_STATUS_NO_MEMORY);
+  EXPECT_EQ(status, SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "");
+}
+
+// The buffer moves with each of the element's pieces.
+TEST(XmlBuffer, TheBuffersOwnTextMayBeNameAttributesAndValue) {
+  for (const s32 type : {1, 16, 9, 2}) {
+    Buffer buffer(64);
+    const std::string text(60, 't');
+    ASSERT_EQ(PXMBufCatNode(buffer.get(), text.c_str(), nullptr, 18, nullptr), SM_STATUS_SUCCESS);
+    const SSAStr record = buffer.record();
+    const std::string own = buffer.Text();
+    const u64 number = 12345;
+    const void* const values[] = {record.text, &record, &number, Units(u"wide")};
+    const std::string shown[] = {own, own, "12345", "wide"};
+    const int at = type == 1 ? 0 : type == 16 ? 1 : type == 9 ? 2 : 3;
+    ASSERT_EQ(PXMBufCatNode(buffer.get(), record.text, record.text, type, values[at]),
+              SM_STATUS_SUCCESS);
+    EXPECT_EQ(buffer.Text(), own + "<" + own + " " + own + ">" + shown[at] + "</" + own + ">");
+  }
+}
+
+TEST(XmlBuffer, EachPieceOfALongNumberGrowsTheBufferByTheRule) {
+  Buffer buffer(64);
+  const u64 number = 18446744073709551615u;
+  const std::string name(50, 'n');
+  ASSERT_EQ(PXMBufCatNode(buffer.get(), name.c_str(), nullptr, 9, &number), SM_STATUS_SUCCESS);
+  EXPECT_EQ(buffer.record().length, 52u + 20 + 53);
+  EXPECT_EQ(buffer.record().capacity, 128u);  // 73 bytes ask for more than 64, 126 for no more
+  ASSERT_EQ(PXMBufCatNode(buffer.get(), std::string(600, 'n').c_str(), nullptr, 9, &number),
+            SM_STATUS_SUCCESS);
+  // 125 + 602 + 1 = 728 are more than twice 128, and 747 + 603 + 1 = 1,351 less than twice 728.
+  EXPECT_EQ(buffer.record().capacity, 1456u);
 }
 
 TEST(XmlBuffer, EscapedTextWithoutMemoryLeavesTheBuffer) {
@@ -477,7 +514,7 @@ TEST(XmlBuffer, PieceThatDoesNotFitInMemoryIsDroppedSilently) {
   const std::string value(100, 'v');
   u32 status = 1;
   {
-    const FailNthAllocation fault(2);  // the scratch text is the first
+    const FailNthAllocation fault(1);
     status = PXMBufCatNode(buffer.get(), "N", nullptr, 1, value.c_str());
   }
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
@@ -490,7 +527,7 @@ TEST(XmlBuffer, ValueDroppedForMemoryKeepsItsTags) {
   const std::u16string value(100, u'v');
   u32 status = 1;
   {
-    const FailNthAllocation fault(2);  // the conversion's block behind the scratch text
+    const FailNthAllocation fault(1);  // the tags fit, the value does not
     status = PXMBufCatNode(buffer.get(), "N", nullptr, 2, Units(value.c_str()));
   }
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
