@@ -2,27 +2,33 @@
 // SPDX-License-Identifier: MIT
 #include "cli/log_content.h"
 
-#include <limits.h>
-#include <string.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cerrno>
+#include <cstring>
 #include <memory>
 #include <utility>
 
-#include "base/heap.h"
+#include "qvxcs/grow_string.h"
+
+#include "base/results.h"
 #include "cli/param_node.h"
-#include "os/stdio_file.h"
+#include "os/descriptor.h"
 #include "xml/xml_buffer.h"
 
 namespace qvx {
 
 namespace {
 
-constexpr s32 kXmlAString = 1;
 constexpr u16 kDiscard = 0;
 constexpr u16 kKeepText = 1;
+
+// A block is looked at while the processor still has it at hand.
+constexpr u32 kReadBlock = 256 * 1024;
+constexpr u32 kAroundContent = sizeof "<Content></Content><SMStatus>-1</SMStatus>";
 
 struct XmlBufferDeleter {
   void operator()(void* buffer) const { (void)PXMFreeBuf(buffer, kDiscard); }
@@ -38,18 +44,55 @@ u32 SizeToShow(const astring* path) {
   return static_cast<u32>(info.st_size);
 }
 
-// Reads lines until the text is full: what is appended meanwhile is not shown. False when a read
-// fails, for then the text would not be whole.
-bool ReadLines(FILE* file, astring* line, astring* text, u32 size) {
-  const int lineRoom = static_cast<int>(std::min<u64>(u64{size} + 1, INT_MAX));
+// The file, opened for reading; empty for one that is no regular file any more.
+Descriptor OpenLogToShow(const astring* path) {
+  Descriptor opened = OpenDescriptor(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  struct stat status = {};
+  if (!opened || (fstat(opened.Number(), &status) == 0 && S_ISREG(status.st_mode))) return opened;
+  errno = EINVAL;
+  return {};
+}
+
+// Reads up to `size` bytes: what is appended meanwhile is not shown. -1 when a read fails, for then
+// the text would not be whole. Tells whether there is a NUL among the bytes.
+s64 ReadText(const Descriptor& file, astring* text, u32 size, bool* hasNul) {
   u32 used = 0;
-  while (used < size && fgets(line, lineRoom, file) != nullptr) {
-    const u32 length = static_cast<u32>(std::min<u64>(strlen(line), size - used));
-    memcpy(text + used, line, length);
-    used += length;
+  while (used < size) {
+    const ssize_t got = read(file.Number(), text + used, std::min(size - used, kReadBlock));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return -1;
+    if (got == 0) break;
+    *hasNul = *hasNul || memchr(text + used, '\0', static_cast<size_t>(got)) != nullptr;
+    used += static_cast<u32>(got);
   }
-  text[used] = '\0';
-  return ferror(file) == 0;
+  return used;
+}
+
+// Keeps each line up to its first NUL; a line's end after the NUL goes too. The new length.
+u32 KeepLinesUpToTheirNul(astring* text, u32 length) {
+  u32 kept = 0;
+  for (u32 begin = 0; begin < length;) {
+    const void* const end = memchr(text + begin, '\n', length - begin);
+    const u32 next =
+        end == nullptr ? length : static_cast<u32>(static_cast<const astring*>(end) - text) + 1;
+    const u32 shown = static_cast<u32>(strnlen(text + begin, next - begin));
+    memmove(text + kept, text + begin, shown);
+    kept += shown;
+    begin = next;
+  }
+  return kept;
+}
+
+// Reads the file in its place after the text that the buffer has. False when a read fails.
+bool CatFile(SSAStr* buffer, const Descriptor& file, u32 size) {
+  astring* const place = buffer->text + buffer->length;
+  bool hasNul = false;
+  const s64 got = ReadText(file, place, size, &hasNul);
+  const u32 length = got > 0 && hasNul ? KeepLinesUpToTheirNul(place, static_cast<u32>(got))
+                                       : static_cast<u32>(std::max<s64>(got, 0));
+  place[length] = '\0';
+  buffer->length += length;
+  return got >= 0;
 }
 
 astring* TakeText(XmlBuffer buffer, s32 status) {
@@ -61,26 +104,20 @@ astring* TakeText(XmlBuffer buffer, s32 status) {
 
 astring* CmdGetXMLLogContent(const astring* path) {
   const u32 size = path == nullptr ? 0 : SizeToShow(path);
-  if (size == 0) {
-    return nullptr;
-  }
-  XmlBuffer buffer(PXMAllocBuf(size + 1, 0));
-  if (!buffer) {
-    return nullptr;
-  }
-  const FilePtr file = OpenFile(path, "rb");
-  if (!file) {
+  if (size == 0 || size > kMaxSize - kAroundContent) return nullptr;
+  const Descriptor file = OpenLogToShow(path);
+  if (!file && errno == ENOMEM) return nullptr;
+  // Room for the whole answer at once: nothing that is added to it can fail.
+  XmlBuffer buffer(PXMAllocBuf(file ? size + kAroundContent : kAroundContent, 0));
+  if (!buffer) return nullptr;
+  if (!file) return TakeText(std::move(buffer), -1);
+  SSAStr* const record = static_cast<SSAStr*>(buffer.get());
+  (void)PXMBufCatBeginNode(record, "Content", nullptr);
+  if (!CatFile(record, file, size)) {
+    record->length = 0;
     return TakeText(std::move(buffer), -1);
   }
-  const HeapArray<astring> line = AllocArray<astring>(u64{size} + 1);
-  const HeapArray<astring> text = AllocArray<astring>(u64{size} + 1);
-  if (!line || !text) {
-    return nullptr;
-  }
-  if (!ReadLines(file.get(), line.get(), text.get(), size)) {
-    return TakeText(std::move(buffer), -1);
-  }
-  (void)PXMBufCatNode(buffer.get(), "Content", nullptr, kXmlAString, text.get());
+  (void)PXMBufCatEndNode(record, "Content");
   return TakeText(std::move(buffer), 0);
 }
 
