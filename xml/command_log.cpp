@@ -4,14 +4,16 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
 #include "base/layout.h"
-#include "config/keyvalue_reader.h"
+#include "config/keyvalue_line.h"
 #include "os/file_lock.h"
 #include "os/file_util.h"
+#include "os/stdio_file.h"
 #include "text/number_text.h"
 #include "xml/xml_log.h"
 
@@ -62,13 +64,24 @@ bool ParseMaxSize(const astring* number, u32* size) {
   return true;
 }
 
-// Leaves the size alone when the file, the key or a valid number is missing.
-bool ReadConfiguredMaxSize(u32* size) {
-  u32 count = 0;
-  PXTKeyValue* entries = CFGGetKeyValueEntries(kPropertiesFileName, 1, &count);
-  const bool found = ParseMaxSize(CFGGetKeyValue(entries, count, kMaxSizeKey, 0), size);
-  CFGFreeKeyValueEntries(entries, count);
-  return found;
+// The text of the key's first occurrence in the properties file, in `line`; null without one.
+const astring* FindMaxSizeText(astring* line) {
+  astring path[kKeyValuePathRoom];
+  if (!KeyValuePath(kPropertiesFileName, 1, path)) return nullptr;
+  const FilePtr file = OpenFile(path, "r");
+  if (!file) return nullptr;
+  while (ReadKeyValueLine(file.get(), line) != 0) {
+    const astring* const value = SplitKeyValueLine(line);
+    if (value != nullptr && strcmp(line, kMaxSizeKey) == 0) return value;
+  }
+  return nullptr;
+}
+
+// Called under the file lock. Leaves the size alone when the file, the key or a valid number is
+// missing.
+void ReadConfiguredMaxSize(u32* size) {
+  const HeapArray<astring> line = AllocArray<astring>(kKeyValueLineRoom);
+  if (line) (void)ParseMaxSize(FindMaxSizeText(line.get()), size);
 }
 
 }  // namespace
@@ -138,9 +151,8 @@ u32 SUPTIntfGetCmdLogMaxSize(u32* size) {
   if (!lock) {
     return SM_STATUS_LOCK_FAILED;
   }
-  if (!ReadConfiguredMaxSize(size)) {
-    *size = cmdLogMaxSize.load();
-  }
+  *size = cmdLogMaxSize.load();
+  ReadConfiguredMaxSize(size);
   return SM_STATUS_SUCCESS;
 }
 
@@ -161,11 +173,11 @@ u32 SUPTIntfSetCmdLogMaxSize(s32 size) {
 void InitCmdMaxLogSize() {
   u32 size = kDefaultMaxLogSize;
   (void)SUPTIntfGetCmdLogMaxSize(&size);
-  (void)ReadConfiguredMaxSize(&size);
+  const FileLockGuard lock(1);
+  if (lock) ReadConfiguredMaxSize(&size);
   // Deliberate: what was read is dropped: each append asks the properties file anew, and the value
   // of the module is the default it falls back to. Held by
   // CommandLog.AttachKeepsTheDefaultWhateverTheFileHolds.
-  const FileLockGuard lock(1);
   cmdLogMaxSize.store(kDefaultMaxLogSize);
 }
 

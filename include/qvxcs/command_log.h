@@ -13,7 +13,7 @@
  * user `Local System`, source `QVPX`.
  *
  * The log moves to its backup when an entry would bring it to its maximum size. That is the decimal
- * number behind the first `preferences.system.cmdlogmaxsize=` of
+ * number after the first `preferences.system.cmdlogmaxsize=` of
  * `/etc/cim/zarn/plinthos/vexilon//qvx/ini/qvx.properties`, asked anew by each append. A number may
  * have a sign (`-5` is 4,294,967,291); one beyond 32 bits, another text, or no file leaves 131,072.
  *
@@ -21,9 +21,9 @@
  *
  * @par Locks
  * The sizes are read under the suite's file lock, for which all calls wait 60,000 attempts, 1 ms
- * apart. It does not nest: reading the properties file, or making a missing log, ends the outer
- * hold as well, and other processes may come into the rest of that call. Threads of one process
- * take turns for the whole of each hold, within the same attempts.
+ * apart. The lock does not nest: making a missing log ends the outer hold as well, and other
+ * processes may come into the rest of that call. Threads of one process take turns for the whole of
+ * each call's hold, within the same attempts.
  */
 
 #include "qvxcs/types.h"

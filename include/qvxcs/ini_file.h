@@ -29,8 +29,8 @@
  * another is changing. With the lock flag QVX_LOCK_WAIT a call waits for them, 60,000 attempts that
  * are 1 ms apart; with any other it tries once, which always fails in a process that may not write
  * the lock file. To read a value, change it and write it back takes two calls: another program or
- * thread may write in between. The calls also work in a child
- * that was forked from a process with threads.
+ * thread may write in between. The calls also work in a child that was forked from a process with
+ * threads.
  */
 
 #include "qvxcs/types.h"

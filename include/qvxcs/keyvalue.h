@@ -20,8 +20,7 @@
  * Reading and rewriting wait for their turn among the threads of the process and for the lock that
  * the suite's processes share, 60,000 attempts that are 1 ms apart, and keep both throughout. To
  * read a value, change it and write it back takes two calls: another program or thread may write in
- * between. The calls also work in a child
- * that was forked from a process with threads.
+ * between. The calls also work in a child that was forked from a process with threads.
  */
 
 #include "qvxcs/types.h"
