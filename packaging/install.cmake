@@ -1,9 +1,10 @@
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
 
-# What `cmake --install` lays out: the library, its headers, its manual pages, and what pkg-config
-# and CMake need to find them. Nothing of it tells where it was built or first installed, so the
-# whole can be moved; only what is made for /usr says so to pkg-config.
+# What `cmake --install` lays out: the library, its headers, its manual, its examples, the files by
+# which systemd makes its group, folders and lock file, and what pkg-config and CMake need to find it.
+# Nothing of it names the place where it was built or first installed, so the whole can be moved;
+# only what is made for /usr says so to pkg-config.
 include(CMakePackageConfigHelpers)
 
 install(
@@ -15,15 +16,48 @@ install(
 install(DIRECTORY include/qvxcs DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING
         PATTERN "*.h")
 
-# Pages made from the headers, if they were, and those written by hand.
-foreach(section 3 5 7)
+# A page for every function is made from the headers where Doxygen and Python are there.
+find_program(QVXCS_DOXYGEN doxygen)
+find_program(QVXCS_PYTHON python3)
+mark_as_advanced(QVXCS_DOXYGEN QVXCS_PYTHON)
+set(manual_default OFF)
+if(QVXCS_DOXYGEN AND QVXCS_PYTHON AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+  set(manual_default ON)
+endif()
+option(QVXCS_MANUAL "Make the manual with every build; it takes Doxygen" ${manual_default})
+if(QVXCS_MANUAL)
+  set(with_all ALL)
+endif()
+file(GLOB manual_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/qvxcs/*.h
+     ${PROJECT_SOURCE_DIR}/docs/man/*.[0-9])
+set(manual_made ${PROJECT_BINARY_DIR}/man/made)
+add_custom_command(
+  OUTPUT ${manual_made}
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${PROJECT_BINARY_DIR}/man/man3
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/man/man3
+  COMMAND ${PROJECT_SOURCE_DIR}/tools/man ${PROJECT_BINARY_DIR}/man/man3
+  COMMAND ${CMAKE_COMMAND} -E touch ${manual_made}
+  DEPENDS ${manual_sources} ${PROJECT_SOURCE_DIR}/tools/man ${PROJECT_SOURCE_DIR}/frame/libqvxcs.map
+  COMMENT "Making the manual")
+add_custom_target(manual ${with_all} DEPENDS ${manual_made})
+
+foreach(section 3 5 7 8)
   set(destination ${CMAKE_INSTALL_MANDIR}/man${section})
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/man/man${section}/ DESTINATION ${destination} OPTIONAL)
+  if(section EQUAL 3)
+    install(DIRECTORY ${PROJECT_BINARY_DIR}/man/man3/ DESTINATION ${destination} OPTIONAL)
+  endif()
   file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.${section})
   if(pages)
     install(FILES ${pages} DESTINATION ${destination})
   endif()
 endforeach()
+
+# systemd looks into lib/ below /usr and /usr/local, whatever the machine calls its library folder.
+foreach(kind sysusers tmpfiles)
+  install(FILES packaging/qvxcs.${kind} DESTINATION lib/${kind}.d RENAME qvxcs.conf)
+endforeach()
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qvxcs/examples
+        PATTERN CMakeLists.txt EXCLUDE)
 
 # pkg-config reckons from the file's own place, unless a folder was fixed by an absolute path. Of
 # /usr it has to be told plainly: then it leaves the folders that compilers look into anyway out of
