@@ -6,7 +6,7 @@
 // Enters mount, UTS, IPC and network namespaces of its own, lays private, writable copies over the
 // folders that the library and its tests write to, and becomes the program. The machine outside
 // sees nothing of it. The file /run/qvx-sandbox tells the program where it is. A build for another
-// machine than this one brings a root of its own, which is entered first.
+// machine than this one brings a root of its own, which is entered first, and maybe an emulator.
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -184,6 +184,12 @@ int main(int argc, char** argv) {
     Enter();
     Check(chdir(folder.c_str()), folder);
   }
+#ifdef QVX_EMULATOR
+  // Takes the place of this program's own name, in front of the other program's.
+  argv[0] = const_cast<char*>(QVX_EMULATOR);
+  execv(argv[0], argv);
+#else
   execvp(argv[1], argv + 1);
+#endif
   Fail(argv[1]);
 }
