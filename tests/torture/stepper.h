@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: Copyright The libqvxcs authors
+// SPDX-License-Identifier: MIT
+#ifndef QVX_TESTS_TORTURE_STEPPER_H
+#define QVX_TESTS_TORTURE_STEPPER_H
+
+#include <sys/types.h>
+
+#include <functional>
+#include <string>
+
+// Runs a child that stops at each of its system calls between Begin() and End().
+namespace qvx::torture {
+
+enum class At { kEntry, kExit };
+
+struct Stop {
+  pid_t child;
+  unsigned nth;  // the call's number, from 1
+  At at;
+  unsigned number;     // the system call
+  unsigned long size;  // its third argument
+};
+
+enum class Then { kGoOn, kKill };
+
+// The child's marks.
+void Begin();
+void End();
+
+// Instead of the call nothing is done: it fails with `error` (0: it gives 0).
+void Refuse(const Stop& stop);
+void SetResult(const Stop& stop, long result);
+// A write writes less.
+void SetSize(const Stop& stop, unsigned long size);
+
+// Runs `body` in a child until it ends or `look` says to kill it. Gives what the child said was
+// wrong; `killed` is set where it was killed.
+std::string Step(const std::function<std::string()>& body,
+                 const std::function<Then(const Stop&)>& look, bool* killed);
+
+// Whether the library itself makes such a call for its files.
+bool IsFileCall(unsigned number);
+bool IsWrite(unsigned number);
+// Whether the call asks which file the lock's descriptor is, or gives the lock back. Both fail on
+// no real system, and what they guard cannot be told then.
+bool IsAboutTheLock(const Stop& stop);
+
+}  // namespace qvx::torture
+
+#endif
