@@ -2,15 +2,21 @@
 // SPDX-License-Identifier: MIT
 #include "xml/command_log.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <atomic>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
 #include "base/layout.h"
+#include "config/file_lines.h"
 #include "config/keyvalue_line.h"
+#include "os/block_reader.h"
 #include "os/file_lock.h"
 #include "os/file_util.h"
 #include "os/stdio_file.h"
@@ -64,24 +70,23 @@ bool ParseMaxSize(const astring* number, u32* size) {
   return true;
 }
 
-// The text of the key's first occurrence in the properties file, in `line`; null without one.
-const astring* FindMaxSizeText(astring* line) {
-  astring path[kKeyValuePathRoom];
-  if (!KeyValuePath(kPropertiesFileName, 1, path)) return nullptr;
-  const FilePtr file = OpenFile(path, "r");
-  if (!file) return nullptr;
-  while (ReadKeyValueLine(file.get(), line) != 0) {
-    const astring* const value = SplitKeyValueLine(line);
-    if (value != nullptr && strcmp(line, kMaxSizeKey) == 0) return value;
-  }
-  return nullptr;
-}
-
-// Called under the file lock. Leaves the size alone when the file, the key or a valid number is
-// missing.
+// Called under the file lock. Leaves the size alone when the file, the key's first occurrence or a
+// valid number is missing.
 void ReadConfiguredMaxSize(u32* size) {
-  const HeapArray<astring> line = AllocArray<astring>(kKeyValueLineRoom);
-  if (line) (void)ParseMaxSize(FindMaxSizeText(line.get()), size);
+  astring path[kKeyValuePathRoom];
+  if (!KeyValuePath(kPropertiesFileName, 1, path)) return;
+  struct stat seen = {};
+  const Descriptor opened = OpenRegular(path, O_RDONLY, &seen);
+  BlockReader file(opened.Number());
+  if (!opened || !file) return;
+  astring key[kKeyValueLineRoom];
+  std::string_view line;
+  while (NextLine(&file, &line) == LineRead::kLine) {
+    const astring* const value = SplitKeyValueLine(line, key);
+    if (value == nullptr || strcmp(key, kMaxSizeKey) != 0) continue;
+    (void)ParseMaxSize(value, size);
+    return;
+  }
 }
 
 }  // namespace
