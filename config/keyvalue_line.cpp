@@ -7,6 +7,7 @@
 
 #include "base/heap.h"
 #include "paths/product_paths.h"
+#include "text/ascii_util.h"
 
 namespace qvx {
 namespace {
@@ -37,14 +38,6 @@ void RemoveTrailingBlanks(astring* line) {
   line[length] = '\0';
 }
 
-void RemoveDoubleQuotes(astring* line) {
-  astring* out = line;
-  for (const astring* at = line; *at != '\0'; ++at) {
-    if (*at != '"') *out++ = *at;
-  }
-  *out = '\0';
-}
-
 }  // namespace
 
 void CFGEntryRemoveWhiteSpaceAndDQuotes(astring* line) {
@@ -52,7 +45,7 @@ void CFGEntryRemoveWhiteSpaceAndDQuotes(astring* line) {
   if (equals == nullptr) return;
   RemoveBlanksAroundKey(line, equals);
   RemoveTrailingBlanks(line);
-  RemoveDoubleQuotes(line);
+  RemoveDQuotesInStrArr(1, &line);
 }
 
 astring* SplitKeyValueLine(astring* line) {
