@@ -396,6 +396,21 @@ TEST_F(IniReadValues, FixedTypesWithoutAUsableDefaultSetTheSizeTo0) {
   }
 }
 
+TEST_F(IniReadValues, DefaultMayOverlapTheValue) {
+  WriteFile(kPath, "[A]\n");
+  for (const s32 type : {3, 7}) {
+    for (const u32 at : {0u, 1u, 2u}) {
+      u8 bytes[10] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+      u32 size = 8;
+      EXPECT_EQ(ReadINIPathFileValue("A", "k", type, bytes + at, &size, bytes + 1, 8, kPath, 0),
+                SM_STATUS_KEY_NOT_FOUND);
+      EXPECT_EQ(size, 8u);
+      const u8 expected[] = {1, 2, 3, 4, 5, 6, 7, 8};
+      EXPECT_EQ(memcmp(bytes + at, expected, 8), 0) << type << " at " << at;
+    }
+  }
+}
+
 TEST_F(IniReadValues, DefaultMayBeTheValueItself) {
   GivenText("100");
   u8 bytes[4] = {1, 2, 3, 4};

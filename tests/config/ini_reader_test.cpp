@@ -259,6 +259,23 @@ TEST_F(IniReader, DefaultMayBeTheValueItself) {
   EXPECT_EQ(size, 5u);
 }
 
+TEST_F(IniReader, DefaultMayOverlapTheValue) {
+  WriteFile(kPath, "[A]\nx=1\n");
+  // "bcdefghij" moved to the front, then to the back, past the value's own first character.
+  astring text[20] = "abcdefghij";
+  u32 size = 10;
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", text, &size, text + 1, 10, kPath, 0}),
+            SM_STATUS_KEY_NOT_FOUND);
+  EXPECT_STREQ(text, "bcdefghij");
+  EXPECT_EQ(size, 10u);
+  memcpy(text, "abcdefghij", 11);
+  size = 11;
+  EXPECT_EQ(ReadINIFileValue_astring({"A", "y", text + 1, &size, text, 11, kPath, 0}),
+            SM_STATUS_KEY_NOT_FOUND);
+  EXPECT_STREQ(text, "aabcdefghij");
+  EXPECT_EQ(size, 11u);
+}
+
 TEST_F(IniReader, WithoutADefaultTheValueIsEmptyAndItsSizeZero) {
   WriteFile(kPath, "[A]\nx=1\n");
   for (const char* given : {static_cast<const char*>(nullptr), "dflt"}) {

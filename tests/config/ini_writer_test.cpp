@@ -20,6 +20,7 @@
 #include "os/descriptor.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
+#include "support/kill_at_stop.h"
 #include "support/processes.h"
 #include "support/small_disk.h"
 
@@ -508,6 +509,31 @@ TEST_F(IniWriter, ReadErrorIsABadSectionHeader) {
   EXPECT_EQ(FindSection("A", &first, &out), SM_STATUS_BAD_SECTION_HEADER);
   BlockReader second(memory.Number());
   EXPECT_EQ(FindKeyUpdateValue("key", "v", &second, &out), SM_STATUS_BAD_SECTION_HEADER);
+}
+
+// How many system calls so many writes of one key make, in a process of their own.
+u32 SystemCallsOf(int writes) {
+  u32 stops = 0;
+  const int status = test::RunStepwise(
+      [writes] {
+        u32 failed = 0;
+        for (int round = 0; round < writes; ++round)
+          failed |= Write("A", "key", "2", kPath, 1);
+        return failed == 0 ? 0 : 1;
+      },
+      [&stops] { return ++stops != 0; });
+  EXPECT_EQ(status, 0);
+  return stops / 2;
+}
+
+TEST_F(IniWriter, ReplacingAKeyTakesAtMost18SystemCalls) {
+  std::string text = "[A]\n";
+  while (text.size() < 7000)
+    text += "key" + std::to_string(text.size()) + "=value\n";
+  Given(text + "key=1\n");
+  // A first write may take memory from the system.
+  EXPECT_LE(SystemCallsOf(2) - SystemCallsOf(1), 18u);
+  EXPECT_EQ(ReadFile(kPath), text + "key=2\n");
 }
 
 TEST(IniWriterUnattached, WritingIsRefused) {
