@@ -37,10 +37,11 @@ QVX_BEGIN_DECLS
  *
  * The entry's identifier is the fault, one of `QVXRoleMapFault`.
  *
- * When a file in which a line is at fault, or without any line that counts, is opened once more,
- * the built-in lines stand until the process ends, also when the file has been corrected. To give a
- * user the same host twice is a fault as well, but one that is gone when a corrected file is
- * opened.
+ * Open the file once and query it before you open it again. Two opens without a query between them
+ * leave the built-in lines in force until the process ends, even though the file is valid. So does
+ * an open after a query that met a line at fault or no line that counts, also when the file has been
+ * corrected. To give a user the same host twice is a fault as well, but one that is gone when a
+ * corrected file is opened.
  *
  * A host that wants the file's roles opens it with PXTOpenRolemapFile() and asks once with
  * PXTGetRightsUsingRolemap(), which reads it; logins then are answered from it too. A login between
@@ -49,8 +50,8 @@ QVX_BEGIN_DECLS
  * Memory may run out while the role map is read. The call then answers 0 and logs nothing, and the
  * file may be left half read: it is not read on, and the built-in lines stand in until the process
  * ends. Neither a part of the file nor a part of the built-in lines is ever in force, so a reading
- * that failed gives nobody rights that neither the whole file nor the built-in lines grant. Where
- * memory is lacking only to report a fault, the built-in lines stand in as ever, and the log may
+ * that failed gives nobody rights that neither the whole file nor the built-in lines grant. When
+ * there is too little memory only to report a fault, the built-in lines stand in and the log may
  * lack the entry.
  *
  * What a question needs and cannot get, also for want of memory, grants nothing: the machine's
@@ -61,7 +62,8 @@ QVX_BEGIN_DECLS
  *
  * Several threads may log users in at the same time. The role map should be opened and queried from
  * one thread: the calls exclude each other, but what one call reads is in force for all. When the
- * process exits, a reading that has begun is waited for, and afterwards nobody has rights.
+ * process exits, no call of another thread is waited for, and calls that begin afterwards grant
+ * nothing.
  */
 
 /** Rights: a level, and the superuser's bit beside it. */
@@ -95,7 +97,8 @@ enum QVXMaskReason {
  *
  * The file is not parsed here: a fault within a line is found, and logged, by the next
  * PXTGetRightsUsingRolemap(). A file whose modification time has not changed since it was read is
- * not opened again. A file that is missing, cannot be opened or has another mode than 0640 and
+ * not opened again. A second open before the first query leaves the built-in lines in force until
+ * the process ends. A file that is missing, cannot be opened or has another mode than 0640 and
  * 01640 is logged, and the built-in lines stand in. When memory runs out the file is not opened:
  * they stand in at the next question, unless the file is opened before it.
  *
@@ -130,8 +133,8 @@ QVX_EXPORT qvx_u32 PXTGetRightsUsingRolemap(void);
  * Checks a password by PAM and tells the rights of its user.
  *
  * The login goes to the PAM service that ::pam_servicename names; empty passwords are not allowed,
- * the account must be valid, and a module that sends the user a message fails the login unless it
- * goes on without an answer. Then the role map decides. With a domain the login is
+ * the account must be valid, and a module that sends the user a message gets an error instead of an
+ * answer: most modules then refuse the login. Then the role map decides. With a domain the login is
  * "user@domain", and the domain's text is the host that the role map is asked for; without one it
  * is this machine, and a name of the form "user@host" or "domain\user" is split. The operating
  * system is asked of what stands before the separator: its superuser is an administrator whatever

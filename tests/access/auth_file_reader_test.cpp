@@ -173,6 +173,16 @@ TEST(AuthFileReader, AfterABadRoleEveryLaterOpenAndReadFindsNoRecords) {
   EXPECT_EQ(Read(), u32{RoleNoRecords});
 }
 
+TEST(AuthFileReader, AValidFileOpenedTwiceBeforeItIsReadIsNeverRead) {
+  WriteRoleMap("root * user\n");
+  ASSERT_EQ(Open(), 0u);
+  EXPECT_EQ(Open(), 0u);
+  EXPECT_EQ(Read(), u32{RoleNoRecords});
+  WriteRoleMap("root * user\n", 0640, 2000000);
+  EXPECT_EQ(Open(), 0u);
+  EXPECT_EQ(Read(), u32{RoleNoRecords}) << "nor a later one";
+}
+
 TEST(AuthFileReader, WithoutAnOpenReadingGoesOnBehindTheFaultyLineAndCountsFromOne) {
   WriteRoleMap("# one\nroot * admin\n# three\nroot * user\n");
   ASSERT_EQ(Open(), 0u);
