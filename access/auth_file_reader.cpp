@@ -4,6 +4,8 @@
 
 #include <sys/stat.h>
 
+#include <utility>
+
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
 
@@ -25,8 +27,8 @@ constexpr wchar_t kCommentMark = L'#';
 
 }  // namespace
 
-void QVAuthFileRecords::Append(const std::wstring& line, s32 lineNumber) {
-  auto record = std::make_unique<QVAuthFileRecord>(line, lineNumber);
+void QVAuthFileRecords::Append(std::wstring line, s32 lineNumber) {
+  auto record = std::make_unique<QVAuthFileRecord>(std::move(line), lineNumber);
   record->PopulateQVXRoles();
   list_.push_back(record.get());
   (void)record.release();
@@ -66,9 +68,9 @@ void QVAuthFileReader::OpenDraft() {
 void QVAuthFileReader::OpenStream() {
   if (!stream_) stream_ = std::make_unique<RoleMapStream>();
   // Deliberate: a fault leaves the stream open where reading stopped, so that this second open
-  // fails and every later reading finds no records, also when the file has been corrected. The
-  // default records stand until the process ends. Held by
-  // AuthFileReader.AfterABadRoleEveryLaterOpenAndReadFindsNoRecords.
+  // fails and every later reading finds no records, also when the file has been corrected. So does
+  // a second open before the first reading. The default records stand until the process ends. Held
+  // by AuthFileReader.AfterABadRoleEveryLaterOpenAndReadFindsNoRecords.
   stream_->Open(path_);
   if (!stream_->IsOpen()) throw QVXRoleMapFileReaderException(RoleFileOpenFailed, 0);
 }
@@ -116,9 +118,9 @@ std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetRecords() {
 void QVAuthFileReader::ReadRecords() {
   std::wstring line;
   for (u32 number = 1; stream_->GetLine(line); ++number) {
-    const std::wstring trimmed = TrimWhitespace(line, TrimMode::kBoth);
+    std::wstring trimmed = TrimWhitespace(line, TrimMode::kBoth);
     if (trimmed.empty() || trimmed.front() == kCommentMark) continue;
-    records_.Append(trimmed, static_cast<s32>(number));
+    records_.Append(std::move(trimmed), static_cast<s32>(number));
   }
 }
 

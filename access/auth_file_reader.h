@@ -16,7 +16,8 @@
 
 namespace qvx {
 
-// Records in the order of their lines, owned.
+// Records in the order of their lines, owned. The list is handed out as the suite's programs know
+// it, a queue of plain pointers; this class is what deletes them.
 class QVAuthFileRecords {
  public:
   QVAuthFileRecords() = default;
@@ -25,7 +26,7 @@ class QVAuthFileRecords {
   QVAuthFileRecords& operator=(const QVAuthFileRecords&) = delete;
 
   // A line that does not parse throws and leaves the list as it was.
-  void Append(const std::wstring& line, s32 lineNumber);
+  void Append(std::wstring line, s32 lineNumber);
   void Clear();
   void Swap(QVAuthFileRecords& other) { list_.swap(other.list_); }
   std::deque<QVAuthFileRecord*>& List() { return list_; }

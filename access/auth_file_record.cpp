@@ -8,14 +8,11 @@
 #include <string_view>
 
 #include "access/role_map_error.h"
-#include "zsupt/zarn_tokenizer.h"
 
 namespace qvx {
 namespace {
 
-using ZarnSupport::ZarnTokenizer;
-
-constexpr wchar_t kNameSeparator[] = L",";
+constexpr wchar_t kNameSeparator = L',';
 
 struct RoleWord {
   std::wstring_view word;
@@ -28,36 +25,36 @@ constexpr RoleWord kRoleWords[] = {
     {L"user", QVX_PRIV_USER},
 };
 
-// The next field: several blanks are one separator. Empty when there is none left.
-std::wstring NextField(ZarnTokenizer& tokens) {
-  std::wstring field;
-  while (field.empty() && tokens.hasMoreTokens()) {
-    field = TrimWhitespace(tokens.nextToken(), TrimMode::kBoth);
-  }
+// Takes the next field off the line: several blanks are one separator. Empty when none is left.
+std::wstring_view NextField(std::wstring_view& line) {
+  line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+  const std::wstring_view field = line.substr(0, line.find_first_of(kBlanks));
+  line.remove_prefix(field.size());
   return field;
 }
 
-std::deque<std::wstring> NamesOf(const std::wstring& field) {
-  std::deque<std::wstring> names;
-  ZarnTokenizer tokens(field, kNameSeparator);
-  while (tokens.hasMoreTokens()) {
-    // Deliberate: an empty name between, before or behind commas is kept, and gives entries for the
-    // empty user or host. Held by AuthFileRecord.AdjacentCommasKeepTheEmptyNameBetweenThem.
-    names.push_back(TrimWhitespace(tokens.nextToken(), TrimMode::kBoth));
+// Hands each name of the field to `use`. No name has blanks around it, for the field has none.
+template <typename Use>
+void ForEachName(std::wstring_view field, Use use) {
+  // Deliberate: an empty name between, before or behind commas is kept, and gives entries for the
+  // empty user or host. Held by AuthFileRecord.AdjacentCommasKeepTheEmptyNameBetweenThem.
+  for (size_t comma = 0; comma != std::wstring_view::npos;) {
+    comma = field.find(kNameSeparator);
+    use(field.substr(0, comma));
+    if (comma != std::wstring_view::npos) field.remove_prefix(comma + 1);
   }
-  return names;
 }
 
 // A-Z only: in some locales the C library's table makes another letter of "I".
 wchar_t Folded(wchar_t letter) { return letter >= L'A' && letter <= L'Z' ? letter + 32 : letter; }
 
-bool IsRoleWord(const std::wstring& field, const std::wstring_view& word) {
+bool IsRoleWord(std::wstring_view field, std::wstring_view word) {
   return std::equal(field.begin(), field.end(), word.begin(), word.end(),
                     [](wchar_t letter, wchar_t wanted) { return Folded(letter) == wanted; });
 }
 
 // QVX_PRIV_NONE for any other word.
-u32 PrivilegesOf(const std::wstring& word) {
+u32 PrivilegesOf(std::wstring_view word) {
   for (const RoleWord& role : kRoleWords) {
     if (IsRoleWord(word, role.word)) return role.privileges;
   }
@@ -89,27 +86,23 @@ QVAuthFileRecord::~QVAuthFileRecord() {
 
 void QVAuthFileRecord::PopulateQVXRoles() {
   const auto line = static_cast<unsigned long>(lineNumber_);
-  if (line_.empty()) throw QVXRoleMapFileReaderException(RoleMissingField, line);
-  ZarnTokenizer tokens(line_, kBlanks);
-  const std::wstring users = NextField(tokens);
-  if (!tokens.hasMoreTokens()) throw QVXRoleMapFileReaderException(RoleMissingField, line);
-  const std::wstring hosts = LowerCase(NextField(tokens));
-  if (!tokens.hasMoreTokens()) throw QVXRoleMapFileReaderException(RoleMissingField, line);
-  const std::wstring word = NextField(tokens);
+  std::wstring_view rest = line_;
+  const std::wstring_view users = NextField(rest);
+  const std::wstring hosts = LowerCase(std::wstring(NextField(rest)));
+  const std::wstring_view word = NextField(rest);
   if (word.empty()) throw QVXRoleMapFileReaderException(RoleMissingField, line);
   const u32 privileges = PrivilegesOf(word);
   if (privileges == QVX_PRIV_NONE) throw QVXRoleMapFileReaderException(RoleInvalidRole, line);
-  const std::deque<std::wstring> hostNames = NamesOf(hosts);
-  for (const std::wstring& user : NamesOf(users)) {
-    for (const std::wstring& host : hostNames) {
-      AppendRole(user, host, privileges);
-    }
-  }
+  ForEachName(users, [&](std::wstring_view user) {
+    ForEachName(hosts, [&](std::wstring_view host) { AppendRole(user, host, privileges); });
+  });
 }
 
-void QVAuthFileRecord::AppendRole(const std::wstring& user, const std::wstring& host,
-                                  u32 privileges) {
-  auto role = std::make_unique<QVXRole>(QVXRole{user, host, privileges});
+void QVAuthFileRecord::AppendRole(std::wstring_view user, std::wstring_view host, u32 privileges) {
+  auto role = std::make_unique<QVXRole>();
+  role->user = user;
+  role->host = host;
+  role->privileges = privileges;
   roles_.push_back(role.get());
   (void)role.release();
 }

@@ -5,6 +5,8 @@
 
 #include <deque>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "qvxcs/types.h"
 
@@ -32,8 +34,8 @@ std::wstring LowerCase(std::wstring text);
 class QVAuthFileRecord {
  public:
   // `line` without blanks at either end; `lineNumber` counts from 1, 0 is a built-in line.
-  QVAuthFileRecord(const std::wstring& line, s32 lineNumber)
-      : line_(line), lineNumber_(lineNumber) {}
+  QVAuthFileRecord(std::wstring line, s32 lineNumber)
+      : line_(std::move(line)), lineNumber_(lineNumber) {}
   virtual ~QVAuthFileRecord();
   QVAuthFileRecord(const QVAuthFileRecord&) = delete;
   QVAuthFileRecord& operator=(const QVAuthFileRecord&) = delete;
@@ -47,10 +49,13 @@ class QVAuthFileRecord {
   s32 GetLineNumber() const { return lineNumber_; }
 
  private:
-  void AppendRole(const std::wstring& user, const std::wstring& host, u32 privileges);
+  void AppendRole(std::wstring_view user, std::wstring_view host, u32 privileges);
 
   std::wstring line_;
   s32 lineNumber_;
+  // Owned. The suite's programs know these queues as queues of plain pointers, which GetRoles
+  // copies and RolemapDeleteObject empties; what is added is in an owner's hands until the queue
+  // has it.
   std::deque<QVXRole*> roles_;
 };
 

@@ -5,7 +5,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <algorithm>
+#include <cstddef>
 
 namespace qvx {
 
@@ -21,28 +22,42 @@ void RoleMapStream::Open(const std::string& path) {
 }
 
 // A child that was forked with the file open shares the descriptor, so each keeps its own place.
-int RoleMapStream::NextByte() {
-  if (next_ == end_) {
-    if (!file_.IsOurs()) return EOF;
-    const ssize_t count =
-        TEMP_FAILURE_RETRY(pread(file_.Number(), block_, sizeof block_, position_));
-    if (count <= 0) return EOF;
-    position_ += count;
-    next_ = 0;
-    end_ = static_cast<size_t>(count);
-  }
-  return static_cast<u8>(block_[next_++]);
+bool RoleMapStream::FillBlock() {
+  if (!file_.IsOurs()) return false;
+  const ssize_t count = TEMP_FAILURE_RETRY(pread(file_.Number(), block_, sizeof block_, position_));
+  if (count <= 0) return false;
+  position_ += count;
+  next_ = 0;
+  end_ = static_cast<size_t>(count);
+  return true;
+}
+
+// Moves what the block has of the line to its end. Gives the byte that ends it: a newline, one
+// above 0x7F, or a NUL where the block came to its end first.
+char RoleMapStream::TakeFromBlock(std::wstring& line) {
+  const char* const from = block_ + next_;
+  const char* const end = block_ + end_;
+  const char* const stop = std::find_if(
+      from, end, [](char byte) { return byte == '\n' || static_cast<u8>(byte) > 0x7F; });
+  const size_t before = line.size();
+  line.resize(before + static_cast<size_t>(stop - from));
+  std::copy(from, stop, line.begin() + static_cast<ptrdiff_t>(before));
+  next_ = static_cast<size_t>(stop - block_);
+  if (stop == end) return '\0';
+  ++next_;
+  return *stop;
 }
 
 bool RoleMapStream::GetLine(std::wstring& line) {
   line.clear();
   if (failed_ || !IsOpen()) return false;
-  for (int byte = NextByte(); byte >= 0 && byte <= 0x7F; byte = NextByte()) {
-    if (byte == '\n') return true;
-    line.push_back(static_cast<wchar_t>(byte));
+  char ending = '\0';
+  while (ending == '\0' && (next_ != end_ || FillBlock())) {
+    ending = TakeFromBlock(line);
   }
-  // Deliberate: what stands behind the last newline is lost, and so is the line of a byte above
-  // 0x7F with all that follows. Held by RoleMapStream.ALastLineWithoutNewlineIsNoLine.
+  if (ending == '\n') return true;
+  // Deliberate: what follows the last newline is lost, and so is the line of a byte above 0x7F with
+  // all that follows. Held by RoleMapStream.ALastLineWithoutNewlineIsNoLine.
   failed_ = true;
   return false;
 }

@@ -29,7 +29,8 @@ class RoleMapStream {
   bool GetLine(std::wstring& line);
 
  private:
-  int NextByte();
+  bool FillBlock();
+  char TakeFromBlock(std::wstring& line);
 
   KeptDescriptor file_;
   bool failed_ = false;
