@@ -14,6 +14,7 @@ inline constexpr char kDecimalComma[] = "de_DE.UTF-8";
 inline constexpr char kLatin1[] = "en_GB.ISO-8859-1";
 inline constexpr char kTurkishUtf8[] = "tr_TR.UTF-8";
 inline constexpr char kTurkish8Bit[] = "tr_TR.ISO-8859-9";
+inline constexpr char kWidePoint[] = "ps_AF.UTF-8";  // a decimal point of two bytes
 
 // The process's locale while it lives; the one before it comes back.
 class LocaleGuard {

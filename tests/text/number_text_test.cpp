@@ -13,6 +13,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
+#include "support/locale_guard.h"
 #include "text/scan32.h"
 
 namespace {
@@ -131,6 +132,7 @@ TEST(NumberText, Wide64BitNumbersWrap) {
 }
 
 TEST(NumberText, DoublesAreReadAsStrtodReadsThem) {
+  const qvx::test::LocaleGuard locale("C");
   EXPECT_EQ(qvx::ASCIIToDouble(" -1.5e2x"), -150.0);
   EXPECT_EQ(qvx::ASCIIToDouble("0.25"), 0.25);
   EXPECT_EQ(qvx::ASCIIToDouble("0x10"), 16.0);
@@ -349,12 +351,14 @@ std::string DoubleOver(const astring* standing, d64 value) {
 }
 
 TEST(NumberText, DoublesHaveEightDecimals) {
+  const qvx::test::LocaleGuard locale("C");
   EXPECT_EQ(DoubleOver("................", 1.5), "1.50000000");
   EXPECT_EQ(DoubleOver("................", -0.125), "-0.12500000");
   EXPECT_EQ(DoubleOver("................", 0.000000005), "0.00000001");
 }
 
 TEST(NumberText, DoubleIsCutToTheLengthOfTheStandingTextMinusOne) {
+  const qvx::test::LocaleGuard locale("C");
   EXPECT_EQ(DoubleOver("...........", 1.5), "1.50000000");  // 11 characters, 10 needed
   EXPECT_EQ(DoubleOver("..........", 1.5), "1.5000000");
   EXPECT_EQ(DoubleOver(".....", 1.5), "1.50");
@@ -471,6 +475,7 @@ TEST(NumberText, ScannedNumbersTellSignAndMagnitude) {
 }
 
 TEST(NumberText, ExportedConversionsGiveTheSameAnswers) {
+  const qvx::test::LocaleGuard locale("C");
   u32 status = kUnset;
   EXPECT_EQ(PXTASCIIToSigned32("-3"), -3);
   EXPECT_EQ(PXTASCIIToUnSigned32("3"), 3u);

@@ -13,6 +13,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
+#include "support/locale_guard.h"
 
 namespace {
 
@@ -32,6 +33,7 @@ std::string Narrow(const ustring* units) {
 }
 
 TEST(UniNumber, TextIsReadAsThe8BitConversionsReadIt) {
+  const qvx::test::LocaleGuard locale("C");
   EXPECT_EQ(qvx::UniToSigned32(Units(" -42x").data()), -42);
   EXPECT_EQ(qvx::UniToUnSigned32(Units("+42").data()), 42u);
   EXPECT_EQ(qvx::UniToUnSigned32(Units("-1").data()), 0xFFFFFFFFu);
@@ -63,8 +65,9 @@ TEST(UniNumber, NullEmptyAndOtherTextsAreZero) {
 }
 
 TEST(UniNumber, TextThatTheLocaleCannotHoldIsZero) {
+  const qvx::test::LocaleGuard locale("C");
   const ustring text[] = {'1', '2', 0x20AC, 0};
-  ExpectZeroOf(text);  // the locale is "C"
+  ExpectZeroOf(text);
 }
 
 TEST(UniNumber, WhatFitsIsReadAndAFaultBehindItIsNotSeen) {
@@ -94,6 +97,7 @@ struct CutCase {
 };
 
 TEST(UniNumber, DoubleTextFitsOrIsCutWithinTheStatedBytes) {
+  const qvx::test::LocaleGuard locale("C");
   for (const CutCase& each :
        {CutCase{10, "1.50", 10}, CutCase{11, "1.50", 10}, CutCase{9, "1.5", 8},
         CutCase{8, "1.5", 8}, CutCase{7, "1.", 6}, CutCase{6, "1.", 6}, CutCase{5, "1", 4},
@@ -109,6 +113,7 @@ TEST(UniNumber, DoubleTextFitsOrIsCutWithinTheStatedBytes) {
 }
 
 TEST(UniNumber, RoomBehindADoubleTextIsLeft) {
+  const qvx::test::LocaleGuard locale("C");
   GuardBuffer<ustring> out(64);
   u32 size = 128;
   EXPECT_EQ(qvx::UniDoubleToStr(out.data(), &size, -1234.5678, 3), 0);
@@ -167,6 +172,7 @@ TEST(UniNumber, ANegativePrecisionAndANullSizeChangeNothing) {
 }
 
 TEST(UniNumber, WithoutMemoryOutputAndSizeAreUntouched) {
+  const qvx::test::LocaleGuard locale("C");
   GuardBuffer<ustring> out(8);
   u32 size = 0;
   const auto convert = [&] {
@@ -228,6 +234,7 @@ TEST(UniNumber, TextsOf32BitNumbersAreCutWithinTheStatedBytes) {
 }
 
 TEST(UniNumber, ExportedConversionsGiveTheSameAnswers) {
+  const qvx::test::LocaleGuard locale("C");
   const std::vector<ustring> text = Units("-3");
   EXPECT_EQ(PXTUniToSigned32(text.data()), -3);
   EXPECT_EQ(PXTUniToUnSigned32(text.data()), 0xFFFFFFFDu);
