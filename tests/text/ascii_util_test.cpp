@@ -13,6 +13,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
+#include "support/locale_guard.h"
 
 namespace qvx {
 namespace {
@@ -223,6 +224,7 @@ TEST(AsciiUtil, CaseIsMappedInPlace) {
 }
 
 TEST(AsciiUtil, StrToUpperCaseCountsTheCharacters) {
+  const test::LocaleGuard locale("C");
   astring text[] = "aB1\xE9";
   EXPECT_EQ(strToUpperCase(text), 4u);
   EXPECT_STREQ(text, "AB1\xE9");

@@ -70,13 +70,15 @@ void DirtyHeap(size_t bytes) {
   free(block);
 }
 
-// Four units have room for five bytes, and the locale's decimal point takes two of them: the text
-// fills the room, and what ends it is the zero byte after the room.
+// Sixteen units have room for seventeen bytes, and the locale's decimal point takes two of them:
+// the text fills the room, and what ends it is the zero byte after the room. The heap keeps its own
+// marks in the first sixteen bytes of a free block, so the nines stand behind those.
 TEST(NumberLocale, ATextThatFillsItsRoomEndsWithTheZeroByteAfterIt) {
   const LocaleGuard locale(test::kWidePoint);
   ASSERT_TRUE(locale);
-  DirtyHeap(20);
-  EXPECT_EQ(UniToDouble(Units(u"1\u066B25").data()), 1.25);
+  const std::vector<ustring> text = Units(u"1\u066B25000000000000");
+  DirtyHeap(24);
+  EXPECT_EQ(UniToDouble(text.data()), 1.25);
 }
 
 TEST(NumberLocale, CaseIsMappedByTheLocalesTables) {

@@ -10,6 +10,7 @@
 #include "qvxcs/param_vector.h"
 
 #include "support/guard_buffer.h"
+#include "support/locale_guard.h"
 
 namespace {
 
@@ -140,6 +141,7 @@ TEST(ParamVector, CaseIsIgnoredForAFlagOfExactlyOne) {
 }
 
 TEST(ParamVector, BytesAboveAsciiAreComparedAsTheyAre) {
+  const qvx::test::LocaleGuard locale("C");
   AEntry entry("\xC4\xFF=1");
   astring* entries[] = {entry.data()};
   EXPECT_EQ(qvx::GetParamIndexByAStrName(1, entries, "\xC4\xFF", 1), 0);
