@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "qvxcs/access.h"
+#include "qvxcs/ini_file.h"
+
 #include "access/role.h"
 #include "base/heap.h"
 #include "config/ini_read_values.h"
@@ -13,20 +16,17 @@
 namespace qvx {
 namespace {
 
-constexpr u32 kLevelBits = 0xFFFF;
+constexpr u32 kLevelBits = QVX_PRIV_LEVEL;
 constexpr u32 kOemNameRoom = 256;
 constexpr u32 kOverrideRoom = 8192;
-constexpr booln kWaitForLock = 1;
-constexpr s32 kTextValue = 1;
-constexpr s32 kNumberValue = 5;
 constexpr astring kOemFileSuffix[] = "oem.ini";
 
 // Empty when the OEM's name cannot be read, or without memory.
 HeapArray<astring> OemPath(const astring* prefix, const astring* iniFile) {
   astring oem[kOemNameRoom] = {};
   u32 size = sizeof(oem);
-  if (SUPTIntfReadINIFileValue("OEM", "name", kTextValue, oem, &size, "", 1, iniFile,
-                               kWaitForLock) != 0) {
+  if (SUPTIntfReadINIFileValue("OEM", "name", QVX_INI_ASTRING, oem, &size, "", 1, iniFile,
+                               QVX_LOCK_WAIT) != 0) {
     return nullptr;
   }
   const u64 room = u64{strlen(prefix)} + sizeof(kOemFileSuffix);
@@ -40,8 +40,8 @@ HeapArray<astring> OemPath(const astring* prefix, const astring* iniFile) {
 bool HasOverride(const astring* path, astring* value) {
   value[0] = '\0';
   u32 size = kOverrideRoom;
-  return ReadINIPathFileValue("data", "accessoverride", kTextValue, value, &size, "", 1, path,
-                              kWaitForLock) == 0 &&
+  return ReadINIPathFileValue("data", "accessoverride", QVX_INI_ASTRING, value, &size, "", 1, path,
+                              QVX_LOCK_WAIT) == 0 &&
          strcmp(value, "true") == 0;
 }
 
@@ -56,12 +56,12 @@ u32 ApplyMask(u32 rights, u32 mask, u32* reason) {
       // Deliberate: only the mask 3 keeps a user; 7 takes the access as 0 does. Held by
       // MaskRights.AUserKeepsItsRightsOnlyWithMaskThree.
       if (mask == QVX_PRIV_POWERUSER) return rights;
-      StoreReason(reason, kUserMasked);
+      StoreReason(reason, QVX_MASKED_USER);
       return high;
     case QVX_PRIV_POWERUSER: {
       if (static_cast<s32>(mask) > 1) return rights;
       const u32 level = mask & QVX_PRIV_POWERUSER;
-      if (level == QVX_PRIV_NONE) StoreReason(reason, kPowerUserMasked);
+      if (level == QVX_PRIV_NONE) StoreReason(reason, QVX_MASKED_POWERUSER);
       return high | level;
     }
     default:
@@ -82,8 +82,8 @@ u32 MaskProgramRights(u32 rights, const astring* prefix, const astring* iniFile,
   if (HasOverride(path.get(), value.get())) return QVX_PRIV_ADMINISTRATOR;
   u32 mask = 0;
   u32 size = sizeof(mask);
-  if (ReadINIPathFileValue("data", "accessmask", kNumberValue, &mask, &size, nullptr, 0, path.get(),
-                           kWaitForLock) != 0) {
+  if (ReadINIPathFileValue("data", "accessmask", QVX_INI_U32, &mask, &size, nullptr, 0, path.get(),
+                           QVX_LOCK_WAIT) != 0) {
     return QVX_PRIV_NONE;
   }
   return ApplyMask(rights, mask, reason);

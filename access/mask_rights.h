@@ -7,10 +7,6 @@
 
 namespace qvx {
 
-// Why rights were lowered to no access.
-inline constexpr u32 kUserMasked = 1001;
-inline constexpr u32 kPowerUserMasked = 1002;
-
 // The rights as the OEM's configuration leaves them, 0 when it cannot be read. `reason` is stored
 // only where a level is lowered to no access, and may be null.
 u32 MaskProgramRights(u32 rights, const astring* prefix, const astring* iniFile, u32* reason);

@@ -5,18 +5,19 @@
 
 #include <string>
 
-#include "qvxcs/types.h"
+#include "qvxcs/access.h"
 
 namespace qvx {
 
-// A higher role contains the lower ones, so that of two grants the greater number is the larger.
+// The public values with a type of 32 bits. A higher role contains the lower ones, so that of two
+// grants the greater number is the larger.
 enum QVXPrivilege : u32 {
-  QVX_PRIV_NONE = 0x0,
-  QVX_PRIV_USER = 0x1,
-  QVX_PRIV_POWERUSER = 0x3,
-  QVX_PRIV_ADMINISTRATOR = 0x7,
+  QVX_PRIV_NONE = ::QVX_PRIV_NONE,
+  QVX_PRIV_USER = ::QVX_PRIV_USER,
+  QVX_PRIV_POWERUSER = ::QVX_PRIV_POWERUSER,
+  QVX_PRIV_ADMINISTRATOR = ::QVX_PRIV_ADMINISTRATOR,
   // Stands beside the level of the operating system's superuser.
-  QVX_PRIV_ROOT = 0x40000,
+  QVX_PRIV_ROOT = ::QVX_PRIV_ROOT,
 };
 
 // One user on one host: an entry of the role map, or a query that is to be answered.

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "access/role_map_error.h"
 
+#include "qvxcs/access.h"
+
 namespace qvx {
 
 // Here, so that the type's run-time information has one home.
@@ -10,17 +12,17 @@ QVXRoleMapFileReaderException::~QVXRoleMapFileReaderException() = default;
 unsigned long QVXRoleMapFileReaderException::MapErrorCodeToCmdId() const {
   switch (errorCode_) {
     case RoleFileOpenFailed:
-      return 0x1718;
+      return QVX_ROLEMAP_OPEN_FAILED;
     case RoleMissingField:
-      return 0x1717;
+      return QVX_ROLEMAP_MISSING_FIELD;
     case RoleInvalidRole:
-      return 0x171B;
+      return QVX_ROLEMAP_INVALID_ROLE;
     case RoleBadPermissions:
-      return 0x1719;
+      return QVX_ROLEMAP_BAD_PERMISSIONS;
     case RoleNoRecords:
-      return 0x171A;
+      return QVX_ROLEMAP_NO_RECORDS;
     case RoleConflict:
-      return 0x171C;
+      return QVX_ROLEMAP_CONFLICT;
   }
   return 0x170C;
 }

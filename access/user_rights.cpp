@@ -12,6 +12,9 @@
 #include <string>
 #include <string_view>
 
+#include "qvxcs/xml_buffer.h"
+#include "qvxcs/xml_log.h"
+
 #include "access/account.h"
 #include "access/auth_file_reader.h"
 #include "access/os_privilege.h"
@@ -29,8 +32,7 @@ namespace qvx {
 namespace {
 
 constexpr u32 kDescriptionRoom = 256;
-constexpr s32 kEscapedText = 26;
-constexpr u16 kFaultEntryType = 2;
+constexpr u16 kFaultEntryType = QVX_LOG_WARNING;
 constexpr size_t kHostNameRoom = 65;
 constexpr size_t kLineNumberRoom = 21;
 
@@ -101,7 +103,7 @@ class FaultReport {
   void Append() const {
     void* buffer = PXMAllocBuf(kDescriptionRoom, 0);
     if (buffer == nullptr) return;
-    (void)NVSuptBufCatSetCmdParam(buffer, "line", nullptr, nullptr, line_, kEscapedText);
+    (void)NVSuptBufCatSetCmdParam(buffer, "line", nullptr, nullptr, line_, QVX_TYPE_XML_ASTRING);
     astring* description = PXMFreeBuf(buffer, 1);
     (void)SUPTIntfAppendToCmdLog(id_, "root", "QVXSERVER", description, kFaultEntryType);
     PXMFreeBufContent(description);

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "qvxcs/status.h"
+#include "qvxcs/xml_buffer.h"
 
 #include "base/heap.h"
 #include "cli/param_node.h"
@@ -16,7 +17,6 @@ namespace {
 constexpr u32 kFirstCapacity = 256;
 constexpr u16 kDiscard = 0;
 constexpr u16 kGetContent = 1;
-constexpr s32 kText = 1;
 
 // The help that a command makes of itself; null without one. A command may write into its
 // arguments, so each gets copies of its own.
@@ -34,7 +34,7 @@ void CatCommand(void* buffer, const PXTCommand& command) {
   if (help == nullptr) return;
   const HeapArray<astring> attribute =
       QuotedAttribute("val", command.name == nullptr ? "" : command.name);
-  if (attribute) (void)PXMBufCatNode(buffer, "qvxcmd", attribute.get(), kText, help);
+  if (attribute) (void)PXMBufCatNode(buffer, "qvxcmd", attribute.get(), QVX_TYPE_ASTRING, help);
   PXMFreeBufContent(help);
 }
 

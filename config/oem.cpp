@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "qvxcs/ini_file.h"
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
@@ -17,9 +18,6 @@ namespace {
 constexpr u32 kChassisRoom = 8193;
 constexpr u32 kPrefixRoom = 256;
 constexpr astring kOwnBrand[] = "zarn";
-
-constexpr s32 kTypeAstring = 1;
-constexpr booln kWait = 1;
 
 }  // namespace
 
@@ -39,8 +37,8 @@ u32 CheckModularChassis() {
   const HeapArray<astring> value = AllocArray<astring>(kChassisRoom);
   if (!value) return 0;
   u32 size = kChassisRoom;
-  const u32 status = SUPTIntfReadINIFileValue("blade", "blade", kTypeAstring, value.get(), &size,
-                                              nullptr, 0, "qvcli32.ini", kWait);
+  const u32 status = SUPTIntfReadINIFileValue("blade", "blade", QVX_INI_ASTRING, value.get(), &size,
+                                              nullptr, 0, "qvcli32.ini", QVX_LOCK_WAIT);
   if (status != SM_STATUS_SUCCESS) return 0;
   return strcmp(value.get(), "true") == 0 ? 1 : 0;
 }
@@ -51,8 +49,8 @@ astring* GetOEMADSchemaPrefix() {
   memcpy(prefix.get(), kOwnBrand, sizeof(kOwnBrand));
   u32 size = kPrefixRoom;
   // The buffer is its own default: whatever becomes of the read, it holds a prefix.
-  (void)SUPTIntfReadINIFileValue("data", "adschemaprefix", kTypeAstring, prefix.get(), &size,
-                                 prefix.get(), sizeof(kOwnBrand), "oem.ini", kWait);
+  (void)SUPTIntfReadINIFileValue("data", "adschemaprefix", QVX_INI_ASTRING, prefix.get(), &size,
+                                 prefix.get(), sizeof(kOwnBrand), "oem.ini", QVX_LOCK_WAIT);
   return prefix.release();
 }
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "qvxcs/os_log.h"
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
@@ -18,15 +19,12 @@ namespace {
 
 constexpr u32 kFailed = 0xFFFFFFFF;
 
-constexpr u16 kErrorEvent = 1;
-constexpr u16 kWarningEvent = 2;
-
 constexpr u64 kLocalTextExtra = 6;
 constexpr u64 kMessageExtra = 256;
 
 int PriorityOf(u16 eventType) {
-  if (eventType == kErrorEvent) return LOG_ERR;
-  return eventType == kWarningEvent ? LOG_WARNING : LOG_INFO;
+  if (eventType == QVX_OSLOG_ERROR) return LOG_ERR;
+  return eventType == QVX_OSLOG_WARNING ? LOG_WARNING : LOG_INFO;
 }
 
 // The text in the locale's encoding. The converter is offered one byte less than there is, so that

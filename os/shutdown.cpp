@@ -6,14 +6,14 @@
 
 #include <cerrno>
 
+#include "qvxcs/shutdown.h"
+
 #include "base/layout.h"
 
 namespace qvx {
 namespace {
 
-constexpr u16 kReboot = 1;
 constexpr u32 kAlwaysDone = 1;
-constexpr u32 kThisFamily = 2;
 
 }  // namespace
 
@@ -25,7 +25,8 @@ u32 OSShutdown(u16 /*ignored*/, u16 mode) {
   // Deliberate: no shell is there to take the "&", the program gets it as its last argument.
   // Held by Shutdown.TheAmpersandIsALiteralArgument.
   astring ampersand[] = "&";
-  astring* const arguments[] = {program, mode == kReboot ? reboot : halt, when, ampersand, nullptr};
+  astring* const arguments[] = {program, mode == QVX_SHUTDOWN_REBOOT ? reboot : halt, when,
+                                ampersand, nullptr};
   if (fork() == 0) {
     (void)execv(kShutdownProgram, arguments);
     _exit(errno);
@@ -35,6 +36,6 @@ u32 OSShutdown(u16 /*ignored*/, u16 mode) {
   return kAlwaysDone;
 }
 
-u32 OSGetType() { return kThisFamily; }
+u32 OSGetType() { return QVX_OS_LINUX; }
 
 }  // namespace qvx

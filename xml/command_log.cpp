@@ -10,6 +10,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "qvxcs/command_log.h"
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
@@ -29,8 +30,8 @@ namespace {
 
 constexpr u32 kFailed = 0xFFFFFFFF;
 
-constexpr s32 kFirstIdentifier = 5001;
-constexpr s32 kLastIdentifier = 6999;
+constexpr s32 kFirstIdentifier = QVX_CMDLOG_FIRST_ID;
+constexpr s32 kLastIdentifier = QVX_CMDLOG_LAST_ID;
 
 constexpr astring kOwnUser[] = "Local System";
 constexpr astring kOwnSource[] = "QVPX";

@@ -6,21 +6,21 @@
 #include <cstddef>
 #include <string_view>
 
-#include "qvxcs/types.h"
+#include "qvxcs/xml_log.h"
 
 #include "base/heap.h"
 
 namespace qvx {
 
 // Longest texts of an event, in bytes without the NUL, and its largest data block.
-inline constexpr u32 kMaxLogUser = 1023;
-inline constexpr u32 kMaxLogDescription = 16383;
-inline constexpr u32 kMaxLogData = 32768;
+inline constexpr u32 kMaxLogUser = QVX_LOG_MAX_USER;
+inline constexpr u32 kMaxLogDescription = QVX_LOG_MAX_DESCRIPTION;
+inline constexpr u32 kMaxLogData = QVX_LOG_MAX_DATA;
 
 // Type and identifiers of the events that the library logs itself.
-inline constexpr u16 kLogInformation = 4;
-inline constexpr u32 kLogClearedId = 0;
-inline constexpr u32 kLogBackupId = 1;
+inline constexpr u16 kLogInformation = QVX_LOG_INFORMATION;
+inline constexpr u32 kLogClearedId = QVX_LOG_CLEARED;
+inline constexpr u32 kLogBackupId = QVX_LOG_BACKUP_CREATED;
 
 // What happened, as the caller tells it. Texts and data may be null.
 struct LogEvent {

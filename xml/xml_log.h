@@ -3,14 +3,14 @@
 #ifndef QVX_XML_XML_LOG_H
 #define QVX_XML_XML_LOG_H
 
-#include "qvxcs/types.h"
+#include "qvxcs/command_log.h"
 
 #include "xml/log_backup.h"  // GetBackupXMLLogPathFileName
 
 namespace qvx {
 
 // The size at which the logs that the library writes to by itself move to their backup.
-inline constexpr u32 kDefaultMaxLogSize = 131072;
+inline constexpr u32 kDefaultMaxLogSize = QVX_CMDLOG_MAX_SIZE;
 
 u32 ForceXMLLogExists(const astring* path, const astring* user, const astring* source);
 u32 ClearXMLLog(const astring* path, const astring* user, const astring* source);
