@@ -85,10 +85,10 @@ QVX_EXPORT qvx_u32 PXTNVSNVPValToXVal(qvx_s32 count, qvx_astring** vector, const
 /**
  * Turns a typed value into a new text.
  *
- * Types: the texts QVX_TYPE_ASTRING, QVX_TYPE_USTRING (as PXTNVSUstrToAstr converts it) and, escaped
- * once, QVX_TYPE_XML_ASTRING and QVX_TYPE_XML_USTRING; QVX_TYPE_BOOLN; the numbers of 8 to 64 bits;
- * QVX_TYPE_D64 (eight decimals and the current locale's decimal point; of a longer text the first 31
- * characters); QVX_TYPE_TIME (local time, of any value).
+ * Types: the texts QVX_TYPE_ASTRING, QVX_TYPE_USTRING (as PXTNVSUstrToAstr converts it) and,
+ * escaped once, QVX_TYPE_XML_ASTRING and QVX_TYPE_XML_USTRING; QVX_TYPE_BOOLN; the numbers of 8 to
+ * 64 bits; QVX_TYPE_D64 (eight decimals and the current locale's decimal point; of a longer text
+ * the first 31 characters); QVX_TYPE_TIME (local time, of any value).
  *
  * @param[in] type   type code
  * @param[in] value  the value
