@@ -50,9 +50,9 @@ LogPart LogReader::ReadHead() {
 LogPart LogReader::ReadClosing() {
   for (int look = 0; look < kLooks; ++look) {
     (void)Forget(LogPart::kClosed);
-    const bool hasMore = Fill(kClosing.size() + 1);
+    FillOnce();
     if (!Rest().starts_with(kClosing)) return Next();
-    if (!hasMore) return Forget(LogPart::kClosed);
+    if (Rest() == kClosing) return Forget(LogPart::kClosed);
   }
   return ReadDamage();
 }
@@ -115,12 +115,18 @@ LogPart LogReader::Forget(LogPart part) {
 bool LogReader::Fill(size_t size) {
   while (Rest().size() < size) {
     const size_t before = buffer_.size();
-    buffer_.resize(before + kPiece);
-    const size_t got = source_->Read(offset_ + (before - used_), buffer_.data() + before, kPiece);
-    buffer_.resize(before + got);
-    if (got == 0) return false;
+    FillOnce();
+    if (buffer_.size() == before) return false;
   }
   return true;
+}
+
+// One read's worth more: what one read gives is of one moment.
+void LogReader::FillOnce() {
+  const size_t before = buffer_.size();
+  buffer_.resize(before + kPiece);
+  const size_t got = source_->Read(offset_ + (before - used_), buffer_.data() + before, kPiece);
+  buffer_.resize(before + got);
 }
 
 size_t LogReader::Find(std::string_view mark, size_t from) {

@@ -60,6 +60,7 @@ class LogReader {
   LogPart Forget(LogPart part);
   void Take(size_t length);
   bool Fill(size_t size);
+  void FillOnce();
   size_t Find(std::string_view mark, size_t from);
   [[nodiscard]] std::string_view Rest() const { return std::string_view(buffer_).substr(used_); }
 

@@ -138,6 +138,33 @@ TEST(LogReader, AnEntryWrittenOverTheTagBetweenTwoReadsIsNoDamage) {
   EXPECT_EQ(reader.Next(), LogPart::kClosed);
 }
 
+// Another entry comes after every read.
+class BusySource : public TextSource {
+ public:
+  size_t Read(u64 offset, char* room, size_t size) override {
+    const size_t got = TextSource::Read(offset, room, size);
+    if (entries < 50) text = Log(all += Entry(++entries, "b"));
+    return got;
+  }
+  std::string all;
+  int entries = 0;
+};
+
+TEST(LogReader, AppendsAfterEveryReadLoseNoEntry) {
+  BusySource source;
+  source.text = Log("");
+  LogReader reader(&source);
+  s64 expected = 0;
+  for (int calls = 0; calls < 200 && expected < 50; ++calls) {
+    const LogPart part = reader.Next();
+    ASSERT_NE(part, LogPart::kDamage);
+    if (part == LogPart::kEntry) {
+      EXPECT_EQ(reader.Record().time, ++expected);
+    }
+  }
+  EXPECT_EQ(expected, 50);
+}
+
 TEST(LogReader, EndlessDamageIsPassedInPieces) {
   TextSource source;
   source.text = Log(Entry(1, "a") + std::string(size_t{5} << 20, 'x') + Entry(2, "b"));
