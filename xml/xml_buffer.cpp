@@ -37,11 +37,6 @@ Element ElementOf(void* buffer, const astring* name, const astring* attributes) 
           attributes == nullptr ? 0 : strlen(attributes)};
 }
 
-astring* Put(astring* to, const astring* text, size_t length) {
-  memcpy(to, text, length);
-  return to + length;
-}
-
 size_t OpeningLength(const Element& element, size_t endLength) {
   const size_t blank = element.attributes == nullptr ? 0 : 1;
   return 1 + element.nameLength + blank + element.attributesLength + endLength;
@@ -50,12 +45,12 @@ size_t OpeningLength(const Element& element, size_t endLength) {
 // "<name attributes" and the end given; the place after it.
 astring* PutOpening(astring* to, const Element& element, const astring* end, size_t endLength) {
   *to++ = '<';
-  to = Put(to, element.name, element.nameLength);
+  to = PutText(to, element.name, element.nameLength);
   if (element.attributes != nullptr) {
     *to++ = ' ';
-    to = Put(to, element.attributes, element.attributesLength);
+    to = PutText(to, element.attributes, element.attributesLength);
   }
-  return Put(to, end, endLength);
+  return PutText(to, end, endLength);
 }
 
 size_t ClosingLength(const Element& element) { return element.nameLength + 3; }
@@ -63,7 +58,7 @@ size_t ClosingLength(const Element& element) { return element.nameLength + 3; }
 astring* PutClosing(astring* to, const Element& element) {
   *to++ = '<';
   *to++ = '/';
-  to = Put(to, element.name, element.nameLength);
+  to = PutText(to, element.name, element.nameLength);
   *to++ = '>';
   return to;
 }
@@ -91,7 +86,7 @@ class BufferEnd {
     buffer_->length += static_cast<u32>(length);
   }
   void Cat(const astring* text, size_t length) {
-    Cat(length, [&](astring* place) { memcpy(place, text, length); });
+    Cat(length, [&](astring* place) { (void)PutText(place, text, length); });
   }
 
  private:
@@ -105,7 +100,7 @@ u32 CatWhole(const Element& element, const astring* value, u64 valueLength) {
   const u64 length = OpeningLength(element, 1) + valueLength + ClosingLength(element);
   BufferEnd(element.buffer).Cat(length, [&](astring* place) {
     astring* at = PutOpening(place, element, ">", 1);
-    if (valueLength > 0) at = Put(at, value, static_cast<size_t>(valueLength));
+    if (valueLength > 0) at = PutText(at, value, static_cast<size_t>(valueLength));
     (void)PutClosing(at, element);
   });
   return SM_STATUS_SUCCESS;

@@ -93,7 +93,7 @@ u32 PutDecimalDigits(astring* out, u64 value) {
   const astring* const begin = value <= UINT32_MAX ? PutPairsBefore(end, static_cast<u32>(value))
                                                    : PutPairsBefore(end, value);
   const u32 length = static_cast<u32>(end - begin);
-  memcpy(out, begin, length);
+  (void)PutText(out, begin, length);
   out[length] = '\0';
   return length;
 }

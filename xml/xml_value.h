@@ -3,7 +3,12 @@
 #ifndef QVX_XML_XML_VALUE_H
 #define QVX_XML_XML_VALUE_H
 
+#include <cstddef>
+#include <cstring>
+
 #include "qvxcs/types.h"
+
+#include "base/unaligned.h"
 
 namespace qvx {
 
@@ -35,6 +40,27 @@ struct ValueType {
 constexpr u32 kValueTypeCount = 28;
 
 const ValueType& ValueTypeOf(s32 code);
+
+// Copies a text and returns the place after it. Names and numbers are short: two copies that may
+// overlap take the place of a call.
+inline astring* PutText(astring* to, const astring* text, size_t length) {
+  if (length > 16) {
+    memcpy(to, text, length);
+  } else if (length >= 8) {
+    const u64 last = LoadValue<u64>(text + length - 8);
+    StoreValue(to, LoadValue<u64>(text));
+    StoreValue(to + length - 8, last);
+  } else if (length >= 4) {
+    const u32 last = LoadValue<u32>(text + length - 4);
+    StoreValue(to, LoadValue<u32>(text));
+    StoreValue(to + length - 4, last);
+  } else {
+    for (size_t at = 0; at < length; ++at) {
+      to[at] = text[at];
+    }
+  }
+  return to + length;
+}
 
 // Room for the text of any number, boolean or time, its NUL included.
 constexpr u32 kValueTextRoom = 64;
