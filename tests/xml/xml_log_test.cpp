@@ -298,6 +298,20 @@ TEST(XmlLog, WaitForTheLockGivesUpAfterAMinuteOfAttempts) {
   EXPECT_EQ(ReadFile(kLog), LogOf("kept"));
 }
 
+TEST(XmlLog, TheClosingTagIsLookedForUnderTheLock) {
+  Attach();
+  WriteFile(kLog, LogOf("one"));
+  const test::LockHolder other(kIPCFilePath, 400000);
+  const pid_t child = fork();
+  if (child == 0) _exit(static_cast<int>(Append(kLog, 1, "d")));
+  usleep(100000);  // the child waits for the lock by now
+  WriteFile(kLog, LogOf("one" + std::string(500, 't') + "two"));
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(LogNow(), LogOf("one" + std::string(500, 't') + "two" + Plain(1, "d")));
+}
+
 TEST(XmlLog, KilledLockHolderLeavesTheLogUsable) {
   Attach();
   test::LockHolder other(kIPCFilePath);
