@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "os/os_log.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -72,6 +73,16 @@ TEST_F(OSLog, AnEventIsLoggedUnderItsSourceWithItsNumber) {
   EXPECT_EQ(PXTAppendToOSLog(1, 4294967295U, Text(u"host"), Text(u"disk full")), 0U);
   EXPECT_EQ(Logged(), "<27>host: EventID: 4294967295  disk full");
   EXPECT_EQ(Received(), kNothing);
+}
+
+TEST_F(OSLog, TheConnectionIsClosedAfterTheEvent) {
+  const int before = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  close(before);
+  ASSERT_EQ(Append(1, 1, u"host", u"text"), 0U);
+  const int after = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  close(after);
+  EXPECT_EQ(after, before) << "the connection's descriptor is free again";
+  EXPECT_EQ(Logged(), "<27>host: EventID: 1  text");
 }
 
 TEST_F(OSLog, TheEventTypeGivesThePriority) {
