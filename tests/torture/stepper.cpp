@@ -75,7 +75,8 @@ bool IsAboutTheLock(const Stop& stop) {
   const user_regs_struct registers = Registers(stop.child);
   if (stop.number == SYS_fcntl) {
     const long record = ptrace(PTRACE_PEEKDATA, stop.child, registers.rdx, nullptr);
-    return registers.rsi == F_SETLK && static_cast<short>(record) == F_UNLCK;
+    return (registers.rsi == F_SETLK || registers.rsi == F_SETLKW) &&
+           static_cast<short>(record) == F_UNLCK;
   }
   if (stop.number != SYS_fstat && stop.number != SYS_newfstatat) return false;
   const std::string link = "/proc/" + std::to_string(stop.child) + "/fd/" +
