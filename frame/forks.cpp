@@ -5,6 +5,7 @@
 #include <pthread.h>
 
 #include "base/context_lock.h"
+#include "os/stdio_file.h"
 #include "os/threads_turn.h"
 
 namespace qvx {
@@ -13,6 +14,7 @@ namespace {
 void StartChild() {
   EndContextLocksHold();
   FreeThreadsTurnInChild();
+  DropStreamsInChild();
 }
 
 bool watched = false;

@@ -3,15 +3,36 @@
 #include "os/stdio_file.h"
 
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
 namespace qvx {
 namespace {
+
+// The streams that are open, in any order. A child of fork that ends by `exit` would flush what
+// another thread of the parent was writing, or take the shared descriptor back to where that
+// thread's reading stands.
+constexpr size_t kStreams = 256;
+constinit std::array<std::atomic<FILE*>, kStreams> streams = {};
+
+void Exchange(FILE* from, FILE* to) {
+  for (std::atomic<FILE*>& stream : streams) {
+    FILE* expected = from;
+    if (stream.load(std::memory_order_relaxed) == from &&
+        stream.compare_exchange_strong(expected, to)) {
+      return;
+    }
+  }
+}
+
+void Note(FILE* stream) { Exchange(nullptr, stream); }
 
 constexpr int kAlways = O_NONBLOCK | O_NOCTTY;
 constexpr mode_t kNewFileMode = 0664;
@@ -42,6 +63,7 @@ bool IsRegular(int file, struct stat* seen) {
 FilePtr StreamOver(Descriptor file, const astring* mode) {
   if (!file) return nullptr;
   FilePtr stream(fdopen(file.Number(), mode));
+  if (stream) Note(stream.get());
   if (stream) (void)file.Release();
   return stream;
 }
@@ -87,6 +109,17 @@ bool FinishCopy(Descriptor copy) {
   return fsync(copy.Number()) == 0 && copy.Close();
 }
 
+int CloseNoted(FILE* file) {
+  Exchange(file, nullptr);
+  return fclose(file);
+}
+
+void DropStreamsInChild() {
+  for (std::atomic<FILE*>& stream : streams) {
+    if (FILE* const file = stream.exchange(nullptr)) __fpurge(file);
+  }
+}
+
 FilePtr OpenFile(const astring* path, const astring* mode) {
   struct stat seen = {};
   Descriptor file = OpenRegular(path, OpenFlags(mode), &seen);
@@ -96,7 +129,7 @@ FilePtr OpenFile(const astring* path, const astring* mode) {
 
 bool CloseWritten(FilePtr file) {
   const bool good = fflush(file.get()) == 0 && ferror(file.get()) == 0;
-  return fclose(file.release()) == 0 && good;
+  return CloseNoted(file.release()) == 0 && good;
 }
 
 s64 StreamSize(FILE* file) {

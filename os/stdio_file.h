@@ -34,8 +34,14 @@ Descriptor OpenCopy(const astring* path, const struct stat* replaced);
 // the close failed. A mode that cannot be set is ignored.
 bool FinishCopy(Descriptor copy);
 
+// Closes a stream of this file; the result of fclose.
+int CloseNoted(FILE* file);
+
+// In the child of a fork: what other threads of the parent were reading or writing is theirs.
+void DropStreamsInChild();
+
 struct FileCloser {
-  void operator()(FILE* file) const { (void)fclose(file); }
+  void operator()(FILE* file) const { (void)CloseNoted(file); }
 };
 
 using FilePtr = std::unique_ptr<FILE, FileCloser>;
