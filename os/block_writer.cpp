@@ -20,6 +20,7 @@ bool WriteAll(int file, std::string_view text) {
 }
 
 bool BlockWriter::Write(std::string_view text) {
+  if (text.empty()) return true;
   if (text.size() > kBlock - used_ && !Flush()) return false;
   if (text.size() > kBlock) return WriteAll(file_, text);
   memcpy(block_.get() + used_, text.data(), text.size());

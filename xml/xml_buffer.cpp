@@ -75,10 +75,10 @@ class BufferEnd {
   explicit BufferEnd(SSAStr* buffer) : buffer_(buffer) {}
 
   // Lets `put` write a piece of so many characters.
-  // Deliberate: a piece for which the buffer cannot grow is dropped, and the element call still
-  // succeeds. Held by XmlBuffer.PieceThatDoesNotFitInMemoryIsDroppedSilently.
   template <typename Put>
   void Cat(u64 length, Put put) {
+    // Deliberate: a piece for which the buffer cannot grow is dropped, and the element call still
+    // succeeds. Held by XmlBuffer.PieceThatDoesNotFitInMemoryIsDroppedSilently.
     astring* const place = SSAStrMakeRoom(buffer_, length, &old_);
     if (place == nullptr) return;
     put(place);

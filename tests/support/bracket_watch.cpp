@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/bracket_watch.h"
 
-#include <utility>
+#include <array>
 
 #include "qvxcs/types.h"
 
@@ -10,8 +10,14 @@
 
 namespace {
 
-std::string brackets;
-const u32* slotInForce = nullptr;
+// Each thread has its own, without a block of the heap: other tests count blocks.
+thread_local std::array<char, 64> brackets;
+thread_local size_t count = 0;
+thread_local const u32* slotInForce = nullptr;
+
+void Note(char bracket) {
+  if (count < brackets.size()) brackets[count++] = bracket;
+}
 
 }  // namespace
 
@@ -19,16 +25,20 @@ const u32* slotInForce = nullptr;
 extern "C" {
 void __wrap__ZN3qvx16SetExportContextEPjS0_(u32* saveSlot, u32* context) {
   slotInForce = saveSlot;
-  brackets += saveSlot != nullptr && context == &qvx::origECI ? '(' : '!';
+  Note(saveSlot != nullptr && context == &qvx::origECI ? '(' : '!');
 }
 
 void __wrap__ZN3qvx18ResetExportContextEPj(u32* saveSlot) {
-  brackets += saveSlot != nullptr && saveSlot == slotInForce ? ')' : '!';
+  Note(saveSlot != nullptr && saveSlot == slotInForce ? ')' : '!');
 }
 }
 
 namespace qvx::test {
 
-std::string TakeBrackets() { return std::exchange(brackets, std::string()); }
+std::string TakeBrackets() {
+  const std::string taken(brackets.data(), count);
+  count = 0;
+  return taken;
+}
 
 }  // namespace qvx::test

@@ -7,9 +7,9 @@
 
 namespace qvx::test {
 
-// The export-context hooks that ran since the last call of this, in their order: "(" where a
-// context was installed, ")" where the one before was put back with the same slot, "!" for a hook
-// with other arguments.
+// The export-context hooks that ran in this thread since the last call of this, in their order, 64
+// at most: "(" where a context was installed, ")" where the one before was put back with the same
+// slot, "!" for a hook with other arguments.
 std::string TakeBrackets();
 
 }  // namespace qvx::test
