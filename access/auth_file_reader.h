@@ -3,8 +3,7 @@
 #ifndef QVX_ACCESS_AUTH_FILE_READER_H
 #define QVX_ACCESS_AUTH_FILE_READER_H
 
-#include <time.h>
-
+#include <ctime>
 #include <deque>
 #include <memory>
 #include <string>

@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "access/authenticate.h"
 
-#include <string.h>
-
 #include <cstdio>
+#include <cstring>
 
 #include "qvxcs/status.h"
 

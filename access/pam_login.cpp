@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "access/pam_login.h"
 
-#include <string.h>
-
 #include <cstdlib>
+#include <cstring>
 
 #include "qvxcs/access.h"
 

@@ -24,7 +24,8 @@ void RoleMapStream::Open(const std::string& path) {
 // A child that was forked with the file open shares the descriptor, so each keeps its own place.
 bool RoleMapStream::FillBlock() {
   if (!file_.IsOurs()) return false;
-  const ssize_t count = TEMP_FAILURE_RETRY(pread(file_.Number(), block_, sizeof block_, position_));
+  const ssize_t count =
+      TEMP_FAILURE_RETRY(pread(file_.Number(), block_, sizeof(block_), position_));
   if (count <= 0) return false;
   position_ += count;
   next_ = 0;

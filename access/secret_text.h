@@ -3,7 +3,7 @@
 #ifndef QVX_ACCESS_SECRET_TEXT_H
 #define QVX_ACCESS_SECRET_TEXT_H
 
-#include <string.h>
+#include <cstring>
 
 #include "qvxcs/types.h"
 

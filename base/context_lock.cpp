@@ -46,9 +46,7 @@ u32 FirstSlotOf(u32 chunk) { return (1U << (chunk + kFirstChunkBits)) - (1U << k
 
 Slot* FindSlot(u32 handle) {
   const u32 slot = handle - 1;
-  if (handle == 0 || slot >= UINT32_MAX - (1U << kFirstChunkBits)) {
-    return nullptr;
-  }
+  if (handle == 0 || slot >= UINT32_MAX - (1U << kFirstChunkBits)) return nullptr;
   const u32 chunk = ChunkOf(slot);
   Slot* const first = chunks.at(chunk).load(std::memory_order_acquire);
   return first == nullptr ? nullptr : first + (slot - FirstSlotOf(chunk));
@@ -62,16 +60,12 @@ LocalMutex FindMutex(u32 handle) {
 // From here to the end of the namespace: under tableMutex.
 u32 NewSlot() {
   const u32 slot = slotsUsed;
-  if (slot >= UINT32_MAX - (1U << kFirstChunkBits)) {
-    return 0;
-  }
+  if (slot >= UINT32_MAX - (1U << kFirstChunkBits)) return 0;
   const u32 chunk = ChunkOf(slot);
   if (chunks.at(chunk).load(std::memory_order_relaxed) == nullptr) {
     const size_t count = size_t{1} << (chunk + kFirstChunkBits);
     auto* const made = static_cast<Slot*>(calloc(count, sizeof(Slot)));
-    if (made == nullptr) {
-      return 0;
-    }
+    if (made == nullptr) return 0;
     for (size_t at = 0; at < count; ++at) {
       new (made + at) Slot{};
     }
@@ -82,9 +76,7 @@ u32 NewSlot() {
 }
 
 u32 TakeSlot() {
-  if (firstFree == 0) {
-    return NewSlot();
-  }
+  if (firstFree == 0) return NewSlot();
   const u32 handle = firstFree;
   firstFree = FindSlot(handle)->nextFree;
   return handle;

@@ -32,9 +32,7 @@ template <typename T>
 HeapArray<T> AllocArray(u64 count) {
   static_assert(std::is_trivial_v<T>);
   const u64 bytes = count * sizeof(T);
-  if (bytes / sizeof(T) != count || bytes > static_cast<u64>(PTRDIFF_MAX)) {
-    return nullptr;
-  }
+  if (bytes / sizeof(T) != count || bytes > static_cast<u64>(PTRDIFF_MAX)) return nullptr;
   return HeapArray<T>(static_cast<T*>(malloc(static_cast<size_t>(bytes))));
 }
 

@@ -17,21 +17,15 @@ LocalMutex CreateLocalMutex() {
 }
 
 s32 WaitForLocalMutex(LocalMutex mutex, s32 timeout) {
-  if (mutex == nullptr) {
-    return -1;
-  }
-  if (timeout == -1) {
-    return pthread_mutex_lock(mutex) == 0 ? 0 : -1;
-  }
+  if (mutex == nullptr) return -1;
+  if (timeout == -1) return pthread_mutex_lock(mutex) == 0 ? 0 : -1;
   return PollWait(timeout, [mutex] {
     return pthread_mutex_trylock(mutex) == 0 ? Attempt::kTaken : Attempt::kBusy;
   });
 }
 
 s32 ReleaseLocalMutex(LocalMutex mutex) {
-  if (mutex == nullptr) {
-    return -1;
-  }
+  if (mutex == nullptr) return -1;
   return pthread_mutex_unlock(mutex) == 0 ? 0 : -1;
 }
 

@@ -18,15 +18,9 @@ template <typename Try>
 s32 PollWait(s32 timeout, Try tryOnce) {
   for (s32 counter = 0;; ++counter) {
     const Attempt result = tryOnce();
-    if (result == Attempt::kTaken) {
-      return 0;
-    }
-    if (counter >= timeout) {
-      return static_cast<s32>(SM_STATUS_TIMEOUT);
-    }
-    if (result == Attempt::kFailed) {
-      return -1;
-    }
+    if (result == Attempt::kTaken) return 0;
+    if (counter >= timeout) return static_cast<s32>(SM_STATUS_TIMEOUT);
+    if (result == Attempt::kFailed) return -1;
     usleep(1000);
   }
 }

@@ -65,7 +65,7 @@ BENCHMARK(YardstickOfWriting);
 void ReadKey(benchmark::State& state, const char* section) {
   for (auto _ : state) {
     u32 value = 0;
-    u32 size = sizeof value;
+    u32 size = sizeof(value);
     if (PXTReadINIPathFileValue(section, "key19", 5, &value, &size, nullptr, 0, kIni, 1) !=
         SM_STATUS_SUCCESS) {
       abort();
@@ -91,7 +91,7 @@ void WriteKey(benchmark::State& state) {
   u32 value = 0;
   for (auto _ : state) {
     ++value;
-    if (PXTWriteINIPathFileValue("section25", "key10", 5, &value, sizeof value, kIni, 1) !=
+    if (PXTWriteINIPathFileValue("section25", "key10", 5, &value, sizeof(value), kIni, 1) !=
         SM_STATUS_SUCCESS) {
       abort();
     }

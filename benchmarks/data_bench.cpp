@@ -32,7 +32,7 @@ BENCHMARK(Yardstick);
 
 u32 Number(const PXTDLListEntry* entry) {
   u32 number = 0;
-  memcpy(&number, entry->data, sizeof number);
+  memcpy(&number, entry->data, sizeof(number));
   return number;
 }
 
@@ -53,7 +53,7 @@ void FillAtTail(benchmark::State& state) {
   for (auto _ : state) {
     PXTDLList* list = PXTDLListAlloc();
     for (u32 number = 0; number < kEntries; ++number) {
-      PXTDLListInsertEntryAtTail(list, PXTDLListEntryAlloc(sizeof number));
+      PXTDLListInsertEntryAtTail(list, PXTDLListEntryAlloc(sizeof(number)));
     }
     Empty(list);
   }
@@ -65,8 +65,8 @@ void FillInOrder(benchmark::State& state) {
   for (auto _ : state) {
     PXTDLList* list = PXTDLListAlloc();
     for (u32 number = 0; number < kEntries; ++number) {
-      PXTDLListEntry* entry = PXTDLListEntryAlloc(sizeof number);
-      memcpy(entry->data, &number, sizeof number);
+      PXTDLListEntry* entry = PXTDLListEntryAlloc(sizeof(number));
+      memcpy(entry->data, &number, sizeof(number));
       PXTDLListInsertOrdered(list, entry, ByNumber);
     }
     Empty(list);

@@ -42,7 +42,7 @@ void CatCommand(void* buffer, const PXTCommand& command) {
 // table holds it. Held by CmdHelp.CountIsOneLessThanTheTable.
 u32 CatBegin(void* buffer, s32 count) {
   astring attribute[32];
-  (void)snprintf(attribute, sizeof attribute, "count=\"%d\"", count - 1);
+  (void)snprintf(attribute, sizeof(attribute), "count=\"%d\"", count - 1);
   return PXMBufCatBeginNode(buffer, "CLICmdHelp", attribute);
 }
 

@@ -64,9 +64,7 @@ bool IsUstringOfSize(const void* text, u32 size) {
   if (size < sizeof(ustring) || size % sizeof(ustring) != 0) return false;
   const u32 last = size - static_cast<u32>(sizeof(ustring));
   for (u32 at = 0; at <= last; at += static_cast<u32>(sizeof(ustring))) {
-    if (bytes[at] == 0 && bytes[at + 1] == 0) {
-      return at == last;
-    }
+    if (bytes[at] == 0 && bytes[at + 1] == 0) return at == last;
   }
   return false;
 }

@@ -52,12 +52,8 @@ u32 StoreBooln(const astring* text, void* value) {
   // carriage return belongs to the word. Held by IniReadValues.OnlyTheSpaceEndsTheWordOfABooln.
   const astring* const word = text + strspn(text, " ");
   const size_t length = strcspn(word, " ");
-  if (IsWord(word, length, "TRUE")) {
-    return Store<booln>(1, value);
-  }
-  if (IsWord(word, length, "FALSE")) {
-    return Store<booln>(0, value);
-  }
+  if (IsWord(word, length, "TRUE")) return Store<booln>(1, value);
+  if (IsWord(word, length, "FALSE")) return Store<booln>(0, value);
   return SM_STATUS_DATA_TOO_LARGE;
 }
 
@@ -91,9 +87,7 @@ void GiveFixedDefault(const IniRead& read, u32 bytes) {
 }
 
 u32 ReadFixed(const IniRead& read, const FixedType& type) {
-  if (!IsComplete(read) || *read.size < type.bytes) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
+  if (!IsComplete(read) || *read.size < type.bytes) return SM_STATUS_BAD_ARGUMENT;
   const HeapArray<astring> text = AllocArray<astring>(kTextRoom);
   u32 status = ReadText(read, text.get(), kTextRoom);
   if (status == SM_STATUS_SUCCESS) {
@@ -122,9 +116,7 @@ u32 ParseBytes(astring* text, u32* count) {
   const astring* piece = text;
   while (piece != nullptr) {
     const ScannedNumber number = ScanNumber(piece, kHexBase);
-    if (!number.found) {
-      break;
-    }
+    if (!number.found) break;
     if (number.magnitude > 0xFF || (number.negative && number.magnitude != 0)) {
       return SM_STATUS_DATA_TOO_LARGE;
     }
@@ -154,9 +146,7 @@ u32 DeliverBytes(const IniRead& read, const astring* bytes, u32 count) {
 }
 
 u32 ReadBinary(const IniRead& read) {
-  if (!IsComplete(read)) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
+  if (!IsComplete(read)) return SM_STATUS_BAD_ARGUMENT;
   const HeapArray<astring> text = AllocArray<astring>(kBytesTextRoom);
   u32 count = 0;
   u32 status = ReadText(read, text.get(), kBytesTextRoom);
@@ -173,9 +163,7 @@ u32 ReadBinary(const IniRead& read) {
 }
 
 u32 ReadUstring(const IniRead& read) {
-  if (!IsComplete(read)) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
+  if (!IsComplete(read)) return SM_STATUS_BAD_ARGUMENT;
   if (read.defaultValue != nullptr && !IsUstringOfSize(read.defaultValue, read.defaultSize)) {
     return SM_STATUS_BAD_ARGUMENT;
   }
@@ -204,13 +192,9 @@ u32 ReadINIPathFileValue(const astring* section, const astring* key, s32 type, v
 }
 
 u32 ProductIniFilePath(const astring* fileName, astring (&path)[kIniPathRoom]) {
-  if (fileName == nullptr) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
+  if (fileName == nullptr) return SM_STATUS_BAD_ARGUMENT;
   const HeapArray<astring> installPath(SUPTIntfGetQVXInstallPath());
-  if (!installPath) {
-    return kMinusOne;
-  }
+  if (!installPath) return kMinusOne;
   // Deliberate: a name too long for the path is cut, not refused. Held by
   // IniReadValues.FileNameIsCutWhereThePathHas255Characters.
   constexpr int kFileNameRoom = static_cast<int>(kIniPathRoom - sizeof(kIniFileDirectory));
@@ -222,9 +206,7 @@ u32 SUPTIntfReadINIFileValue(const astring* section, const astring* key, s32 typ
                              u32* size, const void* defaultValue, u32 defaultSize,
                              const astring* fileName, booln lockFlag) {
   astring path[kIniPathRoom];
-  if (const u32 status = ProductIniFilePath(fileName, path)) {
-    return status;
-  }
+  if (const u32 status = ProductIniFilePath(fileName, path)) return status;
   return ReadINIPathFileValue(section, key, type, value, size, defaultValue, defaultSize, path,
                               lockFlag);
 }

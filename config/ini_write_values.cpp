@@ -79,12 +79,8 @@ constexpr FixedType kFixedTypes[] = {
 static_assert(sizeof(kFixedTypes) / sizeof(kFixedTypes[0]) == kLastFixed - kFirstFixed + 1);
 
 u32 WriteFixed(const Write& write, const FixedType& type) {
-  if (write.value == nullptr) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
-  if (write.size < type.bytes) {
-    return SM_STATUS_DATA_TOO_LARGE;
-  }
+  if (write.value == nullptr) return SM_STATUS_BAD_ARGUMENT;
+  if (write.size < type.bytes) return SM_STATUS_DATA_TOO_LARGE;
   NumberText text;
   type.format(write.value, text);
   return WriteText(write, text, static_cast<s32>(strlen(text)) + 1);
@@ -102,9 +98,7 @@ void FormatBytes(const u8* bytes, u32 count, astring* text) {
 u32 WriteBytes(const Write& write) {
   const u32 count = static_cast<u32>(write.size);
   const HeapArray<astring> text = AllocArray<astring>(u64{count} * kByteText + 1);
-  if (!text) {
-    return kMinusOne;
-  }
+  if (!text) return kMinusOne;
   FormatBytes(static_cast<const u8*>(write.value), count, text.get());
   return WriteText(write, text.get(), static_cast<s32>(count * kByteText));
 }
@@ -115,19 +109,13 @@ u32 DeleteKey(const Write& write) {
 }
 
 u32 WriteBinary(const Write& write) {
-  if (write.value == nullptr) {
-    return DeleteKey(write);
-  }
-  if (write.size < 1 || write.size > kMostBytes) {
-    return SM_STATUS_DATA_TOO_LARGE;
-  }
+  if (write.value == nullptr) return DeleteKey(write);
+  if (write.size < 1 || write.size > kMostBytes) return SM_STATUS_DATA_TOO_LARGE;
   return WriteBytes(write);
 }
 
 u32 WriteUstring(const Write& write) {
-  if (write.value == nullptr) {
-    return DeleteKey(write);
-  }
+  if (write.value == nullptr) return DeleteKey(write);
   if (write.size < 1 || write.size > kMostBytes ||
       !IsUstringOfSize(write.value, static_cast<u32>(write.size))) {
     return SM_STATUS_DATA_TOO_LARGE;
@@ -159,9 +147,7 @@ u32 SUPTIntfWriteINIFileValue(const astring* section, const astring* key, s32 ty
                               const void* value, s32 size, const astring* fileName,
                               booln lockFlag) {
   astring path[kIniPathRoom];
-  if (const u32 status = ProductIniFilePath(fileName, path)) {
-    return status;
-  }
+  if (const u32 status = ProductIniFilePath(fileName, path)) return status;
   return WriteINIPathFileValue(section, key, type, value, size, path, lockFlag);
 }
 

@@ -24,7 +24,7 @@ constexpr unsigned long long kLittleSpace = 1 << 20;
 
 std::string Octal(mode_t mode) {
   char text[16];
-  (void)snprintf(text, sizeof text, "%04o", mode & 07777);
+  (void)snprintf(text, sizeof(text), "%04o", mode & 07777);
   return text;
 }
 

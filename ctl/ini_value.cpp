@@ -26,15 +26,15 @@ constexpr IniTypeEntry kTypes[] = {
 
 template <typename Value>
 std::vector<u8> BytesOf(const Value& value) {
-  std::vector<u8> bytes(sizeof value);
-  memcpy(bytes.data(), &value, sizeof value);
+  std::vector<u8> bytes(sizeof(value));
+  memcpy(bytes.data(), &value, sizeof(value));
   return bytes;
 }
 
 template <typename Value>
 Value ValueOf(const std::vector<u8>& bytes) {
   Value value{};
-  memcpy(&value, bytes.data(), std::min(sizeof value, bytes.size()));
+  memcpy(&value, bytes.data(), std::min(sizeof(value), bytes.size()));
   return value;
 }
 
@@ -83,7 +83,7 @@ std::string HexList(const std::vector<u8>& bytes) {
   std::string text;
   for (const u8 byte : bytes) {
     char piece[8];
-    (void)snprintf(piece, sizeof piece, "%s0x%02X", text.empty() ? "" : ",", byte);
+    (void)snprintf(piece, sizeof(piece), "%s0x%02X", text.empty() ? "" : ",", byte);
     text += piece;
   }
   return text;

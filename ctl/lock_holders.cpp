@@ -101,7 +101,7 @@ std::string StartOf(pid_t process) {
   std::tm parts{};
   char room[32];
   if (localtime_r(&start, &parts) == nullptr) return "";
-  return {room, strftime(room, sizeof room, "%Y-%m-%d %H:%M:%S", &parts)};
+  return {room, strftime(room, sizeof(room), "%Y-%m-%d %H:%M:%S", &parts)};
 }
 
 // "1: POSIX  ADVISORY  WRITE 123 08:01:456 0 EOF", with "->" before the kind of one that waits.

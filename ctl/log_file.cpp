@@ -82,7 +82,7 @@ std::string MarkOf(const std::string& text) {
     hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
   }
   char mark[17];
-  (void)snprintf(mark, sizeof mark, "%016" PRIx64, hash);
+  (void)snprintf(mark, sizeof(mark), "%016" PRIx64, hash);
   return mark;
 }
 

@@ -19,7 +19,7 @@ namespace qvx::ctl {
 namespace {
 
 constexpr char kClosing[] = "</EventLog>";
-constexpr size_t kClosingLength = sizeof kClosing - 1;
+constexpr size_t kClosingLength = sizeof(kClosing) - 1;
 constexpr u64 kSmallestLog = 65;
 constexpr u32 kFileLockOffset = 30000;
 constexpr size_t kMostFindings = 20;

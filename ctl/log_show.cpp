@@ -20,7 +20,7 @@ std::string LocalTime(s64 time) {
   std::tm parts{};
   char text[64];
   if (localtime_r(&seconds, &parts) == nullptr) return "@" + std::to_string(time);
-  return {text, strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts)};
+  return {text, strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &parts)};
 }
 
 std::optional<s64> SecondsOfUnit(char unit) {

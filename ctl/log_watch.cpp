@@ -52,7 +52,7 @@ class DirectoryWatch {
     pollfd ready{events_.Number(), POLLIN, 0};
     const int count = ppoll(&ready, events_ ? 1 : 0, &second, signals);
     char room[4096];
-    while (count > 0 && read(events_.Number(), room, sizeof room) > 0) {
+    while (count > 0 && read(events_.Number(), room, sizeof(room)) > 0) {
     }
     if (!added_) Add();
   }

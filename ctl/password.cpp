@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/password.h"
 
-#include <string.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 
 #include "ctl/output.h"
 
@@ -61,11 +61,11 @@ Password::Password(const std::string& prompt) {
     if (got == 0 && length == 0) throw Failure(kUnknown, "password: none was given");
     if (got == 0 || byte == '\n') break;
     if (byte == kInterruptKey) throw Failure(kUnknown, "");
-    if (length + 1 == sizeof text_) throw Failure(kUnknown, "password: longer than 255 bytes");
+    if (length + 1 == sizeof(text_)) throw Failure(kUnknown, "password: longer than 255 bytes");
     text_[length] = byte;
   }
 }
 
-Password::~Password() { explicit_bzero(text_, sizeof text_); }
+Password::~Password() { explicit_bzero(text_, sizeof(text_)); }
 
 }  // namespace qvx::ctl

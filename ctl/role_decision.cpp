@@ -45,9 +45,9 @@ std::string Narrow(const std::wstring& text) { return {text.begin(), text.end()}
 std::string ThisHost() {
   (void)LoadIPSupt();
   astring name[kHostNameRoom] = {};
-  u32 size = sizeof name;
+  u32 size = sizeof(name);
   if (GetIPHostName(name, &size) != SM_STATUS_SUCCESS) return "";
-  return {name, strnlen(name, sizeof name)};
+  return {name, strnlen(name, sizeof(name))};
 }
 
 // The entries of all records in their order.
@@ -169,7 +169,7 @@ std::string TextOfRights(u32 rights) {
   if ((rights & 0xFFFF) == QVX_PRIV_POWERUSER) level = "poweruser";
   if ((rights & 0xFFFF) == QVX_PRIV_USER) level = "user";
   char number[16];
-  (void)snprintf(number, sizeof number, " (0x%X)", rights);
+  (void)snprintf(number, sizeof(number), " (0x%X)", rights);
   const char* const root = (rights & QVX_PRIV_ROOT) != 0 ? ", superuser" : "";
   return std::string(level) + root + number;
 }

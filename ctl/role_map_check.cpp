@@ -39,7 +39,7 @@ void CheckBytes(const RoleMapText& text, Findings* findings) {
 
 std::string Octal(mode_t mode) {
   char text[16];
-  (void)snprintf(text, sizeof text, "%05o", mode & 07777);
+  (void)snprintf(text, sizeof(text), "%05o", mode & 07777);
   return text;
 }
 

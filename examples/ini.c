@@ -53,9 +53,7 @@ static u32 Set(const char* path, const char* section, const char* key, const cha
 static u32 Delete(const char* path, const char* section, const char* key) {
   u32 status = SM_STATUS_SUCCESS;
   PXTFreeMem(Get(path, section, key, &status)); /* deleting a key that is not there succeeds */
-  if (status != SM_STATUS_SUCCESS) {
-    return status;
-  }
+  if (status != SM_STATUS_SUCCESS) return status;
   return PXTWriteINIPathFileValue(section, key, QVX_INI_ASTRING, NULL, 0, path, QVX_LOCK_WAIT);
 }
 

@@ -31,19 +31,19 @@ static s32 ByName(PXTDLListEntry* newEntry, PXTDLListEntry* listEntry) {
 
 static int Add(PXTDLList* list, u32* table, u32 size, const char* name) {
   Item item = {0, ""};
-  if (strlen(name) >= sizeof item.name) {
+  if (strlen(name) >= sizeof(item.name)) {
     fprintf(stderr, "list: %s: the name is too long\n", name);
     return 2;
   }
   strcpy(item.name, name);
   item.id = PXTAcquireHashID(table, size);
-  PXTDLListEntry* const entry = item.id != 0 ? PXTDLListEntryAlloc(sizeof item) : NULL;
+  PXTDLListEntry* const entry = item.id != 0 ? PXTDLListEntryAlloc(sizeof(item)) : NULL;
   if (entry == NULL) {
     fprintf(stderr, "list: %s: no identifier is free, or no memory\n", name);
     (void)PXTReleaseHashID(table, size, item.id); /* 0 is not in use, and stays so */
     return 2;
   }
-  memcpy(entry->data, &item, sizeof item);
+  memcpy(entry->data, &item, sizeof(item));
   const u32 status = PXTDLListInsertKeyed(list, entry, ByName);
   if (status != SM_STATUS_SUCCESS) {
     fprintf(stderr, "list: %s: is there already (%s)\n", name, StatusName(status));
@@ -56,11 +56,11 @@ static int Add(PXTDLList* list, u32* table, u32 size, const char* name) {
 
 int main(int argc, char** argv) {
   u32 table[kTableWords];
-  if (argc < 2 || PXTHashTableBytesNeeded(kMostIds + 1) > sizeof table) {
+  if (argc < 2 || PXTHashTableBytesNeeded(kMostIds + 1) > sizeof(table)) {
     fprintf(stderr, "usage: list NAME ...\n");
     return 2;
   }
-  (void)PXTClearHashTable(table, sizeof table);
+  (void)PXTClearHashTable(table, sizeof(table));
   PXTDLList* const list = PXTDLListAlloc();
   if (list == NULL) {
     fprintf(stderr, "list: no memory\n");
@@ -68,17 +68,17 @@ int main(int argc, char** argv) {
   }
   int result = 0;
   for (int at = 1; at < argc && result != 2; ++at) {
-    const int added = Add(list, table, sizeof table, argv[at]);
+    const int added = Add(list, table, sizeof(table), argv[at]);
     result = added > result ? added : result;
   }
   printf("%u names, the highest identifier is %u\n", (unsigned)list->count,
-         (unsigned)PXTGetMaxInUseID(table, sizeof table));
+         (unsigned)PXTGetMaxInUseID(table, sizeof(table)));
   /* The list does not free entries: it is emptied before its header goes. */
   for (PXTDLListEntry* entry = PXTDLListRemoveEntryAtHead(list); entry != NULL;
        entry = PXTDLListRemoveEntryAtHead(list)) {
     const Item* const item = entry->data;
     printf("%u %s\n", (unsigned)item->id, item->name);
-    (void)PXTReleaseHashID(table, sizeof table, item->id);
+    (void)PXTReleaseHashID(table, sizeof(table), item->id);
     PXTDLListEntryFree(entry);
   }
   PXTDLListFree(list);

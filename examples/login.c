@@ -39,9 +39,7 @@ static void Wipe(void* memory, size_t size) {
 /* One line without its end; 0 when there is none or it is longer than the room. */
 static int ReadLine(char* room, int size) {
   setvbuf(stdin, NULL, _IONBF, 0); /* a buffer of the stream would keep a copy */
-  if (fgets(room, size, stdin) == NULL) {
-    return 0;
-  }
+  if (fgets(room, size, stdin) == NULL) return 0;
   const size_t length = strcspn(room, "\n");
   const int whole = room[length] == '\n' || feof(stdin);
   room[length] = '\0';
@@ -55,10 +53,10 @@ int main(int argc, char** argv) {
   }
   setlocale(LC_CTYPE, ""); /* the role map is asked of names that the locale has */
   char password[256];
-  const int read = ReadLine(password, sizeof password);
+  const int read = ReadLine(password, sizeof(password));
   ustring* const user = PXTNVSAstrToUstr(argv[1], NULL);
   ustring* const secret = read ? PXTNVSAstrToUstr(password, NULL) : NULL;
-  Wipe(password, sizeof password);
+  Wipe(password, sizeof(password));
   const int usable = user != NULL && secret != NULL;
 
   /* Logins are answered from the role map only once the file was opened and read by a question. */

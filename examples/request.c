@@ -39,9 +39,7 @@ static void PrintRights(const char* whose, u32 rights) {
 static ustring* Widen(const char* text, u32* status) {
   u32 size = 0; /* asked for in bytes, */
   *status = PXTUTF8StrToUCS2Str(NULL, &size, text);
-  if (*status != SM_STATUS_SUCCESS) {
-    return NULL;
-  }
+  if (*status != SM_STATUS_SUCCESS) return NULL;
   ustring* wide = PXTAllocMem(size);
   u32 room = size / (u32)sizeof(ustring) - 1u; /* given in units, less the terminator */
   *status = wide == NULL ? SM_STATUS_NO_MEMORY : PXTUTF8StrToUCS2Str(wide, &room, text);
@@ -73,9 +71,7 @@ static u32 Authenticate(const char* login, char* password, u32* rights) {
 
 static int PrintAnswer(const char* login, u32 rights) {
   void* const answer = PXTXAllocBuf(512, QVX_TRUE);
-  if (answer == NULL) {
-    return 0;
-  }
+  if (answer == NULL) return 0;
   const booln granted = rights != 0;
   const PXTTypedValue hexadecimal = {QVX_TYPE_U32, QVX_BASE_HEXADECIMAL, &rights};
   const int built =
@@ -96,9 +92,7 @@ static int PrintAnswer(const char* login, u32 rights) {
 
 static u32 Record(const char* login, u32 rights) {
   void* const description = PXTXAllocBuf(256, QVX_FALSE);
-  if (description == NULL) {
-    return SM_STATUS_NO_MEMORY;
-  }
+  if (description == NULL) return SM_STATUS_NO_MEMORY;
   const booln granted = rights != 0;
   u32 status =
       PXTNVSBufCatSetCmdParam(description, "granted", NULL, NULL, &granted, QVX_TYPE_BOOLN);
@@ -115,9 +109,7 @@ static int PrintLog(void) {
   astring* const path = PXTGetCmdLogPathFileName();
   astring* const content = PXTCmdGetXMLLogContent(path);
   PXTFreeMem(path);
-  if (content == NULL) {
-    return 2;
-  }
+  if (content == NULL) return 2;
   /* The log opens with an instruction of its own; the two elements get one root. */
   printf("<Log>%s</Log>\n", content);
   PXTXFreeBufContent(content);
@@ -126,19 +118,15 @@ static int PrintLog(void) {
 
 static char* ReadPassword(char* room, int size) {
   setvbuf(stdin, NULL, _IONBF, 0); /* a buffer of the stream would keep a copy */
-  if (fgets(room, size, stdin) == NULL) {
-    return NULL;
-  }
+  if (fgets(room, size, stdin) == NULL) return NULL;
   room[strcspn(room, "\n")] = '\0';
   return room;
 }
 
 int main(int argc, char** argv) {
   char room[256];
-  if (argc == 2 && strcmp(argv[1], "--log") == 0) {
-    return PrintLog();
-  }
-  char* const password = argc == 3 ? argv[2] : argc == 2 ? ReadPassword(room, sizeof room) : NULL;
+  if (argc == 2 && strcmp(argv[1], "--log") == 0) return PrintLog();
+  char* const password = argc == 3 ? argv[2] : argc == 2 ? ReadPassword(room, sizeof(room)) : NULL;
   if (password == NULL) {
     fprintf(stderr, "usage: request LOGIN [PASSWORD] | request --log\n");
     return 2;

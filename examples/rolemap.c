@@ -50,18 +50,16 @@ static const char* BehindOurEntry(const char* log) {
 static int ShowFirstFault(const char* entries) {
   const char* first = NULL;
   const char* reason = NULL;
-  for (size_t at = 0; at < sizeof kFaults / sizeof *kFaults; ++at) {
+  for (size_t at = 0; at < sizeof(kFaults) / sizeof(*kFaults); ++at) {
     char id[24];
-    snprintf(id, sizeof id, "<ID>%u</ID>", (unsigned)kFaults[at].id);
+    snprintf(id, sizeof(id), "<ID>%u</ID>", (unsigned)kFaults[at].id);
     const char* const found = strstr(entries, id);
     if (found != NULL && (first == NULL || found < first)) {
       first = found;
       reason = kFaults[at].reason;
     }
   }
-  if (first == NULL) {
-    return 0;
-  }
+  if (first == NULL) return 0;
   static const char kLine[] = "name=\"line\" value=\"";
   const char* const line = strstr(first, kLine);
   const unsigned long number = line == NULL ? 0 : strtoul(line + strlen(kLine), NULL, 10);
@@ -92,9 +90,7 @@ int main(void) {
   }
   const int fault = ShowFirstFault(BehindOurEntry(log));
   PXTXFreeBufContent(log);
-  if (fault) {
-    return 1;
-  }
+  if (fault) return 1;
   if (rights == 0) {
     fprintf(stderr, "rolemap: nothing is granted to this user, or memory ran out\n");
     return 2;

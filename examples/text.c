@@ -20,9 +20,7 @@
 static ustring* Widen(const char* text, u32* status) {
   u32 size = 0;
   *status = PXTUTF8StrToUCS2Str(NULL, &size, text);
-  if (*status != SM_STATUS_SUCCESS) {
-    return NULL;
-  }
+  if (*status != SM_STATUS_SUCCESS) return NULL;
   ustring* wide = PXTAllocMem(size);           /* asked for in bytes, */
   u32 room = size / (u32)sizeof(ustring) - 1u; /* given in units, less the terminator */
   *status = wide == NULL ? SM_STATUS_NO_MEMORY : PXTUTF8StrToUCS2Str(wide, &room, text);
@@ -36,9 +34,7 @@ static ustring* Widen(const char* text, u32* status) {
 static astring* Narrow(const ustring* wide, u32* status) {
   u32 size = 0;
   *status = PXTUCS2StrToUTF8Str(NULL, &size, wide);
-  if (*status != SM_STATUS_SUCCESS) {
-    return NULL;
-  }
+  if (*status != SM_STATUS_SUCCESS) return NULL;
   astring* text = PXTAllocMem(size);
   u32 room = size - 1; /* less the terminator */
   *status = text == NULL ? SM_STATUS_NO_MEMORY : PXTUCS2StrToUTF8Str(text, &room, wide);
@@ -52,9 +48,7 @@ static astring* Narrow(const ustring* wide, u32* status) {
 static astring* Escape(const ustring* wide, u32* status) {
   u32 size = 0; /* here the size counts the terminator, and asking for it is a refusal */
   *status = PXTUnicodeToEscape(NULL, &size, wide);
-  if (*status != SM_STATUS_BUFFER_TOO_SMALL) {
-    return NULL;
-  }
+  if (*status != SM_STATUS_BUFFER_TOO_SMALL) return NULL;
   astring* text = PXTAllocMem(size);
   *status = text == NULL ? SM_STATUS_NO_MEMORY : PXTUnicodeToEscape(text, &size, wide);
   if (*status != SM_STATUS_SUCCESS) {

@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
     fprintf(stderr, "values: no memory\n");
     return 2;
   }
-  const u32 status = AppendAll(buffer, nodes, sizeof nodes / sizeof *nodes);
+  const u32 status = AppendAll(buffer, nodes, sizeof(nodes) / sizeof(*nodes));
   if (status != SM_STATUS_SUCCESS) {
     PrintFailure("values", "failed", status);
     (void)PXTXFreeBuf(buffer);

@@ -26,9 +26,7 @@ static u32 Add(const char* path, const char* maximum, const char* text, const ch
     return SM_STATUS_INVALID_PARAMETER;
   }
   astring* const markup = PXTGetXMLUTF8StrFromAStr(text, 1); /* a description is not escaped */
-  if (markup == NULL) {
-    return SM_STATUS_NO_MEMORY;
-  }
+  if (markup == NULL) return SM_STATUS_NO_MEMORY;
   const u32 status = PXTAppendToXMLLog(path, QVX_LOG_INFORMATION, kNoteAdded, user, kSource, markup,
                                        NULL, 0, PXTASCIIToUnSigned32(maximum));
   PXTFreeMem(markup);

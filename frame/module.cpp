@@ -33,9 +33,7 @@ void CloseLock() {
 s32 FirstAttach() {
   GetExportContext(&origECI);
   hGFileLock = CreateGlobalMutex(static_cast<u32>(CreateIPCName(kFileLockOffset)));
-  if (hGFileLock == 0) {
-    return 0;
-  }
+  if (hGFileLock == 0) return 0;
   (void)WaitForGlobalMutex(hGFileLock, -1);
   (void)SUPTIntfInitQVXInstallPath();
   // Deliberate: IP support stays loaded after the last detach, so a first attach that comes again
@@ -61,12 +59,8 @@ s32 ModuleAttach() {
 }
 
 s32 ModuleDetach() {
-  if (modAttachCount < 1) {
-    return 0;
-  }
-  if (modAttachCount-- != 1) {
-    return 1;
-  }
+  if (modAttachCount < 1) return 0;
+  if (modAttachCount-- != 1) return 1;
   // At the end of a process another thread may still be at work under the lock. It is not waited
   // for: it keeps the lock file until it is done or the process is gone.
   if (TakeThreadsTurn(0) < 0) return 1;

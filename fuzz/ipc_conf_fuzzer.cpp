@@ -37,7 +37,7 @@ struct Base {
 bool BaseIn(const std::string& line, Base* base) {
   const std::string text = WithoutSpace(line.substr(0, line.find('\0')));
   if (!text.starts_with(kName)) return false;
-  std::string number = WithoutSpace(text.substr(sizeof kName - 1));
+  std::string number = WithoutSpace(text.substr(sizeof(kName) - 1));
   const bool negative = number.starts_with("-");
   if (negative || number.starts_with("+")) number = number.substr(1);
   number = number.substr(0, number.find_first_not_of(kDigits));

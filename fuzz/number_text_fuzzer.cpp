@@ -3,10 +3,9 @@
 
 // Input: base, room and precision, one a line, then the text. The number that the text holds is
 // also written, as numbers of every kind and as a time.
-#include <time.h>
-
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <string>
 
 #include "qvxcs/number_text.h"
@@ -182,7 +181,7 @@ std::string TimeText(time_t time) {
   struct tm local = {};
   if (localtime_r(&time, &local) == nullptr) return "";
   char beginning[64];
-  (void)strftime(beginning, sizeof beginning, "%a %b %e %H:%M:%S ", &local);
+  (void)strftime(beginning, sizeof(beginning), "%a %b %e %H:%M:%S ", &local);
   const std::string text = beginning + std::to_string(s64{local.tm_year} + 1900);
   return text.size() > 25 ? "" : text;
 }

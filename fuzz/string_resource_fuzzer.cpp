@@ -48,7 +48,7 @@ Units NextLine(const Units& file, size_t* at) {
 // The text behind the last "=" of the first line that holds the key.
 std::optional<Units> TextIn(const Units& file, u32 language, u32 identifier) {
   char key[32];
-  (void)snprintf(key, sizeof key, "%X:%X=", language, identifier);
+  (void)snprintf(key, sizeof(key), "%X:%X=", language, identifier);
   size_t at = 0;
   for (Units line = NextLine(file, &at); !line.empty(); line = NextLine(file, &at)) {
     line = line.substr(0, line.find(u'\0'));

@@ -31,7 +31,7 @@ std::vector<u32> ElementsOf(const std::string& bytes) {
   std::vector<u32> elements;
   for (size_t at = 0; at + sizeof(T) <= bytes.size(); at += sizeof(T)) {
     T element;
-    memcpy(&element, bytes.data() + at, sizeof element);
+    memcpy(&element, bytes.data() + at, sizeof(element));
     if (element == 0) break;
     elements.push_back(element);
   }

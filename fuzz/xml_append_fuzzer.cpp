@@ -3,10 +3,10 @@
 
 // Input: type, identifier, maximum size, user, source, description and data, one a line, then the
 // log. "(null)" stands for a text that is not given, the log "(missing)" for none.
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <ctime>
 #include <optional>
 #include <string>
 

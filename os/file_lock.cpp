@@ -20,9 +20,7 @@ s32 SleepsOf(u16 wait) { return wait == kPatient ? kPatientAttempts : 0; }
 
 // All global mutexes of a process are one lock over the whole IPC file; a handle is only the name.
 u32 CreateGlobalMutex(u32 name) {
-  if (name == 0) {
-    return 0;
-  }
+  if (name == 0) return 0;
   return OpenIPCFile() == 0 ? name : 0;
 }
 

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "os/file_util.h"
 
-#include <errno.h>
 #include <fcntl.h>
-#include <stdio.h>
-#include <string.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include "qvxcs/status.h"
@@ -49,9 +49,7 @@ bool IsMissing(const astring* path) {
 bool FillTmpName(astring* name) {
   constexpr char kDigits[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
   u64 number = 0;
-  if (getrandom(&number, sizeof(number), 0) != static_cast<ssize_t>(sizeof(number))) {
-    return false;
-  }
+  if (getrandom(&number, sizeof(number), 0) != static_cast<ssize_t>(sizeof(number))) return false;
   astring* const digits = name + strlen(name) - kTmpNameDigits;
   for (u32 at = 0; at < kTmpNameDigits; ++at) {
     digits[at] = kDigits[number % (sizeof(kDigits) - 1)];
@@ -62,17 +60,11 @@ bool FillTmpName(astring* name) {
 
 // A name of tmpnam's form that no file has; written here because linkers warn of tmpnam itself.
 bool MakeTmpName(astring (&name)[kTmpNameRoom]) {
-  if (!IsDirectory(kTmpDirectory)) {
-    return false;
-  }
+  if (!IsDirectory(kTmpDirectory)) return false;
   memcpy(name, kTmpNamePattern, sizeof(kTmpNamePattern));
   for (u32 attempt = 0; attempt < kTmpNameAttempts; ++attempt) {
-    if (!FillTmpName(name)) {
-      return false;
-    }
-    if (IsMissing(name)) {
-      return true;
-    }
+    if (!FillTmpName(name)) return false;
+    if (IsMissing(name)) return true;
   }
   return false;
 }
@@ -91,40 +83,26 @@ u32 DelFile(const astring* path) {
 }
 
 u32 GetSizeOfFile(const astring* path, u32* size) {
-  if (size == nullptr) {
-    return kMinusOne;
-  }
+  if (size == nullptr) return kMinusOne;
   *size = 0;
-  if (path == nullptr) {
-    return kMinusOne;
-  }
+  if (path == nullptr) return kMinusOne;
   const FilePtr file = OpenFile(path, "rb");
-  if (!file) {
-    return kMinusOne;
-  }
+  if (!file) return kMinusOne;
   const s64 length = StreamSize(file.get());
-  if (length < 0 || length >= 0xFFFFFFFF) {
-    return kMinusOne;
-  }
+  if (length < 0 || length >= 0xFFFFFFFF) return kMinusOne;
   *size = static_cast<u32>(length);
   return SM_STATUS_SUCCESS;
 }
 
 u32 GetTmpFile(const astring* directory, astring* name, u32* size) {
-  if (directory == nullptr || name == nullptr || size == nullptr) {
-    return kMinusOne;
-  }
+  if (directory == nullptr || name == nullptr || size == nullptr) return kMinusOne;
   if (*size < kTmpNameRoom) {
     *size = kTmpNameRoom;
     return SM_STATUS_BUFFER_TOO_SMALL;
   }
   astring saved[kWorkingDirectoryRoom];
-  if (getcwd(saved, sizeof(saved)) == nullptr) {
-    return SM_STATUS_BUFFER_TOO_SMALL;
-  }
-  if (chdir(directory) != 0) {
-    return SM_STATUS_FAILURE;
-  }
+  if (getcwd(saved, sizeof(saved)) == nullptr) return SM_STATUS_BUFFER_TOO_SMALL;
+  if (chdir(directory) != 0) return SM_STATUS_FAILURE;
   // Deliberate: the name lies in /tmp, whatever directory is asked for; that one has only to be
   // there and to be entered. Held by FileUtil.TmpFileNameLiesInTmpWhateverTheDirectory.
   astring made[kTmpNameRoom];
@@ -134,31 +112,21 @@ u32 GetTmpFile(const astring* directory, astring* name, u32* size) {
     memcpy(name, made, *size);
   }
   const bool returned = chdir(saved) == 0;
-  if (!found) {
-    return SM_STATUS_FILE_CREATE_FAILED;
-  }
+  if (!found) return SM_STATUS_FILE_CREATE_FAILED;
   return returned ? SM_STATUS_SUCCESS : kCannotReturn;
 }
 
 u32 CreateDir(const astring* path) {
-  if (path == nullptr) {
-    return kMinusOne;
-  }
+  if (path == nullptr) return kMinusOne;
   // Most are there already; one that another process makes meanwhile is looked at again.
   const bool there = IsDirectory(path) || mkdir(path, kDirectoryMode) == 0 || IsDirectory(path);
   return there ? SM_STATUS_SUCCESS : kMinusOne;
 }
 
 u32 DelDir(const astring* path) {
-  if (path == nullptr) {
-    return kMinusOne;
-  }
-  if (rmdir(path) == 0) {
-    return SM_STATUS_SUCCESS;
-  }
-  if (errno == ENOTEMPTY || errno == EEXIST) {
-    return SM_STATUS_BAD_DATA;
-  }
+  if (path == nullptr) return kMinusOne;
+  if (rmdir(path) == 0) return SM_STATUS_SUCCESS;
+  if (errno == ENOTEMPTY || errno == EEXIST) return SM_STATUS_BAD_DATA;
   return errno == ENOENT ? SM_STATUS_FAILURE : kMinusOne;
 }
 
@@ -183,9 +151,7 @@ bool HasDirectoryPart(const astring* path) {
 }
 
 HeapArray<astring> DirectoryPart(const astring* path) {
-  if (!HasDirectoryPart(path)) {
-    return CopyText(".");
-  }
+  if (!HasDirectoryPart(path)) return CopyText(".");
   const astring* const slash = strrchr(path, '/');
   const size_t length = static_cast<size_t>(slash - path);
   HeapArray<astring> directory = AllocArray<astring>(length + 1);

@@ -37,7 +37,7 @@ astring* OSGetComputerDomainName() {
   if (getdomainname(name.get(), kDomainNameRoom - 1) != 0) return nullptr;
   // Deliberate: only the length of "(none)", what the system reports without a domain, is compared,
   // so a domain that begins so is none either. Held by HostName.ADomainThatBeginsWithNoneIsNone.
-  if (strncmp(name.get(), kNoDomain, sizeof kNoDomain - 1) == 0) return nullptr;
+  if (strncmp(name.get(), kNoDomain, sizeof(kNoDomain) - 1) == 0) return nullptr;
   return name.release();
 }
 
@@ -57,7 +57,7 @@ u32 GetIPHostName(astring* name, u32* size) {
 
 u32 UniGetIPHostName(ustring* name, u32* size) {
   astring narrow[kUniHostNameRoom] = {};
-  u32 narrowSize = sizeof narrow;
+  u32 narrowSize = sizeof(narrow);
   if (const u32 status = GetIPHostName(narrow, &narrowSize)) return status;
   return UTF8StrToUCS2Str(name, size, narrow);
 }

@@ -24,7 +24,7 @@ constexpr u32 kIPv6Bytes = sizeof(in6_addr);
 static_assert(kIPv4Bytes == 4 && kIPv6Bytes == 16);
 
 constexpr astring kLinkLocalPrefix[] = "fe80";
-constexpr u32 kLinkLocalPrefixLength = sizeof kLinkLocalPrefix - 1;
+constexpr u32 kLinkLocalPrefixLength = sizeof(kLinkLocalPrefix) - 1;
 
 bool IsDottedDigits(const astring* text) {
   for (const astring* at = text; *at != '\0'; ++at) {
@@ -81,7 +81,7 @@ u32 IPAddrNetworkToASCII(const void* network, u32 length, astring* address, s32*
   if (length != kIPv4Bytes && length != kIPv6Bytes) return SM_STATUS_BAD_ARGUMENT;
   astring text[INET6_ADDRSTRLEN];
   const int family = length == kIPv6Bytes ? AF_INET6 : AF_INET;
-  if (inet_ntop(family, network, text, sizeof text) == nullptr) return kMinusOne;
+  if (inet_ntop(family, network, text, sizeof(text)) == nullptr) return kMinusOne;
   const auto textLength = static_cast<s32>(strlen(text));
   const bool fits = textLength < *size;
   *size = textLength + 1;
@@ -95,11 +95,11 @@ u32 CheckIPEqual(const astring* a, const astring* b) {
   if (!AreComparable(a, b)) return kNo;
   u8 first[kIPv6Bytes] = {};
   u8 second[kIPv6Bytes] = {};
-  u32 firstSize = sizeof first;
-  u32 secondSize = sizeof second;
+  u32 firstSize = sizeof(first);
+  u32 secondSize = sizeof(second);
   if (IPAddrASCIIToNetwork(a, first, &firstSize) != SM_STATUS_SUCCESS) return kNo;
   if (IPAddrASCIIToNetwork(b, second, &secondSize) != SM_STATUS_SUCCESS) return kNo;
-  return memcmp(first, second, sizeof first) == 0 ? kYes : kNo;
+  return memcmp(first, second, sizeof(first)) == 0 ? kYes : kNo;
 }
 
 }  // namespace qvx

@@ -43,7 +43,7 @@ bool AddressText(const sockaddr* address, astring (&text)[kAddressSlotBytes]) {
   } else {
     return false;
   }
-  return inet_ntop(address->sa_family, bytes, text, sizeof text) != nullptr;
+  return inet_ntop(address->sa_family, bytes, text, sizeof(text)) != nullptr;
 }
 
 // The machine's interfaces as they were at one moment.
@@ -93,7 +93,7 @@ HeapArray<astring> AllocSlots(u32 count) {
 
 astring* SUPTIntfGetHostNameAStr() {
   astring name[kHostNameRoom] = {};
-  u32 size = sizeof name;
+  u32 size = sizeof(name);
   if (GetIPHostName(name, &size) != SM_STATUS_SUCCESS) return nullptr;
   return CopyText(name).release();
 }

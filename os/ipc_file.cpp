@@ -76,12 +76,8 @@ int RequestRecord(int command, short type) {
 s32 WaitForRecord() {
   short type = F_WRLCK;
   while (RequestRecord(F_SETLKW, type) != 0) {
-    if (errno == EINTR) {
-      continue;
-    }
-    if (errno != EBADF || type == F_RDLCK) {
-      return -1;
-    }
+    if (errno == EINTR) continue;
+    if (errno != EBADF || type == F_RDLCK) return -1;
     type = F_RDLCK;
   }
   return 0;
@@ -98,22 +94,14 @@ s32 CloseIPCFile() {
 }
 
 s32 LockIPCFileRecord([[maybe_unused]] u32 handle, s32 timeout) {
-  if (timeout == -1) {
-    return WaitForRecord();
-  }
+  if (timeout == -1) return WaitForRecord();
   // Deliberate: a single attempt on a file opened read-only fails, for only the next one asks for
   // the shared lock. Held by FileLockTest.ASingleAttemptWithoutWriteAccessFails.
   short type = F_WRLCK;
   return PollWait(timeout, [&type] {
-    if (RequestRecord(F_SETLK, type) == 0) {
-      return Attempt::kTaken;
-    }
-    if (errno != EBADF) {
-      return Attempt::kBusy;
-    }
-    if (type == F_RDLCK) {
-      return Attempt::kFailed;
-    }
+    if (RequestRecord(F_SETLK, type) == 0) return Attempt::kTaken;
+    if (errno != EBADF) return Attempt::kBusy;
+    if (type == F_RDLCK) return Attempt::kFailed;
     type = F_RDLCK;
     return Attempt::kBusy;
   });
@@ -123,9 +111,7 @@ s32 UnlockIPCFileRecord() {
   // Who closed the descriptor has ended the hold with it.
   if (ipcFile != kClosed && !IsStillOurs()) return 0;
   while (SetRecord(F_SETLKW, F_UNLCK) != 0) {
-    if (errno != EINTR) {
-      return -1;
-    }
+    if (errno != EINTR) return -1;
   }
   return 0;
 }

@@ -20,9 +20,7 @@ s32 Sum(s32 base, u32 offset) { return static_cast<s32>(static_cast<u32>(base) +
 
 bool ScanBase(const astring* line, s32* base) {
   long long wide = 0;
-  if (sscanf(line, " ipcnamebase=%lld", &wide) != 1) {
-    return false;
-  }
+  if (sscanf(line, " ipcnamebase=%lld", &wide) != 1) return false;
   *base = static_cast<s32>(static_cast<u32>(static_cast<u64>(wide)));
   return true;
 }
@@ -32,9 +30,7 @@ bool ScanBase(const astring* line, s32* base) {
 s32 ReadIPCNameBase() {
   s32 base = kDefaultBase;
   const FilePtr file = OpenFile(kIPCConfigPath, "r");
-  if (file == nullptr) {
-    return base;
-  }
+  if (file == nullptr) return base;
   astring line[kLineRoom];
   while (fgets(line, kLineRoom, file.get()) != nullptr && !ScanBase(line, &base)) {
   }

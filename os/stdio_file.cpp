@@ -134,13 +134,9 @@ bool CloseWritten(FilePtr file) {
 
 s64 StreamSize(FILE* file) {
   const off_t position = ftello(file);
-  if (position < 0 || fseeko(file, 0, SEEK_END) != 0) {
-    return -1;
-  }
+  if (position < 0 || fseeko(file, 0, SEEK_END) != 0) return -1;
   const off_t size = ftello(file);
-  if (fseeko(file, position, SEEK_SET) != 0) {
-    return -1;
-  }
+  if (fseeko(file, position, SEEK_SET) != 0) return -1;
   return size;
 }
 

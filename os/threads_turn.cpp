@@ -3,10 +3,10 @@
 #include "os/threads_turn.h"
 
 #include <pthread.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <ctime>
 
 #include "base/poll_wait.h"
 

@@ -17,10 +17,10 @@ namespace {
 // The file lies within one page, so that a kill leaves the old notes or the new ones.
 constexpr char kMagic[8] = {'q', 'v', 'x', 't', 'o', 'r', 'n', '\n'};
 struct NoteFile {
-  char magic[sizeof kMagic];
+  char magic[sizeof(kMagic)];
   TornLogNote notes[kMaxTornLogNotes];
 };
-constexpr u64 kHeadLength = sizeof kMagic;
+constexpr u64 kHeadLength = sizeof(kMagic);
 static_assert(sizeof(TornLogNote) == 40 && sizeof(NoteFile) <= kTearBorder);
 static_assert(offsetof(NoteFile, notes) == kHeadLength);
 
@@ -44,12 +44,12 @@ TornLogNotes::TornLogNotes() {
   NoteFile file;
   ssize_t got = 0;
   do {
-    got = pread(IPCFileDescriptor(), &file, sizeof file, 0);
+    got = pread(IPCFileDescriptor(), &file, sizeof(file), 0);
   } while (got < 0 && errno == EINTR);
   if (got <= 0) return;
   stored_ = static_cast<u64>(got);
-  if (got == sizeof file) ++stored_;  // there may be more
-  if (stored_ < kHeadLength || memcmp(file.magic, kMagic, sizeof kMagic) != 0) return;
+  if (got == sizeof(file)) ++stored_;  // there may be more
+  if (stored_ < kHeadLength || memcmp(file.magic, kMagic, sizeof(kMagic)) != 0) return;
   count_ = static_cast<u32>((stored_ - kHeadLength) / sizeof(TornLogNote));
   memcpy(notes_, file.notes, count_ * sizeof(TornLogNote));
 }
@@ -91,7 +91,7 @@ bool TornLogNotes::Store() {
   const int lockFile = IPCFileDescriptor();
   if (length != 0) {
     NoteFile file;
-    memcpy(file.magic, kMagic, sizeof kMagic);
+    memcpy(file.magic, kMagic, sizeof(kMagic));
     memcpy(file.notes, notes_, count_ * sizeof(TornLogNote));
     ssize_t put = 0;
     do {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "text/char_class.h"
 
-#include <string.h>
+#include <cstring>
 
 #include "qvxcs/status.h"
 

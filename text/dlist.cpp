@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "text/dlist.h"
 
-#include <stdlib.h>
+#include <cstdlib>
 
 #include "qvxcs/status.h"
 

@@ -3,7 +3,7 @@
 #ifndef QVX_TEXT_LIST_GUARD_H
 #define QVX_TEXT_LIST_GUARD_H
 
-#include <stdlib.h>
+#include <cstdlib>
 
 #include "qvxcs/types.h"
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "text/locale_text.h"
 
-#include <string.h>
-#include <wchar.h>
+#include <cstring>
+#include <cwchar>
 
 #include "qvxcs/status.h"
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "text/number_text.h"
 
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include "qvxcs/status.h"
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "text/param_vector.h"
 
-#include <ctype.h>
-#include <string.h>
+#include <cctype>
+#include <cstring>
 
 #include "text/unit_scan.h"
 

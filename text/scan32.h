@@ -3,7 +3,7 @@
 #ifndef QVX_TEXT_SCAN32_H
 #define QVX_TEXT_SCAN32_H
 
-#include <stdint.h>
+#include <cstdint>
 
 #include "qvxcs/types.h"
 

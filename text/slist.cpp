@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "text/slist.h"
 
-#include <stdlib.h>
+#include <cstdlib>
 
 #include "qvxcs/status.h"
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "text/time_text.h"
 
-#include <stdio.h>
-#include <string.h>
+#include <cstdio>
+#include <cstring>
 
 #include "qvxcs/status.h"
 
@@ -23,7 +23,7 @@ constexpr astring kMonths[][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
 
 bool ToLocalTime(time_t time, struct tm* local) {
   const CancelHold hold;  // the C library may read the zone's file
-  tzset();  // the reentrant form need not look for a changed time zone
+  tzset();                // the reentrant form need not look for a changed time zone
   return localtime_r(&time, local) != nullptr;
 }
 
@@ -35,7 +35,7 @@ s32 TimeToAStr(astring* out, time_t time) {
   // Formatted here, not by asctime_r, which refuses some years and may write beyond 26 bytes.
   astring text[64];
   const s64 year = s64{local.tm_year} + 1900;
-  const int length = snprintf(text, sizeof text, "%s %s %2d %02d:%02d:%02d %lld",
+  const int length = snprintf(text, sizeof(text), "%s %s %2d %02d:%02d:%02d %lld",
                               kDays[local.tm_wday], kMonths[local.tm_mon], local.tm_mday,
                               local.tm_hour, local.tm_min, local.tm_sec, (long long)year);
   if (length < 0 || length >= static_cast<int>(kTimeRoom)) return -1;

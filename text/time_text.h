@@ -3,7 +3,7 @@
 #ifndef QVX_TEXT_TIME_TEXT_H
 #define QVX_TEXT_TIME_TEXT_H
 
-#include <time.h>
+#include <ctime>
 
 #include "qvxcs/types.h"
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "text/uni_number.h"
 
-#include <stdio.h>
+#include <cstdio>
 
 #include "qvxcs/status.h"
 

@@ -111,10 +111,10 @@ void FillXml(astring* to, u64 growth, const astring* text, size_t length) {
     text += clean;
     to += clean;
     const XmlEntity& entity = *FindXmlEntity(static_cast<u8>(*text++));
-    if (toEnd - to < static_cast<ptrdiff_t>(sizeof entity.text)) {
+    if (toEnd - to < static_cast<ptrdiff_t>(sizeof(entity.text))) {
       memcpy(to, entity.text, entity.length);
     } else {
-      memcpy(to, entity.text, sizeof entity.text);
+      memcpy(to, entity.text, sizeof(entity.text));
     }
     to += entity.length;
   }

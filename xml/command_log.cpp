@@ -49,24 +49,18 @@ bool IsBeyond32Bits(const astring* number) {
       continue;  // the one sign that the conversion accepts
     }
     magnitude = magnitude * 10 + static_cast<u64>(*at - '0');
-    if (magnitude > 0xFFFFFFFFu) {
-      return true;
-    }
+    if (magnitude > 0xFFFFFFFFu) return true;
   }
   return false;
 }
 
 bool ParseMaxSize(const astring* number, u32* size) {
-  if (number == nullptr) {
-    return false;
-  }
+  if (number == nullptr) return false;
   u32 status = SM_STATUS_SUCCESS;
   // Deliberate: the conversion takes a sign, so "-5" is the size 4,294,967,291.
   // Held by CommandLog.NegativeMaximumWrapsAround.
   const u32 value = ASCIIToUnSigned32VT(number, 10, &status);
-  if (status != SM_STATUS_SUCCESS || IsBeyond32Bits(number)) {
-    return false;
-  }
+  if (status != SM_STATUS_SUCCESS || IsBeyond32Bits(number)) return false;
   *size = value;
   return true;
 }
@@ -93,15 +87,11 @@ void ReadConfiguredMaxSize(u32* size) {
 }  // namespace
 
 astring* SUPTIntfGetCmdLogPathFileName() {
-  constexpr size_t kRoom = sizeof kCmdLogDirectory + sizeof kCmdLogFileName;
+  constexpr size_t kRoom = sizeof(kCmdLogDirectory) + sizeof(kCmdLogFileName);
   HeapArray<astring> path = AllocArray<astring>(kRoom);
-  if (!path) {
-    return nullptr;
-  }
+  if (!path) return nullptr;
   (void)snprintf(path.get(), kRoom, "%s/%s", kCmdLogDirectory, kCmdLogFileName);
-  if (ForceXMLLogExists(path.get(), kOwnUser, kOwnSource) != SM_STATUS_SUCCESS) {
-    return nullptr;
-  }
+  if (ForceXMLLogExists(path.get(), kOwnUser, kOwnSource) != SM_STATUS_SUCCESS) return nullptr;
   return path.release();
 }
 
@@ -114,9 +104,7 @@ u32 SUPTIntfAppendToCmdLog(s32 identifier, const astring* user, const astring* s
     return SM_STATUS_INVALID_PARAMETER;
   }
   const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
-  if (!path) {
-    return kFailed;
-  }
+  if (!path) return kFailed;
   u32 maxSize = kDefaultMaxLogSize;
   (void)SUPTIntfGetCmdLogMaxSize(&maxSize);
   return AppendToXMLLog(path.get(), type, static_cast<u32>(identifier), user, source, description,
@@ -125,38 +113,26 @@ u32 SUPTIntfAppendToCmdLog(s32 identifier, const astring* user, const astring* s
 
 u32 SUPTIntfClearCmdLog(const astring* user, const astring* source) {
   const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
-  if (!path) {
-    return kFailed;
-  }
+  if (!path) return kFailed;
   return ClearXMLLog(path.get(), user, source);
 }
 
 u32 SUPTIntfGetCmdLogSize(u32* size) {
-  if (size == nullptr) {
-    return SM_STATUS_INVALID_PARAMETER;
-  }
+  if (size == nullptr) return SM_STATUS_INVALID_PARAMETER;
   *size = 0;
   const FileLockGuard lock(1);
-  if (!lock) {
-    return SM_STATUS_LOCK_FAILED;
-  }
+  if (!lock) return SM_STATUS_LOCK_FAILED;
   // Deliberate: making a log that is missing takes the lock again and its release ends this hold
   // too; the size is then read unlocked. Held by CommandLog.SizeOfAMissingLogIsReadUnlocked.
   const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
-  if (!path) {
-    return SM_STATUS_NO_MEMORY;
-  }
+  if (!path) return SM_STATUS_NO_MEMORY;
   return GetSizeOfFile(path.get(), size);
 }
 
 u32 SUPTIntfGetCmdLogMaxSize(u32* size) {
-  if (size == nullptr) {
-    return SM_STATUS_INVALID_PARAMETER;
-  }
+  if (size == nullptr) return SM_STATUS_INVALID_PARAMETER;
   const FileLockGuard lock(1);
-  if (!lock) {
-    return SM_STATUS_LOCK_FAILED;
-  }
+  if (!lock) return SM_STATUS_LOCK_FAILED;
   *size = cmdLogMaxSize.load();
   ReadConfiguredMaxSize(size);
   return SM_STATUS_SUCCESS;
@@ -165,13 +141,9 @@ u32 SUPTIntfGetCmdLogMaxSize(u32* size) {
 u32 SUPTIntfSetCmdLogMaxSize(s32 size) {
   // Deliberate: the call only restores the default; other sizes are set in the properties file.
   // Held by CommandLog.OnlyTheDefaultMaximumCanBeSet.
-  if (size != static_cast<s32>(kDefaultMaxLogSize)) {
-    return SM_STATUS_INVALID_PARAMETER;
-  }
+  if (size != static_cast<s32>(kDefaultMaxLogSize)) return SM_STATUS_INVALID_PARAMETER;
   const FileLockGuard lock(1);
-  if (!lock) {
-    return SM_STATUS_LOCK_FAILED;
-  }
+  if (!lock) return SM_STATUS_LOCK_FAILED;
   cmdLogMaxSize.store(kDefaultMaxLogSize);
   return SM_STATUS_SUCCESS;
 }

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "xml/log_backup.h"
 
-#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 
 #include "qvxcs/status.h"
 
@@ -29,9 +29,7 @@ bool IsFull(const astring* path, u32 maxSize, u32 entrySize) {
 }
 
 u32 MoveOverBackup(const astring* path, const astring* backup) {
-  if (chmod(path, kFileMode) != 0) {
-    return kMinusOne;
-  }
+  if (chmod(path, kFileMode) != 0) return kMinusOne;
   SetLogMode(backup, LookAtLog(backup));
   (void)unlink(backup);
   return rename(path, backup) == 0 ? SM_STATUS_SUCCESS : kMinusOne;
@@ -40,19 +38,13 @@ u32 MoveOverBackup(const astring* path, const astring* backup) {
 }  // namespace
 
 u32 GetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* size) {
-  if (path == nullptr || size == nullptr) {
-    return SM_STATUS_INVALID_PARAMETER;
-  }
+  if (path == nullptr || size == nullptr) return SM_STATUS_INVALID_PARAMETER;
   const size_t length = strlen(path);
-  if (length < 2) {
-    return SM_STATUS_INVALID_PARAMETER;
-  }
+  if (length < 2) return SM_STATUS_INVALID_PARAMETER;
   // Deliberate: the buffer is taken to hold 256 bytes and the size that comes in is not looked at.
   // Held by LogBackup.IncomingSizeIsNotConsulted.
   *size = static_cast<u32>(length + 1);
-  if (length >= kBackupNameRoom) {
-    return SM_STATUS_BUFFER_TOO_SMALL;
-  }
+  if (length >= kBackupNameRoom) return SM_STATUS_BUFFER_TOO_SMALL;
   if (buffer != nullptr) {
     memmove(buffer, path, length + 1);
     buffer[length - 1] = '_';
@@ -62,25 +54,15 @@ u32 GetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* size)
 
 u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
   const HeapArray<astring> backup = AllocArray<astring>(kBackupNameRoom);
-  if (!backup) {
-    return SM_STATUS_NO_MEMORY;
-  }
+  if (!backup) return SM_STATUS_NO_MEMORY;
   u32 room = kBackupNameRoom;
-  if (const u32 status = GetBackupXMLLogPathFileName(path, backup.get(), &room)) {
-    return status;
-  }
-  if (strcmp(path, backup.get()) == 0) {
-    return kMinusOne;
-  }
+  if (const u32 status = GetBackupXMLLogPathFileName(path, backup.get(), &room)) return status;
+  if (strcmp(path, backup.get()) == 0) return kMinusOne;
   const FileLockGuard lock(1);
-  if (!lock) {
-    return SM_STATUS_LOCK_FAILED;
-  }
+  if (!lock) return SM_STATUS_LOCK_FAILED;
   // Another process may have moved the log since it was measured: then the backup that stands holds
   // its entries and must not be deleted for the sake of a new, short log.
-  if (!IsFull(path, maxSize, entrySize)) {
-    return kMinusOne;
-  }
+  if (!IsFull(path, maxSize, entrySize)) return kMinusOne;
   return MoveOverBackup(path, backup.get());
 }
 

@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "xml/log_entry.h"
 
-#include <string.h>
-#include <time.h>
-
+#include <cstring>
+#include <ctime>
 #include <iterator>
 
 #include "qvxcs/status.h"
@@ -24,9 +23,7 @@ constexpr u32 kTimeRoom = 26;
 constexpr u32 kHostNameRoom = 256;
 
 bool IsTextWithin(const astring* text, u32 longest) {
-  if (text == nullptr) {
-    return true;
-  }
+  if (text == nullptr) return true;
   const size_t length = strnlen(text, longest + 1);
   return length >= 1 && length <= longest;
 }
@@ -59,9 +56,7 @@ astring* Put(astring* to, std::string_view text) {
 }  // namespace
 
 bool IsLoggable(const LogEvent& event) {
-  if (event.data == nullptr && event.dataSize != 0) {
-    return false;
-  }
+  if (event.data == nullptr && event.dataSize != 0) return false;
   return event.dataSize <= kMaxLogData && IsTextWithin(event.user, kMaxLogUser) &&
          IsTextWithin(event.source, kMaxLogUser) &&
          IsTextWithin(event.description, kMaxLogDescription);
@@ -70,14 +65,10 @@ bool IsLoggable(const LogEvent& event) {
 u32 LogEntry::Build(const LogEvent& event) {
   const time_t now = time(nullptr);
   astring dateTime[kTimeRoom] = {};
-  if (const s32 status = TimeToAStr(dateTime, now)) {
-    return static_cast<u32>(status);
-  }
+  if (const s32 status = TimeToAStr(dateTime, now)) return static_cast<u32>(status);
   astring hostName[kHostNameRoom] = {};
   u32 hostNameRoom = kHostNameRoom;
-  if (const u32 status = GetIPHostName(hostName, &hostNameRoom)) {
-    return status;
-  }
+  if (const u32 status = GetIPHostName(hostName, &hostNameRoom)) return status;
   hostName[kHostNameRoom - 1] = '\0';
   HeapArray<astring> user;
   HeapArray<astring> source;

@@ -16,9 +16,9 @@ inline constexpr astring kLogHead[] =
     "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?>";
 inline constexpr astring kLogOpeningTag[] = "<EventLog>";
 inline constexpr astring kLogClosingTag[] = "</EventLog>";
-inline constexpr s64 kLogHeadLength = sizeof kLogHead - 1;
-inline constexpr s64 kLogOpeningLength = sizeof kLogOpeningTag - 1;
-inline constexpr s64 kLogClosingLength = sizeof kLogClosingTag - 1;
+inline constexpr s64 kLogHeadLength = sizeof(kLogHead) - 1;
+inline constexpr s64 kLogOpeningLength = sizeof(kLogOpeningTag) - 1;
+inline constexpr s64 kLogClosingLength = sizeof(kLogClosingTag) - 1;
 static_assert(kLogHeadLength == 65 && kLogOpeningLength == 10 && kLogClosingLength == 11);
 
 // What a path leads to, looked at once and handed on.

@@ -10,7 +10,7 @@ namespace {
 
 constexpr s64 kFirstEntryOffset = kLogHeadLength + kLogOpeningLength;
 constexpr astring kEntryEnd[] = "</LogEntry>";
-constexpr s64 kEntryEndLength = sizeof kEntryEnd - 1;
+constexpr s64 kEntryEndLength = sizeof(kEntryEnd) - 1;
 constexpr s64 kSearchBlock = 4096;
 
 bool Holds(const LogFile& log, s64 offset, const astring* text, s64 length) {
@@ -72,8 +72,8 @@ s64 FindClosingTag(const LogFile& log) {
   if (last < kLogHeadLength) return -1;
   // The closing tag is nearly always the last thing in the log.
   astring tail[kLogClosingLength];
-  if (!ReadLog(log, tail, sizeof tail, last)) return -1;
-  return memcmp(tail, kLogClosingTag, sizeof tail) == 0 ? last : SearchBackwards(log);
+  if (!ReadLog(log, tail, sizeof(tail), last)) return -1;
+  return memcmp(tail, kLogClosingTag, sizeof(tail)) == 0 ? last : SearchBackwards(log);
 }
 
 LogAddition::LogAddition(const LogEntry& entry, s64 offset) : offset_(offset), end_(offset) {

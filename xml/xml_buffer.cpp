@@ -136,9 +136,7 @@ u32 CatPieces(const Element& element, CatValue catValue) {
 
 u32 CatNumber(const Element& element, const ValueType& type, const void* value, s32 format) {
   astring text[kValueTextRoom];
-  if (format == 0 || format == 10) {
-    return CatWhole(element, text, PutDecimal(text, type, value));
-  }
+  if (format == 0 || format == 10) return CatWhole(element, text, PutDecimal(text, type, value));
   if (format == 16) return CatWhole(element, text, PutHexadecimal(text, type, value));
   return SM_STATUS_INVALID_PARAMETER;
 }

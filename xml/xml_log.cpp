@@ -112,12 +112,8 @@ u32 ForceXMLLogExists(const astring* path, const astring* user, const astring* s
 
 u32 ClearXMLLog(const astring* path, const astring* user, const astring* source) {
   const LogEvent cleared = {kLogInformation, kLogClearedId, user, source, nullptr, nullptr, 0};
-  if (path == nullptr || !IsLoggable(cleared)) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
-  if (const u32 status = DeleteLogFile(path)) {
-    return status;
-  }
+  if (path == nullptr || !IsLoggable(cleared)) return SM_STATUS_BAD_ARGUMENT;
+  if (const u32 status = DeleteLogFile(path)) return status;
   return AppendCleared(path, user, source);
 }
 
@@ -125,17 +121,13 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
                    const astring* source, const astring* description, const void* data,
                    u32 dataSize, u32 maxSize) {
   const LogEvent event = {type, id, user, source, description, data, dataSize};
-  if (path == nullptr || !IsLoggable(event)) {
-    return SM_STATUS_BAD_ARGUMENT;
-  }
+  if (path == nullptr || !IsLoggable(event)) return SM_STATUS_BAD_ARGUMENT;
   const LogLook look = LookAtLog(path);
   if (!look.found) {
     if (const u32 status = CreateLogDir(path)) return status;
   }
   LogEntry entry;
-  if (const u32 status = entry.Build(event)) {
-    return status;
-  }
+  if (const u32 status = entry.Build(event)) return status;
   // Deliberate: a backup that fails is not reported; the entry goes to the log that is full.
   // Held by XmlLog.FailedBackupLeavesTheEntryInTheFullLog.
   booln backedUp = 0;
@@ -165,13 +157,9 @@ u32 DeleteLogFile(const astring* path) {
 }
 
 u32 CreateLogDir(const astring* path) {
-  if (!HasDirectoryPart(path)) {
-    return SM_STATUS_SUCCESS;
-  }
+  if (!HasDirectoryPart(path)) return SM_STATUS_SUCCESS;
   const HeapArray<astring> directory = DirectoryPart(path);
-  if (!directory) {
-    return SM_STATUS_NO_MEMORY;
-  }
+  if (!directory) return SM_STATUS_NO_MEMORY;
   return CreateDir(directory.get()) == SM_STATUS_SUCCESS ? SM_STATUS_SUCCESS : kMinusOne;
 }
 

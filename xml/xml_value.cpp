@@ -89,7 +89,7 @@ astring* PutPairsBefore(astring* at, Number value) {
 
 u32 PutDecimalDigits(astring* out, u64 value) {
   astring digits[20];
-  astring* const end = digits + sizeof digits;
+  astring* const end = digits + sizeof(digits);
   const astring* const begin = value <= UINT32_MAX ? PutPairsBefore(end, static_cast<u32>(value))
                                                    : PutPairsBefore(end, value);
   const u32 length = static_cast<u32>(end - begin);

@@ -39,9 +39,9 @@ QVX_BEGIN_DECLS
  *
  * Open the file once and query it before you open it again. Two opens without a query between them
  * leave the built-in lines in force until the process ends, even though the file is valid. So does
- * an open after a query that met a line at fault or no line that counts, also when the file has been
- * corrected. To give a user the same host twice is a fault as well, but one that is gone when a
- * corrected file is opened.
+ * an open after a query that met a line at fault or no line that counts, also when the file has
+ * been corrected. To give a user the same host twice is a fault as well, but one that is gone when
+ * a corrected file is opened.
  *
  * A host that wants the file's roles opens it with PXTOpenRolemapFile() and asks once with
  * PXTGetRightsUsingRolemap(), which reads it; logins then are answered from it too. A login between

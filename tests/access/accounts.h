@@ -58,7 +58,7 @@ inline std::string Hash(const std::string& password) {
   crypt_data data = {};
   const char* const hash = crypt_r(password.c_str(), "$6$rounds=1000$qvxsalt0$", &data);
   const std::string result = hash == nullptr ? "!" : hash;
-  explicit_bzero(&data, sizeof data);
+  explicit_bzero(&data, sizeof(data));
   return result;
 }
 

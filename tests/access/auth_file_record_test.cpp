@@ -3,8 +3,8 @@
 #include "access/auth_file_record.h"
 
 #include <gtest/gtest.h>
-#include <locale.h>
 
+#include <clocale>
 #include <vector>
 
 #include "access/role_map_error.h"

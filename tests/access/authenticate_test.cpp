@@ -264,7 +264,7 @@ TEST_F(AuthenticateMemory, TheScanFindsAPlantedCopyOnHeapAndStack) {
   PutSecret(stack);
   const test::Found found = test::ScanWritableMemory(kInverted);
   explicit_bzero(heap, 64);
-  explicit_bzero(stack, sizeof stack);
+  explicit_bzero(stack, sizeof(stack));
   free(heap);
   EXPECT_GE(found.narrow, 1u);
   EXPECT_GE(found.wide, 1u);

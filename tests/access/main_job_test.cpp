@@ -5,7 +5,6 @@
 // several threads at once, and by users whose names are markup.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <locale.h>
 #include <malloc.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -13,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <clocale>
 #include <iterator>
 #include <string>
 #include <thread>
@@ -51,7 +51,7 @@ namespace {
 [[maybe_unused]] constexpr char kTunables[] = "glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0";
 constexpr s32 kEscapedText = 26;
 constexpr char kPassword[] = "Wonder-1and";
-constexpr size_t kLength = sizeof kPassword - 1;
+constexpr size_t kLength = sizeof(kPassword) - 1;
 
 struct Outcome {
   bool wiped = false;     // the caller's password after the login
@@ -63,9 +63,7 @@ struct Outcome {
 
 bool BuildAnswer(const char* login) {
   void* const answer = PXTXAllocBuf(16, 1);
-  if (answer == nullptr) {
-    return false;
-  }
+  if (answer == nullptr) return false;
   const bool built =
       PXTXBufCatBeginNode(answer, "Answer", "command=\"login\"") == SM_STATUS_SUCCESS &&
       PXTXBufCatNode(answer, "User", nullptr, kEscapedText, login) == SM_STATUS_SUCCESS &&
@@ -154,9 +152,7 @@ int RequestWithFault(u32 nth, Outcome* outcome) {
 int FirstRequestWithFault(u32 nth) {
   Outcome outcome;
   const int findings = RequestWithFault(nth, &outcome);
-  if ((findings & kFinished) != 0) {
-    return findings | (IsGranted(outcome) ? 0 : kLost);
-  }
+  if ((findings & kFinished) != 0) return findings | (IsGranted(outcome) ? 0 : kLost);
   return findings | Judge(Request()) | (FoundALeak() ? kLeaked : 0);
 }
 
@@ -184,9 +180,7 @@ u32 FailEach(Body body) {
   for (u32 nth = 1; nth < 5000; ++nth) {
     const int findings = test::InChild([&] { return body(nth); });
     EXPECT_EQ(findings & ~kFinished, 0) << "allocation " << nth;
-    if (findings >= 256 || (findings & kFinished) != 0) {
-      return nth - 1;
-    }
+    if (findings >= 256 || (findings & kFinished) != 0) return nth - 1;
   }
   return 0;
 }
@@ -290,7 +284,7 @@ u32 LogIn(const ustring* user) {
 // The text that a host has of the name, for its answers and its log.
 std::string LoginOf(const ustring* user) {
   astring text[64] = "untouched";
-  u32 size = sizeof text;
+  u32 size = sizeof(text);
   const u32 status = PXTUCS2StrToUTF8Str(text, &size, user);
   return status == SM_STATUS_SUCCESS ? text : "status " + std::to_string(status);
 }

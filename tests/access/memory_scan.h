@@ -69,7 +69,7 @@ inline Found ScanWritableMemory(const u8* inverted) {
   const int memory = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
   if (maps == nullptr || memory < 0) abort();
   char line[4352];
-  while (fgets(line, sizeof line, maps) != nullptr) {
+  while (fgets(line, sizeof(line), maps) != nullptr) {
     unsigned long long begin = 0;
     unsigned long long end = 0;
     char access[8] = {};

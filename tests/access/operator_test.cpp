@@ -128,7 +128,7 @@ TEST_F(Operator, ItsRoleMapFaultIsLoggedWhereTheLogIsItsGroups) {
 TEST_F(Operator, ReadsSettingsUnderASharedLock) {
   AsAlice([] {
     char value[16] = {};
-    u32 size = sizeof value;
+    u32 size = sizeof(value);
     EXPECT_EQ(PXTReadINIPathFileValue("first", "key", kText, value, &size, nullptr, 0,
                                       (kIniFolder + "a.ini").c_str(), 1),
               SM_STATUS_SUCCESS);
@@ -146,14 +146,14 @@ TEST_F(Operator, AFileThatItMayNotReadIsAnOpenFailure) {
   AsAlice([] {
     const std::string path = kIniFolder + "secret.ini";
     char text[16] = "untouched";
-    u32 size = sizeof text;
+    u32 size = sizeof(text);
     EXPECT_EQ(
         PXTReadINIPathFileValue("first", "key", kText, text, &size, "default", 8, path.c_str(), 1),
         SM_STATUS_FILE_OPEN_FAILED);
     EXPECT_STREQ(text, "untouched");
     EXPECT_EQ(size, 16u);
     u32 number = 0;
-    size = sizeof number;
+    size = sizeof(number);
     const u32 standard = 9;
     EXPECT_EQ(PXTReadINIPathFileValue("first", "number", kNumber, &number, &size, &standard, 4,
                                       path.c_str(), 1),
@@ -200,7 +200,7 @@ TEST_F(Operator, ReadsTheLogAndCannotChangeIt) {
         << "the backup fails quietly, the append does not";
     u32 size = 0;
     EXPECT_EQ(PXTGetCmdLogSize(&size), SM_STATUS_SUCCESS);
-    EXPECT_EQ(size, sizeof kLogText - 1);
+    EXPECT_EQ(size, sizeof(kLogText) - 1);
     EXPECT_EQ(PXTGetCmdLogMaxSize(&size), SM_STATUS_SUCCESS);
     EXPECT_EQ(size, 131072u);
     astring* const content = PXTCmdGetXMLLogContent(test::kCommandLog);

@@ -3,12 +3,12 @@
 #include "access/role_map_algorithm.h"
 
 #include <gtest/gtest.h>
-#include <locale.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <clocale>
 #include <memory>
 #include <new>
 #include <thread>

@@ -34,7 +34,7 @@ astring* Self(s32 /*count*/, astring** /*vector*/) {
 }
 
 astring* Overwriting(s32 count, astring** vector) {
-  (void)snprintf(gSeen + strlen(gSeen), sizeof gSeen - strlen(gSeen), "%d|%s|%s|%s;", count,
+  (void)snprintf(gSeen + strlen(gSeen), sizeof(gSeen) - strlen(gSeen), "%d|%s|%s|%s;", count,
                  vector[0], vector[1], vector[2] == nullptr ? "end" : vector[2]);
   memset(vector[0], 'x', strlen(vector[0]));
   memset(vector[1], 'y', strlen(vector[1]));

@@ -57,8 +57,8 @@ std::string Taken(astring* text) {
 
 template <typename T>
 std::string TextOf(s32 type, T value) {
-  GuardBuffer<u8> exact(sizeof value);
-  memcpy(exact.data(), &value, sizeof value);
+  GuardBuffer<u8> exact(sizeof(value));
+  memcpy(exact.data(), &value, sizeof(value));
   return Taken(NVSuptXValToASCII(type, exact.data()));
 }
 
@@ -151,7 +151,7 @@ TEST(ValueConvert, ValuesAreStoredAtAnyAddress) {
   GuardBuffer<u8> out(9);
   EXPECT_EQ(NVSuptASCIIToXVal("258", 9, out.data()), SM_STATUS_SUCCESS);
   u64 value = 0;
-  memcpy(&value, out.data(), sizeof value);
+  memcpy(&value, out.data(), sizeof(value));
   EXPECT_EQ(value, 258u);
   EXPECT_TRUE(out.UntouchedFrom(8));
 }

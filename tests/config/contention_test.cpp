@@ -52,9 +52,7 @@ bool IsOneLetter(const std::string& value) {
 
 // Takes the expected text off the front.
 bool Skip(std::string* text, const std::string& expected) {
-  if (text->compare(0, expected.size(), expected) != 0) {
-    return false;
-  }
+  if (text->compare(0, expected.size(), expected) != 0) return false;
   text->erase(0, expected.size());
   return true;
 }
@@ -82,7 +80,7 @@ bool Writer(u32 writer, Shared* shared) {
 
 bool ReadsWholeValue(u32 writer) {
   char value[kValueLength + 2] = {};
-  u32 size = sizeof value;
+  u32 size = sizeof(value);
   return PXTReadINIPathFileValue("shared", KeyOf(writer).c_str(), kText, value, &size, nullptr, 0,
                                  kPath, 1) == SM_STATUS_SUCCESS &&
          size == kValueLength + 1 && IsOneLetter(value);

@@ -54,7 +54,7 @@ std::string Shown(const std::string& text) {
   std::string shown;
   for (const char each : text) {
     char code[8];
-    (void)snprintf(code, sizeof code, "\\x%02X", static_cast<unsigned>(static_cast<u8>(each)));
+    (void)snprintf(code, sizeof(code), "\\x%02X", static_cast<unsigned>(static_cast<u8>(each)));
     if (each == '\n') {
       shown += "\\n";
     } else {

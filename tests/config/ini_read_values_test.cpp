@@ -341,9 +341,7 @@ TEST_F(IniReadValues, FixedTypesRefuseLessThanTheirSize) {
 TEST_F(IniReadValues, FixedTypesWriteJustTheirBytesWhereverTheyLie) {
   GivenText("0");
   for (const auto& each : kFixed) {
-    if (each.type == kBooln) {
-      continue;
-    }
+    if (each.type == kBooln) continue;
     // The room ends at a page nobody may touch, and begins at an odd address.
     GuardBuffer<u8> value(each.bytes + 1);
     u32 size = each.bytes;

@@ -130,9 +130,7 @@ TEST_F(IniWriter, AppendingMakesTheFileWritableFirst) {
   ASSERT_EQ(chmod(kPath, 0400), 0);
   ASSERT_EQ(chown(kPath, kNobody, static_cast<gid_t>(-1)), 0);
   const int result = test::InChild([] {
-    if (setuid(kNobody) != 0) {
-      return 1;
-    }
+    if (setuid(kNobody) != 0) return 1;
     return AppendValue({"Sec", "key", "value"}, kPath) == SM_STATUS_SUCCESS ? 3 : 4;
   });
   EXPECT_EQ(result, 3);
@@ -547,7 +545,7 @@ TEST_F(IniWriter, ALineOf64MegabytesIsCopiedAndReadPast) {
   EXPECT_EQ(Write("A", "key", "new"), SM_STATUS_SUCCESS);
   EXPECT_TRUE(ReadFile(kPath) == head + "key=new\n");
   astring value[8] = {};
-  u32 size = sizeof value;
+  u32 size = sizeof(value);
   EXPECT_EQ(ReadINIFileValue_astring({"A", "key", value, &size, nullptr, 0, kPath, 0}),
             SM_STATUS_SUCCESS);
   EXPECT_STREQ(value, "new");

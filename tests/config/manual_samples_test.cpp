@@ -3,9 +3,9 @@
 
 // The samples of the manual's section 5, as the library reads and writes them.
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -73,7 +73,7 @@ u32 Read(const char* section, const char* key, s32 type, void* value, u32* size)
 template <typename Number>
 Number NumberOf(const char* section, const char* key, s32 type) {
   Number number = 77;
-  u32 size = sizeof number;
+  u32 size = sizeof(number);
   EXPECT_EQ(Read(section, key, type, &number, &size), SM_STATUS_SUCCESS) << key;
   return number;
 }
@@ -81,7 +81,7 @@ Number NumberOf(const char* section, const char* key, s32 type) {
 // The bytes delivered of a text, a list or bytes.
 std::string BytesOf(const char* section, const char* key, s32 type) {
   char room[256];
-  u32 size = sizeof room;
+  u32 size = sizeof(room);
   EXPECT_EQ(Read(section, key, type, room, &size), SM_STATUS_SUCCESS);
   return {room, size};
 }
@@ -108,7 +108,7 @@ TEST_F(ManualIni, SampleHasTheValuesOfAllTypes) {
 TEST_F(ManualIni, BlankBeforeTheEqualsSignBelongsToTheKeyAndTheOneBehindItToTheValue) {
   EXPECT_EQ(BytesOf("Log", "name ", kText), " collector\0"s);
   char room[16];
-  u32 size = sizeof room;
+  u32 size = sizeof(room);
   EXPECT_EQ(Read("Log", "name", kText, room, &size), SM_STATUS_KEY_NOT_FOUND);
 }
 
@@ -126,14 +126,14 @@ TEST_F(ManualIni, WritingTheValuesOfTheSampleLeavesItAsItIs) {
     const void* value;
     s32 size;
   } settings[] = {
-      {"port", kUnsigned32, &port, sizeof port},
+      {"port", kUnsigned32, &port, sizeof(port)},
       {"host", kText, "srv1.lab", 9},
-      {"trusted", kTruth, &trusted, sizeof trusted},
-      {"offset", kSigned32, &offset, sizeof offset},
-      {"quota", kUnsigned64, &quota, sizeof quota},
-      {"timeout", kDouble, &timeout, sizeof timeout},
-      {"mac", kBytes, mac, sizeof mac},
-      {"label", kUnits, label, sizeof label},
+      {"trusted", kTruth, &trusted, sizeof(trusted)},
+      {"offset", kSigned32, &offset, sizeof(offset)},
+      {"quota", kUnsigned64, &quota, sizeof(quota)},
+      {"timeout", kDouble, &timeout, sizeof(timeout)},
+      {"mac", kBytes, mac, sizeof(mac)},
+      {"label", kUnits, label, sizeof(label)},
   };
   for (const auto& each : settings) {
     EXPECT_EQ(PXTWriteINIPathFileValue("Net", each.key, each.type, each.value, each.size, kIni, 1),
@@ -211,7 +211,7 @@ constexpr char kStrings[] = "/tmp/messages.utf16";
 // The text delivered; its size must be that of the units and of the 0 unit.
 std::string StringOf(u32 id, u32* language) {
   ustring room[64];
-  u32 size = sizeof room;
+  u32 size = sizeof(room);
   const u32 delivered = PXTGetUnicodeStringFromIDPathFile(id, language, kStrings, room, &size);
   std::string text;
   for (u32 at = 0; at + 1 < delivered / 2; ++at) {

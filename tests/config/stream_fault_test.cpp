@@ -106,10 +106,10 @@ class FullWriter {
 TEST(StreamFault, AnIniSectionThatCannotBeReadToItsEndIsABadHeader) {
   constexpr char kText[] = "[A]\nk=1\n";
   astring value[16];
-  u32 size = sizeof value;
+  u32 size = sizeof(value);
   EXPECT_EQ(GetValue("A", "absent", value, &size, FailingFile(kText).Reader()),
             SM_STATUS_BAD_SECTION_HEADER);
-  size = sizeof value;
+  size = sizeof(value);
   EXPECT_EQ(GetAllKeys("A", value, &size, FailingFile(kText).Reader()),
             SM_STATUS_BAD_SECTION_HEADER);
   EXPECT_EQ(GetAllSections(value, &size, FailingFile(kText).Reader()),
@@ -118,7 +118,7 @@ TEST(StreamFault, AnIniSectionThatCannotBeReadToItsEndIsABadHeader) {
 
 TEST(StreamFault, AKeyThatIsReadBeforeTheFaultIsFound) {
   astring value[16];
-  u32 size = sizeof value;
+  u32 size = sizeof(value);
   EXPECT_EQ(GetValue("A", "k", value, &size, FailingFile("[A]\nk=1\n").Reader()),
             SM_STATUS_SUCCESS);
   EXPECT_STREQ(value, "1");

@@ -14,9 +14,7 @@
 
 static int PrintPath(void) {
   astring* const path = PXTGetProductIniPath();
-  if (path == NULL) {
-    return 0;
-  }
+  if (path == NULL) return 0;
   printf("%s\n", path);
   PXTFreeMem(path);
   return 1;
@@ -24,19 +22,15 @@ static int PrintPath(void) {
 
 static int PrintHost(void) {
   astring name[256];
-  u32 size = sizeof name;
-  if (PXTGetIPHostName(name, &size) != SM_STATUS_SUCCESS) {
-    return 0;
-  }
+  u32 size = sizeof(name);
+  if (PXTGetIPHostName(name, &size) != SM_STATUS_SUCCESS) return 0;
   printf("%s\n", name);
   return 1;
 }
 
 static int PrintElement(void) {
   void* const buffer = PXTXAllocBuf(64, 0);
-  if (buffer == NULL) {
-    return 0;
-  }
+  if (buffer == NULL) return 0;
   const u32 answer = 42;
   const u32 status = PXTXBufCatNode(buffer, "Answer", NULL, 5, &answer);
   astring* const text = PXTXFreeBufGetContent(buffer);

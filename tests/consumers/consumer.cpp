@@ -35,9 +35,7 @@ Answer Host() {
 
 Answer Element() {
   void* const buffer = PXTXAllocBuf(64, 0);
-  if (buffer == nullptr) {
-    return {};
-  }
+  if (buffer == nullptr) return {};
   const u32 answer = 42;
   const u32 status = PXTXBufCatNode(buffer, "Answer", nullptr, 5, &answer);
   const std::unique_ptr<astring, GiveBack<PXTXFreeBufContent>> text(PXTXFreeBufGetContent(buffer));
@@ -48,9 +46,7 @@ Answer Element() {
 
 int main() {
   for (const Answer& answer : {Path(), Host(), Element()}) {
-    if (!answer) {
-      return 1;
-    }
+    if (!answer) return 1;
     std::cout << *answer << '\n';
   }
   return 0;

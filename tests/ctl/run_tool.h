@@ -7,13 +7,13 @@
 #include <grp.h>
 #include <poll.h>
 #include <pty.h>
-#include <signal.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <ostream>
 #include <string>
@@ -155,7 +155,7 @@ class RunningTool {
   // False at the end; a terminal whose other side has gone answers with EIO.
   static bool Take(int descriptor, std::string* text) {
     char piece[65536];
-    const ssize_t got = read(descriptor, piece, sizeof piece);
+    const ssize_t got = read(descriptor, piece, sizeof(piece));
     if (got > 0) text->append(piece, static_cast<size_t>(got));
     return got > 0;
   }

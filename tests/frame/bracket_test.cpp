@@ -58,7 +58,7 @@ const Case kBracketed[] = {
 };
 
 QVX_ALONE(Bracket, StandsAroundEachOfTheTwentyFiveCalls) {
-  EXPECT_EQ(sizeof kBracketed / sizeof kBracketed[0], 25U);
+  EXPECT_EQ(sizeof(kBracketed) / sizeof(kBracketed[0]), 25U);
   (void)qvx::test::TakeBrackets();
   for (const Case& one : kBracketed) {
     one.call();

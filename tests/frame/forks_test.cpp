@@ -3,10 +3,10 @@
 #include "frame/forks.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 
 #include "qvxcs/context_lock.h"
@@ -88,7 +88,7 @@ QVX_ALONE(Forks, AChildWritesAndExitsThoughAnotherThreadHadTheTurn) {
                 return 1;
               }
               astring value[8];
-              u32 size = sizeof value;
+              u32 size = sizeof(value);
               if (PXTReadINIFileValue("A", "b", 1, value, &size, nullptr, 0, "forks.ini", 0) !=
                   SM_STATUS_SUCCESS) {
                 return 2;

@@ -153,7 +153,7 @@ void Detach() {
 QVX_ALONE(Detached, INICallsCannotLock) {
   Detach();
   char value[8] = "old";
-  u32 size = sizeof value;
+  u32 size = sizeof(value);
   EXPECT_EQ(PXTReadINIPathFileValue("A", "b", 1, value, &size, nullptr, 0, "/tmp/x.ini", 1),
             SM_STATUS_LOCK_FAILED);
   EXPECT_STREQ(value, "old");
@@ -190,16 +190,10 @@ QVX_ALONE(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
   WriteFile(qvx::kIPCFilePath, "");
   ASSERT_EQ(chmod(qvx::kIPCFilePath, 0644), 0);
   EXPECT_EQ(qvx::test::InChild([] {
-              if (setgid(1000) != 0 || setuid(1000) != 0) {
-                return 1;
-              }
-              if (qvx::ModuleAttach() != 1 || qvx::hGFileLock != 130000U) {
-                return 2;
-              }
+              if (setgid(1000) != 0 || setuid(1000) != 0) return 1;
+              if (qvx::ModuleAttach() != 1 || qvx::hGFileLock != 130000U) return 2;
               // Waiting changes to the shared lock; a single attempt does not come so far.
-              if (qvx::FileLock(0) != 0 || qvx::FileLock(1) != 1) {
-                return 3;
-              }
+              if (qvx::FileLock(0) != 0 || qvx::FileLock(1) != 1) return 3;
               return qvx::ModuleDetach() == 1 ? 0 : 4;
             }),
             0);

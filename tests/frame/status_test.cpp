@@ -45,7 +45,7 @@ TEST(Status, EveryCodeHasItsValue) {
 
 TEST(Status, FamiliesNameANullArgumentDifferently) {
   char value[4] = "old";
-  u32 size = sizeof value;
+  u32 size = sizeof(value);
   EXPECT_EQ(PXTReadINIPathFileValue(nullptr, "key", 1, value, &size, nullptr, 0, nullptr, 0),
             SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(PXTUnicodeToASCII(value, &size, nullptr), SM_STATUS_INVALID_PARAMETER);

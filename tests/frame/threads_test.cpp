@@ -130,13 +130,13 @@ QVX_ALONE(Threads, SixteenThreadsLoseNoEntryWhenTheLogMovesToItsBackup) {
 
 u32 WriteNumber(const std::string& path, const std::string& section, const std::string& key,
                 u32 number) {
-  return PXTWriteINIPathFileValue(section.c_str(), key.c_str(), kU32, &number, sizeof number,
+  return PXTWriteINIPathFileValue(section.c_str(), key.c_str(), kU32, &number, sizeof(number),
                                   path.c_str(), 1);
 }
 
 u32 ReadNumber(const std::string& path, const std::string& section, const std::string& key,
                u32* number) {
-  u32 size = sizeof *number;
+  u32 size = sizeof(*number);
   return PXTReadINIPathFileValue(section.c_str(), key.c_str(), kU32, number, &size, nullptr, 0,
                                  path.c_str(), 1);
 }

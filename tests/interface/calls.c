@@ -101,9 +101,7 @@ static int ThreadCount(void) { return NumbersIn("/proc/self/task"); }
 /* The system may show a thread a moment longer than it was waited for. */
 static int HasOneThread(void) {
   for (int tries = 0; tries < 1000; ++tries) {
-    if (ThreadCount() == 1) {
-      return 1;
-    }
+    if (ThreadCount() == 1) return 1;
     usleep(1000);
   }
   return 0;
@@ -129,9 +127,7 @@ void AskForThreads(int some) { threadsAreAskedFor = some; }
 
 static int WasCalled(const char* name) {
   for (size_t at = 0; at < calledCount; ++at) {
-    if (strcmp(called[at], name) == 0) {
-      return 1;
-    }
+    if (strcmp(called[at], name) == 0) return 1;
   }
   return 0;
 }
@@ -155,12 +151,10 @@ static void CheckThatAllWereCalled(const char* map) {
   char line[256];
   size_t names = 0;
   FILE* const file = fopen(map, "re");
-  while (file != NULL && fgets(line, sizeof line, file) != NULL) {
+  while (file != NULL && fgets(line, sizeof(line), file) != NULL) {
     char name[128];
     char end = '\0';
-    if (sscanf(line, " %127[A-Za-z0-9_]%c", name, &end) != 2 || end != ';') {
-      continue;
-    }
+    if (sscanf(line, " %127[A-Za-z0-9_]%c", name, &end) != 2 || end != ';') continue;
     ++names;
     if (!WasCalled(name)) {
       ++failures;
@@ -192,7 +186,7 @@ void WriteText(const char* path, const char* text) { WriteWhole(path, text, strl
 const char* ReadText(const char* path) {
   static char text[65536];
   FILE* const file = fopen(path, "re");
-  const size_t got = file == NULL ? 0 : fread(text, 1, sizeof text - 1, file);
+  const size_t got = file == NULL ? 0 : fread(text, 1, sizeof(text) - 1, file);
   text[got] = '\0';
   if (file != NULL) {
     fclose(file);
@@ -225,9 +219,7 @@ static void ReplaceDescriptor(int descriptor, const char* path) {
 
 int main(int argc, char** argv) {
   /* Fixed system paths are written: only in a sandbox. */
-  if (argc < 2 || !Exists("/run/qvx-sandbox") || dup3(2, kReport, O_CLOEXEC) != kReport) {
-    return 125;
-  }
+  if (argc < 2 || !Exists("/run/qvx-sandbox") || dup3(2, kReport, O_CLOEXEC) != kReport) return 125;
   ReplaceDescriptor(1, kOut);
   ReplaceDescriptor(2, kErr);
   const int descriptors = NumbersIn("/proc/self/fd");

@@ -32,7 +32,7 @@ static u32 Login(const ustring* password) {
   ustring own[32] = u"";
   memcpy(own, password, 2 * (CALL(PXTUniStrlen)(password) + 1));
   const u32 rights = CALL(PXTAuthenticateUser)(NULL, u"hostuser", own);
-  for (size_t at = 0; at < sizeof own / sizeof *own; ++at) {
+  for (size_t at = 0; at < sizeof(own) / sizeof(*own); ++at) {
     EXPECT_EQ(own[at], 0);
   }
   return rights;
@@ -92,7 +92,7 @@ static void CallMasking(void) {
 static void CallNames(void) {
   astring name[256] = "";
   ustring units[64] = u"";
-  u32 size = sizeof name;
+  u32 size = sizeof(name);
   EXPECT_OWN(CALL(PXTGetComputerDomainName)(), "example");
   EXPECT_EQ(CALL(PXTGetIPHostName)(name, &size), SM_STATUS_SUCCESS);
   EXPECT_TEXT(name, "qvxtest");
@@ -110,9 +110,7 @@ static void CallNames(void) {
 
 static u32 HasFamily(int family) {
   const int any = socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (any < 0) {
-    return 0;
-  }
+  if (any < 0) return 0;
   close(any);
   return 1;
 }
@@ -172,7 +170,7 @@ static void CallInterfaces(void) {
   WaitUntilItRuns("host0");
   EXPECT_EQ(CALL(PXTGetIPAddrStrList)(NULL, &count, NULL), 0);
   EXPECT_EQ(count, 2);
-  memset(slots, '#', sizeof slots);
+  memset(slots, '#', sizeof(slots));
   count = 1;
   EXPECT_EQ(CALL(PXTGetIPAddrStrList)(NULL, &count, slots), SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(count, 2);

@@ -34,7 +34,7 @@ static void CallIniFiles(void) {
       {"wideWhole", 8, &wideWhole, 8},
       {"real", 9, &real, 8},
   };
-  const size_t count = sizeof cases / sizeof *cases;
+  const size_t count = sizeof(cases) / sizeof(*cases);
   for (size_t at = 0; at < count; ++at) {
     EXPECT_EQ(CALL(PXTWriteINIPathFileValue)("Host", cases[at].key, cases[at].type, cases[at].value,
                                              (s32)cases[at].size, kIni, 1),
@@ -46,7 +46,7 @@ static void CallIniFiles(void) {
               "wideWhole=-9223372036854775808\nreal=1.50000000\n");
   for (size_t at = 0; at < count; ++at) {
     char value[64] = "";
-    u32 size = cases[at].type < 4 ? sizeof value : cases[at].size;
+    u32 size = cases[at].type < 4 ? sizeof(value) : cases[at].size;
     EXPECT_EQ(CALL(PXTReadINIPathFileValue)("Host", cases[at].key, cases[at].type, value, &size,
                                             NULL, 0, kIni, 1),
               SM_STATUS_SUCCESS);
@@ -55,14 +55,14 @@ static void CallIniFiles(void) {
   }
 
   astring text[3] = "";
-  u32 size = sizeof text;
+  u32 size = sizeof(text);
   EXPECT_EQ(CALL(PXTReadINIPathFileValue)("Host", "none", 1, text, &size, "default", 8, kIni, 1),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_TEXT(text, "de");
   EXPECT_EQ(size, 3);
 
   static const char kOwn[] = "/etc/cim/zarn/plinthos/vexilon/qvx/ini/host.ini";
-  size = sizeof text;
+  size = sizeof(text);
   EXPECT_EQ(CALL(PXTWriteINIFileValue)("S", "k", 1, "v", 2, "host.ini", 1), SM_STATUS_SUCCESS);
   EXPECT_TEXT(ReadText(kOwn), "[S]\nk=v\n");
   EXPECT_EQ(CALL(PXTReadINIFileValue)("S", "k", 1, text, &size, NULL, 0, "host.ini", 1),
@@ -109,14 +109,14 @@ static void CallStringResources(void) {
   static const char kFile[] = "/run/host.res";
   static const ustring kText[] = u"\uFEFF0:1F=Disk full\r\n10C:1F=other\r\n";
   ustring text[64] = u"";
-  u32 size = sizeof text;
+  u32 size = sizeof(text);
   u32 language = 1033;
-  WriteWhole(kFile, kText, sizeof kText - 2);
+  WriteWhole(kFile, kText, sizeof(kText) - 2);
   EXPECT_EQ(CALL(PXTGetUnicodeStringFromIDPathFile)(0x1F, &language, kFile, text, &size), 20);
   EXPECT_UNITS(text, u"Disk full");
   EXPECT_EQ(size, 20);
   EXPECT_EQ(language, 0);
-  size = sizeof text;
+  size = sizeof(text);
   EXPECT_EQ(CALL(PXTGetUnicodeStringFromIDPathFile)(1, NULL, NULL, text, &size), 46);
   EXPECT_UNITS(text, u"Invalid Path File Name");
 }

@@ -198,7 +198,7 @@ static void CallSinglyLinkedList(void) {
 
 static void CallHashIds(void) {
   u32 table[2];
-  memset(table, 0xFF, sizeof table);
+  memset(table, 0xFF, sizeof(table));
   EXPECT_EQ(CALL(PXTHashTableBytesNeeded)(64), 8);
   EXPECT_EQ(CALL(PXTHashTableBytesNeeded)(9), 2);
   EXPECT_EQ(CALL(PXTClearHashTable)(table, 8), 0);

@@ -80,7 +80,7 @@ static void CallTranscoders(void) {
   ToUnits(CALL(PXTLocalToUnicode), "\xF0\x9F\x98\x80", kPair, 6);
 
   astring out[32] = "";
-  u32 size = sizeof out;
+  u32 size = sizeof(out);
   EXPECT_EQ(CALL(PXTUCS4StrToUTF8Str)(out, &size, kCodePoints), SM_STATUS_SUCCESS);
   EXPECT_EQ(size, 7);
   EXPECT_TEXT(out, "\xF0\x9F\x98\x80\xC3\xA9");
@@ -173,15 +173,15 @@ static void CallNumberToText(void) {
   EXPECT_TEXT(out, "true");
 
   ustring units[32] = u"";
-  u32 size = sizeof units;
+  u32 size = sizeof(units);
   EXPECT_EQ(CALL(PXTUniDoubleToStr)(units, &size, 2.5, 2), 0);
   EXPECT_UNITS(units, u"2.50");
   EXPECT_EQ(size, 10);
-  size = sizeof units;
+  size = sizeof(units);
   EXPECT_EQ(CALL(PXTUniUnSigned32ToStr)(units, &size, 1234, 16), 0);
   EXPECT_UNITS(units, u"4d2");
   EXPECT_EQ(size, 8);
-  size = sizeof units;
+  size = sizeof(units);
   EXPECT_EQ(CALL(PXTUniSigned32ToStr)(units, &size, -1234, 10), 0);
   EXPECT_UNITS(units, u"-12"); /* three characters are kept */
   EXPECT_EQ(size, 8);

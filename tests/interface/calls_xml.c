@@ -54,7 +54,7 @@ static void CallXmlLog(void) {
 
   EXPECT(CALL(PXTCmdGetXMLLogContent)(kLog) == NULL);
   EXPECT_EQ(CALL(PXTForceXMLLogExists)(kLog, "u", "s"), SM_STATUS_SUCCESS);
-  EXPECT(strncmp(ReadText(kLog), kHead, sizeof kHead - 1) == 0);
+  EXPECT(strncmp(ReadText(kLog), kHead, sizeof(kHead) - 1) == 0);
   EXPECT_HAS(ReadText(kLog),
              "</DateTime><ComputerName>qvxtest</ComputerName><Type>4</Type><ID>0</ID><UserInfo>u"
              "</UserInfo><Source>s</Source><Description>Log was cleared</Description><Data></Data>"
@@ -69,7 +69,7 @@ static void CallXmlLog(void) {
              "</Data></LogEntry></EventLog>");
 
   char expected[8192];
-  (void)snprintf(expected, sizeof expected, "<Content>%s</Content><SMStatus>0</SMStatus>",
+  (void)snprintf(expected, sizeof(expected), "<Content>%s</Content><SMStatus>0</SMStatus>",
                  ReadText(kLog));
   EXPECT_OWN(CALL(PXTCmdGetXMLLogContent)(kLog), expected);
   EXPECT_EQ(CALL(PXTClearXMLLog)(kLog, "me", "here"), SM_STATUS_SUCCESS);
@@ -106,14 +106,14 @@ static void CallCommandLog(void) {
 static void CallOsLog(void) {
   const struct sockaddr_un name = {AF_UNIX, "/dev/log"};
   const int service = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-  EXPECT_EQ(bind(service, (const struct sockaddr*)&name, sizeof name), 0);
+  EXPECT_EQ(bind(service, (const struct sockaddr*)&name, sizeof(name)), 0);
   EXPECT_EQ(CALL(PXTAppendToOSLog)(1, 42, u"qvhost", u"a\r\nb %s"), SM_STATUS_SUCCESS);
   char message[1024] = "";
-  EXPECT(recv(service, message, sizeof message - 1, 0) > 0);
+  EXPECT(recv(service, message, sizeof(message) - 1, 0) > 0);
   EXPECT(strncmp(message, "<27>", 4) == 0); /* LOG_DAEMON and LOG_ERR */
   EXPECT_HAS(message, " qvhost: EventID: 42  a \nb %s");
   EXPECT_EQ(CALL(PXTClearOSLog)(), 0);
-  EXPECT(recv(service, message, sizeof message - 1, 0) < 0);
+  EXPECT(recv(service, message, sizeof(message) - 1, 0) < 0);
   close(service);
   (void)unlink("/dev/log");
 }

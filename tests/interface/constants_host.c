@@ -132,7 +132,7 @@ static const struct {
 } kStatuses[] = {QVXCS_EACH_STATUS(NAME)};
 
 int main(void) {
-  const size_t last = sizeof kStatuses / sizeof *kStatuses - 1;
+  const size_t last = sizeof(kStatuses) / sizeof(*kStatuses) - 1;
   const int holds = strcmp(QVXCS_VERSION, BUILT_VERSION) == 0 &&
                     Level(QVX_PRIV_ADMINISTRATOR | QVX_PRIV_ROOT) == QVX_PRIV_ADMINISTRATOR &&
                     Type(QVX_TYPE_U32) == 5 && LogType(QVX_LOG_WARNING) == 2 &&

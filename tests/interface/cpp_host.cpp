@@ -89,8 +89,8 @@ s32 ByKey(PXTDLListEntry* added, PXTDLListEntry* present) {
 void ListsKeepOrder() {
   const List list(PXTDLListAlloc());
   for (const s32 key : {3, 1, 2}) {
-    PXTDLListEntry* const entry = PXTDLListEntryAlloc(sizeof key);
-    memcpy(entry->data, &key, sizeof key);
+    PXTDLListEntry* const entry = PXTDLListEntryAlloc(sizeof(key));
+    memcpy(entry->data, &key, sizeof(key));
     EXPECT(PXTDLListInsertKeyed(list.get(), entry, ByKey) == SM_STATUS_SUCCESS);
   }
   EXPECT(list->count == 3);
@@ -129,7 +129,7 @@ void SettingsAreKept() {
   const char* const path = "/run/cpp.ini";
   const u32 port = 8080;
   u32 read = 0;
-  u32 size = sizeof read;
+  u32 size = sizeof(read);
   EXPECT(PXTWriteINIPathFileValue("Net", "port", QVX_INI_U32, &port, 4, path, QVX_LOCK_WAIT) ==
          SM_STATUS_SUCCESS);
   EXPECT(ReadFile(path) == "[Net]\nport=8080\n");
@@ -184,9 +184,7 @@ void ThreadsAndLibrariesRun() {
 }  // namespace
 
 int main() {
-  if (access("/run/qvx-sandbox", F_OK) != 0) {
-    return 125;
-  }
+  if (access("/run/qvx-sandbox", F_OK) != 0) return 125;
   TextsConvert();
   ListsKeepOrder();
   DocumentsAreBuilt();

@@ -28,7 +28,7 @@ static int Mapped(const char* name) {
   char line[4096];
   int found = 0;
   FILE* const maps = fopen("/proc/self/maps", "r");
-  while (maps != NULL && fgets(line, sizeof line, maps) != NULL) {
+  while (maps != NULL && fgets(line, sizeof(line), maps) != NULL) {
     found |= strstr(line, name) != NULL;
   }
   if (maps != NULL) {
@@ -48,18 +48,12 @@ static int UseOnce(const char* path) {
   *(void**)&hostName = dlsym(library, "PXTGetIPHostName");
   *(void**)&maximum = dlsym(library, "PXTGetCmdLogMaxSize");
   char name[256];
-  u32 size = sizeof name;
+  u32 size = sizeof(name);
   u32 limit = 0;
-  if (hostName == NULL || maximum == NULL) {
-    return 2;
-  }
+  if (hostName == NULL || maximum == NULL) return 2;
   /* Both work only in an attached image. */
-  if (hostName(name, &size) != 0 || strcmp(name, "qvxtest") != 0 || size != 8) {
-    return 3;
-  }
-  if (maximum(&limit) != 0 || limit != 131072) {
-    return 4;
-  }
+  if (hostName(name, &size) != 0 || strcmp(name, "qvxtest") != 0 || size != 8) return 3;
+  if (maximum(&limit) != 0 || limit != 131072) return 4;
   if (EntriesOf("/proc/self/task") != 3) { /* ".", ".." and one thread */
     return 5;
   }
@@ -68,9 +62,7 @@ static int UseOnce(const char* path) {
 }
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    return 125;
-  }
+  if (argc != 2) return 125;
   int result = UseOnce(argv[1]);
   const int descriptors = EntriesOf("/proc/self/fd");
   for (int round = 0; result == 0 && round < 200; ++round) {

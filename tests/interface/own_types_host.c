@@ -45,7 +45,7 @@ static void PrefixedTypesHaveTheirWidths(void) {
 static void CallsTakeThePrefixedTypes(void) {
   const qvx_ustring wide[] = {'h', 0xE9, 0};
   qvx_astring narrow[4] = "";
-  qvx_u32 size = sizeof narrow;
+  qvx_u32 size = sizeof(narrow);
   qvx_u32 status = 77;
   EXPECT(PXTUCS2StrToUTF8Str(narrow, &size, wide) == SM_STATUS_SUCCESS);
   EXPECT(strcmp(narrow, "h\xC3\xA9") == 0 && size == 4);

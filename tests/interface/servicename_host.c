@@ -17,9 +17,7 @@ astring* pam_servicename = ownName;
 
 static int WriteText(const char* path, const char* mode, const char* text) {
   FILE* const file = fopen(path, mode);
-  if (file == NULL) {
-    return 0;
-  }
+  if (file == NULL) return 0;
   const int good = fputs(text, file) >= 0;
   return fclose(file) == 0 && good;
 }
@@ -39,15 +37,11 @@ int main(void) {
     return 125;
   }
 #ifndef QVX_OWN_DEFINITION
-  if (strcmp(pam_servicename, "qvauth") != 0 || Login() != 0) {
-    return 1;
-  }
+  if (strcmp(pam_servicename, "qvauth") != 0 || Login() != 0) return 1;
   static char other[] = "ownservice";
   pam_servicename = other;
 #endif
-  if (Login() != 0x40007) {
-    return 2;
-  }
+  if (Login() != 0x40007) return 2;
   pam_servicename = NULL;
   return Login() == 0 ? 0 : 3;
 }

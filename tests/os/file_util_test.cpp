@@ -259,9 +259,7 @@ TEST(FileUtil, TmpFileWithoutATmpDirectoryFails) {
   const int result = InChild([] {
     astring name[20];
     u32 size = 20;
-    if (chroot("/tmp/root") != 0 || chdir("/here") != 0) {
-      return 1;
-    }
+    if (chroot("/tmp/root") != 0 || chdir("/here") != 0) return 1;
     const bool failed = GetTmpFile("/", name, &size) == SM_STATUS_FILE_CREATE_FAILED;
     return failed && size == 20 && WorkingDirectory() == "/here" ? 3 : 4;
   });
@@ -274,9 +272,7 @@ TEST(FileUtil, TmpFileThatCannotReturnIsStatus9) {
   const int result = InChild([] {
     astring name[20] = "";
     u32 size = 20;
-    if (setuid(kNobody) != 0 || GetTmpFile("/tmp", name, &size) != 9) {
-      return 1;
-    }
+    if (setuid(kNobody) != 0 || GetTmpFile("/tmp", name, &size) != 9) return 1;
     return size == 16 && std::string(name).size() == 15 ? 3 : 4;
   });
   EXPECT_EQ(result, 3);
@@ -467,9 +463,7 @@ TEST(FileUtil, TargetsOfAnotherUserInAStickyDirectoryAreLeft) {
   ASSERT_EQ(chmod("/tmp/d", 01777), 0);
   WriteFile("/tmp/d/target", "old");
   const int result = InChild([] {
-    if (setuid(kNobody) != 0) {
-      return 1;
-    }
+    if (setuid(kNobody) != 0) return 1;
     WriteFile("/tmp/d/source", "new");
     return ReplaceFile("/tmp/d/target", "/tmp/d/source") == SM_STATUS_FILE_DELETE_FAILED ? 3 : 4;
   });

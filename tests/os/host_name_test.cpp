@@ -116,10 +116,10 @@ TEST_F(LoadedHostName, ANameThatDoesNotFitIsASuccessThatLeavesTheSize) {
 
 TEST_F(LoadedHostName, AWholeNameThatFillsTheRoomLeavesTheSizeToo) {
   astring name[8] = {};
-  u32 size = sizeof name;
+  u32 size = sizeof(name);
   EXPECT_EQ(PXTGetIPHostName(name, &size), SM_STATUS_SUCCESS);
   EXPECT_STREQ(name, "qvxtest");
-  EXPECT_EQ(size, sizeof name);
+  EXPECT_EQ(size, sizeof(name));
 }
 
 TEST_F(LoadedHostName, ANameThatIsCutWithoutAnErrorIsTerminatedToo) {
@@ -148,7 +148,7 @@ TEST_F(LoadedHostName, IsConvertedFromUTF8) {
   u32 size = 16;
   EXPECT_EQ(PXTUniGetIPHostName(name, &size), SM_STATUS_SUCCESS);
   const ustring expected[] = {'h', 0xF4, 't', 'e', 0};
-  EXPECT_EQ(memcmp(name, expected, sizeof expected), 0);
+  EXPECT_EQ(memcmp(name, expected, sizeof(expected)), 0);
   EXPECT_EQ(size, 10U);
 }
 

@@ -201,7 +201,7 @@ TEST_F(IPConversion, SixteenBytesBecomeACompressedText) {
 
 TEST_F(IPConversion, TheLongestTextFits) {
   u8 network[16];
-  memset(network, 0xFF, sizeof network);
+  memset(network, 0xFF, sizeof(network));
   GuardBuffer<astring> text(40);
   s32 size = 40;
   EXPECT_EQ(qvx::IPAddrNetworkToASCII(network, 16, text.data(), &size), SM_STATUS_SUCCESS);

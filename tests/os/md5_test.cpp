@@ -22,7 +22,7 @@ std::string DigestOf(const std::string& text) {
   std::string shown;
   for (size_t at = 0; at < 16; ++at) {
     char pair[3];
-    (void)snprintf(pair, sizeof pair, "%02x", digest[at]);
+    (void)snprintf(pair, sizeof(pair), "%02x", digest[at]);
     shown += pair;
   }
   return shown;

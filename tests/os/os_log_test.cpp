@@ -33,7 +33,7 @@ class OSLog : public testing::Test {
     sockaddr_un name = {};
     name.sun_family = AF_UNIX;
     strcpy(name.sun_path, "/dev/log");
-    ASSERT_EQ(bind(service_, reinterpret_cast<sockaddr*>(&name), sizeof name), 0);
+    ASSERT_EQ(bind(service_, reinterpret_cast<sockaddr*>(&name), sizeof(name)), 0);
   }
   void TearDown() override {
     close(service_);
@@ -43,7 +43,7 @@ class OSLog : public testing::Test {
   // The next message.
   std::string Received() {
     char message[8192];
-    const ssize_t got = recv(service_, message, sizeof message, 0);
+    const ssize_t got = recv(service_, message, sizeof(message), 0);
     return got < 0 ? kNothing : std::string(message, static_cast<size_t>(got));
   }
   // The same without its time: "<priority>" and "source: text".

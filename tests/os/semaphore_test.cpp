@@ -3,10 +3,11 @@
 #include "os/semaphore.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/ipc.h>
 #include <sys/sem.h>
 #include <sys/time.h>
+
+#include <csignal>
 
 #include "qvxcs/status.h"
 

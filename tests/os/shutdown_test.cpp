@@ -39,7 +39,7 @@ class Shutdown : public testing::Test {
   void SetUp() override {
     qvx::test::RequireSandbox();
     char self[PATH_MAX] = {};
-    ASSERT_GT(readlink("/proc/self/exe", self, sizeof self - 1), 0);
+    ASSERT_GT(readlink("/proc/self/exe", self, sizeof(self) - 1), 0);
     (void)unlink(qvx::kShutdownProgram);
     ASSERT_EQ(symlink(self, qvx::kShutdownProgram), 0);
   }

@@ -49,15 +49,15 @@ class TmpName : public testing::Test {
 TEST_F(TmpName, IsNeverThatOfAFileThatIsThere) {
   chance = Chance::kAlwaysTheSame;
   astring first[20] = {};
-  u32 size = sizeof first;
+  u32 size = sizeof(first);
   ASSERT_EQ(GetTmpFile("/", first, &size), SM_STATUS_SUCCESS);
   ASSERT_EQ(size, strlen(first) + 1);
   test::WriteFile(first, "taken");
   astring second[20] = "as it was";
-  size = sizeof second;
+  size = sizeof(second);
   EXPECT_EQ(GetTmpFile("/", second, &size), SM_STATUS_FILE_CREATE_FAILED);
   EXPECT_STREQ(second, "as it was");
-  EXPECT_EQ(size, sizeof second);
+  EXPECT_EQ(size, sizeof(second));
   EXPECT_EQ(test::ReadFile(first), "taken");
 }
 
@@ -65,12 +65,12 @@ TEST_F(TmpName, IsNotMadeWithoutChance) {
   chance = Chance::kNone;
   ASSERT_EQ(chdir("/usr"), 0);
   astring name[20] = "as it was";
-  u32 size = sizeof name;
+  u32 size = sizeof(name);
   EXPECT_EQ(GetTmpFile("/", name, &size), SM_STATUS_FILE_CREATE_FAILED);
   EXPECT_STREQ(name, "as it was");
-  EXPECT_EQ(size, sizeof name);
+  EXPECT_EQ(size, sizeof(name));
   astring here[32] = {};
-  ASSERT_NE(getcwd(here, sizeof here), nullptr);
+  ASSERT_NE(getcwd(here, sizeof(here)), nullptr);
   EXPECT_STREQ(here, "/usr");
 }
 

@@ -3,9 +3,9 @@
 #include "paths/locale.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "qvxcs/paths.h"

@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "reference/hostile_ini.h"
 
-#include <string.h>
-
 #include <algorithm>
+#include <cstring>
 
 namespace qvx::test {
 namespace {
@@ -18,8 +17,8 @@ u32 WidthOf(s32 type) {
 
 template <typename Number>
 std::string BytesOf(Number number) {
-  std::string bytes(sizeof number, '\0');
-  memcpy(bytes.data(), &number, sizeof number);
+  std::string bytes(sizeof(number), '\0');
+  memcpy(bytes.data(), &number, sizeof(number));
   return bytes;
 }
 

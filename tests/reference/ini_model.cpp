@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "reference/ini_model.h"
 
-#include <stdlib.h>
-#include <string.h>
-
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 
 #include "reference/number_model.h"
 
@@ -185,8 +184,8 @@ std::string Lower(std::string text) {
 
 template <typename Number>
 std::string BytesOf(Number number) {
-  std::string bytes(sizeof number, '\0');
-  memcpy(bytes.data(), &number, sizeof number);
+  std::string bytes(sizeof(number), '\0');
+  memcpy(bytes.data(), &number, sizeof(number));
   return bytes;
 }
 
@@ -326,7 +325,7 @@ std::string HexadecimalList(const std::string& bytes) {
 template <typename Number>
 Number NumberIn(const std::string& bytes) {
   Number number = 0;
-  memcpy(&number, bytes.data(), sizeof number);
+  memcpy(&number, bytes.data(), sizeof(number));
   return number;
 }
 

@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "reference/number_model.h"
 
-#include <stdio.h>
-#include <stdlib.h>
-
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 
 namespace qvx::test {
 namespace {
@@ -110,11 +109,11 @@ std::string ModelDouble(d64 value, s32 precision) {
 std::string ModelShortText(u32 value, s32 base) {
   char text[32];
   if (base == 8) {
-    (void)snprintf(text, sizeof text, "%o", value);
+    (void)snprintf(text, sizeof(text), "%o", value);
   } else if (base == 16) {
-    (void)snprintf(text, sizeof text, "%x", value);
+    (void)snprintf(text, sizeof(text), "%x", value);
   } else {
-    (void)snprintf(text, sizeof text, "%d", static_cast<s32>(value));
+    (void)snprintf(text, sizeof(text), "%d", static_cast<s32>(value));
   }
   return std::string(text).substr(0, 3);
 }

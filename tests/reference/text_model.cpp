@@ -191,7 +191,7 @@ std::vector<u32> HostileTexts::Units(u32 longest) {
                               '\r',   0x1F,   0x20,   0x7F,   0x80,   0xE9,   0x7FF,
                               0x800,  0xD7FF, 0xD800, 0xD83D, 0xDBFF, 0xDC00, 0xDE00,
                               0xDFFF, 0xE000, 0xFFFE, 0xFFFF, 0x0109, 0x0161};
-  constexpr u32 kCount = sizeof units / sizeof units[0];
+  constexpr u32 kCount = sizeof(units) / sizeof(units[0]);
   std::vector<u32> text(Below(longest + 1));
   for (u32& unit : text) {
     unit = Below(8) == 0 ? 1 + Below(0xFFFF) : units[Below(kCount)];
@@ -236,7 +236,7 @@ std::vector<u8> HostileTexts::Bytes(u32 longest) {
                                        "\xFE",
                                        "\xFF",
                                        "\xFF\xFF\xFF\xFF\xFF\xFF"};
-  constexpr u32 kCount = sizeof pieces / sizeof pieces[0];
+  constexpr u32 kCount = sizeof(pieces) / sizeof(pieces[0]);
   std::vector<u8> text;
   for (u32 count = Below(longest + 1); count != 0; --count) {
     const u32 kind = Below(12);

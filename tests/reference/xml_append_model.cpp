@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "reference/xml_append_model.h"
 
-#include <stdio.h>
-#include <time.h>
+#include <cstdio>
+#include <ctime>
 
 #include "reference/grow_string_model.h"
 #include "reference/text_model.h"
@@ -34,7 +34,7 @@ std::string TimeText(s64 now) {
   tzset();
   (void)localtime_r(&seconds, &local);
   char rest[64];
-  (void)snprintf(rest, sizeof rest, " %2d %02d:%02d:%02d %d", local.tm_mday, local.tm_hour,
+  (void)snprintf(rest, sizeof(rest), " %2d %02d:%02d:%02d %d", local.tm_mday, local.tm_hour,
                  local.tm_min, local.tm_sec, local.tm_year + 1900);
   return std::string(days[local.tm_wday]) + " " + months[local.tm_mon] + rest;
 }

@@ -3,9 +3,9 @@
 #ifndef QVX_TESTS_SUPPORT_ALARMS_H
 #define QVX_TESTS_SUPPORT_ALARMS_H
 
-#include <signal.h>
 #include <sys/time.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include "support/processes.h"

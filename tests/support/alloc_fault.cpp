@@ -19,9 +19,7 @@ std::atomic<u64> slept{0};
 std::atomic<size_t> lastSize{0};
 
 bool MustFail() {
-  if (countdown.load() == 0 || countdown.fetch_sub(1) != 1) {
-    return false;
-  }
+  if (countdown.load() == 0 || countdown.fetch_sub(1) != 1) return false;
   fired = true;
   errno = ENOMEM;
   return true;
@@ -51,9 +49,7 @@ void* __wrap_realloc(void* block, size_t size) {
 }
 
 int __wrap_usleep(useconds_t time) {
-  if (!countSleeps) {
-    return __real_usleep(time);
-  }
+  if (!countSleeps) return __real_usleep(time);
   ++sleeps;
   slept += time;
   return 0;

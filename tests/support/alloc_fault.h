@@ -37,9 +37,7 @@ u32 FailEachAllocation(Call call, Check check) {
         check(result);
       }
     }
-    if (!fired) {
-      return nth - 1;
-    }
+    if (!fired) return nth - 1;
   }
 }
 

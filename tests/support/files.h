@@ -23,11 +23,9 @@ inline void RequireSandbox() {
 inline std::string ReadFile(const std::string& path) {
   std::string text;
   FILE* const file = fopen(path.c_str(), "rbe");
-  if (file == nullptr) {
-    return "(cannot be opened)";
-  }
+  if (file == nullptr) return "(cannot be opened)";
   char piece[65536];
-  for (size_t got = 0; (got = fread(piece, 1, sizeof piece, file)) != 0;) {
+  for (size_t got = 0; (got = fread(piece, 1, sizeof(piece), file)) != 0;) {
     text.append(piece, got);
   }
   (void)fclose(file);

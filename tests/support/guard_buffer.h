@@ -46,9 +46,7 @@ class GuardBuffer {
   // Whether everything before the room is as it was.
   [[nodiscard]] bool FrontUntouched() const {
     for (const u8* at = base_; at != reinterpret_cast<const u8*>(data_); ++at) {
-      if (*at != kGuard) {
-        return false;
-      }
+      if (*at != kGuard) return false;
     }
     return true;
   }
@@ -56,9 +54,7 @@ class GuardBuffer {
   // Whether the elements from `first` on are as they were.
   [[nodiscard]] bool UntouchedFrom(size_t first) const {
     for (const u8* at = reinterpret_cast<const u8*>(data_ + first); at != base_ + open_; ++at) {
-      if (*at != kGuard) {
-        return false;
-      }
+      if (*at != kGuard) return false;
     }
     return true;
   }

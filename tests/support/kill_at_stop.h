@@ -3,11 +3,11 @@
 #ifndef QVX_TESTS_SUPPORT_KILL_AT_STOP_H
 #define QVX_TESTS_SUPPORT_KILL_AT_STOP_H
 
-#include <signal.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include "qvxcs/types.h"
@@ -68,9 +68,7 @@ u32 KillAtEachStop(Prepare prepare, Work work, Check check) {
     prepare();
     const bool killed = KilledAtStop(nth, work);
     check(nth);
-    if (!killed) {
-      return nth - 1;
-    }
+    if (!killed) return nth - 1;
   }
 }
 

@@ -3,8 +3,7 @@
 #ifndef QVX_TESTS_SUPPORT_LOCALE_GUARD_H
 #define QVX_TESTS_SUPPORT_LOCALE_GUARD_H
 
-#include <locale.h>
-
+#include <clocale>
 #include <string>
 
 namespace qvx::test {

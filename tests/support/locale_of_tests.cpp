@@ -4,8 +4,8 @@
 // Each test begins under the locale that QVX_TEST_LOCALE names, or under "C", whatever the test
 // before it has set. The build's own locales are there for all.
 #include <gtest/gtest.h>
-#include <locale.h>
 
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 

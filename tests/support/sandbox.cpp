@@ -38,9 +38,7 @@ void MakeDirectories(const std::string& path) {
     if (mkdir(part.c_str(), 0755) != 0 && errno != EEXIST) {
       Fail(part);
     }
-    if (at == std::string::npos) {
-      return;
-    }
+    if (at == std::string::npos) return;
   }
 }
 
@@ -158,9 +156,7 @@ void Enter() {
 bool OnlyLists([[maybe_unused]] int count, [[maybe_unused]] char** arguments) {
 #ifndef QVX_ROOT
   for (int at = 1; at < count; ++at) {
-    if (strcmp(arguments[at], "--gtest_list_tests") == 0) {
-      return true;
-    }
+    if (strcmp(arguments[at], "--gtest_list_tests") == 0) return true;
   }
 #endif
   return false;

@@ -243,7 +243,7 @@ TEST(AsciiUtil, ExportedCallsReachTheSameFunctions) {
   EXPECT_STREQ(quoted, "q");
   EXPECT_EQ(PXTAStrnicmp("B", "a", 1), 1);
   astring out[8] = "";
-  u32 size = sizeof out;
+  u32 size = sizeof(out);
   EXPECT_EQ(PXTASCIIReplaceSubstr("abc", "b", "X", &size, out), SM_STATUS_SUCCESS);
   EXPECT_STREQ(out, "aXc");
 }

@@ -261,16 +261,16 @@ TEST(HashId, ExportedFunctionsGiveTheSameAnswers) {
   u32 word = 9;
   u32 bit = 9;
   EXPECT_EQ(PXTHashTableBytesNeeded(9), 2u);
-  EXPECT_EQ(PXTClearHashTable(table, sizeof table), 0u);
-  EXPECT_EQ(PXTAcquireHashID(table, sizeof table), 1u);
-  EXPECT_EQ(PXTAcquireHashID(table, sizeof table), 2u);
+  EXPECT_EQ(PXTClearHashTable(table, sizeof(table)), 0u);
+  EXPECT_EQ(PXTAcquireHashID(table, sizeof(table)), 1u);
+  EXPECT_EQ(PXTAcquireHashID(table, sizeof(table)), 2u);
   EXPECT_EQ(table[0], 0x6u);
-  EXPECT_EQ(PXTVerifyHashID(table, sizeof table, 2), 0);
-  EXPECT_EQ(PXTGetMaxInUseID(table, sizeof table), 2u);
-  EXPECT_EQ(PXTFindFirstHashID(table, sizeof table, &word, &bit), 1u);
-  EXPECT_EQ(PXTFindNextHashID(table, sizeof table, &word, &bit), 2u);
-  EXPECT_EQ(PXTReleaseHashID(table, sizeof table, 2), 0);
-  EXPECT_EQ(PXTReleaseHashID(table, sizeof table, 2), -1);
+  EXPECT_EQ(PXTVerifyHashID(table, sizeof(table), 2), 0);
+  EXPECT_EQ(PXTGetMaxInUseID(table, sizeof(table)), 2u);
+  EXPECT_EQ(PXTFindFirstHashID(table, sizeof(table), &word, &bit), 1u);
+  EXPECT_EQ(PXTFindNextHashID(table, sizeof(table), &word, &bit), 2u);
+  EXPECT_EQ(PXTReleaseHashID(table, sizeof(table), 2), 0);
+  EXPECT_EQ(PXTReleaseHashID(table, sizeof(table), 2), -1);
 }
 
 }  // namespace

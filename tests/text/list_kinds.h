@@ -111,7 +111,7 @@ class ListOf {
       Kind::kEntryFree(entry);
   }
   Entry* Make(s32 key) {
-    Entry* entry = Kind::kEntryAlloc(sizeof key);
+    Entry* entry = Kind::kEntryAlloc(sizeof(key));
     *static_cast<s32*>(entry->data) = key;
     made_.push_back(entry);
     return entry;

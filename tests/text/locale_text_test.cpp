@@ -3,9 +3,9 @@
 #include "text/locale_text.h"
 
 #include <gtest/gtest.h>
-#include <locale.h>
-#include <stdlib.h>
 
+#include <clocale>
+#include <cstdlib>
 #include <string>
 #include <vector>
 

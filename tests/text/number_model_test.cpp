@@ -3,10 +3,10 @@
 #include "reference/number_model.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <time.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string>
 
 #include "support/guard_buffer.h"

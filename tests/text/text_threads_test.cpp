@@ -37,14 +37,10 @@ bool TranscodesRight(u32 thread) {
   const std::string text = TextOf(thread);
   ustring wide[64];
   u32 size = 40;
-  if (PXTUTF8StrToUCS2Str(wide, &size, text.c_str()) != SM_STATUS_SUCCESS) {
-    return false;
-  }
+  if (PXTUTF8StrToUCS2Str(wide, &size, text.c_str()) != SM_STATUS_SUCCESS) return false;
   astring narrow[64];
   size = 60;
-  if (PXTUCS2StrToUTF8Str(narrow, &size, wide) != SM_STATUS_SUCCESS || narrow != text) {
-    return false;
-  }
+  if (PXTUCS2StrToUTF8Str(narrow, &size, wide) != SM_STATUS_SUCCESS || narrow != text) return false;
   astring* const escaped = PXTGetXMLUTF8StrFromUStr(wide, 1);
   const bool right = escaped != nullptr && escaped == EscapedTextOf(thread);
   PXTFreeMem(escaped);
@@ -63,9 +59,7 @@ TEST(TextThreads, TranscodeAndEscapeAtOnce) {
 
 bool GrowsRight(u32 thread) {
   SSAStr record;
-  if (PXTSSAStrAlloc(&record, 4) == nullptr) {
-    return false;
-  }
+  if (PXTSSAStrAlloc(&record, 4) == nullptr) return false;
   const std::string piece = TextOf(thread);
   std::string expected;
   bool right = true;

@@ -3,9 +3,9 @@
 #include "text/time_text.h"
 
 #include <gtest/gtest.h>
-#include <locale.h>
-#include <stdlib.h>
 
+#include <clocale>
+#include <cstdlib>
 #include <limits>
 #include <string>
 

@@ -3,9 +3,9 @@
 #include "text/transcode.h"
 
 #include <gtest/gtest.h>
-#include <string.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 

@@ -3,8 +3,8 @@
 #include "text/uni_number.h"
 
 #include <gtest/gtest.h>
-#include <locale.h>
 
+#include <clocale>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -143,7 +143,7 @@ TEST(UniNumber, SizesZeroAndOneAndANullOutputOnlyMeasure) {
 
 TEST(UniNumber, PrecisionZeroHasNoPoint) {
   ustring out[8];
-  u32 size = sizeof out;
+  u32 size = sizeof(out);
   EXPECT_EQ(qvx::UniDoubleToStr(out, &size, 2.75, 0), 0);
   EXPECT_EQ(Narrow(out), "3");
 }
@@ -242,7 +242,7 @@ TEST(UniNumber, ExportedConversionsGiveTheSameAnswers) {
   EXPECT_EQ(PXTUniToUnSigned64(text.data()), 0u);
   EXPECT_EQ(PXTUniToDouble(text.data()), -3.0);
   ustring out[16];
-  u32 size = sizeof out;
+  u32 size = sizeof(out);
   EXPECT_EQ(PXTUniDoubleToStr(out, &size, 0.5, 1), 0);
   EXPECT_EQ(Narrow(out), "0.5");
   EXPECT_EQ(PXTUniUnSigned32ToStr(out, &size, 12, 10), 0);

@@ -66,7 +66,7 @@ bool Change(unsigned writer, time_t until) {
       return false;
     }
     char back[16];
-    qvx_u32 size = sizeof back;
+    qvx_u32 size = sizeof(back);
     if (PXTReadINIPathFileValue("s", key.c_str(), 1, back, &size, nullptr, 0, kIni, 1) != 0 ||
         text != back) {
       return false;
@@ -78,7 +78,7 @@ bool Change(unsigned writer, time_t until) {
 bool ReadAlong(time_t until) {
   while (time(nullptr) < until) {
     char text[16];
-    qvx_u32 size = sizeof text;
+    qvx_u32 size = sizeof(text);
     if (PXTReadINIPathFileValue("s", "fixed", 1, text, &size, nullptr, 0, kIni, 1) != 0 ||
         strcmp(text, "value") != 0) {
       return false;

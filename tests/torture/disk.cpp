@@ -4,11 +4,11 @@
 // The updating scenes on a small disk of their own: full to the last page but 0, 1, 2, ...; without
 // an inode left; read-only; under a file-size limit; without a descriptor left.
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include <dirent.h>
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -71,7 +71,7 @@ std::string ReadText(const std::string& path) {
   if (file == nullptr) return "(none)";
   std::string text;
   char piece[65536];
-  for (size_t got = 0; (got = fread(piece, 1, sizeof piece, file)) != 0;) {
+  for (size_t got = 0; (got = fread(piece, 1, sizeof(piece), file)) != 0;) {
     text.append(piece, got);
   }
   (void)fclose(file);
@@ -167,7 +167,7 @@ std::string RunChild(void (*body)(void*, int), void* context) {
   close(ends[1]);
   std::string wrong;
   char piece[4096];
-  for (ssize_t got = 0; (got = read(ends[0], piece, sizeof piece)) > 0;) {
+  for (ssize_t got = 0; (got = read(ends[0], piece, sizeof(piece))) > 0;) {
     wrong.append(piece, static_cast<size_t>(got));
   }
   close(ends[0]);

@@ -21,7 +21,7 @@ void Log() {
 }
 void Words() {
   static const char16_t kText[] = u"\uFEFF0:1F=Disk full\r\n10C:1F=other\r\n";
-  WriteText(kWords, std::string(reinterpret_cast<const char*>(kText), sizeof kText - 2));
+  WriteText(kWords, std::string(reinterpret_cast<const char*>(kText), sizeof(kText) - 2));
 }
 
 // Whether a text came, which is freed.
@@ -162,8 +162,8 @@ std::vector<Scene> AllScenes() {
   add("INI: 16-bit text read", IniFile, [] {
     const qvx_ustring text[] = {'a', 0};
     qvx_ustring back[64];
-    return PXTWriteINIPathFileValue("net", "wide", 2, text, sizeof text, kIni, 1) == 0 &&
-           ReadIni(2, "wide", back, sizeof back);
+    return PXTWriteINIPathFileValue("net", "wide", 2, text, sizeof(text), kIni, 1) == 0 &&
+           ReadIni(2, "wide", back, sizeof(back));
   });
   add("key=value: entries", Pairs, ReadPairs);
   add("log: its content", Log, [] {
@@ -174,7 +174,7 @@ std::vector<Scene> AllScenes() {
   });
   add("string resource", Words, [] {
     qvx_ustring text[64];
-    qvx_u32 size = sizeof text;
+    qvx_u32 size = sizeof(text);
     return PXTGetUnicodeStringFromIDPathFile(0x1F, nullptr, kWords, text, &size) == 20;
   });
   add("XML builder", Nothing, BuildXml);

@@ -16,7 +16,7 @@ constexpr qvx_u32 kRoomy = 1000000;
 // Static, so that the scenes allocate nothing themselves.
 char longText[6001];
 const char* LongText() {
-  memset(longText, 'x', sizeof longText - 1);
+  memset(longText, 'x', sizeof(longText) - 1);
   return longText;
 }
 
@@ -29,8 +29,8 @@ bool SetIni(const char* section, const char* key, const char* value) {
 bool SetPair(const char* key, const char* value) {
   char name[16];
   char text[16];
-  strncpy(name, key, sizeof name);
-  strncpy(text, value, sizeof text);
+  strncpy(name, key, sizeof(name));
+  strncpy(text, value, sizeof(text));
   const PXTKeyValue pair = {name, text};
   return PXTCFGSetKeyValue(kPairs, &pair, 0) == SM_STATUS_SUCCESS;
 }
@@ -72,17 +72,17 @@ std::vector<Scene> UpdatingScenes() {
       {"INI: a number", Kind::kWhole, kIni, IniFile,
        [] {
          const qvx_u32 value = 77;
-         return PXTWriteINIPathFileValue("net", "port", 5, &value, sizeof value, kIni, 1) == 0;
+         return PXTWriteINIPathFileValue("net", "port", 5, &value, sizeof(value), kIni, 1) == 0;
        }},
       {"INI: 16-bit text", Kind::kWhole, kIni, IniFile,
        [] {
          const qvx_ustring text[] = {'a', 'b', 0};
-         return PXTWriteINIPathFileValue("net", "name", 2, text, sizeof text, kIni, 1) == 0;
+         return PXTWriteINIPathFileValue("net", "name", 2, text, sizeof(text), kIni, 1) == 0;
        }},
       {"INI: bytes", Kind::kWhole, kIni, IniFile,
        [] {
          const qvx_u8 bytes[] = {1, 2, 255};
-         return PXTWriteINIPathFileValue("net", "mac", 3, bytes, sizeof bytes, kIni, 1) == 0;
+         return PXTWriteINIPathFileValue("net", "mac", 3, bytes, sizeof(bytes), kIni, 1) == 0;
        }},
       {"key=value: a value", Kind::kWhole, kPairs, Pairs, [] { return SetPair("port", "9"); }},
       {"key=value: a new key", Kind::kWhole, kPairs, Pairs, [] { return SetPair("mask", "255"); }},

@@ -3,7 +3,6 @@
 #include "torture/stepper.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <sys/user.h>
@@ -11,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <iterator>
 
@@ -46,7 +46,7 @@ void SetRegisters(pid_t child, const user_regs_struct& registers) {
 std::string ReadAll(int file) {
   std::string text;
   char piece[4096];
-  for (ssize_t got = 0; (got = read(file, piece, sizeof piece)) > 0;) {
+  for (ssize_t got = 0; (got = read(file, piece, sizeof(piece))) > 0;) {
     text.append(piece, static_cast<size_t>(got));
   }
   close(file);
@@ -82,7 +82,7 @@ bool IsAboutTheLock(const Stop& stop) {
   const std::string link = "/proc/" + std::to_string(stop.child) + "/fd/" +
                            std::to_string(static_cast<int>(registers.rdi));
   char path[256] = "";
-  const ssize_t length = readlink(link.c_str(), path, sizeof path - 1);
+  const ssize_t length = readlink(link.c_str(), path, sizeof(path) - 1);
   return length > 0 && std::string(path).find(".qvxipc") != std::string::npos;
 }
 

@@ -3,9 +3,9 @@
 #include "xml/log_entry.h"
 
 #include <gtest/gtest.h>
-#include <time.h>
 #include <unistd.h>
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -28,9 +28,7 @@ constexpr LogEvent kPlain = {4, 7, "user", "source", "text", nullptr, 0};
 std::string Built(const LogEvent& event) {
   LogEntry entry;
   const u32 status = entry.Build(event);
-  if (status != SM_STATUS_SUCCESS) {
-    return "status " + std::to_string(status);
-  }
+  if (status != SM_STATUS_SUCCESS) return "status " + std::to_string(status);
   EXPECT_EQ(entry.Length(), std::string(entry.Text()).size());
   return entry.Text();
 }
@@ -68,7 +66,7 @@ TEST(LogEntry, OneTimeIsToldInSecondsAndInLocalTime) {
   const time_t east = stamp + 3 * 3600 + 30 * 60;
   struct tm parts = {};
   char text[64];
-  ASSERT_NE(strftime(text, sizeof text, "%a %b %e %H:%M:%S %Y", gmtime_r(&east, &parts)), 0u);
+  ASSERT_NE(strftime(text, sizeof(text), "%a %b %e %H:%M:%S %Y", gmtime_r(&east, &parts)), 0u);
   EXPECT_EQ(OnlyElement(entry, "DateTime"), text);
 }
 

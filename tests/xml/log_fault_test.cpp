@@ -45,12 +45,12 @@ u32 AppendWhileRefused(u32 number) {
     const int next = test::NextDescriptor();
     test::RefuseCall(number, next, EIO);
     const u32 status = AppendToXMLLog(kLog, 4, 1, "u", "s", "d", nullptr, 0, test::kNoMaximum);
-    const bool told = write(pipe[1], &status, sizeof status) == sizeof status;
+    const bool told = write(pipe[1], &status, sizeof(status)) == sizeof(status);
     return told && test::TakeDescriptor(next) && test::LockIsFree() ? 0 : 1;
   };
   EXPECT_EQ(test::InChild(append), 0);
   u32 status = 0;
-  EXPECT_EQ(read(pipe[0], &status, sizeof status), static_cast<ssize_t>(sizeof status));
+  EXPECT_EQ(read(pipe[0], &status, sizeof(status)), static_cast<ssize_t>(sizeof(status)));
   close(pipe[0]);
   close(pipe[1]);
   return status;

@@ -47,9 +47,7 @@ inline std::string WithoutTimes(std::string text) {
     const std::string closing = std::string("</") + name + ">";
     for (size_t at = 0; (at = text.find(opening, at)) != std::string::npos;) {
       const size_t end = text.find(closing, at);
-      if (end == std::string::npos) {
-        return "(an element without its closing tag)";
-      }
+      if (end == std::string::npos) return "(an element without its closing tag)";
       text.erase(at, end + closing.size() - at);
     }
   }

@@ -3,13 +3,13 @@
 
 // A kill within the one write of an append, which can cut it at the end of a page.
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <random>
 #include <string>

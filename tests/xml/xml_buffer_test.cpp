@@ -51,17 +51,15 @@ class Buffer {
 std::string ElementOf(s32 type, const void* value, s32 format = 0) {
   Buffer buffer;
   const u32 status = PXMBufCatNodeT(buffer.get(), "T", nullptr, type, value, format);
-  if (status == SM_STATUS_SUCCESS) {
-    return buffer.Text();
-  }
+  if (status == SM_STATUS_SUCCESS) return buffer.Text();
   EXPECT_EQ(buffer.Text(), "");
   return "status " + std::to_string(status);
 }
 
 template <typename T>
 std::string NumberOf(s32 type, T value, s32 format = 0) {
-  GuardBuffer<u8> exact(sizeof value);
-  memcpy(exact.data(), &value, sizeof value);
+  GuardBuffer<u8> exact(sizeof(value));
+  memcpy(exact.data(), &value, sizeof(value));
   return ElementOf(type, exact.data(), format);
 }
 
@@ -82,7 +80,7 @@ TEST(XmlBuffer, StylesheetInstructionStandsAloneAtTheBeginning) {
   const Buffer buffer(10, 1);
   EXPECT_EQ(buffer.Text(), kStylesheet);
   EXPECT_EQ(buffer.record().capacity, 128u);  // its 65 characters and the NUL do not fit 64
-  EXPECT_EQ(sizeof kStylesheet, 66u);
+  EXPECT_EQ(sizeof(kStylesheet), 66u);
 }
 
 TEST(XmlBuffer, OnlyAFlagOfExactlyOneAsksForTheStylesheet) {
@@ -414,12 +412,12 @@ TEST(XmlBuffer, TypedValueOfAnotherCodeIsCheckedLikeAnyValue) {
 TEST(XmlBuffer, RecordsMayBeUnaligned) {
   astring text[] = "abc";
   const SSAStr record = {text, 4, 3};
-  GuardBuffer<u8> bytes(sizeof record + 1);
-  memcpy(bytes.data(), &record, sizeof record);
+  GuardBuffer<u8> bytes(sizeof(record) + 1);
+  memcpy(bytes.data(), &record, sizeof(record));
   EXPECT_EQ(ElementOf(16, bytes.data()), "<T>abc</T>");
   const PXTTypedValue typed = {1, 0, text};
-  static_assert(sizeof typed == sizeof record);
-  memcpy(bytes.data(), &typed, sizeof typed);
+  static_assert(sizeof(typed) == sizeof(record));
+  memcpy(bytes.data(), &typed, sizeof(typed));
   EXPECT_EQ(ElementOf(25, bytes.data()), "<T>abc</T>");
 }
 

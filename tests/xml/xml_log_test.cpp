@@ -710,9 +710,7 @@ constexpr u32 kAppends = 1000;
 int WriteAll(u32 writer, u32 maxSize) {
   const std::string user = "w" + std::to_string(writer);
   for (u32 id = 1000; id < 1000 + kAppends; ++id) {
-    if (AppendToXMLLog(kLog, 4, id, user.c_str(), "s", "d", nullptr, 0, maxSize) != 0) {
-      return 1;
-    }
+    if (AppendToXMLLog(kLog, 4, id, user.c_str(), "s", "d", nullptr, 0, maxSize) != 0) return 1;
   }
   return 0;
 }
@@ -736,9 +734,7 @@ std::vector<std::vector<u32>> IdsByWriter(const std::string& text) {
   const std::vector<std::string> users = test::ElementsOf(text, "UserInfo");
   const std::vector<std::string> ids = test::ElementsOf(text, "ID");
   std::vector<std::vector<u32>> found(kWriters);
-  if (users.size() != ids.size()) {
-    return {};
-  }
+  if (users.size() != ids.size()) return {};
   for (size_t i = 0; i < users.size(); ++i) {
     const auto id = static_cast<u32>(std::stoul(ids[i]));
     if (id >= 1000) {

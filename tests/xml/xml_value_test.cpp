@@ -18,10 +18,10 @@ using test::GuardBuffer;
 // where the width allows.
 template <typename T, typename PutText>
 std::string TextOf(T value, PutText put) {
-  GuardBuffer<u8> exact(sizeof value);
-  memcpy(exact.data(), &value, sizeof value);
-  GuardBuffer<u8> shifted(sizeof value + 1);
-  memcpy(shifted.data(), &value, sizeof value);
+  GuardBuffer<u8> exact(sizeof(value));
+  memcpy(exact.data(), &value, sizeof(value));
+  GuardBuffer<u8> shifted(sizeof(value) + 1);
+  memcpy(shifted.data(), &value, sizeof(value));
   GuardBuffer<astring> out(kValueTextRoom);
   const u32 length = put(out.data(), exact.data());
   const std::string text(out.data());
