@@ -236,8 +236,6 @@ QVX_SHUFFLES Run NarrowLatin(astring* to, size_t room, const ustring* from, size
 
 // --- Three bytes: 24 bytes are eight units, and full blocks again. ---
 
-constexpr size_t kThreeBytes = 3 * kUnits;
-
 QVX_SHUFFLES size_t WidenThreeBytes(ustring* to, const astring* from, size_t count) {
   constexpr char kNone = static_cast<char>(0x80);
   // Of each character the last two bytes, last first, and the lead in the upper byte. The first

@@ -7,6 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 build=$QVX_BUILD
 folder=$QVX_FOLDER
+# shellcheck disable=SC2034 # the scripts that source this use it
 version=$(sed -n 's/^project(qvxcs VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 # shellcheck disable=SC2034
 libraries=$(sed -n 's/^CMAKE_INSTALL_LIBDIR:PATH=//p' "$build/CMakeCache.txt")
