@@ -35,6 +35,7 @@ class SystemUser {
  public:
   // The name stays the caller's.
   explicit SystemUser(const astring* name) : name_(name) {}
+  ~SystemUser() = default;
   SystemUser(const SystemUser&) = delete;
   SystemUser& operator=(const SystemUser&) = delete;
 

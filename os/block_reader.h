@@ -15,6 +15,7 @@ class BlockReader {
   static constexpr size_t kBlock = 65536;
 
   explicit BlockReader(int file) : file_(file), block_(AllocArray<astring>(kBlock)) {}
+  ~BlockReader() = default;
   BlockReader(const BlockReader&) = delete;
   BlockReader& operator=(const BlockReader&) = delete;
 

@@ -20,6 +20,7 @@ class BlockWriter {
   static constexpr size_t kBlock = 65536;
 
   explicit BlockWriter(int file) : file_(file), block_(AllocArray<astring>(kBlock)) {}
+  ~BlockWriter() = default;
   BlockWriter(const BlockWriter&) = delete;
   BlockWriter& operator=(const BlockWriter&) = delete;
 

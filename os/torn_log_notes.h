@@ -52,6 +52,7 @@ bool MayHaveTornLogNotes();
 class TornLogNotes {
  public:
   TornLogNotes();
+  ~TornLogNotes() = default;
   TornLogNotes(const TornLogNotes&) = delete;
   TornLogNotes& operator=(const TornLogNotes&) = delete;
 

@@ -51,7 +51,7 @@ u32 Utf8Length(u32 codePoint) {
 }
 
 // 0 for a byte that begins no character: a continuation byte, 0xFE or 0xFF.
-constexpr auto kLengthByLead = [] {
+constexpr std::array<u8, 256> LengthsByLead() {
   std::array<u8, 256> lengths{};
   for (u32 lead = 0; lead < lengths.size(); ++lead) {
     for (u8 length = kLongestUtf8; length > 0; --length) {
@@ -60,7 +60,8 @@ constexpr auto kLengthByLead = [] {
     }
   }
   return lengths;
-}();
+}
+constexpr std::array<u8, 256> kLengthByLead = LengthsByLead();
 
 bool IsHighSurrogate(ustring unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowSurrogate(ustring unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }

@@ -44,7 +44,7 @@ class Digits {
   std::string_view View() const { return {text_, length_}; }
 
  private:
-  astring text_[kValueTextRoom];
+  astring text_[kValueTextRoom] = {};
   u32 length_;
 };
 
