@@ -14,8 +14,9 @@ namespace {
 
 std::string_view SkipBlanks(std::string_view text) {
   size_t at = 0;
-  while (at < text.size() && (text[at] == ' ' || text[at] == '\t'))
+  while (at < text.size() && (text[at] == ' ' || text[at] == '\t')) {
     ++at;
+  }
   return text.substr(at);
 }
 

@@ -64,7 +64,7 @@ u64 LoadNumber(const ValueType& type, const void* value) {
 
 constexpr auto kDigitPairs = [] {
   std::array<astring, 200> pairs = {};
-  for (u32 number = 0; number < 100; ++number) {
+  for (size_t number = 0; number < 100; ++number) {
     pairs[2 * number] = static_cast<astring>('0' + number / 10);
     pairs[2 * number + 1] = static_cast<astring>('0' + number % 10);
   }

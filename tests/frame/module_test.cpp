@@ -25,6 +25,7 @@
 #include "support/alloc_fault.h"
 #include "support/alone.h"
 #include "support/files.h"
+#include "support/kill_at_stop.h"
 #include "support/processes.h"
 
 namespace {
@@ -140,6 +141,28 @@ QVX_ALONE(Module, AttachedCallsReadTheConfiguredMaximum) {
   u32 size = 0;
   EXPECT_EQ(PXTGetCmdLogMaxSize(&size), SM_STATUS_SUCCESS);
   EXPECT_EQ(size, 500000U);
+}
+
+// How often the lock is taken anew by an attach, as another process sees it.
+u32 HoldsOfAnAttach() {
+  u32 holds = 0;
+  bool held = false;
+  EXPECT_EQ(qvx::test::RunStepwise([] { return qvx::ModuleAttach() == 1 ? 0 : 1; },
+                                   [&holds, &held] {
+                                     const bool now = !qvx::test::LockIsFree();
+                                     holds += now && !held ? 1 : 0;
+                                     held = now;
+                                     return true;
+                                   }),
+            0);
+  return holds;
+}
+
+// Within the attach's own hold, the inner holds would end it: there would be one hold less.
+QVX_ALONE(Module, TheMaximumIsReadLastInTwoHoldsAfterTheAttachesOwn) {
+  qvx::test::RequireSandbox();
+  close(open(qvx::kIPCFilePath, O_CREAT | O_RDWR | O_CLOEXEC, 0664));
+  EXPECT_EQ(HoldsOfAnAttach(), 3U);
 }
 
 // Without the lock's folder the attach fails, and everything that needs the lock says so.
