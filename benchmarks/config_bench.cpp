@@ -1,121 +1,151 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// An INI file of 50 sections with 20 keys each, and a key=value file of 1,000 lines.
-#include <benchmark/benchmark.h>
+// INI files beside inih, iniparser and the system calls bare; key=value and string resource files
+// beside a plain read.
 #include <fcntl.h>
+#include <ini.h>
+#include <iniparser/iniparser.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "qvxcs/qvxcs.h"
 
+#include "benchmarks/job.h"
+
 namespace {
 
-constexpr char kFolder[] = "/tmp/bench-config";
-constexpr char kIni[] = "/tmp/bench-config/bench.ini";
-constexpr char kKeyValue[] = "/tmp/bench-config/bench.properties";
+constexpr char kIni[] = "/tmp/bench/bench.ini";
+constexpr char kBare[] = "/tmp/bench/bare.ini";
+constexpr char kBareCopy[] = "/tmp/bench/bare.tmp";
+constexpr char kPairs[] = "/tmp/bench/pairs.properties";
+constexpr int kSections = 30;  // with 20 keys each: 600 keys, 7 KB
+constexpr int kKeys = 20;
+constexpr int kPairCount = 20000;
 
-// Both files, once; the size of the first.
-size_t MakeFiles() {
-  (void)mkdir(kFolder, 0755);
-  std::ofstream ini(kIni);
-  for (int section = 0; section < 50; ++section) {
+void MakeIni(const char* path, int sections) {
+  std::ofstream ini(path);
+  for (int section = 0; section < sections; ++section) {
     ini << "[section" << section << "]\n";
-    for (int key = 0; key < 20; ++key) {
-      ini << "key" << key << "=" << section * 20 + key << "\n";
+    for (int key = 0; key < kKeys; ++key) {
+      ini << "key" << key << "=" << section * kKeys + key << "\n";
     }
   }
-  std::ofstream pairs(kKeyValue);
-  for (int key = 0; key < 1000; ++key) {
+}
+
+void MakePairs() {
+  std::ofstream pairs(kPairs);
+  for (int key = 0; key < kPairCount; ++key) {
     pairs << "key" << key << "=value of " << key << "\n";
   }
-  return static_cast<size_t>(ini.tellp());
 }
-const size_t kIniSize = MakeFiles();
 
-// Reads the INI file, as a read of its last key must.
-void Yardstick(benchmark::State& state) {
-  std::vector<char> room(kIniSize);
-  for (auto _ : state) {
-    const int file = open(kIni, O_RDONLY | O_CLOEXEC);
-    if (read(file, room.data(), room.size()) != static_cast<ssize_t>(kIniSize)) abort();
-    close(file);
-  }
+std::string Whole(const char* path) {
+  const int file = open(path, O_RDONLY | O_CLOEXEC);
+  struct stat status = {};
+  Require(file >= 0 && fstat(file, &status) == 0, "open");
+  std::string text(static_cast<size_t>(status.st_size), ' ');
+  Require(read(file, text.data(), text.size()) == status.st_size, "read");
+  close(file);
+  return text;
 }
-BENCHMARK(Yardstick);
 
-// The same written to another file, flushed to disk and renamed over the first.
-void YardstickOfWriting(benchmark::State& state) {
-  const std::vector<char> text(kIniSize, 'x');
-  for (auto _ : state) {
-    const int file = open("/tmp/bench-config/a", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (write(file, text.data(), text.size()) != static_cast<ssize_t>(kIniSize)) abort();
-    fsync(file);
-    close(file);
-    if (rename("/tmp/bench-config/a", "/tmp/bench-config/b") != 0) abort();
-  }
-}
-BENCHMARK(YardstickOfWriting);
+struct Wanted {
+  const char* section;
+  const char* key;
+  long value;
+};
 
-void ReadKey(benchmark::State& state, const char* section) {
-  for (auto _ : state) {
-    u32 value = 0;
-    u32 size = sizeof(value);
-    if (PXTReadINIPathFileValue(section, "key19", 5, &value, &size, nullptr, 0, kIni, 1) !=
-        SM_STATUS_SUCCESS) {
-      abort();
-    }
+int TakeWanted(void* user, const char* section, const char* key, const char* value) {
+  auto* const wanted = static_cast<Wanted*>(user);
+  if (strcmp(section, wanted->section) == 0 && strcmp(key, wanted->key) == 0) {
+    wanted->value = strtol(value, nullptr, 10);
   }
+  return 1;
 }
-BENCHMARK_CAPTURE(ReadKey, First, "section0");
-BENCHMARK_CAPTURE(ReadKey, Last, "section49");
 
-void ListSections(benchmark::State& state) {
-  std::vector<astring> room(4096);
-  for (auto _ : state) {
-    u32 size = static_cast<u32>(room.size());
-    if (PXTReadINIPathFileValue(nullptr, nullptr, 1, room.data(), &size, nullptr, 0, kIni, 1) !=
-        SM_STATUS_SUCCESS) {
-      abort();
-    }
-  }
+void CompareRead(int sections, const char* name, const std::string& section, const char* key) {
+  const std::string path = "/tmp/bench/ini" + std::to_string(sections);
+  MakeIni(path.c_str(), sections);
+  const std::string job = "INI of " + std::to_string(sections * kKeys) + " keys, " + name + " key";
+  Compare(
+      job, "inih",
+      [=] {
+        u32 value = 0;
+        u32 size = sizeof(value);
+        Require(PXTReadINIPathFileValue(section.c_str(), key, 5, &value, &size, nullptr, 0,
+                                        path.c_str(), 1) == SM_STATUS_SUCCESS,
+                "read a key");
+        benchmark::DoNotOptimize(value);
+      },
+      [=] {
+        Wanted wanted = {section.c_str(), key, -1};
+        Require(ini_parse(path.c_str(), TakeWanted, &wanted) == 0 && wanted.value >= 0, "inih");
+        benchmark::DoNotOptimize(wanted.value);
+      });
+  Register(job, "iniparser", [path, name = section + ":" + key] {
+    dictionary* const ini = iniparser_load(path.c_str());
+    Require(iniparser_getint(ini, name.c_str(), -1) >= 0, "iniparser");
+    iniparser_freedict(ini);
+  });
 }
-BENCHMARK(ListSections);
 
-void WriteKey(benchmark::State& state) {
-  u32 value = 0;
-  for (auto _ : state) {
-    ++value;
-    if (PXTWriteINIPathFileValue("section25", "key10", 5, &value, sizeof(value), kIni, 1) !=
-        SM_STATUS_SUCCESS) {
-      abort();
-    }
-  }
+// What any careful writer does: lock, read, write a copy, flush it, rename it, unlock.
+void ReplaceBare() {
+  static const int lock = open("/tmp/bench/lock", O_RDWR | O_CREAT | O_CLOEXEC, 0664);
+  struct flock whole = {};
+  whole.l_type = F_WRLCK;
+  Require(fcntl(lock, F_SETLK, &whole) == 0, "bare lock");
+  const std::string text = Whole(kBare);
+  const int copy = open(kBareCopy, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  Require(write(copy, text.data(), text.size()) == static_cast<ssize_t>(text.size()), "bare write");
+  Require(fchmod(copy, 01664) == 0 && fsync(copy) == 0, "bare flush");
+  close(copy);
+  Require(rename(kBareCopy, kBare) == 0, "bare rename");
+  whole.l_type = F_UNLCK;
+  (void)fcntl(lock, F_SETLK, &whole);
 }
-BENCHMARK(WriteKey);
 
-void ReadPairs(benchmark::State& state) {
-  for (auto _ : state) {
-    u32 count = 0;
-    PXTCFGFreeKeyValueEntries(PXTCFGGetKeyValueEntries(kKeyValue, &count), 1000);
-    if (count != 1000) abort();
-  }
+void CompareReplace() {
+  Compare(
+      "INI of 600 keys, replace a key", "the calls bare",
+      [value = u32{0}]() mutable {
+        ++value;
+        Require(PXTWriteINIPathFileValue("section25", "key10", 5, &value, sizeof(value), kIni, 1) ==
+                    SM_STATUS_SUCCESS,
+                "write a key");
+      },
+      [] { ReplaceBare(); });
 }
-BENCHMARK(ReadPairs);
 
-void WritePair(benchmark::State& state) {
-  std::string key = "key500";
-  std::string value = "another";
-  const PXTKeyValue pair = {key.data(), value.data()};
-  for (auto _ : state) {
-    if (PXTCFGSetKeyValue(kKeyValue, &pair, 0) != SM_STATUS_SUCCESS) abort();
-  }
+void ComparePairs() {
+  Compare(
+      "key=value, all of 20,000 lines", "a plain read",
+      [] {
+        u32 count = 0;
+        PXTCFGFreeKeyValueEntries(PXTCFGGetKeyValueEntries(kPairs, &count), kPairCount);
+        Require(count == kPairCount, "count");
+      },
+      [] { benchmark::DoNotOptimize(Whole(kPairs).data()); });
 }
-BENCHMARK(WritePair);
+
+const bool kRegistered = [] {
+  (void)mkdir("/tmp/bench", 0755);
+  MakeIni(kIni, kSections);
+  MakeIni(kBare, kSections);
+  MakePairs();
+  CompareRead(kSections, "first", "section0", "key0");
+  for (const int sections : {3, kSections, 300}) {
+    CompareRead(sections, "last", "section" + std::to_string(sections - 1), "key19");
+  }
+  CompareReplace();
+  ComparePairs();
+  return true;
+}();
 
 }  // namespace

@@ -1,85 +1,195 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// An answer of 100 elements, and entries added to a log of 100 to 200 KB: one lock, one search for
-// the closing tag, one write each.
-#include <benchmark/benchmark.h>
+// Escaping beside pugixml, an answer beside fmt's compiled formats, log entries beside the bare
+// system calls and beside SQLite, a log's content beside a plain read.
 #include <fcntl.h>
+#include <fmt/compile.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <iterator>
+#include <memory>
+#include <pugixml.hpp>
 #include <string>
+#include <vector>
 
 #include "qvxcs/qvxcs.h"
 
+#include "benchmarks/job.h"
+
 namespace {
 
-constexpr char kLog[] = "/tmp/bench/log.xml";
+constexpr char kFolder[] = "/tmp/bench";
+constexpr u32 kNoMaximum = 0xFFFFFFFF;
 
-// Opens a file, locks it, writes as much as an entry has, and lets it go.
-void Yardstick(benchmark::State& state) {
-  const std::string entry(300, 'x');
-  for (auto _ : state) {
-    const int file = open("/tmp/yardstick", O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    struct flock whole = {};
-    whole.l_type = F_WRLCK;
-    if (file < 0 || fcntl(file, F_SETLK, &whole) != 0) abort();
-    if (pwrite(file, entry.data(), entry.size(), 100000) != 300) abort();
-    close(file);
+struct Collected : pugi::xml_writer {
+  void write(const void* data, size_t size) override {
+    text.append(static_cast<const char*>(data), size);
   }
-}
-BENCHMARK(Yardstick);
+  std::string text;
+};
 
-void Answer(benchmark::State& state) {
-  const u32 number = 4000000000;
-  for (auto _ : state) {
-    void* answer = PXTXAllocBuf(256, 0);
-    PXTXBufCatBeginNode(answer, "Answer", "id=\"7\"");
-    for (int at = 0; at < 50; ++at) {
-      PXTXBufCatNode(answer, "Name", nullptr, 26, "R&D archive of the laboratory");
-      PXTXBufCatNode(answer, "Used", nullptr, 5, &number);
-    }
-    PXTXBufCatEndNode(answer, "Answer");
-    PXTXFreeBufContent(PXTXFreeBufGetContent(answer));
+void CompareEscape(size_t percent) {
+  std::string text(1024, 'x');
+  for (size_t at = 0; percent != 0 && at < text.size(); at += 100 / percent) {
+    text[at] = '&';
   }
+  const auto document = std::make_shared<pugi::xml_document>();
+  document->append_child(pugi::node_pcdata).set_value(text.c_str());
+  Compare(
+      "XML escape, 1 KiB with " + std::to_string(percent) + " % specials", "pugixml",
+      [text] {
+        astring* const escaped = PXTGetXMLUTF8StrFromAStr(text.c_str(), 1);
+        benchmark::DoNotOptimize(escaped);
+        PXTFreeMem(escaped);
+      },
+      [document] {
+        Collected collected;
+        document->first_child().print(collected, "", pugi::format_raw, pugi::encoding_utf8);
+        benchmark::DoNotOptimize(collected.text.data());
+      });
 }
-BENCHMARK(Answer);
 
-void AppendToLog(benchmark::State& state) {
-  PXTForceXMLLogExists(kLog, "bench", "BENCH");
+void CompareAnswer() {
+  constexpr u32 kElements = 1000;
+  Compare(
+      "XML answer of 1,000 typed elements", "fmt, compiled formats",
+      [] {
+        void* const answer = PXTXAllocBuf(256, 0);
+        (void)PXTXBufCatBeginNode(answer, "Answer", nullptr);
+        for (u32 number = 0; number < kElements / 2; ++number) {
+          (void)PXTXBufCatNode(answer, "Number", nullptr, 5, &number);
+          (void)PXTXBufCatNode(answer, "Name", "id=\"7\"", 1, "archive of the laboratory");
+        }
+        (void)PXTXBufCatEndNode(answer, "Answer");
+        PXTXFreeBufContent(PXTXFreeBufGetContent(answer));
+      },
+      [] {
+        std::string answer = "<Answer>";
+        for (u32 number = 0; number < kElements / 2; ++number) {
+          fmt::format_to(std::back_inserter(answer), FMT_COMPILE("<{}>{}</{}>\n"), "Number", number,
+                         "Number");
+          fmt::format_to(std::back_inserter(answer), FMT_COMPILE("<{} {}>{}</{}>\n"), "Name",
+                         "id=\"7\"", "archive of the laboratory", "Name");
+        }
+        answer += "</Answer>";
+        benchmark::DoNotOptimize(answer.data());
+      });
+}
+
+std::string LogOf(size_t bytes) {
+  const std::string path = std::string(kFolder) + "/log" + std::to_string(bytes) + ".xml";
+  Require(PXTForceXMLLogExists(path.c_str(), "bench", "BENCH") == SM_STATUS_SUCCESS, "make a log");
   const std::string filler(14000, 'x');
-  for (int at = 0; at < 7; ++at) {
-    PXTAppendToXMLLog(kLog, 4, 1, "bench", "BENCH", filler.c_str(), nullptr, 0, 0xFFFFFFFF);
+  for (size_t size = 0; size + 14300 < bytes; size += 14300) {
+    Require(PXTAppendToXMLLog(path.c_str(), 4, 1, "bench", "BENCH", filler.c_str(), nullptr, 0,
+                              kNoMaximum) == SM_STATUS_SUCCESS,
+            "fill a log");
   }
-  for (auto _ : state) {
-    if (PXTAppendToXMLLog(kLog, 4, 1, "bench", "BENCH", "an entry like many", nullptr, 0, 200000) !=
-        SM_STATUS_SUCCESS) {
-      abort();
-    }
-  }
+  return path;
 }
-BENCHMARK(AppendToLog);
 
-void AppendDataToLog(benchmark::State& state) {
-  const std::string data(4096, 'd');
-  for (auto _ : state) {
-    if (PXTAppendToXMLLog(kLog, 4, 1, "bench", "BENCH", "data", data.data(),
-                          static_cast<u32>(data.size()), 200000) != SM_STATUS_SUCCESS) {
-      abort();
-    }
-  }
+// The calls that any append must make: open, lock, find the end, write, unlock.
+void AppendBare(const std::string& path, const std::string& entry) {
+  static const int lock = open("/tmp/bench/lock", O_RDWR | O_CREAT | O_CLOEXEC, 0664);
+  struct flock whole = {};
+  whole.l_type = F_WRLCK;
+  Require(fcntl(lock, F_SETLK, &whole) == 0, "bare lock");
+  const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+  struct stat status = {};
+  Require(file >= 0 && fstat(file, &status) == 0, "bare open");
+  char tail[64];
+  Require(pread(file, tail, sizeof(tail), status.st_size - 64) == sizeof(tail), "bare read");
+  Require(pwrite(file, entry.data(), entry.size(), status.st_size) ==
+              static_cast<ssize_t>(entry.size()),
+          "bare write");
+  close(file);
+  whole.l_type = F_UNLCK;
+  (void)fcntl(lock, F_SETLK, &whole);
 }
-BENCHMARK(AppendDataToLog);
 
-void ShowLog(benchmark::State& state) {
-  PXTClearXMLLog(kLog, "bench", "BENCH");
-  for (int at = 0; at < 300; ++at) {
-    PXTAppendToXMLLog(kLog, 4, 1, "bench", "BENCH", "an entry like many", nullptr, 0, 0xFFFFFFFF);
+class Database {
+ public:
+  explicit Database(const char* path) {
+    Require(sqlite3_open(path, &database_) == SQLITE_OK, "open a database");
+    Run("PRAGMA journal_mode=WAL");
+    Run("PRAGMA synchronous=NORMAL");
+    Run("CREATE TABLE IF NOT EXISTS log (time, user, source, description)");
+    (void)sqlite3_prepare_v2(database_, "INSERT INTO log VALUES (datetime(), ?, ?, ?)", -1,
+                             &insert_, nullptr);
   }
-  for (auto _ : state) {
-    PXTFreeMem(PXTCmdGetXMLLogContent(kLog));
+  ~Database() {
+    (void)sqlite3_finalize(insert_);
+    (void)sqlite3_close(database_);
   }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  void Append(const std::string& text) {
+    (void)sqlite3_bind_text(insert_, 1, "bench", -1, SQLITE_STATIC);
+    (void)sqlite3_bind_text(insert_, 2, "BENCH", -1, SQLITE_STATIC);
+    (void)sqlite3_bind_text(insert_, 3, text.c_str(), -1, SQLITE_STATIC);
+    Require(sqlite3_step(insert_) == SQLITE_DONE, "insert");
+    (void)sqlite3_reset(insert_);
+  }
+
+ private:
+  void Run(const char* statement) {
+    Require(sqlite3_exec(database_, statement, nullptr, nullptr, nullptr) == SQLITE_OK, statement);
+  }
+  sqlite3* database_ = nullptr;
+  sqlite3_stmt* insert_ = nullptr;
+};
+
+void CompareAppend(size_t bytes, const char* size) {
+  const std::string path = LogOf(bytes);
+  const std::string bare = path + ".bare";
+  const std::string text(180, 't');
+  const int file = open(bare.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0664);
+  Require(ftruncate(file, static_cast<off_t>(bytes)) == 0, "make a bare log");
+  close(file);
+  const std::string job = std::string("log append of 400 bytes to ") + size;
+  Compare(
+      job, "the calls bare",
+      [=] {
+        Require(PXTAppendToXMLLog(path.c_str(), 4, 1, "bench", "BENCH", text.c_str(), nullptr, 0,
+                                  kNoMaximum) == SM_STATUS_SUCCESS,
+                "append");
+      },
+      [=, entry = std::string(400, 'e')] { AppendBare(bare, entry); });
+  const auto database = std::make_shared<Database>((path + ".sqlite").c_str());
+  Register(job, "SQLite WAL kept open", [=] { database->Append(text); });
 }
-BENCHMARK(ShowLog);
+
+void CompareContent() {
+  const std::string path = LogOf(size_t{100} << 20);
+  Compare(
+      "a log's content, 100 MiB", "a plain read",
+      [path] { PXTFreeMem(PXTCmdGetXMLLogContent(path.c_str())); },
+      [path] {
+        const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        struct stat status = {};
+        Require(file >= 0 && fstat(file, &status) == 0, "open the log");
+        std::vector<char> text(static_cast<size_t>(status.st_size));
+        Require(read(file, text.data(), text.size()) == status.st_size, "read the log");
+        close(file);
+        benchmark::DoNotOptimize(text.data());
+      });
+}
+
+const bool kRegistered = [] {
+  (void)mkdir(kFolder, 0755);
+  for (const size_t percent : {size_t{0}, size_t{1}, size_t{10}}) {
+    CompareEscape(percent);
+  }
+  CompareAnswer();
+  CompareAppend(size_t{1} << 10, "1 KiB");
+  CompareAppend(size_t{1} << 20, "1 MiB");
+  CompareAppend(size_t{1} << 28, "256 MiB");
+  CompareContent();
+  return true;
+}();
 
 }  // namespace
