@@ -18,12 +18,12 @@
 
 enum { kFirstRoom = 64 };
 
-/* A value of any length, in memory of the caller; NULL, and the status tells why. */
+/* A value of any length, which the caller frees; NULL on failure, and the status says why. */
 static astring* Get(const char* path, const char* section, const char* key, u32* status) {
   astring* value = NULL;
   u32 size = kFirstRoom;
   *status = SM_STATUS_BUFFER_TOO_SMALL;
-  while (*status == SM_STATUS_BUFFER_TOO_SMALL) { /* the size is then the size needed */
+  while (*status == SM_STATUS_BUFFER_TOO_SMALL) { /* the size is now the size needed */
     astring* const room = PXTReAllocMem(value, size);
     if (room == NULL) {
       *status = SM_STATUS_NO_MEMORY;
@@ -41,7 +41,7 @@ static astring* Get(const char* path, const char* section, const char* key, u32*
 }
 
 static u32 Set(const char* path, const char* section, const char* key, const char* value) {
-  /* Texts are written as they are: what would be read as something else is not written. */
+  /* Text is written unchanged. A text that would be read back as something else is not written. */
   if (strpbrk(section, "]\n") != NULL || strpbrk(key, "=\n") != NULL || *key == '\0' ||
       strchr("[#; \t", *key) != NULL || strchr(value, '\n') != NULL || strlen(value) > 8192) {
     return SM_STATUS_INVALID_PARAMETER;
@@ -52,7 +52,7 @@ static u32 Set(const char* path, const char* section, const char* key, const cha
 
 static u32 Delete(const char* path, const char* section, const char* key) {
   u32 status = SM_STATUS_SUCCESS;
-  PXTFreeMem(Get(path, section, key, &status)); /* deleting a key that is not there succeeds */
+  PXTFreeMem(Get(path, section, key, &status)); /* deleting a missing key succeeds */
   if (status != SM_STATUS_SUCCESS) return status;
   return PXTWriteINIPathFileValue(section, key, QVX_INI_ASTRING, NULL, 0, path, QVX_LOCK_WAIT);
 }

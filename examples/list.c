@@ -4,8 +4,8 @@
 /*
  * list NAME ...
  *
- * Gives each name an identifier and prints them sorted by name; a name that is there already is
- * refused. The exit status is 0, or 1 when a name was refused, or 2 when something failed.
+ * Assigns each name an identifier and prints them sorted by name; a name that is already in the
+ * list is refused. The exit status is 0, or 1 when a name was refused, or 2 when something failed.
  */
 #include <stdio.h>
 #include <string.h>
@@ -14,7 +14,7 @@
 
 #include "failure.h"
 
-enum { kMostIds = 31, kTableWords = 1 }; /* 32 bits, of which identifier 0 takes one */
+enum { kMostIds = 31, kTableWords = 1 }; /* 32 bits, one of them for identifier 0 */
 
 /* What an entry of the list carries. */
 typedef struct Item {
@@ -40,7 +40,7 @@ static int Add(PXTDLList* list, u32* table, u32 size, const char* name) {
   PXTDLListEntry* const entry = item.id != 0 ? PXTDLListEntryAlloc(sizeof(item)) : NULL;
   if (entry == NULL) {
     fprintf(stderr, "list: %s: no identifier is free, or no memory\n", name);
-    (void)PXTReleaseHashID(table, size, item.id); /* 0 is not in use, and stays so */
+    (void)PXTReleaseHashID(table, size, item.id); /* identifier 0 is never in use */
     return 2;
   }
   memcpy(entry->data, &item, sizeof(item));
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
   }
   printf("%u names, the highest identifier is %u\n", (unsigned)list->count,
          (unsigned)PXTGetMaxInUseID(table, sizeof(table)));
-  /* The list does not free entries: it is emptied before its header goes. */
+  /* The list does not free entries: empty it before freeing its header. */
   for (PXTDLListEntry* entry = PXTDLListRemoveEntryAtHead(list); entry != NULL;
        entry = PXTDLListRemoveEntryAtHead(list)) {
     const Item* const item = entry->data;

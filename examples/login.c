@@ -5,9 +5,9 @@
  * login USER
  *
  * Checks a login and prints in words what the user may do. The password is one line on standard
- * input. The PAM service "qvauth" says whether it is right (see pam/), the role map which rights
- * the user has. The exit status is 0 when the login was granted, 1 when it was refused, 2 when it
- * could not be checked.
+ * input. The PAM service "qvauth" decides whether it is right (see pam/); the role map defines
+ * which rights the user has. The exit status is 0 when the login was granted, 1 when it was
+ * refused, 2 when it could not be checked.
  */
 #include <locale.h>
 #include <stdio.h>
@@ -28,7 +28,7 @@ static const char* LevelInWords(u32 rights) {
   }
 }
 
-/* Volatile, so that no compiler leaves out a write to memory that is not read again. */
+/* Volatile, so that no compiler omits a write to memory that is never read again. */
 static void Wipe(void* memory, size_t size) {
   volatile unsigned char* const bytes = memory;
   for (size_t at = 0; at < size; ++at) {
@@ -36,9 +36,9 @@ static void Wipe(void* memory, size_t size) {
   }
 }
 
-/* One line without its end; 0 when there is none or it is longer than the room. */
+/* One line without its line end; 0 when there is none or it does not fit the buffer. */
 static int ReadLine(char* room, int size) {
-  setvbuf(stdin, NULL, _IONBF, 0); /* a buffer of the stream would keep a copy */
+  setvbuf(stdin, NULL, _IONBF, 0); /* a stream buffer would keep a copy */
   if (fgets(room, size, stdin) == NULL) return 0;
   const size_t length = strcspn(room, "\n");
   const int whole = room[length] == '\n' || feof(stdin);
@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: login USER\n");
     return 2;
   }
-  setlocale(LC_CTYPE, ""); /* the role map is asked of names that the locale has */
+  setlocale(LC_CTYPE, ""); /* the role map is queried only for names in the locale */
   char password[256];
   const int read = ReadLine(password, sizeof(password));
   ustring* const user = PXTNVSAstrToUstr(argv[1], NULL);
@@ -59,7 +59,7 @@ int main(int argc, char** argv) {
   Wipe(password, sizeof(password));
   const int usable = user != NULL && secret != NULL;
 
-  /* Logins are answered from the role map only once the file was opened and read by a question. */
+  /* Logins use the role map only after a query has opened and read the file. */
   (void)PXTOpenRolemapFile();
   (void)PXTGetRightsUsingRolemap();
   const u32 rights = PXTAuthenticateUser(NULL, user, secret); /* wipes `secret` in any case */

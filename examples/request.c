@@ -37,11 +37,11 @@ static void PrintRights(const char* whose, u32 rights) {
 
 /* A new 16-bit copy of UTF-8 text, or NULL and the reason; PXTFreeMem frees it. */
 static ustring* Widen(const char* text, u32* status) {
-  u32 size = 0; /* asked for in bytes, */
+  u32 size = 0; /* the query reports bytes, */
   *status = PXTUTF8StrToUCS2Str(NULL, &size, text);
   if (*status != SM_STATUS_SUCCESS) return NULL;
   ustring* wide = PXTAllocMem(size);
-  u32 room = size / (u32)sizeof(ustring) - 1u; /* given in units, less the terminator */
+  u32 room = size / (u32)sizeof(ustring) - 1u; /* the call expects units, less the terminator */
   *status = wide == NULL ? SM_STATUS_NO_MEMORY : PXTUTF8StrToUCS2Str(wide, &room, text);
   if (*status != SM_STATUS_SUCCESS) {
     PXTFreeMem(wide);
@@ -56,14 +56,14 @@ static void Wipe(char* text) {
   }
 }
 
-/* The library wipes its own copies and the one it is handed; the caller wipes what it read. */
+/* The library wipes its own copies and the buffer passed to it; the caller wipes what it read. */
 static u32 Authenticate(const char* login, char* password, u32* rights) {
   u32 status = SM_STATUS_SUCCESS;
   u32 passwordStatus = SM_STATUS_SUCCESS;
   ustring* const user = Widen(login, &status);
   ustring* const secret = Widen(password, &passwordStatus);
   Wipe(password);
-  *rights = PXTAuthenticateUser(NULL, user, secret); /* wipes `secret` without a user, too */
+  *rights = PXTAuthenticateUser(NULL, user, secret); /* wipes `secret` even without a user */
   PXTFreeMem(user);
   PXTFreeMem(secret);
   return status != SM_STATUS_SUCCESS ? status : passwordStatus;
@@ -110,14 +110,14 @@ static int PrintLog(void) {
   astring* const content = PXTCmdGetXMLLogContent(path);
   PXTFreeMem(path);
   if (content == NULL) return 2;
-  /* The log opens with an instruction of its own; the two elements get one root. */
+  /* The log begins with its own XML instruction; both elements go under one root. */
   printf("<Log>%s</Log>\n", content);
   PXTXFreeBufContent(content);
   return 0;
 }
 
 static char* ReadPassword(char* room, int size) {
-  setvbuf(stdin, NULL, _IONBF, 0); /* a buffer of the stream would keep a copy */
+  setvbuf(stdin, NULL, _IONBF, 0); /* a stream buffer would keep a copy */
   if (fgets(room, size, stdin) == NULL) return NULL;
   room[strcspn(room, "\n")] = '\0';
   return room;

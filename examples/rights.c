@@ -5,7 +5,8 @@
  * rights        prints who this process is and what it may do
  * rights USER   prints what a local user may do, without asking for a password
  *
- * The exit status is 0 when something is granted, 1 when nothing is, 2 when that could not be told.
+ * The exit status is 0 when something is granted, 1 when nothing is, 2 when that could not be
+ * determined.
  */
 #include <locale.h>
 #include <stdio.h>
@@ -62,7 +63,7 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: rights [USER]\n");
     return 2;
   }
-  setlocale(LC_CTYPE, ""); /* the role map is asked of names that the locale has */
+  setlocale(LC_CTYPE, ""); /* the role map is queried only for names in the locale */
   (void)PXTOpenRolemapFile();
   const u32 byRoleMap = PXTGetRightsUsingRolemap(); /* reads the file, also for OfUser() */
   return argc == 2 ? OfUser(argv[1]) : OfThisProcess(byRoleMap);

@@ -4,13 +4,13 @@
 /*
  * rolemap
  *
- * Checks the role map for its administrator: opens it, asks it a question, and shows the line and
- * the reason of its fault. The exit status is 0 without a fault, 1 with one, 2 when the file could
- * not be checked.
+ * Checks the role map for its administrator: opens it, queries it, and shows the line and the
+ * reason of its fault. The exit status is 0 without a fault, 1 with one, 2 when the file could not
+ * be checked.
  *
  * This shows how a program learns of a fault. An administrator runs "qvxctl rolemap check", which
- * also finds what the library accepts in silence: a byte above 0x7F, after which no line counts, a
- * last line without its newline, a user or a group that does not exist.
+ * also finds what the library accepts silently: a byte above 0x7F, after which no line counts; a
+ * last line without a newline; a user or a group that does not exist.
  */
 #include <stdio.h>
 #include <stdlib.h>
@@ -24,7 +24,7 @@ enum { kCheckBegins = 5101 };
 
 #define SOURCE "ROLEMAP"
 
-/* The identifiers under which the command log keeps faults of the role map. */
+/* The command log's identifiers for faults of the role map. */
 static const struct {
   u32 id;
   const char* reason;
@@ -37,7 +37,7 @@ static const struct {
     {QVX_ROLEMAP_CONFLICT, "a user is given the same host a second time"},
 };
 
-/* The part of the log after the last entry of this program; all of a log that was begun anew. */
+/* The part of the log after this program's last entry; the whole log if it was restarted. */
 static const char* BehindOurEntry(const char* log) {
   static const char kOurs[] = "<Source>" SOURCE "</Source>";
   for (const char* at = strstr(log, kOurs); at != NULL; at = strstr(log, kOurs)) {
@@ -46,7 +46,7 @@ static const char* BehindOurEntry(const char* log) {
   return log;
 }
 
-/* The first fault is the reason; the question after a failed opening may add one without a line. */
+/* The first fault is the reason; the query after a failed open may add one without a line. */
 static int ShowFirstFault(const char* entries) {
   const char* first = NULL;
   const char* reason = NULL;

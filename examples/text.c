@@ -4,9 +4,9 @@
 /*
  * text TEXT
  *
- * Prints UTF-8 text as 16-bit units, as those come back, with backslash escapes and made safe for
- * XML. The exit status is 0, or 1 when the text does not come back as it was, or 2 when it could
- * not be converted.
+ * Prints UTF-8 text as 16-bit units, converted back from those, with backslash escapes and escaped
+ * for XML. The exit status is 0, or 1 when the round trip changes the text, or 2 when it could not
+ * be converted.
  */
 #include <stdio.h>
 #include <string.h>
@@ -15,14 +15,14 @@
 
 #include "failure.h"
 
-/* Each of these asks for the size, makes room, converts; the result is the caller's, or NULL. */
+/* Each of these queries the size, allocates and converts; the caller frees the result, or NULL. */
 
 static ustring* Widen(const char* text, u32* status) {
   u32 size = 0;
   *status = PXTUTF8StrToUCS2Str(NULL, &size, text);
   if (*status != SM_STATUS_SUCCESS) return NULL;
-  ustring* wide = PXTAllocMem(size);           /* asked for in bytes, */
-  u32 room = size / (u32)sizeof(ustring) - 1u; /* given in units, less the terminator */
+  ustring* wide = PXTAllocMem(size);           /* the query reports bytes, */
+  u32 room = size / (u32)sizeof(ustring) - 1u; /* the call expects units, less the terminator */
   *status = wide == NULL ? SM_STATUS_NO_MEMORY : PXTUTF8StrToUCS2Str(wide, &room, text);
   if (*status != SM_STATUS_SUCCESS) {
     PXTFreeMem(wide);
@@ -46,7 +46,7 @@ static astring* Narrow(const ustring* wide, u32* status) {
 }
 
 static astring* Escape(const ustring* wide, u32* status) {
-  u32 size = 0; /* here the size counts the terminator, and asking for it is a refusal */
+  u32 size = 0; /* here the size includes the terminator, and a size query is refused */
   *status = PXTUnicodeToEscape(NULL, &size, wide);
   if (*status != SM_STATUS_BUFFER_TOO_SMALL) return NULL;
   astring* text = PXTAllocMem(size);

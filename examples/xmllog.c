@@ -41,7 +41,7 @@ static int Show(const char* path) {
   }
   const int whole = strstr(answer, "<Content>") == answer;
   if (whole) {
-    printf("<Log>%s</Log>\n", answer); /* one root for the log and its status */
+    printf("<Log>%s</Log>\n", answer); /* one root element for the log and its status */
   } else {
     fprintf(stderr, "xmllog: the log cannot be read\n");
   }
@@ -50,7 +50,7 @@ static int Show(const char* path) {
 }
 
 static u32 PrintBackupName(const char* path) {
-  astring name[QVX_LOG_NAME_ROOM]; /* always this much room, whatever the name's length */
+  astring name[QVX_LOG_NAME_ROOM]; /* always this large, whatever the name's length */
   u32 size = 0;
   const u32 status = PXTGetBackupXMLLogPathFileName(path, name, &size);
   if (status == SM_STATUS_SUCCESS) {
@@ -60,7 +60,7 @@ static u32 PrintBackupName(const char* path) {
 }
 
 int main(int argc, char** argv) {
-  astring* const user = PXTGetProcessUser(); /* without a name the entry's user is empty */
+  astring* const user = PXTGetProcessUser(); /* if NULL, the entry's user is empty */
   u32 status = SM_STATUS_SUCCESS;
   int result = 0;
   errno = 0;

@@ -24,13 +24,13 @@ inline void Require(bool holds, const char* claim) {
   }
 }
 
-// An input: lines of arguments, then what is left, so that a corpus file can be read and written in
-// an editor.
+// An input: lines of arguments, then the rest, so that a corpus file can be read and written in an
+// editor.
 class Input {
  public:
   Input(const u8* data, size_t size) : text_(reinterpret_cast<const char*>(data), size) {}
 
-  // The next line without its newline; all that is left when there is none.
+  // The next line without its newline; the whole rest when there is none.
   std::string Line() {
     const size_t end = text_.find('\n', at_);
     const size_t stop = end == std::string::npos ? text_.size() : end;
@@ -58,7 +58,7 @@ class Input {
   size_t at_ = 0;
 };
 
-// A heap block of just so many elements, so that a sanitizer sees every access beside it.
+// A heap block of exactly this many elements, so that a sanitizer sees every access outside it.
 template <typename T>
 class Block {
  public:
@@ -88,7 +88,7 @@ class Block {
   std::unique_ptr<T[]> room_;
 };
 
-// A text argument in a block of its own, its terminator the last element.
+// A text argument in its own block; its terminator is the last element.
 class Text {
  public:
   explicit Text(const std::string& text) : block_(text.size() + 1) {

@@ -31,7 +31,7 @@ std::optional<std::string> Given(const std::string& line) {
   return line;
 }
 
-// Lists may end one byte behind the size that is told.
+// Lists may end one byte past the reported size.
 u32 BytesOfRoom(const IniQuestion& question) {
   const bool isList = question.type == 1 && (!question.section || !question.key);
   return question.size + (isList ? 1 : 0);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Input: type, size (empty for the one that fits), section, key and value, one a line, then the
+// Input: type, size (empty for the matching one), section, key and value, one a line, then the
 // file. "(null)" stands for a value that is not given, the file "(missing)" for none.
 #include <unistd.h>
 
@@ -38,7 +38,7 @@ constexpr mode_t kWrittenMode = 01664;
 
 bool IsText(const IniChange& change) { return change.type == 1; }
 
-// A value has as many bytes as its size says; what a caller may not do is not tried.
+// A value has as many bytes as its size says; calls that a caller may not make are not tried.
 void GiveItsSize(IniChange& change, const std::string& sizeLine) {
   if (change.value && !IsText(change) && change.value->size() < kWidestNumber && change.type >= 4) {
     change.value->resize(kWidestNumber);

@@ -19,7 +19,7 @@ constexpr u32 kDefaultBase = 100000;
 constexpr char kSpace[] = " \t\n\v\f\r";
 constexpr char kDigits[] = "0123456789";
 constexpr char kName[] = "ipcnamebase=";
-// The decimal digits that 64 bits hold for sure; of a longer number any value may come.
+// The number of decimal digits that always fit 64 bits; a longer number may yield any value.
 constexpr size_t kSureDigits = 18;
 
 // Where text that is no white space begins.
@@ -33,7 +33,7 @@ struct Base {
   bool sure;
 };
 
-// False when the line says nothing of the base.
+// False when the line does not set the base.
 bool BaseIn(const std::string& line, Base* base) {
   const std::string text = WithoutSpace(line.substr(0, line.find('\0')));
   if (!text.starts_with(kName)) return false;
@@ -50,7 +50,7 @@ bool BaseIn(const std::string& line, Base* base) {
   return true;
 }
 
-// The base that the first line of its form tells.
+// The base that the first line of that form sets.
 Base BaseOf(const std::string& file) {
   Base base = {kDefaultBase, true};
   for (size_t at = 0; at < file.size();) {

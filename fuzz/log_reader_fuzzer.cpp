@@ -28,7 +28,7 @@ class TextSource : public LogReader::Source {
   std::string text;
 };
 
-// Reads on to the end that there is now.
+// Reads on to the current end.
 void ReadOn(TextSource* source, LogReader* reader, std::vector<std::string>* entries) {
   for (;;) {
     const u64 before = reader->End();

@@ -24,7 +24,8 @@ using qvx::test::ModelNumber;
 
 constexpr u32 kMostRoom = 1500;
 constexpr u32 kMostPrecision = 300;
-// Beyond it the model knows the status, and not what a number beyond 64 bits is cut to.
+// For longer texts the model knows the status, but not the value to which a number above 64 bits is
+// cut.
 constexpr size_t kModelDigits = 15;
 
 Block<ustring> Widened(const std::string& text) {
@@ -104,7 +105,7 @@ void CheckOthers(astring* given, const std::string& text) {
   Require(Same(PXTASCIIToDouble(given), strtod(given, nullptr)), "a double is the C library's");
 }
 
-// 16-bit text of ASCII reads as the 8-bit text does; the C locale holds no other.
+// 16-bit ASCII text reads as the 8-bit text does; the C locale has no other characters.
 void CheckWideReads(astring* given, const std::string& text) {
   Block<ustring> units = Widened(text);
   const bool ascii = IsAscii(text);
@@ -176,7 +177,7 @@ void CheckWideWrites(u64 bits, d64 value, u32 base, u32 room, u32 precision) {
   CheckStored(result, fewRoom, few, size, shortText);
 }
 
-// Nothing for a time that has none, or a year of six digits.
+// Nothing for a time without a text, or with a six-digit year.
 std::string TimeText(time_t time) {
   struct tm local = {};
   if (localtime_r(&time, &local) == nullptr) return "";

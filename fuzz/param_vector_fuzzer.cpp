@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Input: the case flag and the name sought, one a line, then one entry a line; the entry "(null)"
-// is none.
+// Input: the case flag and the name to find, one per line, then one entry per line; "(null)" stands
+// for a null entry.
 #include <deque>
 #include <optional>
 #include <string>
@@ -25,7 +25,7 @@ using qvx::test::ModelEntry;
 constexpr s32 kMostEntries = 50;
 constexpr char kNoEntry[] = "(null)";
 
-// Owns the entries' texts, each in a block of its own, and knows what the model makes of them.
+// Owns the entries' texts, each in its own block, and knows the model's view of them.
 template <typename Unit>
 class Vector {
  public:

@@ -3,7 +3,7 @@
 
 // replay FOLDER
 //
-// Hands every file of a corpus to the fuzzer that it is linked with. Needs no fuzzing compiler.
+// Passes every file of a corpus to the fuzzer that it is linked with. Needs no fuzzing compiler.
 #include <dirent.h>
 
 #include <cstdio>
@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
   const std::string folder = argv[1];
   const std::set<std::string> names = FilesIn(folder);
   for (const std::string& name : names) {
-    // Said first, so that a crash is told by the last line.
+    // Printed first, so that after a crash the last line names the input.
     fprintf(stderr, "%s\n", name.c_str());
     const std::string input = qvx::test::ReadFile(folder + "/" + name);
     (void)LLVMFuzzerTestOneInput(reinterpret_cast<const u8*>(input.data()), input.size());

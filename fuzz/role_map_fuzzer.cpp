@@ -41,7 +41,7 @@ constexpr int kMostGroups = 64;
 // 7-bit text both ways.
 std::wstring Wide(const std::string& text) { return std::wstring(text.begin(), text.end()); }
 
-// Each file has a modification time of its own, else it would not be read.
+// Each file needs its own modification time, or it would not be read.
 void WriteRoleMap(const std::string& file) {
   static time_t modified = 1000000000;
   ++modified;
@@ -71,7 +71,8 @@ bool IsFault(const QVXRoleMapFileReaderException& thrown, const ModelRoleFault& 
          thrown.MapErrorCodeToCmdId() == qvx::test::ModelRoleFaultId(expected.code);
 }
 
-// A fault ends the reader's work in this process, so faulty files are read line by line here.
+// After a fault the reader reads no more in this process, so faulty files are read line by line
+// here.
 void CheckLines(const ModelRoleReading& expected) {
   qvx::RoleMapStream stream;
   stream.Open(qvx::kRoleMapPath);
@@ -113,7 +114,7 @@ std::vector<std::string> GroupsOf(const std::string& user) {
 void CheckAnswer(const std::vector<ModelRoleRecord>& records, const ModelQuestion& question) {
   QVXRole query{Wide(question.user), Wide(question.host), 0};
   QVXRoleMapAlgorithm::GetInstance().GetUserPrivileges(query);
-  // The sandbox's domain; its interfaces are down.
+  // The sandbox's domain. Its interfaces are down.
   const u32 expected = qvx::test::ModelRights(records, {{}, true, "example"}, question);
   Require(query.privileges == expected, "the rights are the model's");
 }

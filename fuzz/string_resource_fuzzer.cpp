@@ -33,8 +33,9 @@ Units UnitsOf(const std::string& bytes) {
 
 Units Widened(const char* text) { return Units(text, text + strlen(text)); }
 
-// The next line, up to its CR LF or 1,024 units; without a line end, or where that is the very last
-// of them, it loses its last unit, with which the next begins. Empty when fewer than two are left.
+// The next line, up to its CR LF or 1,024 units; without a line end, or where the line end is the
+// very last of those units, it loses its last unit, and the next line begins with that unit. Empty
+// when fewer than two are left.
 Units NextLine(const Units& file, size_t* at) {
   const Units piece = file.substr(*at, kLineUnits);
   if (piece.size() < 2) return Units();
@@ -45,7 +46,7 @@ Units NextLine(const Units& file, size_t* at) {
   return line;
 }
 
-// The text behind the last "=" of the first line that holds the key.
+// The text after the last "=" of the first line that contains the key.
 std::optional<Units> TextIn(const Units& file, u32 language, u32 identifier) {
   char key[32];
   (void)snprintf(key, sizeof(key), "%X:%X=", language, identifier);

@@ -38,7 +38,7 @@ std::vector<u32> ElementsOf(const std::string& bytes) {
   return elements;
 }
 
-// A terminated text argument in a block of its own.
+// A terminated text argument in its own block.
 template <typename T>
 Block<T> TextOf(const std::vector<u32>& elements) {
   Block<T> text(elements.size() + 1);

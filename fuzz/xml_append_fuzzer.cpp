@@ -83,7 +83,7 @@ bool CameOutAs(const ModelLogFiles& files, u32 expectedStatus, u32 status) {
   return status == expectedStatus && IsAsIn(files, kPath) && IsAsIn(files, kBackupPath);
 }
 
-// A second may pass during a call: one of the times must do.
+// The clock may advance a second during a call: one of the two times must match.
 ModelLogFiles CheckAppend(const std::optional<std::string>& log, const ModelLogEntry& entry,
                           u32 maxSize) {
   const time_t before = time(nullptr);

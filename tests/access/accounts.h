@@ -33,7 +33,7 @@ inline void AppendTo(const std::string& path, const std::string& text) {
   WriteFile(path, ReadFile(path) + text);
 }
 
-// Nobody but root, whose group is root.
+// Only root, whose group is root.
 inline void OnlyRoot() {
   WriteFile("/etc/nsswitch.conf", "passwd: files\ngroup: files\nshadow: files\nhosts: files\n");
   WriteFile("/etc/passwd", "root:x:0:0:root:/root:/bin/sh\n");
@@ -42,7 +42,7 @@ inline void OnlyRoot() {
   chmod("/etc/shadow", 0640);
 }
 
-// `aging` is what follows the password in the shadow file.
+// `aging` is the text after the password in the shadow file.
 inline void AddUser(const std::string& name, u32 user, u32 group, const std::string& hash = "*",
                     const std::string& aging = "19000:0:99999:7:::") {
   const std::string ids = std::to_string(user) + ":" + std::to_string(group);
@@ -78,7 +78,7 @@ inline void SetTime(const std::string& path, time_t time) {
   }
 }
 
-// Its modification time is that of no other role map of the same test, where `time` differs.
+// Its modification time is unique among the role maps of a test, as long as `time` differs.
 inline void WriteRoleMap(const std::string& text, mode_t mode = 0640, time_t time = 1000000) {
   WriteFile(kRoleMap, text);
   if (chmod(kRoleMap, mode) != 0) {

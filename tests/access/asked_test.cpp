@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// What a login asks the system for: only what can still change its answer.
+// What a login queries from the system: only what can still change its result.
 #include <dlfcn.h>
 #include <grp.h>
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ Call* TheSystems(const char* name) {
 
 }  // namespace
 
-// Each stands before the C library's and counts.
+// Each replaces the C library's function and counts its calls.
 extern "C" {
 int getpwnam_r(const char* name, passwd* entry, char* room, size_t size, passwd** found) {
   ++asked.accounts;
@@ -71,7 +71,7 @@ namespace {
 
 u32 RightsOf(std::string login) { return get_user_rights(login.data()); }
 
-// What the login of the user asks for, with these lines in force; it must have these rights.
+// What the user's login queries, with these lines in force; it must return these rights.
 Asked AskedFor(const std::string& user, u32 rights) {
   asked = {};
   EXPECT_EQ(RightsOf(user), rights) << user;
@@ -158,7 +158,7 @@ TEST_F(AskedOfTheSystem, TheDomainOnlyWhereAnEntryIsOne) {
   EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1, .domains = 1}));
 }
 
-// A user of so many groups is sought in the few that the map names, and found at once.
+// A user with this many groups is looked up only in the few that the map names, and found at once.
 TEST_F(AskedOfTheSystem, OfHundredsOfGroupsOnlyTheOneThatTheMapNames) {
   for (u32 at = 0; at < 120; ++at)
     test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
@@ -177,7 +177,7 @@ TEST_F(AskedOfTheSystem, OfHundredsOfGroupsASecondGroupOfTheNameIsFoundToo) {
   EXPECT_EQ(AskedFor("alice", 0x3).groupsByName, 1);
 }
 
-// A group has two names: the system gives the first, so the second grants nothing.
+// A group has two names: the system returns the first, so the second grants nothing.
 TEST_F(AskedOfTheSystem, OfHundredsOfGroupsASecondNameOfAGroupIsNone) {
   for (u32 at = 0; at < 60; ++at)
     test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
@@ -197,7 +197,7 @@ u32 StopsOf(u32 logins) {
   return stops;
 }
 
-// A process stops before and after each system call.
+// A traced process stops before and after each system call.
 u32 CallsOfALogin() { return (StopsOf(4) - StopsOf(3)) / 2; }
 
 TEST_F(AskedOfTheSystem, ALoginOfRootTakesAtMostTwelveSystemCalls) {

@@ -29,7 +29,7 @@ Units Text(const std::u16string& text) {
   return units;
 }
 
-// A null text stands for a null pointer.
+// A null text means a null pointer.
 u32 LogIn(const char16_t* domain, const char16_t* user, const char16_t* password) {
   const Units domainName = Text(domain == nullptr ? u"" : domain);
   const Units name = Text(user == nullptr ? u"" : user);
@@ -196,7 +196,7 @@ TEST_F(Authenticate, AuthorizingWithoutMemoryGrantsNoMore) {
   const u32 met = test::FailEachAllocation(
       [&name] { return PXTAuthorizeUser(nullptr, name.data()); },
       [](u32 rights) { EXPECT_TRUE(rights == 0 || rights == 0x1) << rights; });
-  // The name, the reader of the role map and the text that is sought in it.
+  // The name, the role map reader, and the text that it searches for.
   EXPECT_GE(met, 3u);
   EXPECT_EQ(Authorize(nullptr, u"alice"), 0x1u);
 }
@@ -230,7 +230,7 @@ class AuthenticateMemory : public Authenticate {
  protected:
   void SetUp() override {
     Authenticate::SetUp();
-    // A child makes the hash, so that this process has never seen the password.
+    // A child computes the hash, so that this process has never seen the password.
     ASSERT_EQ(test::InChild([] {
                 char password[test::kSecretLength + 1];
                 PutSecret(password);
@@ -246,7 +246,7 @@ class AuthenticateMemory : public Authenticate {
     EXPECT_EQ(found.wide, 0u);
   }
 
-  // The rights of bob by this password, `spoilt` or right.
+  // bob's rights with this password, either `spoilt` or right.
   static u32 LogInBob(bool spoilt) {
     const Units name = Text(u"bob");
     ustring secret[test::kSecretLength + 2] = {};

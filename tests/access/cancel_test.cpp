@@ -26,7 +26,7 @@ class CancelAccess : public ::testing::Test {
     test::OnlyRoot();
     test::AddGroup("users", 7100);
     test::AddUser("alice", 7001, 7100, test::Hash("Wonder-1and"));
-    // Without "nodelay": a wrong password costs two seconds, slept within the login.
+    // Without "nodelay": a wrong password makes the login sleep for two seconds.
     test::WriteFile("/etc/pam.d/qvauth",
                     "auth required pam_unix.so nullok\naccount required pam_unix.so\n");
     ASSERT_EQ(ModuleAttach(), 1);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// A process that lives for months: logins and log entries leave nothing behind.
+// A process that runs for months: logins and log entries leak nothing.
 #include <dirent.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -39,8 +39,8 @@ constexpr u32 kWarmUp = 200;
 constexpr u32 kWindow = 200;
 constexpr u32 kCalls = 10000;
 
-// The heap counts freed blocks that lie in its caches as used, unless it has none: that is said in
-// the environment, before the process begins.
+// The heap counts freed blocks in its caches as used, unless caches are off. The environment turns
+// them off before the process starts.
 bool HasExactHeap() {
   const char* const tunables = getenv("GLIBC_TUNABLES");
   return tunables != nullptr && std::string(tunables) == kTunables;
@@ -72,9 +72,10 @@ u32 OpenDescriptors() {
   return count;
 }
 
-// What the heap holds at the least behind some calls. A block is up to 16 bytes larger than asked
-// where the rest would be too small to stand alone, so what PAM keeps on purpose weighs a few such
-// pieces more behind one call than behind another; the least is without them.
+// The least heap use seen after any of some calls. A block is up to 16 bytes larger than requested
+// where the remainder would be too small for a separate block. What PAM keeps on purpose may
+// therefore be a few such pieces larger after one call than after another; the minimum is without
+// them.
 template <typename Call>
 size_t LeastHeap(u32 calls, Call call, u32* failures) {
   size_t least = SIZE_MAX;
@@ -86,7 +87,7 @@ size_t LeastHeap(u32 calls, Call call, u32* failures) {
 }
 
 // Calls many times, after a warm-up for what is kept on purpose: heap and descriptors are exactly
-// the same behind the first of the calls and behind the last.
+// the same after the first of the calls and after the last.
 template <typename Call>
 void ExpectNoGrowth(Call call) {
   u32 failures = 0;
@@ -122,7 +123,7 @@ TEST(Growth, TenThousandLoginsLeaveNothingBehind) {
   test::UnixPamService("qvauth");
   test::WritePamService("other", "auth required pam_deny.so\naccount required pam_deny.so\n");
   ASSERT_EQ(ModuleAttach(), 1);
-  // PAM loads its module at each login: what is loaded already costs less.
+  // PAM loads its module at each login: loading is cheaper when it is already loaded.
   void* const module = dlopen("/lib/x86_64-linux-gnu/security/pam_unix.so", RTLD_NOW);
   ExpectNoGrowth(LogsInAsExpected);
   if (module != nullptr) {
@@ -139,7 +140,7 @@ TEST(Growth, TenThousandLogEntriesLeaveNothingBehind) {
     return;
   }
   ASSERT_EQ(ModuleAttach(), 1);
-  // The log moves to its backup at its default maximum: this happens, too.
+  // The log moves to its backup at its default maximum size, and that happens here.
   ExpectNoGrowth([](u32 at) {
     return PXTAppendToCmdLog(static_cast<s32>(5001 + at % 1999), "a user & friends", "SOURCE",
                              "<Parameter name=\"a\" value=\"b\"/>", 4) == SM_STATUS_SUCCESS;

@@ -97,7 +97,7 @@ bool IsGranted(const Outcome& outcome) {
          outcome.recorded == SM_STATUS_SUCCESS;
 }
 
-// Each new time makes the next request read the role map again.
+// Each new modification time makes the next request read the role map again.
 void TouchRoleMap(time_t time) { test::SetTime(test::kRoleMap, time); }
 
 class MainJob : public ::testing::Test {
@@ -121,7 +121,7 @@ bool FoundALeak() {
 #endif
 }
 
-// What the child found wrong, as bits of its exit status.
+// What the child found to be wrong, as bits of its exit status.
 enum Finding { kNotWiped = 1, kRaised = 2, kLockHeld = 4, kLeaked = 8, kLost = 16, kFinished = 64 };
 
 int Judge(const Outcome& outcome) {
@@ -132,8 +132,8 @@ int Judge(const Outcome& outcome) {
   return findings | (test::LockIsFree() ? 0 : kLockHeld);
 }
 
-// A block that comes back may be a few bytes larger than the one that was freed; a leak of the
-// smallest block shows in this many faults.
+// A reused block may be a few bytes larger than the one that was freed; with this many faults even
+// a leak of the smallest block is visible.
 constexpr u32 kFaults = 4;
 constexpr size_t kSmallestLeak = kFaults * 32;
 
@@ -148,7 +148,7 @@ int RequestWithFault(u32 nth, Outcome* outcome) {
   return Judge(*outcome) | (fired ? 0 : kFinished);
 }
 
-// In a process that has made no request, or none since the role map changed.
+// In a process that has made no request yet, or none since the role map changed.
 int FirstRequestWithFault(u32 nth) {
   Outcome outcome;
   const int findings = RequestWithFault(nth, &outcome);
@@ -156,7 +156,7 @@ int FirstRequestWithFault(u32 nth) {
   return findings | Judge(Request()) | (FoundALeak() ? kLeaked : 0);
 }
 
-// In a process that has served many; each request behind a fault has all its memory again.
+// In a process that has served many; each request after a fault has all its memory again.
 int LaterRequestsWithFault(u32 nth) {
   for (u32 at = 0; at < 3; ++at) {
     (void)Request();
@@ -174,7 +174,7 @@ int LaterRequestsWithFault(u32 nth) {
   return findings | (grown || FoundALeak() ? kLeaked : 0);
 }
 
-// Each fault meets a process of its own; gives the number of allocations.
+// Each fault occurs in its own process; returns the number of allocations.
 template <typename Body>
 u32 FailEach(Body body) {
   for (u32 nth = 1; nth < 5000; ++nth) {
@@ -189,7 +189,8 @@ TEST_F(MainJob, WithoutMemoryAtItsFirstRunAnyStepFailsSafely) {
   EXPECT_GE(FailEach(FirstRequestWithFault), 80u);
 }
 
-// The heap's count is exact without caches, which is said before the process begins.
+// The heap's count is exact only without caches, which must be turned off before the process
+// starts.
 TEST_F(MainJob, WithoutMemoryALaterRunLosesNothing) {
 #ifndef QVX_LEAK_SANITIZER
   if (getenv("GLIBC_TUNABLES") == nullptr) {
@@ -207,7 +208,7 @@ TEST_F(MainJob, WithoutMemoryALaterRunLosesNothing) {
   EXPECT_GE(FailEach(LaterRequestsWithFault), 30u);
 }
 
-// A new role map is read although an earlier one was loaded; what fails leaves no wider rights.
+// A new role map is read although an earlier one was loaded; a failure never leaves wider rights.
 TEST_F(MainJob, WithoutMemoryARoleMapThatIsReadAgainGrantsNoMore) {
   const u32 met = FailEach([](u32 nth) {
     TouchRoleMap(1000000);
@@ -263,12 +264,12 @@ constexpr ustring kMarkup[] = {'<',    'b',    '>',    '&',    '"', '\'',
 constexpr char kMarkupLogin[] = "<b>&\"'\xC3\xA9<<<z";
 constexpr char kMarkupEscaped[] = "&lt;b&gt;&amp;&quot;&apos;\xC3\xA9&lt;&lt;&lt;z";
 
-// A pair in front is one character, which stands for both of its units.
+// A leading pair is one character, which replaces both of its units.
 constexpr ustring kFace[] = {0xD83D, 0xDE00, '&', 0};
 constexpr char kFaceLogin[] = "\xF0\x9F\x98\x80\xF0\x9F\x98\x80&";
 constexpr char kFaceEscaped[] = "\xF0\x9F\x98\x80\xF0\x9F\x98\x80&amp;";
 
-// What begins with half a pair is no text.
+// A name that begins with half a pair is not valid text.
 constexpr ustring kHalf[] = {0xD800, '<', 'z', 0};
 
 u32 LogIn(const ustring* user) {
@@ -281,7 +282,7 @@ u32 LogIn(const ustring* user) {
   return rights;
 }
 
-// The text that a host has of the name, for its answers and its log.
+// The host's text form of the name, for its answers and its log.
 std::string LoginOf(const ustring* user) {
   astring text[64] = "untouched";
   u32 size = sizeof(text);
@@ -320,7 +321,7 @@ std::string ExpectedAnswer(const std::string& escaped) {
          escaped + "</Login><User>" + escaped + "</User></Answer>";
 }
 
-// The log as a host sends it, its times taken out.
+// The log as a host sends it, with its times removed.
 std::string LogContent() {
   astring* const path = PXTGetCmdLogPathFileName();
   astring* const content = PXTCmdGetXMLLogContent(path);
@@ -336,7 +337,7 @@ std::string ExpectedContent(const std::string& entry) {
          "</Content><SMStatus>0</SMStatus>";
 }
 
-// What an XML parser reads at this place; "" where the text is not well-formed.
+// What an XML parser reads at this path; "" where the text is not well-formed.
 std::string Parsed(const std::string& text, const std::string& xpath) {
   test::WriteFile("/tmp/parsed.xml", text);
   const std::string command =
@@ -391,7 +392,7 @@ TEST_F(MainJobNames, ANameOfMarkupIsEscapedInTheLogAndItsContent) {
   EXPECT_EQ(Parsed(page, "//LogEntry[2]/Description/Parameter/@value"), kMarkupLogin);
 }
 
-// Nine bytes for three units do not fit the login's room, the XML has room for all.
+// Nine bytes for three units do not fit the login's buffer; the XML has room for all.
 TEST_F(MainJobNames, ANameThatBeginsWithAPairIsRefusedAndShownWithThePairTwice) {
   EXPECT_EQ(LogIn(kFace), 0x0u);
   EXPECT_EQ(PXTAuthorizeUser(nullptr, kFace), 0x0u);

@@ -28,7 +28,7 @@ u32 RightsOf(const std::u16string& name) {
   return PXTAuthorizeUser(nullptr, units.data());
 }
 
-// The sample is in force on a machine of this domain.
+// The sample applies on a machine in this domain.
 void Load(const char* domain) {
   test::OnlyRoot();
   test::AddGroup("users", kUsers);

@@ -13,8 +13,8 @@
 
 #include "qvxcs/types.h"
 
-// Counts a secret in this process's writable memory. The scan holds it only with every byte
-// inverted, and copies memory into a buffer of its own that it leaves out.
+// Counts a secret in this process's writable memory. The scan itself holds it only with every byte
+// inverted, and copies memory into its own buffer, which it does not scan.
 namespace qvx::test {
 
 constexpr size_t kSecretLength = 14;
@@ -37,12 +37,12 @@ struct Found {
 constexpr size_t kScanRoom = 65536;
 constexpr size_t kScanReach = kSecretLength * 2;
 
-// The scan's own copy of a piece of memory, with zeros behind it.
+// The scan's own copy of a piece of memory, followed by zeros.
 struct ScanRoom {
   u8 bytes[kScanRoom + kScanReach];
 };
 
-// A region of a sanitizer that cannot be read is passed over.
+// A sanitizer's unreadable region is skipped.
 inline void ScanRegion(int memory, u64 begin, u64 end, const u8* inverted, ScanRoom* room,
                        Found* found) {
   const u64 own = reinterpret_cast<uintptr_t>(room);
@@ -74,7 +74,7 @@ inline Found ScanWritableMemory(const u8* inverted) {
     unsigned long long end = 0;
     char access[8] = {};
     if (sscanf(line, "%llx-%llx %7s", &begin, &end, access) != 3) continue;
-    // Shadow memory is terabytes of nothing, and holds no text.
+    // Shadow memory is terabytes of empty space and holds no text.
     if (access[0] != 'r' || access[1] != 'w' || end - begin > (u64{1} << 30)) continue;
     ScanRegion(memory, begin, end, inverted, &room, &found);
   }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// The suite's calls from an ordinary user's process, who may read the lock file and the settings
-// and may write neither them nor the logs.
+// The suite's calls from the process of an ordinary user, who may read the lock file and the
+// settings but may write neither those nor the logs.
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
@@ -39,7 +39,7 @@ constexpr s32 kNumber = 5;
 const std::string kIniFolder = kIniFileDirectory;
 const char kPairs[] = "/etc/cim/zarn/plinthos/vexilon/qvx/ini/a.properties";
 
-// An old log with one entry's place.
+// An old log with room for one entry.
 constexpr char kLogText[] =
     "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?>"
     "<EventLog></EventLog>";
@@ -63,7 +63,7 @@ class Operator : public ::testing::Test {
     test::WriteRoleMap("alice * administrator\n", 0640);
   }
 
-  // As a process of alice's that loads the library; expectations count in the child.
+  // Runs as alice, in a process that loads the library; the child checks the expectations.
   template <typename Body>
   static void AsAlice(Body body) {
     const int status = test::InChild([&body] {
@@ -222,7 +222,7 @@ TEST_F(Operator, AMissingLogStaysMissing) {
   EXPECT_FALSE(test::Exists(test::kCommandLog));
 }
 
-// Alice's password is checked by the program that PAM runs, which answers for its caller alone.
+// Alice's password is checked by the program that PAM runs, which answers only for its caller.
 TEST_F(Operator, LogsInOnlyItself) {
   AsAlice([] {
     const ustring alice[] = {'a', 'l', 'i', 'c', 'e', 0};

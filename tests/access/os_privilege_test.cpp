@@ -17,7 +17,7 @@
 namespace qvx {
 namespace {
 
-// OSGetProcessRights of a process with these identities, its levels as 0 to 7 and 100 for root's
+// OSGetProcessRights of a process with these identities: its levels as 0 to 7, plus 100 for root's
 // bit.
 int RightsAs(uid_t real, uid_t effective, gid_t effectiveGroup) {
   return test::InChild([=] {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// A restart of the web server closes the process's descriptors; the role map that is open is still
-// the one that is read.
+// A restart of the web server closes the process's descriptors; the open role map is still the one
+// that is read.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -43,7 +43,7 @@ class Restart : public testing::Test {
     EXPECT_EQ(test::ReadFile(kInherited).find("qvxrolemap"), std::string::npos);
   }
 
-  // A file of the host's that takes the lowest number, as a web server's next upload does.
+  // A host file that gets the lowest descriptor, as a web server's next upload does.
   static int OpenUpload(const std::string& text) {
     test::WriteFile(kUpload, text);
     return open(kUpload, O_RDWR | O_CLOEXEC);

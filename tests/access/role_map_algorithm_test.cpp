@@ -192,7 +192,7 @@ TEST_F(RoleMapAlgorithm, MoreThanAHundredGroupsAreAllSeen) {
   EXPECT_EQ(Grant({L"+g149 * administrator"}, L"alice"), 0x7u);
 }
 
-// alice's rights with each allocation failing in turn; kThrown where the question was given up.
+// alice's rights with each allocation failing in turn; kThrown where the query was abandoned.
 constexpr u32 kThrown = 99;
 std::vector<u32> RightsWithoutMemory(const std::vector<std::wstring>& lines) {
   Build(lines);
@@ -227,8 +227,8 @@ TEST_F(RoleMapAlgorithm, WithoutMemoryForTheGroupListAGroupGrantsNothing) {
     EXPECT_TRUE(found == 0x0 || found == 0x7 || found == kThrown) << found;
 }
 
-// More groups than the list's first room holds: the account's entry, that room and the greater one
-// can fail. The one group that counts is looked for twice, by its name first.
+// More groups than the list's first buffer holds: the allocations for the account's entry, that
+// buffer and the larger one can fail. The one group that counts is looked up twice, by name first.
 TEST_F(RoleMapAlgorithm, WithoutMemoryForALongerGroupListThereAreNoGroups) {
   for (u32 at = 0; at < 98; ++at)
     test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
@@ -402,7 +402,7 @@ TEST_F(RoleMapAddresses, AnIpv6AddressIsFoundInEverySpellingByTheUserPhaseOnly) 
   EXPECT_EQ(Grant({L"* 2001:db8::7 poweruser"}, L"bob"), 0x3u);
 }
 
-// "0" sorts before ":", so the full spelling is met first.
+// "0" sorts before ":", so the full spelling is found first.
 TEST_F(RoleMapAddresses, TheFirstOfTwoSpellingsOfAnAddressDecides) {
   test::Run("echo 0 > /proc/sys/net/ipv6/conf/qvxa/disable_ipv6");
   test::Run("ip -6 addr add 2001:db8::7/64 dev qvxa nodad");

@@ -1,9 +1,9 @@
 /* SPDX-FileCopyrightText: Copyright The libqvxcs authors */
 /* SPDX-License-Identifier: MIT */
 
-/* Accepts everybody after it has sent the messages that its arguments name: info, error, password,
- * user. A conversation that fails fails the login, unless "ignore" is among the arguments. With
- * "expired" the account is refused; with "record" each step leaves a line in /tmp/pam_record. */
+/* Accepts every user after it has sent the messages that its arguments name: info, error, password,
+   user. A failed conversation fails the login, unless "ignore" is among the arguments. With
+   "expired" the account is refused; with "record" each step leaves a line in /tmp/pam_record. */
 #define PAM_SM_AUTH
 #define PAM_SM_ACCOUNT
 #include <security/pam_modules.h>
