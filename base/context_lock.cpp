@@ -140,9 +140,9 @@ void HoldContextLocksForFork() { (void)pthread_mutex_lock(&tableMutex); }
 
 void EndContextLocksHold() { (void)pthread_mutex_unlock(&tableMutex); }
 
-// The slots belong to the loaded image: a host that loads and unloads it often gets them back.
+// The slots belong to the loaded image: a host that often loads and unloads it gets them back.
 // While a handle is in use they stay, because a thread may still hold its lock; at the end of a
-// process threads may also be making locks. A table that is busy is left, not waited for.
+// process threads may also be making locks. A busy table is left as it is, not waited for.
 void ReleaseContextLockSlots() {
   if (pthread_mutex_trylock(&tableMutex) != 0) return;
   if (slotsInUse == 0) {

@@ -14,8 +14,8 @@ void UnLockContext(u32 handle);
 // Called when the library is unloaded.
 void ReleaseContextLockSlots();
 
-// Around a fork, so that the child finds the table whole and free, whichever thread was at it. The
-// hold is ended in the parent and in the child.
+// Called around a fork: the child finds the table whole and free, whichever thread was using it.
+// Both the parent and the child end the hold.
 void HoldContextLocksForFork();
 void EndContextLocksHold();
 

@@ -19,8 +19,8 @@ void SetProcessEnvironment();
 void BeforeForkForDaemon();
 s32 EnableLongFileNames();
 
-// Around the 25 exported calls that include/qvxcs/export_context.h names, so that a platform with a
-// context per process can switch to the library's own and back.
+// Used around the 25 exported calls that include/qvxcs/export_context.h names, so that a platform
+// with a context per process can switch to the library's own and back.
 class ExportBracket {
  public:
   ExportBracket() { SetExportContext(&slot_, &origECI); }

@@ -12,8 +12,8 @@ namespace qvx {
 
 enum class Attempt { kTaken, kBusy, kFailed };
 
-// Tries until taken; a time-out counts attempts, which lie 1000 microseconds apart, so that 0 is a
-// single attempt. An interrupted sleep counts as a whole one.
+// Tries until taken. A time-out counts attempts that are 1000 microseconds apart; 0 means a single
+// attempt. An interrupted sleep counts as a whole one.
 template <typename Try>
 s32 PollWait(s32 timeout, Try tryOnce) {
   for (s32 counter = 0;; ++counter) {

@@ -8,7 +8,8 @@
 
 namespace qvx {
 
-// Values behind a caller's pointer may lie at any address: exactly their bytes are copied.
+// The values that a caller's pointer refers to may be at any address: exactly their bytes are
+// copied.
 
 template <typename T>
 T LoadValue(const void* from) {

@@ -9,7 +9,7 @@
 
 namespace qvx {
 
-// Reads an open file once, from its position on, in blocks. The descriptor stays the caller's.
+// Reads an open file once, from its position on, in blocks. The caller keeps the descriptor.
 class BlockReader {
  public:
   static constexpr size_t kBlock = 65536;

@@ -10,11 +10,11 @@
 
 namespace qvx {
 
-// Writes all of the text, in one call where the system takes it whole; false with errno set.
+// Writes all of the text, in one call where the system accepts it whole; false with errno set.
 bool WriteAll(int file, std::string_view text);
 
-// Writes to an open file in blocks. The descriptor stays the caller's. What is not flushed when the
-// writer goes is lost.
+// Writes to an open file in blocks. The caller keeps the descriptor. What is not flushed when the
+// writer is destroyed is lost.
 class BlockWriter {
  public:
   static constexpr size_t kBlock = 65536;

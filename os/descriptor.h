@@ -9,7 +9,7 @@
 
 namespace qvx {
 
-// An open descriptor, closed when it goes.
+// An open descriptor, closed when the object is destroyed.
 class Descriptor {
  public:
   Descriptor() = default;
@@ -24,7 +24,7 @@ class Descriptor {
   int Number() const { return number_; }
   // Hands the number to the caller, who closes it.
   int Release();
-  // False when the close failed; the descriptor is gone all the same. errno stays when it succeeds.
+  // False when the close failed; the descriptor is closed all the same. Success keeps errno.
   bool Close();
 
  private:
@@ -35,7 +35,7 @@ class Descriptor {
 // streams may put others in their place at any time. Empty with errno set on failure.
 Descriptor OpenDescriptor(const astring* path, int flags, mode_t mode = 0);
 
-// The same for a descriptor that another call opened close-on-exec: moved up when it is below 3.
+// Does so for a descriptor that another call opened close-on-exec: one below 3 is moved up.
 Descriptor AboveStandard(int number);
 
 }  // namespace qvx

@@ -25,9 +25,9 @@ void DestroyGlobalMutex();
 u32 FileLock(u16 wait);
 s32 FileUnlock();
 
-// Holds the threads' turn and, within it, the file lock. The sleeps that the turn took count
-// against the lock's own, and a single attempt is one attempt of each. A guard within another of
-// the same thread takes the turn with it.
+// Holds the threads' turn and, within it, the file lock. The sleeps spent on the turn count against
+// those of the lock, and a single attempt is one attempt at each. A guard inside another one of the
+// same thread takes the turn once more.
 class FileLockGuard {
  public:
   explicit FileLockGuard(u16 wait);

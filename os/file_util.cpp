@@ -58,7 +58,7 @@ bool FillTmpName(astring* name) {
   return true;
 }
 
-// A name of tmpnam's form that no file has; written here because linkers warn of tmpnam itself.
+// A name in tmpnam's form that no file has. Made here because linkers warn about tmpnam itself.
 bool MakeTmpName(astring (&name)[kTmpNameRoom]) {
   if (!IsDirectory(kTmpDirectory)) return false;
   memcpy(name, kTmpNamePattern, sizeof(kTmpNamePattern));
@@ -77,7 +77,7 @@ bool IsTargetsFault(int error) {
 
 u32 DelFile(const astring* path) {
   if (path == nullptr || !IsReplaceable(path)) return kMinusOne;
-  // A directory that a link leads to keeps its mode: only the link goes.
+  // A directory that a link points to keeps its mode: only the link is removed.
   if (!IsDirectory(path) && chmod(path, kFileMode) != 0) return kMinusOne;
   return unlink(path) == 0 ? SM_STATUS_SUCCESS : kMinusOne;
 }
@@ -103,8 +103,8 @@ u32 GetTmpFile(const astring* directory, astring* name, u32* size) {
   astring saved[kWorkingDirectoryRoom];
   if (getcwd(saved, sizeof(saved)) == nullptr) return SM_STATUS_BUFFER_TOO_SMALL;
   if (chdir(directory) != 0) return SM_STATUS_FAILURE;
-  // Deliberate: the name lies in /tmp, whatever directory is asked for; that one has only to be
-  // there and to be entered. Held by FileUtil.TmpFileNameLiesInTmpWhateverTheDirectory.
+  // Deliberate: the name is in /tmp, whatever directory the caller names; that directory only has
+  // to exist and allow entry. Held by FileUtil.TmpFileNameLiesInTmpWhateverTheDirectory.
   astring made[kTmpNameRoom];
   const bool found = MakeTmpName(made);
   if (found) {
@@ -118,7 +118,7 @@ u32 GetTmpFile(const astring* directory, astring* name, u32* size) {
 
 u32 CreateDir(const astring* path) {
   if (path == nullptr) return kMinusOne;
-  // Most are there already; one that another process makes meanwhile is looked at again.
+  // Most exist already; one that another process makes meanwhile is checked again.
   const bool there = IsDirectory(path) || mkdir(path, kDirectoryMode) == 0 || IsDirectory(path);
   return there ? SM_STATUS_SUCCESS : kMinusOne;
 }

@@ -35,8 +35,9 @@ astring* OSGetComputerDomainName() {
   if (!name) return nullptr;
   memset(name.get(), 0, kDomainNameRoom);
   if (getdomainname(name.get(), kDomainNameRoom - 1) != 0) return nullptr;
-  // Deliberate: only the length of "(none)", what the system reports without a domain, is compared,
-  // so a domain that begins so is none either. Held by HostName.ADomainThatBeginsWithNoneIsNone.
+  // Deliberate: only the length of "(none)", which the system reports without a domain, is
+  // compared, so a domain that begins with it counts as none too. Held by
+  // HostName.ADomainThatBeginsWithNoneIsNone.
   if (strncmp(name.get(), kNoDomain, sizeof(kNoDomain) - 1) == 0) return nullptr;
   return name.release();
 }
@@ -64,7 +65,7 @@ u32 UniGetIPHostName(ustring* name, u32* size) {
 
 u32 GetDNSSuffixName(void* /*name*/, u32 size) {
   if (size == 0) return SM_STATUS_INVALID_PARAMETER;
-  // Deliberate: there is no suffix to give on this platform.
+  // Deliberate: this platform has no suffix to return.
   // Held by HostName.NoDnsSuffixIsEverGiven.
   (void)GetSockType();
   return kMinusOne;
@@ -77,7 +78,7 @@ u32 ValidateHostName(const astring* name) {
   if (length != 0 && (name[length - 1] == '-' || name[length - 1] == '.')) return kMinusOne;
   const astring first[] = {name[0], '\0'};
   if (const u32 status = IsASCIIAlphaNumeric(first)) return status;
-  // Deliberate: the last character was only kept from being "-" or ".", so "a_" is valid.
+  // Deliberate: the only characters refused at the end are "-" and ".", so "a_" is valid.
   // Held by HostName.TheLastCharacterMayBeAnythingButDashAndDot.
   for (size_t at = 1; at + 1 < length; ++at) {
     if (!IsHostNameCharacter(name[at])) return kMinusOne;

@@ -56,7 +56,8 @@ class HostAddresses {
   }
   explicit operator bool() const { return read_; }
 
-  // Hands each address of a running interface to `use`, in the system's order; gives their number.
+  // Hands each address of a running interface to `use`, in the system's order; returns their
+  // number.
   template <typename Use>
   u32 ForEach(Use use) const {
     u32 count = 0;
@@ -81,7 +82,7 @@ void CopyToSlot(void* list, u32 slot, const astring* text) {
   memcpy(static_cast<astring*>(list) + size_t{slot} * kAddressSlotBytes, text, strlen(text) + 1);
 }
 
-// Room for `count` slots; a block of none is a block all the same.
+// Room for `count` slots; a count of 0 gets a block too.
 HeapArray<astring> AllocSlots(u32 count) {
   const u64 bytes = std::max<u64>(u64{count} * kAddressSlotBytes, 1);
   auto slots = bytes > UINT32_MAX ? HeapArray<astring>() : AllocArray<astring>(bytes);
@@ -104,7 +105,7 @@ u32 GetIPAddrStrList(const astring* /*ignored*/, u32* count, void* list) {
   *count = 0;
   const HostAddresses addresses;
   if (!addresses) return kMinusOne;
-  // Deliberate: the count runs on beyond the capacity, so that it tells the slots needed.
+  // Deliberate: the count goes on beyond the capacity, so it reports the slots needed.
   // Held by Interfaces.ACapacityOfOneOnTwoAddressesCopiesOneAndCountsBoth.
   *count = addresses.ForEach([list, capacity](u32 slot, const astring* text) {
     if (list != nullptr && slot < capacity) CopyToSlot(list, slot, text);
@@ -112,8 +113,8 @@ u32 GetIPAddrStrList(const astring* /*ignored*/, u32* count, void* list) {
   return list != nullptr && *count > capacity ? SM_STATUS_BUFFER_TOO_SMALL : SM_STATUS_SUCCESS;
 }
 
-// One reading of the interfaces gives both the count and the texts, so that a list that changes
-// meanwhile is no failure.
+// One reading of the interfaces yields both the count and the texts, so a list that changes
+// meanwhile causes no failure.
 astring* SUPTIntfHostGetHostIPAddrList(u32* count) {
   if (count == nullptr) return nullptr;
   *count = 0;

@@ -19,7 +19,7 @@ constexpr u32 kIPv6Only = 2;
 constexpr astring kLoopBackIPv4[] = "127.0.0.1";
 constexpr astring kLoopBackIPv6[] = "::1";
 
-// Written by the module's first attach alone, before any other call.
+// Only the module's first attach writes it, before any other call.
 constinit u16 ipSupport = 0;
 
 bool FamilyWorks(int family) {

@@ -64,8 +64,8 @@ int SetRecord(int command, short type) {
   return fcntl(ipcFile, command, &whole);
 }
 
-// One request for the lock. A descriptor that was lost is opened anew; where it cannot be, the
-// request fails as one on a closed descriptor does.
+// One request for the lock. A lost descriptor is opened again; if that fails, the request fails
+// like one on a closed descriptor.
 int RequestRecord(int command, short type) {
   if (ipcFile == kClosed || IsStillOurs() || OpenAnew() == 0) return SetRecord(command, type);
   errno = EBADF;
@@ -95,8 +95,8 @@ s32 CloseIPCFile() {
 
 s32 LockIPCFileRecord([[maybe_unused]] u32 handle, s32 timeout) {
   if (timeout == -1) return WaitForRecord();
-  // Deliberate: a single attempt on a file opened read-only fails, for only the next one asks for
-  // the shared lock. Held by FileLockTest.ASingleAttemptWithoutWriteAccessFails.
+  // Deliberate: a single attempt on a file opened read-only fails, because only the next one asks
+  // for the shared lock. Held by FileLockTest.ASingleAttemptWithoutWriteAccessFails.
   short type = F_WRLCK;
   return PollWait(timeout, [&type] {
     if (RequestRecord(F_SETLK, type) == 0) return Attempt::kTaken;
@@ -108,7 +108,7 @@ s32 LockIPCFileRecord([[maybe_unused]] u32 handle, s32 timeout) {
 }
 
 s32 UnlockIPCFileRecord() {
-  // Who closed the descriptor has ended the hold with it.
+  // Closing the descriptor has already ended the hold.
   if (ipcFile != kClosed && !IsStillOurs()) return 0;
   while (SetRecord(F_SETLKW, F_UNLCK) != 0) {
     if (errno != EINTR) return -1;

@@ -9,14 +9,15 @@ namespace qvx {
 
 // The lock file of the suite, open once in a process while the library is attached. Each request
 // first makes sure that the descriptor still is that file: a host may have closed it, as a daemon
-// does with all descriptors of its child. Then the file is opened anew, and whatever else has got
-// the number since is left alone.
+// does with all descriptors of its child. Then the file is opened again, and any other file that
+// now has the number is left alone.
 s32 OpenIPCFile();
 s32 CloseIPCFile();
 s32 LockIPCFileRecord(u32 handle, s32 timeout);
 s32 UnlockIPCFileRecord();
 s32 IPCFileDescriptor();
-// The size that the check before the last request saw; it costs the holder of the lock no call.
+// The size seen by the check before the last request; it costs the holder of the lock no system
+// call.
 s64 IPCFileSize();
 
 }  // namespace qvx

@@ -7,7 +7,7 @@
 
 namespace qvx {
 
-// The base that the configuration file tells, as it stands now; 100,000 without one.
+// The base that the configuration file has now; 100,000 without one.
 s32 ReadIPCNameBase();
 
 // The base, read once, and the offset.

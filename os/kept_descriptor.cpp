@@ -12,7 +12,7 @@
 namespace qvx {
 namespace {
 
-// A bit for each number that is ever closed by its number; larger ones need none.
+// A bit for each number that is ever closed by its number; larger numbers need no bit.
 constexpr int kBits = 64;
 constexpr int kNumbers = 256;
 constinit std::atomic<u64> keptNumbers[kNumbers / kBits] = {};

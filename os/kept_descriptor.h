@@ -14,7 +14,7 @@ namespace qvx {
 class KeptDescriptor {
  public:
   KeptDescriptor() = default;
-  // Empty where nothing is open, and for what is no regular file, which is closed.
+  // Empty when nothing is open, and for what is no regular file: that is then closed.
   explicit KeptDescriptor(Descriptor opened);
   ~KeptDescriptor();
   KeptDescriptor(KeptDescriptor&& other) noexcept = default;
@@ -24,7 +24,7 @@ class KeptDescriptor {
 
   explicit operator bool() const { return static_cast<bool>(descriptor_); }
   int Number() const { return descriptor_.Number(); }
-  // Whether the number still leads to the file that was opened.
+  // Whether the number still refers to the file that was opened.
   bool IsOurs() const;
 
  private:
@@ -33,7 +33,7 @@ class KeptDescriptor {
   ino_t inode_ = 0;
 };
 
-// Whether the library keeps this descriptor: what closes the process's descriptors by their numbers
+// Whether the library keeps this descriptor: code that closes the process's descriptors by number
 // leaves it open.
 bool IsKeptDescriptor(int number);
 

@@ -30,7 +30,7 @@ u32 OSLibLoad(PXTLibrary* library, const astring* path) {
 
 void* OSLibLinkToExportFN(PXTLibrary* library, const astring* symbolName) {
   if (library == nullptr || library->handle == nullptr || symbolName == nullptr) return nullptr;
-  // An error that an earlier call left behind is not this look-up's.
+  // An error that an earlier call left does not belong to this look-up.
   (void)dlerror();
   void* const address = dlsym(library->handle, symbolName);
   return dlerror() == nullptr ? address : nullptr;

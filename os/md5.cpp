@@ -10,8 +10,8 @@ namespace qvx {
 
 static_assert(MD5_DIGEST_LENGTH == 16);
 
-// The three calls are deprecated in favour of an interface that a host's policy may refuse MD5
-// through; digests that hosts keep must stay computable.
+// The three calls are deprecated in favour of an interface through which a host's policy may refuse
+// MD5; digests that hosts have stored must stay computable.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 s32 MD5Hash(const astring* text, u8* digest) {

@@ -36,8 +36,8 @@ u32 LocalText(HeapArray<astring>* local, const ustring* text) {
   if (!*local) return kFailed;
   memset(local->get(), 0, static_cast<size_t>(room));
   auto size = static_cast<u32>(room) - 1;
-  // Deliberate: the room follows the units, not the bytes they become; what does not fit it is cut
-  // at a whole character. Held by OSLog.ATextLongerThanItsRoomIsCutAtAWholeCharacter.
+  // Deliberate: the room depends on the units, not on the bytes they become; a text that does not
+  // fit is cut at a whole character. Held by OSLog.ATextLongerThanItsRoomIsCutAtAWholeCharacter.
   return UnicodeToLocal(local->get(), &size, text);
 }
 

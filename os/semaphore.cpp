@@ -51,7 +51,7 @@ s32 OperateUninterrupted(s32 handle, short amount, short flags) {
   return result == 0 ? 0 : kFailed;
 }
 
-// Callers take identifier 0 for a failure, so the set is made again while a placeholder keeps the
+// Callers treat identifier 0 as a failure, so the set is made again while a placeholder keeps the
 // system from giving out 0 once more.
 s32 ReplaceSetZero(s32 key, u32 initial) {
   (void)RemoveSet(0);
@@ -65,7 +65,7 @@ s32 ReplaceSetZero(s32 key, u32 initial) {
 
 s32 CreateSemaphore(s32 key, u32 initial) {
   const int identifier = semget(key, kOneSemaphore, kNewSet);
-  // Deliberate: a set that is there already is used as it is, its value unchanged.
+  // Deliberate: an existing set is used as it is, its value unchanged.
   // Held by Semaphore.AnExistingSetIsUsedAsItIs.
   if (identifier == -1) return errno == EEXIST ? OpenSemaphore(key) : kInvalid;
   if (identifier == 0) return ReplaceSetZero(key, initial);
@@ -83,7 +83,7 @@ s32 OpenSemaphore(s32 key) {
 s32 WaitForSemaphore(s32 handle, s32 timeout) {
   if (handle == kInvalid) return kFailed;
   if (timeout == kWithoutLimit) return OperateUninterrupted(handle, -1, 0);
-  // Deliberate: every failure counts as busy, that of a set which is gone too.
+  // Deliberate: every failure counts as busy, even that of a set that no longer exists.
   // Held by Semaphore.APolledWaitTakesEveryFailureForBusy.
   return PollWait(timeout, [handle] {
     return Operate(handle, -1, IPC_NOWAIT) == 0 ? Attempt::kTaken : Attempt::kBusy;

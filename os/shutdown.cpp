@@ -22,7 +22,7 @@ u32 OSShutdown(u16 /*ignored*/, u16 mode) {
   astring halt[] = "-h";
   astring reboot[] = "-r";
   astring when[] = "now";
-  // Deliberate: no shell is there to take the "&", the program gets it as its last argument.
+  // Deliberate: no shell interprets the "&"; the program gets it as its last argument.
   // Held by Shutdown.TheAmpersandIsALiteralArgument.
   astring ampersand[] = "&";
   astring* const arguments[] = {program, mode == QVX_SHUTDOWN_REBOOT ? reboot : halt, when,
@@ -31,8 +31,8 @@ u32 OSShutdown(u16 /*ignored*/, u16 mode) {
     (void)execv(kShutdownProgram, arguments);
     _exit(errno);
   }
-  // Deliberate: the same answer when no child could be made, and no waiting for the one that was.
-  // Held by Shutdown.AnswersOneWhenNoChildCanBeMade.
+  // Deliberate: the result is the same when no child could be made, and a child that was made is
+  // not waited for. Held by Shutdown.AnswersOneWhenNoChildCanBeMade.
   return kAlwaysDone;
 }
 

@@ -17,8 +17,8 @@ namespace qvx {
 namespace {
 
 // The streams that are open, in any order. A child of fork that ends by `exit` would flush what
-// another thread of the parent was writing, or take the shared descriptor back to where that
-// thread's reading stands.
+// another thread of the parent was writing, or move the shared descriptor back to that thread's
+// reading position.
 constexpr size_t kStreams = 256;
 constinit std::array<std::atomic<FILE*>, kStreams> streams = {};
 
@@ -72,7 +72,7 @@ bool IsSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-// False when the name is taken by `replaced` itself, whatever other names that has.
+// False when the name belongs to `replaced` itself, whatever other names it has.
 bool ClearName(const astring* path, const struct stat* replaced) {
   struct stat old = {};
   if (lstat(path, &old) != 0) return true;
@@ -81,7 +81,7 @@ bool ClearName(const astring* path, const struct stat* replaced) {
   return true;
 }
 
-// Who may not give the file away may still give it one of the groups that he is in.
+// A user who may not give the file away may still give it one of the user's own groups.
 void GiveOwner(int file, const struct stat& replaced) {
   if (fchown(file, replaced.st_uid, replaced.st_gid) == 0) return;
   [[maybe_unused]] const int refused = fchown(file, kAnyOwner, replaced.st_gid);

@@ -20,24 +20,25 @@ inline constexpr mode_t kFileMode = 01664;
 // Opens a regular file without waiting for a FIFO's other end, and stores what fstat saw of it in
 // `seen`. With O_CREAT a missing file is made 0664 less the umask, and the file's mode is set to
 // kFileMode through the descriptor as soon as it is open, so that nobody has more rights meanwhile;
-// a mode that cannot be set is ignored. O_TRUNC is not for here. Empty with errno set when the file
-// cannot be opened or is no regular file (EINVAL).
+// a mode that cannot be set is ignored. O_TRUNC must not be passed. Empty with errno set when the
+// file cannot be opened or is no regular file (EINVAL).
 Descriptor OpenRegular(const astring* path, int flags, struct stat* seen);
 
-// Makes the file that is to take the place of `replaced` (null when there is none yet), for
-// writing: 0600 less the umask, with the owner and group of `replaced` where the process may give
-// them. An old file or link of this name is unlinked first. Empty when the name is a name of
-// `replaced` itself, which then stays, and when the copy cannot be made.
+// Makes the file that will take the place of `replaced` (null when there is none yet), for writing:
+// 0600 less the umask, with the owner and group of `replaced` where the process may set them. An
+// old file or link of this name is unlinked first. Empty when the name is a name of `replaced`
+// itself, which then stays, and when the copy cannot be made.
 Descriptor OpenCopy(const astring* path, const struct stat* replaced);
 
-// Gives a copy its mode, flushes it to disk and closes it; false with errno set when the flush or
-// the close failed. A mode that cannot be set is ignored.
+// Sets a copy's mode, flushes it to disk and closes it; false with errno set when the flush or the
+// close failed. A mode that cannot be set is ignored.
 bool FinishCopy(Descriptor copy);
 
 // Closes a stream of this file; the result of fclose.
 int CloseNoted(FILE* file);
 
-// In the child of a fork: what other threads of the parent were reading or writing is theirs.
+// Called in the child of a fork, which leaves alone what the parent's other threads were reading or
+// writing.
 void DropStreamsInChild();
 
 struct FileCloser {
@@ -52,7 +53,7 @@ FilePtr OpenFile(const astring* path, const astring* mode);
 // Flushes and closes; false when any write, the flush or the close failed.
 bool CloseWritten(FilePtr file);
 
-// The stream's length, its position restored; -1 when it cannot be told.
+// The stream's length, its position restored; -1 when it cannot be determined.
 s64 StreamSize(FILE* file);
 
 }  // namespace qvx

@@ -7,7 +7,7 @@ namespace {
 
 constexpr s32 kFailed = -1;
 
-// What a record holds that has no thread to wait for; the system gives no thread this identifier.
+// The identifier in a record without a thread to wait for; the system gives it to no thread.
 constexpr pthread_t kNoThread{};
 
 void* RunRecord(void* record) {
@@ -29,8 +29,8 @@ s32 OSThreadStart(PXTThread* thread, PXTThreadEntry entry, u32 argument) {
 
 s32 OSThreadStop(PXTThread* thread) {
   if (thread == nullptr) return kFailed;
-  // Deliberate: a body cannot be interrupted, so to stop a thread is to wait for its end, and a
-  // thread that cannot be joined has none to wait for. Held by Thread.StopWaitsForTheBodyToEnd.
+  // Deliberate: a body cannot be interrupted, so stopping a thread means waiting for its end, and a
+  // thread that cannot be joined is not waited for. Held by Thread.StopWaitsForTheBodyToEnd.
   if (thread->thread == kNoThread) return 0;
   // A thread is joined once: a second stop finds none.
   if (pthread_join(thread->thread, nullptr) == 0) thread->thread = kNoThread;

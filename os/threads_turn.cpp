@@ -13,12 +13,12 @@
 namespace qvx {
 namespace {
 
-// The system gives no thread this identifier.
+// An identifier that the system gives to no thread.
 constexpr pthread_t kNobody{};
 
 // A thread that works without a pause would leave the others only the moments between two of its
-// calls, too short to be met by one who looks every millisecond. So after this time it leaves the
-// turn to the other threads, and after the longer one the process leaves the lock to the others.
+// calls, too short for a thread that looks every millisecond. So after this time it leaves the turn
+// to the other threads, and after the longer time the process leaves the lock to other processes.
 constexpr u64 kThreadsRun = 10;
 constexpr u64 kProcessRun = 100;
 // Longer than a sleep between two attempts.
@@ -27,10 +27,11 @@ constexpr useconds_t kPause = 2000;
 constinit std::atomic<pthread_t> holder{kNobody};
 constinit std::atomic<u32> waiting{0};
 
-// What follows belongs to the holder.
+// Only the holder uses what follows.
 u32 takes = 0;
 
-// Since when, in ms, the lock has gone round among threads that waited for it; 0 while none waits.
+// The time, in ms, since which the lock has passed among threads that waited for it; 0 while none
+// waits.
 struct Run {
   pthread_t thread;
   u64 ofThread;
@@ -50,7 +51,7 @@ bool TryTurn() {
                                         std::memory_order_relaxed);
 }
 
-// The child of a fork starts with none waiting, also where the waiting thread forked.
+// The child of a fork starts with no thread waiting, even if a waiting thread forked.
 void EndWaiting() {
   u32 count = waiting.load(std::memory_order_relaxed);
   while (count != 0 && !waiting.compare_exchange_weak(count, count - 1)) {
@@ -68,7 +69,7 @@ s32 WaitForTurn(s32 timeout) {
   return status == 0 ? sleeps : -1;
 }
 
-// Whether `since` lies so far back; if so the run begins anew.
+// Whether `since` is that long ago; if so, the run begins again.
 bool HasRun(u64* since, u64 now, u64 limit) {
   if (*since == 0) *since = now;
   if (now - *since < limit) return false;

@@ -8,18 +8,20 @@
 namespace qvx {
 
 // The record lock keeps processes apart, not the threads of one. So operations under the file lock
-// take their turn among the process's threads first.
+// first take a turn among the process's threads.
 
-// Tries until the turn is the thread's, `timeout` sleeps of 1 ms at most. The sleeps that it took,
-// or -1 when the turn stayed with another thread. A thread that has the turn takes it once more.
+// Tries until the thread has the turn, with at most `timeout` sleeps of 1 ms. Returns the sleeps
+// that it took, or -1 when another thread kept the turn. A thread that has the turn takes it once
+// more.
 s32 TakeThreadsTurn(s32 timeout);
 
-// The thread's last give ends its turn. The file lock must be free by then. Where others of the
-// process wait, the give sleeps now and then, so that other threads and other processes, which look
-// every millisecond, find the lock free.
+// The thread's last give ends its turn. The file lock must be free by then. While other threads of
+// the process wait, the give sometimes sleeps, so that other threads and other processes, which
+// look every millisecond, find the lock free.
 void GiveThreadsTurn();
 
-// In the child of a fork: the thread that had the turn does not exist there, unless it forked.
+// Called in the child of a fork: the thread that had the turn does not exist there, unless it
+// forked.
 void FreeThreadsTurnInChild();
 
 }  // namespace qvx

@@ -98,7 +98,7 @@ bool TornLogNotes::Store() {
       put = pwrite(lockFile, &file, static_cast<size_t>(length), 0);
     } while (put < 0 && errno == EINTR);
     if (put != static_cast<ssize_t>(length)) {
-      stored_ = std::max(stored_, length);  // what was put is cut again
+      stored_ = std::max(stored_, length);  // what was written is cut off again
       return false;
     }
   }

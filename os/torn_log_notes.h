@@ -9,7 +9,7 @@
 
 namespace qvx {
 
-// Which file, whatever its names.
+// Identifies a file, whatever its names.
 struct FileId {
   u64 device;
   u64 inode;
@@ -22,8 +22,8 @@ inline bool operator==(const FileId& one, const FileId& other) {
 inline FileId FileIdOf(const struct stat& status) { return {status.st_dev, status.st_ino}; }
 
 // What a log looked like before a write that a kill could cut: the write begins at `offset`, where
-// the closing tag is, and ends at `end`. `sum` is SumOf the bytes that it puts before the first
-// page border, which even a write that is cut leaves whole.
+// the closing tag is, and ends at `end`. `sum` is SumOf the bytes that it writes before the first
+// page border; even a write that is cut leaves them whole.
 struct TornLogNote {
   FileId file;
   u64 offset;
@@ -43,11 +43,11 @@ inline constexpr u64 FirstBorderAfter(u64 offset) {
 inline constexpr u64 kEmptySum = 0xCBF29CE484222325;
 u64 SumOf(const void* bytes, u64 count, u64 sum = kEmptySum);
 
-// Whether the lock file holds anything. May be asked without the lock: the answer is then a hint.
+// Whether the lock file holds anything. May be called without the lock; the result is then a hint.
 bool MayHaveTornLogNotes();
 
-// The notes of all processes. They lie in the lock file, which is empty without one; whatever else
-// it holds counts for nothing and is replaced by the first note. An object is made and used within
+// The notes of all processes. They are in the lock file, which is empty without notes; any other
+// content counts for nothing and is replaced by the first note. An object is made and used within
 // one hold of the file lock.
 class TornLogNotes {
  public:
@@ -58,7 +58,7 @@ class TornLogNotes {
 
   // Null when there is no note of this file.
   const TornLogNote* Find(const FileId& file) const;
-  // Replaces the file's note; the oldest gives way to the 65th. False when it cannot be written.
+  // Replaces the file's note; the 65th note replaces the oldest. False when it cannot be written.
   bool Add(const TornLogNote& note);
   void Drop(const FileId& file);
 

@@ -15,8 +15,8 @@ namespace {
 
 constexpr u32 kCacheRoom = 256;
 
-// The path is the product's and never changes, so that its size is all there is to keep: 0 while
-// the path is not set. Read without a lock, which a child of fork might find taken for ever.
+// The product's path never changes, so only its size is kept: 0 while the path is not set. It is
+// read without a lock, because a child of fork might find the lock taken for ever.
 constinit std::atomic<u32> cachedSize{0};
 
 u32 FillCache() {

@@ -8,7 +8,7 @@
 namespace qvx {
 
 // The install path, which the first attach puts into a cache; new heap texts, null when it cannot
-// be set or copied. The product's install path is the same without what follows its last "/".
+// be set or copied. The product's install path is this path without what follows its last "/".
 astring* SUPTIntfGetQVXInstallPath();
 astring* SUPTIntfGetProductInstallPath();
 

@@ -13,10 +13,10 @@ astring* SUPTIntfGetOSLocaleName();
 astring* SUPTIntfGetOSLanguage();
 astring* SUPTIntfGetOSCountry();
 
-// Static text, "en_US" for an identifier that the table does not hold.
+// Static text, "en_US" for an identifier that is not in the table.
 const astring* SUPTIntfGetLocaleName(u32 languageId);
 
-// What stands before and behind the first "_" of a locale name; null without one.
+// The parts before and after the first "_" of a locale name; null without one.
 astring* LanguageOf(const astring* localeName);
 astring* CountryOf(const astring* localeName);
 

@@ -69,8 +69,8 @@ u32 CfgWebServer(u32 action, u32 /*reserved*/, s32* exitCode) {
   if (action == QVX_WEBSERVER_RESTART || action == QVX_WEBSERVER_RESTART_TOO) CloseInherited();
   astring command[kCommandRoom];
   FormatCommand(command, WordOf(action));
-  // Deliberate: only the upper bits of the wait status count, so that a shell ended by a signal
-  // passes for a success. Held by WebServer.ShellEndedBySignalPassesForSuccess.
+  // Deliberate: only the upper bits of the wait status count, so a shell that a signal ended counts
+  // as a success. Held by WebServer.ShellEndedBySignalPassesForSuccess.
   const s32 code = static_cast<s32>(system(command)) >> 8;
   if (exitCode != nullptr) *exitCode = code;
   if (code == 0) return SM_STATUS_SUCCESS;

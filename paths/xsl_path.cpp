@@ -84,8 +84,9 @@ bool FindLocaleFile(SheetPath* path, const Search& search, const astring* file,
   return FindFile(path, search, file, directory.text);
 }
 
-// Deliberate: where the default locale had to stand in once, found or not, it does so from then on.
-// Held by XslPath.GlobalsAreSoughtOnlyUnderTheStandInOnceItWasNeeded.
+// Deliberate: once the default locale has been used as a substitute, whether or not the file was
+// found, it is used from then on. Held by
+// XslPath.GlobalsAreSoughtOnlyUnderTheStandInOnceItWasNeeded.
 bool FindLocaleOrDefaultFile(SheetPath* path, const Search& search, const astring* file,
                              const astring** locale) {
   if (FindLocaleFile(path, search, file, *locale)) return true;
@@ -188,7 +189,8 @@ astring* SUPTIntfGetXSLPathLocale(const astring* product, const astring* dir, co
   base.Append("/");
   base.Append(product);
   HeapArray<astring> result(SheetOrPath(base.text, dir, file, locale, flags));
-  // Finds nothing while every path goes through ConvertPathToURI, which turns them for any flag.
+  // Finds nothing while every path goes through ConvertPathToURI, which converts them whatever the
+  // flag is.
   if (result && forwardSlashes != 0) TurnBackslashes(result.get());
   return result.release();
 }

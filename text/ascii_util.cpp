@@ -19,7 +19,7 @@ s32 Folded(astring character) {
   return byte >= 'A' && byte <= 'Z' ? byte - 'A' + 'a' : byte;
 }
 
-// The character behind the one that completes the match; null when `find` is never completed.
+// The character after the one that completes the match; null when `find` is never completed.
 const astring* MatchEnd(const astring* text, const astring* find) {
   // Deliberate: characters between those of `find` do not reset the match, so that "bd" is found in
   // "bcd". Held by AsciiUtil.ReplacedSpanEndsAtTheCharacterThatCompletesTheMatch.
@@ -30,9 +30,9 @@ const astring* MatchEnd(const astring* text, const astring* find) {
   return nullptr;
 }
 
-// Deliberate: without a match, as many characters of `text` are copied as the text standing in
-// `out` is long, filled up with zeros where `text` is shorter; a longer `text` is cut there. Held
-// by AsciiUtil.WithoutAMatchTheStandingTextsLengthIsCopied.
+// Deliberate: without a match, the length of the text already in `out` is the number of characters
+// copied from `text`; a shorter `text` is filled up with zeros, a longer one is cut. Held by
+// AsciiUtil.WithoutAMatchTheStandingTextsLengthIsCopied.
 void CopyOverStandingText(astring* out, u32 size, const astring* text) {
   const size_t room = strnlen(out, size);
   const size_t copied = strnlen(text, room);
@@ -40,7 +40,8 @@ void CopyOverStandingText(astring* out, u32 size, const astring* text) {
   memset(out + copied, 0, room - copied);
 }
 
-// Sends every character through `map`, one of the locale's case tables; how many there were.
+// Sends every character through `map`, one of the locale's case tables; returns how many there
+// were.
 u32 MapInPlace(astring* text, int (*map)(int)) {
   u32 count = 0;
   for (; *text != '\0'; ++text, ++count) {

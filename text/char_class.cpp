@@ -30,7 +30,7 @@ bool IsUpperHexDigit(astring character) {
 
 bool IsNullOrEmpty(const astring* text) { return text == nullptr || *text == '\0'; }
 
-// An empty text passes: those that must not be empty are refused before.
+// An empty text passes: where none is allowed, it has been refused before.
 u32 EachIs(const astring* text, bool (*accepted)(astring character)) {
   for (; *text != '\0'; ++text) {
     if (!accepted(*text)) return SM_STATUS_INVALID_PARAMETER;
@@ -42,7 +42,7 @@ u32 EachIs(const astring* text, bool (*accepted)(astring character)) {
 
 u32 IsASCIIIntNum(const astring* text, u32 allowSign) {
   if (IsNullOrEmpty(text)) return SM_STATUS_INVALID_PARAMETER;
-  // Deliberate: a sign with nothing behind it passes, so that a number may be checked while it is
+  // Deliberate: a sign with nothing after it passes, so that a number may be checked while it is
   // being typed. Held by CharClass.ALoneSignIsAnIntegerWhereSignsAreAllowed.
   if (allowSign != 0 && (*text == '+' || *text == '-')) ++text;
   return EachIs(text, IsDigit);
@@ -50,7 +50,7 @@ u32 IsASCIIIntNum(const astring* text, u32 allowSign) {
 
 u32 IsASCIIHexNum(const astring* text, u32 lowerCase) {
   if (IsNullOrEmpty(text)) return SM_STATUS_INVALID_PARAMETER;
-  // Deliberate: the prefix is "0x" with a small x only, and may stand alone. Held by
+  // Deliberate: the prefix is "0x" with a small x only, and may be the whole text. Held by
   // CharClass.TheHexPrefixAloneIsANumber.
   if (text[0] == '0' && text[1] == 'x') text += 2;
   // Deliberate: letters of one case only; a text that mixes them fails both ways. Held by

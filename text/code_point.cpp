@@ -93,8 +93,8 @@ u32 UTF8CharsToUCS4Char(u32* codePoint, const astring* in, u32* length) {
   const u32 count = kLengthByLead[lead];
   if (count == 0) return SM_STATUS_BAD_DATA;
   u32 value = lead & ~kUtf8Forms[count - 1].leadMask;
-  // Deliberate: a following byte only must not be zero; its upper two bits, overlong forms,
-  // surrogates and the last code point are not checked.
+  // Deliberate: a following byte is only checked not to be zero; its upper two bits, overlong
+  // forms, surrogates and the last code point are not checked.
   // Held by CodePoint.FollowingBytesAndOverlongFormsAreNotChecked.
   for (u32 at = 1; at < count; ++at) {
     const u32 byte = static_cast<u8>(in[at]);

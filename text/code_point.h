@@ -7,26 +7,27 @@
 
 namespace qvx {
 
-// One code point to or from its encoded form. Each encoder takes the room in `*size` and gives back
-// the elements written; with a null `out` it gives the elements needed. On failure `*size` stays.
+// One code point to or from its encoded form. Each encoder reads the room from `*size` and stores
+// the elements written there; with a null `out` it stores the elements needed. On failure `*size`
+// is unchanged.
 
 // UTF-8 in its six-byte form (RFC 2279): code points to 0x7FFFFFFF, surrogates like any other.
 u32 UCS4CharToUTF8Chars(astring* out, u32* size, u32 codePoint);
 
-// Reads no byte behind a zero byte. After a failure `*codePoint` is 0 and `*length` as it was.
+// Reads no byte after a zero byte. After a failure `*codePoint` is 0 and `*length` is unchanged.
 u32 UTF8CharsToUCS4Char(u32* codePoint, const astring* in, u32* length);
 
 // `*size` counts 16-bit units.
 u32 UCS4CharToUTF16Chars(ustring* out, u32* size, u32 codePoint);
 
-// One unit, or a surrogate pair; how many were read is not told.
+// One unit, or a surrogate pair; how many were read is not reported.
 u32 UTF16CharsToUCS4Char(u32* codePoint, const ustring* in);
 
 // As UCS4CharToUTF8Chars, but a character of the XML table becomes its entity and sets `*escaped`
-// (may be null). An entity is followed by a NUL that `*size` does not count: give one byte more.
+// (may be null). An entity is followed by a NUL that `*size` does not count: allow one byte more.
 u32 UCS4CharToXMLUTF8Chars(astring* out, u32* size, booln* escaped, u32 codePoint);
 
-// A character that XML text cannot hold as it is, and what stands for it.
+// A character that XML text cannot hold as it is, and its replacement.
 struct XmlEntity {
   char character;
   astring text[8];  // terminated
@@ -36,7 +37,7 @@ struct XmlEntity {
 // The table's characters.
 inline constexpr char kXmlCharacters[] = "\"&'<>";
 
-// Null for a character that stands for itself.
+// Null for a character that needs no replacement.
 const XmlEntity* FindXmlEntity(u32 codePoint);
 
 }  // namespace qvx

@@ -24,14 +24,14 @@ u32 GrownCapacity(u32 capacity, u32 needed) {
   return static_cast<u32>(std::min<u64>(std::max<u64>(needed, grown), kMaxSize));
 }
 
-// Both forms are the same but for the width of a unit: sizes are bytes, lengths are units. An odd
+// Both forms differ only in the width of a unit: sizes are bytes, lengths are units. An odd
 // capacity of the 16-bit form is rounded up, so that the terminator of a capacity of 1 has room.
 template <typename Unit>
 HeapArray<Unit> AllocText(u32 capacity) {
   return AllocArray<Unit>((u64{capacity} + sizeof(Unit) - 1) / sizeof(Unit));
 }
 
-// The C library moves pages of a large block, where a new one would be filled again.
+// The C library moves the pages of a large block; a new block would be filled again.
 template <typename Unit>
 Unit* ReAllocText(Unit* text, u32 capacity) {
   const u64 bytes = (u64{capacity} + sizeof(Unit) - 1) / sizeof(Unit) * sizeof(Unit);
@@ -150,7 +150,7 @@ ustring* SSUStrCatAStr(SSUStr* record, const astring* text) {
   if (length * sizeof(ustring) + sizeof(ustring) > kMaxSize) return nullptr;
   const HeapArray<ustring> units = AllocArray<ustring>(length + 1);
   if (!units) return nullptr;
-  u32 size = static_cast<u32>(length);  // in units; the terminator's own is held back
+  u32 size = static_cast<u32>(length);  // in units; the terminator's unit is held back
   if (UTF8StrToUCS2Str(units.get(), &size, text) != 0) return record->text;
   return SSUStrCatUStr(record, units.get());
 }

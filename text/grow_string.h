@@ -22,9 +22,9 @@ ustring* SSUStrCatAStr(SSUStr* record, const astring* text);
 // SSAStrCatAStr for a text whose length is known; `text` need not be terminated.
 astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count);
 
-// Room for `count` characters and their NUL after the record's text, by the growth rule: the place
-// for them, null when the record cannot grow. Whoever fills it sets the length and the NUL. Text
-// that moves leaves its block in `old`, unless another is kept there.
+// Makes room for `count` characters and their NUL after the record's text, by the growth rule.
+// Returns the place for them, null when the record cannot grow. The caller that fills it sets the
+// length and the NUL. When the text moves, its block stays in `old`, unless another is kept there.
 astring* SSAStrMakeRoom(SSAStr* record, u64 count, HeapArray<astring>* old);
 
 }  // namespace qvx

@@ -96,9 +96,8 @@ u32 FindNextHashID(void* table, u32 size, u32* word, u32* bit) {
   const u32 behind = *bit < kWordBits ? BitsFrom(*bit + 1) : 0;
   const u32 rest = ReadWord(table, *word) & behind;
   if (rest != 0) return MoveCursor(rest, *word, word, bit);
-  // Deliberate: the cursor's bit is the first bit looked at in every later word too, so identifiers
-  // whose bit lies below it are passed over. Held by
-  // HashId.EnumerationPassesOverLowerBitsOfLaterWords.
+  // Deliberate: the cursor's bit is also the first bit examined in every later word, so identifiers
+  // whose bit is below it are skipped. Held by HashId.EnumerationPassesOverLowerBitsOfLaterWords.
   const u32 visited = BitsFrom(*bit);
   if (visited == 0) return 0;
   for (u32 at = *word + 1; at < words; ++at) {

@@ -23,7 +23,7 @@ class ListGuard {
   const u32 lock_;
 };
 
-// A header with its lock and no entries; null when either is not to be had.
+// A header with its lock and no entries; null when either cannot be made.
 template <typename List>
 List* AllocList() {
   List* list = static_cast<List*>(malloc(sizeof(List)));
@@ -42,7 +42,7 @@ void FreeList(List* list) {
   free(list);
 }
 
-// An entry with its payload right behind the links, which stay as malloc gives them.
+// An entry with its payload right after the links, which stay as malloc leaves them.
 template <typename Entry>
 Entry* AllocEntry(u32 size) {
   const u64 bytes = sizeof(Entry) + u64{size};

@@ -47,7 +47,7 @@ u32 MeasureUnits(u32* size, const astring* text) {
 }  // namespace
 
 u32 GetLocalLanguageID() {
-  // Deliberate: LANG and the current locale have no say in it.
+  // Deliberate: LANG and the current locale have no effect on it.
   // Held by LocaleText.TheLanguageIsTheSameWhateverLangSays.
   return kEnglishUnitedStates;
 }
@@ -85,7 +85,7 @@ u32 ASCIIToUnicode(ustring* out, u32* size, const astring* text) {
   if (size == nullptr) return kMinusOne;
   if (out == nullptr || *size == 0) return MeasureUnits(size, text);
   const size_t room = *size / 2;
-  const size_t bytes = strlen(text);  // no character has fewer bytes than one
+  const size_t bytes = strlen(text);  // every character has at least one byte
   const size_t limit = bytes < room ? bytes : room;
   auto wide = AllocArray<wchar_t>(u64{limit} + 1);
   if (!wide) return kMinusOne;

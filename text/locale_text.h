@@ -9,12 +9,12 @@ namespace qvx {
 
 u32 GetLocalLanguageID();
 
-// The C library's current multibyte encoding; not the exported converters of these names, which
-// speak UTF-8. Every failure is 0xFFFFFFFF and leaves `*size` as it was; `size` may be null only
-// with an empty text.
+// The C library's current multibyte encoding; not the exported converters of these names, which use
+// UTF-8. Every failure is 0xFFFFFFFF and leaves `*size` as it was; `size` may be null only with an
+// empty text.
 
 // At most `*size` bytes: what does not fit is left off, and a result that fills the size has no
-// NUL. Gives the bytes written plus one; a null output or a size of 0 only measures.
+// NUL. Returns the bytes written plus one; a null output or a size of 0 only measures.
 u32 UnicodeToASCII(astring* out, u32* size, const ustring* text);
 u32 UnicodeToLocal(astring* out, u32* size, const ustring* text);
 

@@ -51,7 +51,7 @@ u32 HexNumStatus(const astring* text) {
   return status == SM_STATUS_SUCCESS ? status : IsASCIIHexNum(text, 0);
 }
 
-// Scans a text that passed its character test, if it did, and completes the status.
+// Scans the text if it passed its character test, and completes the status.
 u32 ScanChecked(const astring* text, ScanBase base, u32 checked, u32* status) {
   if (checked != SM_STATUS_SUCCESS) {
     StoreStatus(status, checked);
@@ -69,7 +69,7 @@ bool ScanInBase(const astring* text, u32 base, u32* status, u32* value) {
     return true;
   }
   if (base == 16) {
-    // Deliberate: the text itself tells its base: 0x1F is 31, 10 is 10, 010 is 8, and letters
+    // Deliberate: the text itself decides its base: 0x1F is 31, 10 is 10, 010 is 8, and letters
     // without the prefix are no number. Held by NumberText.Base16TakesTheBaseFromTheText.
     *value = ScanChecked(text, kTextBase, HexNumStatus(text), status);
     return true;
@@ -160,8 +160,8 @@ booln ASCIIToBoolnV(const astring* text, u32* status) {
 
 u32 ASCIIToUnSigned32VT(const astring* text, u32 base, u32* status) {
   u32 value = 0;
-  // Deliberate: a base that is not known gives all bits set here, and 0 in the signed conversion.
-  // Held by NumberText.AnUnknownBaseGivesAllBitsSetUnsignedAndZeroSigned.
+  // Deliberate: an unknown base results in all bits set here, and 0 in the signed conversion. Held
+  // by NumberText.AnUnknownBaseGivesAllBitsSetUnsignedAndZeroSigned.
   return ScanInBase(text, base, status, &value) ? value : kMinusOne;
 }
 
@@ -194,8 +194,8 @@ void Signed64ToASCII(astring* out, s64 value) { (void)WriteSigned(out, value); }
 
 void DoubleToASCII(astring* out, d64 value) {
   if (out == nullptr) return;
-  // Deliberate: the room is the length of the text that stands in the buffer, so the result is one
-  // character shorter than that text at most. Held by
+  // Deliberate: the room is the length of the text already in the buffer, so the result is at most
+  // as long as that text minus one character. Held by
   // NumberText.DoubleIsCutToTheLengthOfTheStandingTextMinusOne.
   (void)snprintf(out, strlen(out), "%.8f", value);
 }
@@ -232,8 +232,8 @@ void ltostr(astring* out, u32 value, s32 base) {
 
 void dec2bin(astring* out, u32 value) {
   if (out == nullptr) return;
-  // Deliberate: binary digits have room for a terminator alone, so the text of any number but 0 is
-  // empty, and that of 0 is the standing text reversed. Held by
+  // Deliberate: binary digits have room for a terminator alone, so the text of any number except 0
+  // is empty, and that of 0 is the text already in the buffer, reversed. Held by
   // NumberText.BinaryTextIsEmptyAndThatOfZeroTheStandingTextReversed.
   if (value != 0) *out = '\0';
   strrev(out);

@@ -35,15 +35,15 @@ bool MatchesName(const astring* entry, const astring* name, bool ignoreCase) {
   for (; entry != equalSign; ++entry, ++name) {
     if (!SameCharacter(*name, *entry, ignoreCase)) return false;  // also where the name ends
   }
-  // Deliberate: a search name may carry an "=" and a value of its own, which are passed over. Held
-  // by ParamVector.ASearchNameWithAValueMatchesOnItsNamePart.
+  // Deliberate: a search name may include an "=" and a value, which are ignored. Held by
+  // ParamVector.ASearchNameWithAValueMatchesOnItsNamePart.
   return *name == '\0' || *name == '=';
 }
 
 // Deliberate: twice the name's length is compared, because the look-up counts wide characters of 32
 // bits where units have 16. The search name ends where the entry has its "=", so the two always
 // differ there at the latest, whatever the case flag says: no 16-bit name is ever found, and
-// nothing behind a terminator is read. Held by ParamVector.A16BitNameIsNeverFound.
+// nothing after a terminator is read. Held by ParamVector.A16BitNameIsNeverFound.
 bool MatchesName(const ustring* entry, const ustring* name) {
   const ustring* equalSign = FindEqualSign(entry);
   if (equalSign == nullptr) return false;

@@ -10,11 +10,12 @@
 namespace qvx {
 
 // Number texts, read as formatted input reads them: leading white space, one sign, digits up to the
-// first character that is none. Numbers are scanned wide and the low 32 bits are kept, so that the
-// same text gives the same value on machines whose `long` has 32 bits and on those where it has 64.
+// first character that is no digit. Numbers are scanned wide and the low 32 bits are kept, so that
+// the same text gives the same value on machines whose `long` has 32 bits and on those where it has
+// 64.
 
-// How the base is told: by the caller, or by the text ("0x" hexadecimal, a leading 0 octal).
-// kHexBase tolerates the "0x" prefix. There is no binary prefix.
+// What decides the base: the caller, or the text ("0x" hexadecimal, a leading 0 octal). kHexBase
+// tolerates the "0x" prefix. There is no binary prefix.
 enum ScanBase : u32 { kTextBase = 0, kOctalBase = 8, kDecimalBase = 10, kHexBase = 16 };
 
 // A number text taken apart. The magnitude stays at the greatest 64-bit value when digits go on.
@@ -58,7 +59,7 @@ inline ScannedNumber ScanDigits(const astring* digits, u32 base, bool negative) 
   return number;
 }
 
-// Text must not be null. "0x" without a digit behind it is the number 0.
+// Text must not be null. "0x" without a digit after it is the number 0.
 inline ScannedNumber ScanNumber(const astring* text, ScanBase base) {
   const astring* at = SkipAsciiSpace(text);
   const bool negative = *at == '-';

@@ -11,7 +11,7 @@
 namespace qvx {
 namespace {
 
-// Links the entry behind its predecessor, or first without one. The caller holds the lock.
+// Links the entry after its predecessor, or first when it has none. The caller holds the lock.
 void LinkBehind(PXTSLList* list, PXTSLListEntry* entry, PXTSLListEntry* previous) {
   PXTSLListEntry** link = previous == nullptr ? &list->head : &previous->next;
   entry->next = *link;
@@ -20,8 +20,8 @@ void LinkBehind(PXTSLList* list, PXTSLListEntry* entry, PXTSLListEntry* previous
   ++list->count;
 }
 
-// Takes out the entry behind `previous`, or the first one without it; the entry's own link stays as
-// it is. The caller holds the lock.
+// Removes the entry after `previous`, or the first one when there is none; the entry's own link is
+// unchanged. The caller holds the lock.
 void UnlinkBehind(PXTSLList* list, PXTSLListEntry* entry, PXTSLListEntry* previous) {
   PXTSLListEntry** link = previous == nullptr ? &list->head : &previous->next;
   *link = entry->next;
@@ -62,8 +62,8 @@ PXTSLListEntry* SLListRemoveEntryAtHead(PXTSLList* list) {
 }
 
 PXTSLListEntry* SLListRemoveEntryAtTail(PXTSLList* list) {
-  // Deliberate: the lock is let go between reading the tail and taking it out. What was the tail at
-  // first is returned, though another thread may have taken it out meanwhile. Held by
+  // Deliberate: the lock is released between reading the tail and removing it. The tail read first
+  // is returned, though another thread may have removed it meanwhile. Held by
   // SList.TailRemovalReturnsTheTailItReadThoughTheListNoLongerHoldsIt.
   PXTSLListEntry* entry = ReadTail(list);
   SLListDeleteEntry(list, entry);

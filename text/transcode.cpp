@@ -50,7 +50,7 @@ bool AppendPlain(Output<Element>* output, Element element) {
 }
 
 u32 AppendUtf8(Output<astring>* output, u32 codePoint) {
-  if (codePoint < kFirstBeyondASCII) {  // most of what there is
+  if (codePoint < kFirstBeyondASCII) {  // most characters
     return AppendPlain(output, static_cast<astring>(codePoint)) ? SM_STATUS_SUCCESS
                                                                 : SM_STATUS_BUFFER_TOO_SMALL;
   }
@@ -95,8 +95,8 @@ const Element* PlainEnd(const Element* at, const Element* end) {
   return end - at < kPlainSteps ? end : at + kPlainSteps;
 }
 
-// Ends the text unchecked and gives its size in bytes. No room that a size can name holds a text
-// beyond 32 bits, so that one is too large for any buffer.
+// Ends the text unchecked and stores its size in bytes. A text whose size exceeds 32 bits is too
+// large for any buffer that a size can describe.
 template <typename Element>
 u32 Finish(const Output<Element>& output, u32* size) {
   const u64 bytes = (output.used + 1) * sizeof(Element);

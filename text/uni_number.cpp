@@ -15,9 +15,9 @@
 namespace qvx {
 namespace {
 
-// The text in the locale's encoding; empty when it is null, has a fault or memory is short. The
-// room is one byte a unit and one more: a text that needs more is read as far as it fits. One byte
-// behind that is never offered and stays zero, so that the text always ends.
+// The text in the locale's encoding; empty when it is null or malformed, or without enough memory.
+// The room is one byte a unit and one more: a text that needs more is read as far as it fits. One
+// byte after that is never offered and stays zero, so the text always ends.
 HeapArray<astring> Narrow(const ustring* text) {
   if (text == nullptr) return nullptr;
   const u64 room = UnitCount(text) + 1;
@@ -31,7 +31,7 @@ HeapArray<astring> Narrow(const ustring* text) {
 }
 
 // Widens a number's text into the caller's room. `size` counts bytes both ways; what does not fit
-// is cut so that the terminator does. The converter stores its terminator behind the units that it
+// is cut so that the terminator does. The converter stores its terminator after the units that it
 // is offered, so it is never offered the last one.
 s32 WidenInto(ustring* out, u32* size, const astring* text) {
   u32 needed = 0;

@@ -14,8 +14,8 @@ namespace {
 // Where the last split stopped. One for the process: a second split begun anywhere ends the first.
 ustring* nextToken = nullptr;
 
-// Deliberate: modulo 65536 and without sign, so a smaller first text does not give a negative
-// result; only zero or not zero means something. Held by UniString.StrcmpIsNeverNegative.
+// Deliberate: the difference is unsigned and modulo 65536, so a smaller first text does not produce
+// a negative result; only zero or not zero has a meaning. Held by UniString.StrcmpIsNeverNegative.
 s32 UnsignedDifference(ustring first, ustring second) {
   return static_cast<ustring>(first - second);
 }
@@ -29,7 +29,7 @@ bool IsInSet(ustring unit, const ustring* set) {
   return false;
 }
 
-// Where the leading run of units ends that are in the set, or of those that are not.
+// The end of the leading run of units that are in the set, or of units that are not.
 const ustring* EndOfRun(const ustring* string, const ustring* set, bool inSet) {
   while (*string != 0 && IsInSet(*string, set) == inSet) {
     ++string;
@@ -37,7 +37,7 @@ const ustring* EndOfRun(const ustring* string, const ustring* set, bool inSet) {
   return string;
 }
 
-// A text has room for more units than a result of 32 bits can tell.
+// A text has room for more units than a result of 32 bits can hold.
 u32 Capped(u64 count) { return static_cast<u32>(std::min(count, kMaxSize)); }
 
 }  // namespace
@@ -49,8 +49,8 @@ void Uni_strcpy(ustring* destination, const ustring* source) {
 }
 
 void Uni_strncpy(ustring* destination, const ustring* source, u32 count) {
-  // Deliberate: neither zeros behind a shorter source nor a terminator when the count runs out.
-  // Held by UniString.StrncpyNeitherPadsNorTerminates.
+  // Deliberate: it writes no zeros after a shorter source and no terminator when the count runs
+  // out. Held by UniString.StrncpyNeitherPadsNorTerminates.
   for (u32 at = 0; at < count; ++at) {
     destination[at] = source[at];
     if (source[at] == 0) return;
@@ -136,7 +136,7 @@ ustring* Uni_strset(ustring* string, ustring unit) {
 }
 
 void Uni_strnset(ustring* string, ustring unit, u32 count) {
-  // Deliberate: a count beyond the text's length goes on over the terminator and what follows it.
+  // Deliberate: a count beyond the text's length overwrites the terminator and what follows it.
   // Held by UniString.StrnsetWritesBeyondTheTerminator.
   for (u32 at = 0; at < count; ++at) {
     string[at] = unit;

@@ -11,10 +11,10 @@ namespace qvx {
 
 // Searches in 16-bit text. None reads beyond the page of the unit that ends it.
 
-// The units before the terminator; the library measures 16-bit text by this one.
+// The units before the terminator; the library measures 16-bit text with this function.
 u64 UnitCount(const ustring* text);
 
-// The same, but at most `limit`, for a text that need not end before.
+// The same, but at most `limit`; the text need not end before that.
 size_t UnitCountWithin(const ustring* text, size_t limit);
 
 // The first place of `unit`, or else of the terminator.

@@ -8,7 +8,7 @@
 //
 // QVX_WIDE_LOADS    16 bytes at a time, within the text
 // QVX_WIDE_PAGES    aligned loads that may pass a terminator, never its page; not in builds with a
-//                   sanitizer, which would report them, and which so check the plain loops
+//                   sanitizer, which would report them and thus check the plain loops
 // QVX_WIDE_SHUFFLE  byte shuffles, where the processor has them (HasByteShuffle)
 
 #if defined(QVX_WIDE) && defined(__SSE2__)

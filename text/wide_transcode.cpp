@@ -104,8 +104,8 @@ size_t NarrowAscii(astring* to, const ustring* from, size_t count) {
 
 #define QVX_SHUFFLES __attribute__((target("ssse3,popcnt")))
 
-// --- One and two bytes: results are shorter than their blocks. They gather in a piece of our own,
-// so that nothing is stored past the run. ---
+// --- One and two bytes: results are shorter than their blocks. They are collected in a separate
+// piece, so that nothing is stored past the run. ---
 
 constexpr size_t kPiece = 256;  // elements
 

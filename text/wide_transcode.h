@@ -10,9 +10,9 @@
 namespace qvx {
 
 // The greater part of most texts at once: runs of ASCII, of one- and two-byte characters (Latin,
-// Greek, Cyrillic, Hebrew, Arabic), and of well-formed three-byte ones (CJK). What comes out is
-// what transcode.cpp makes of the same characters one by one; where a run ends, and why, is left to
-// it.
+// Greek, Cyrillic, Hebrew, Arabic), and of well-formed three-byte ones (CJK). The result is what
+// transcode.cpp makes of the same characters one by one; where a run ends, and why, is left to
+// transcode.cpp.
 
 // How far a run went.
 struct Run {

@@ -40,9 +40,9 @@ bool Append(SSAStr* record, const astring* piece) {
 
 constexpr s32 kLongestEscape = sizeof "\\uffff" - 1;
 
-// Writes a unit's escaped form, at most kLongestEscape bytes, and gives the place behind it.
+// Writes a unit's escaped form, at most kLongestEscape bytes, and returns the place after it.
 astring* Escape(astring* to, ustring unit) {
-  // Deliberate: 0x7F stands for itself like the printable characters, and so does a double quote.
+  // Deliberate: 0x7F is written as it is, like the printable characters, and so is a double quote.
   // Held by XmlEscape.DeleteAndDoubleQuoteAreNotBackslashEscaped.
   const bool isPlain = unit >= 0x20 && unit <= 0x7F && unit != '\\';
   if (isPlain) {
@@ -100,8 +100,8 @@ HeapArray<astring> EscapeOnce(const astring* text, booln* escaped) {
   return result;
 }
 
-// What fits of a result that does not fit whole: clean bytes as far as there is room, entities
-// whole. `escaped` tells of the characters met on the way only.
+// Writes what fits of a result that does not fit whole: clean bytes as far as there is room,
+// entities whole. `escaped` covers only the characters met on the way.
 u32 FillRoom(astring* out, u32 room, booln* escaped, const astring* text) {
   if (escaped != nullptr) *escaped = 0;
   for (;;) {
@@ -139,7 +139,7 @@ u32 UTF8StrToXMLUTF8Str(astring* out, u32* size, booln* escaped, const astring* 
 }
 
 u32 UnicodeToEscape(astring* out, u32* size, const ustring* text) {
-  // Deliberate: not the status that the other converters give for a null text.
+  // Deliberate: the other converters return a different status for a null text.
   // Held by XmlEscape.ANullTextToEscapeIsABadArgument.
   if (text == nullptr) return SM_STATUS_BAD_ARGUMENT;
   EscapedText result;

@@ -11,7 +11,7 @@ namespace {
 constexpr size_t kMalformed = static_cast<size_t>(-1);
 constexpr size_t kIncomplete = static_cast<size_t>(-2);
 
-// The C library converts by the thread's locale: this one stands in for it meanwhile.
+// The C library converts by the thread's locale, so this one replaces it meanwhile.
 class LocaleInForce {
  public:
   explicit LocaleInForce(locale_t locale) : previous_(uselocale(locale)) {}
@@ -34,7 +34,7 @@ std::optional<std::wstring> ZarnStringUtilities::widen(const std::string& text, 
     const size_t used = std::mbrtowc(&character, text.data() + at, text.size() - at, &state);
     if (used == kMalformed || used == kIncomplete) return std::nullopt;
     wide.push_back(character);
-    at += used == 0 ? 1 : used;  // 0 stands for a NUL character
+    at += used == 0 ? 1 : used;  // 0 means a NUL character
   }
   return wide;
 }
