@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kGroupRoom = 100;
 
-// Asks with more and more room until the entry fits; its texts lie in `room`.
+// Retries with more and more room until the entry fits; its texts are in `room`.
 template <typename Entry, typename Key>
 bool LookUp(int (*ask)(Key, Entry*, char*, size_t, Entry**), Key key, Entry* entry,
             HeapArray<astring>* room) {
@@ -65,8 +65,8 @@ bool SystemUser::IsKnown() {
   return known_ == Answer::kYes;
 }
 
-// Deliberate: without memory for the list the user has no groups, so that the entries for anyone
-// decide, also where they grant more. Held by
+// Deliberate: without enough memory for the list the user has no groups, so the entries for anyone
+// decide, even where they grant more. Held by
 // RoleMapAlgorithm.WithoutMemoryForTheGroupListOnlyTheAnyUserEntriesCount.
 std::span<const gid_t> SystemUser::Groups() {
   if (!groupsAsked_ && IsKnown() && !FillGroups(kGroupRoom)) (void)FillGroups(groupCount_);

@@ -19,18 +19,19 @@ struct Account {
   gid_t group;  // the primary one
 };
 
-// False when the user database knows no such name, or cannot be asked.
+// False when the user database knows no such name, or cannot be queried.
 bool FindAccount(const astring* name, Account* account);
 
-// A heap copy of the name; empty when the database knows none, or without memory.
+// A heap copy of the name; empty when the database knows none, or without enough memory.
 HeapArray<astring> NameOfUser(uid_t user);
 HeapArray<astring> NameOfGroup(gid_t group);
 
-// The group's number; nothing when the database knows no such name, or cannot be asked.
+// The group's number; nothing when the database knows no such name, or cannot be queried.
 std::optional<gid_t> FindGroup(const astring* name);
 
-// A user as the system knows it. The account and the groups are asked for when they are needed, and
-// once: a user database may be another machine. Of the calling thread alone.
+// A user as the system knows it. The account and the groups are looked up when they are needed, and
+// only once, because a user database may be on another machine. For use by the calling thread
+// alone.
 class SystemUser {
  public:
   // The name stays the caller's.
@@ -44,7 +45,7 @@ class SystemUser {
   bool IsSuperuser() { return IsKnown() && account_.user == 0; }
 
   // The user's groups in the system's order, the primary one among them. None for an unknown user,
-  // or without memory.
+  // or without enough memory.
   std::span<const gid_t> Groups();
 
  private:

@@ -67,10 +67,10 @@ void QVAuthFileReader::OpenDraft() {
 
 void QVAuthFileReader::OpenStream() {
   if (!stream_) stream_ = std::make_unique<RoleMapStream>();
-  // Deliberate: a fault leaves the stream open where reading stopped, so that this second open
-  // fails and every later reading finds no records, also when the file has been corrected. So does
-  // a second open before the first reading. The default records stand until the process ends. Held
-  // by AuthFileReader.AfterABadRoleEveryLaterOpenAndReadFindsNoRecords.
+  // Deliberate: a fault leaves the stream open where reading stopped, so this second open fails and
+  // every later reading finds no records, even after the file has been corrected. A second open
+  // before the first reading has the same effect. The default records stay in force until the
+  // process ends. Held by AuthFileReader.AfterABadRoleEveryLaterOpenAndReadFindsNoRecords.
   stream_->Open(path_);
   if (!stream_->IsOpen()) throw QVXRoleMapFileReaderException(RoleFileOpenFailed, 0);
 }
@@ -91,8 +91,8 @@ void QVAuthFileReader::CheckFilePermissions() {
 
 std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetRecords() {
   const ZarnCriticalSection section(*this);
-  // Deliberate: the default records that a login puts here stand for loaded ones until the file's
-  // time changes. Held by
+  // Deliberate: the default records that a login puts here count as loaded until the file's time
+  // changes. Held by
   // AuthFileReader.DefaultRecordsStandInForLoadedOnesUntilTheTimeChanges.
   if (loaded_) return records_.List();
   records_.Clear();
@@ -103,9 +103,9 @@ std::deque<QVAuthFileRecord*>& QVAuthFileReader::GetRecords() {
   } catch (const QVXRoleMapFileReaderException&) {
     throw;
   } catch (...) {
-    // Deliberate: without memory the reading never goes on, for the rest of the file would be taken
-    // for the whole of it: the default records stand until the process ends. Held by
-    // UserRights.WithoutMemoryNoPartOfTheRoleMapIsTakenForTheWhole.
+    // Deliberate: without enough memory the reading never continues, because the rest of the file
+    // would be taken for the whole file; the default records stay in force until the process ends.
+    // Held by UserRights.WithoutMemoryNoPartOfTheRoleMapIsTakenForTheWhole.
     StopReading();
     throw;
   }

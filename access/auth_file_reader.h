@@ -16,7 +16,7 @@
 namespace qvx {
 
 // Records in the order of their lines, owned. The list is handed out as the suite's programs know
-// it, a queue of plain pointers; this class is what deletes them.
+// it, a queue of plain pointers; this class deletes them.
 class QVAuthFileRecords {
  public:
   QVAuthFileRecords() = default;
@@ -40,11 +40,11 @@ class QVAuthFileRecords {
 class QVAuthFileReader : public ZarnSupport::ZarnCriticalSectionObject {
  public:
   static QVAuthFileReader& GetInstance();
-  // At the process's exit, which does not do so under a thread that is at work with it.
+  // Runs at the process's exit, but not while a thread is using the reader.
   static void DeleteInstance();
 
-  // A reader of its own, also of another file: a tool checks a draft with it before it is put in
-  // place.
+  // A separate reader, which may read another file: a tool checks a draft with it before the draft
+  // is put in place.
   explicit QVAuthFileReader(const std::string& path = kRoleMapPath) : path_(path) {}
   ~QVAuthFileReader();
   QVAuthFileReader(const QVAuthFileReader&) = delete;
@@ -59,16 +59,16 @@ class QVAuthFileReader : public ZarnSupport::ZarnCriticalSectionObject {
   // A new modification time makes the records and the algorithm's maps stale. Runs under Open.
   void CheckFilePermissions();
 
-  // The records of the file, read when they are not loaded. Without memory nothing more of the file
-  // is read, now or later.
+  // The records of the file, read when they are not loaded. Without enough memory nothing more of
+  // the file is read, now or later.
   std::deque<QVAuthFileRecord*>& GetRecords();
 
   // Three built-in lines in place of the records: the superuser administers, its group are power
-  // users, everybody else is a user. Does not count as loaded. Without memory the records stay as
-  // they were.
+  // users, everybody else is a user. They do not count as loaded. Without enough memory the records
+  // stay as they were.
   std::deque<QVAuthFileRecord*>& GetDefaultRecords();
 
-  // Reads nothing more of a file that is open: what is left of it is not the whole of it.
+  // Reads nothing more of an open file: the rest of it is not the whole file.
   void StopReading();
 
  private:

@@ -33,10 +33,10 @@ std::wstring_view NextField(std::wstring_view& line) {
   return field;
 }
 
-// Hands each name of the field to `use`. No name has blanks around it, for the field has none.
+// Hands each name of the field to `use`. No name has blanks around it, because the field has none.
 template <typename Use>
 void ForEachName(std::wstring_view field, Use use) {
-  // Deliberate: an empty name between, before or behind commas is kept, and gives entries for the
+  // Deliberate: an empty name between, before or after commas is kept, and makes entries for the
   // empty user or host. Held by AuthFileRecord.AdjacentCommasKeepTheEmptyNameBetweenThem.
   for (size_t comma = 0; comma != std::wstring_view::npos;) {
     comma = field.find(kNameSeparator);

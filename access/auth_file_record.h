@@ -26,11 +26,12 @@ enum class TrimMode { kLeft, kRight, kBoth };
 // Without spaces and tabs at the ends named.
 std::wstring TrimWhitespace(const std::wstring& text, TrimMode mode);
 
-// Lower-case by the C library's `tolower`, which knows no character beyond 7 bits: others stay.
+// Lower-case by the C library's `tolower`, which knows only 7-bit characters: others stay
+// unchanged.
 std::wstring LowerCase(std::wstring text);
 
-// One line of the role map: users, hosts and a role, parted by blanks. Names of a field are parted
-// by commas; what follows the role is not read.
+// One line of the role map: users, hosts and a role, separated by blanks. Names of a field are
+// separated by commas; what follows the role is not read.
 class QVAuthFileRecord {
  public:
   // `line` without blanks at either end; `lineNumber` counts from 1, 0 is a built-in line.
@@ -54,7 +55,7 @@ class QVAuthFileRecord {
   std::wstring line_;
   s32 lineNumber_;
   // Owned. The suite's programs know these queues as queues of plain pointers, which GetRoles
-  // copies and RolemapDeleteObject empties; what is added is in an owner's hands until the queue
+  // copies and RolemapDeleteObject empties; a role that is being added has an owner until the queue
   // has it.
   std::deque<QVXRole*> roles_;
 };

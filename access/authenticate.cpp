@@ -35,8 +35,8 @@ bool ToUTF8(const ustring* text, SecretText* out) {
   return UCS2StrToUTF8Str(out->Get(), &size, text) == SM_STATUS_SUCCESS;
 }
 
-// Deliberate: an empty domain is a domain here, and gives "user@", though authorizing takes it as
-// none. Held by Authenticate.AnEmptyDomainIsADomain.
+// Deliberate: an empty domain counts as a domain here and results in "user@", though authorizing
+// treats it as none. Held by Authenticate.AnEmptyDomainIsADomain.
 bool JoinLogin(const ustring* domain, const SecretText& user, SecretText* login) {
   SecretText domainName;
   if (!ToUTF8(domain, &domainName)) return false;

@@ -17,7 +17,7 @@ u32 OSAuthorizeUser(const ustring* domain, const ustring* userName);
 s32 OSADAuthenticateUser(u32 a1, u32 a2, u32 a3, u32 a4, u32 a5, u32 a6, u32 a7, u8 a8, u32 a9);
 void* OSDomainList();
 
-// The same in the 8-bit texts that PAM takes; the login is split in place. May throw.
+// The same for the 8-bit texts that PAM uses; the login is split in place. May throw.
 u32 LXAuthenticateUser(astring* login, const astring* password);
 
 }  // namespace qvx

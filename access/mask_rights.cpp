@@ -21,7 +21,7 @@ constexpr u32 kOemNameRoom = 256;
 constexpr u32 kOverrideRoom = 8192;
 constexpr astring kOemFileSuffix[] = "oem.ini";
 
-// Empty when the OEM's name cannot be read, or without memory.
+// Empty when the OEM's name cannot be read, or without enough memory.
 HeapArray<astring> OemPath(const astring* prefix, const astring* iniFile) {
   astring oem[kOemNameRoom] = {};
   u32 size = sizeof(oem);
@@ -53,7 +53,7 @@ u32 ApplyMask(u32 rights, u32 mask, u32* reason) {
   const u32 high = rights & ~kLevelBits;
   switch (rights & kLevelBits) {
     case QVX_PRIV_USER:
-      // Deliberate: only the mask 3 keeps a user; 7 takes the access as 0 does. Held by
+      // Deliberate: only the mask 3 keeps a user's rights; 7 removes the access, as 0 does. Held by
       // MaskRights.AUserKeepsItsRightsOnlyWithMaskThree.
       if (mask == QVX_PRIV_POWERUSER) return rights;
       StoreReason(reason, QVX_MASKED_USER);
@@ -77,7 +77,7 @@ u32 MaskProgramRights(u32 rights, const astring* prefix, const astring* iniFile,
   const HeapArray<astring> path = OemPath(prefix, iniFile);
   const auto value = AllocArray<astring>(kOverrideRoom);
   if (!path || !value) return QVX_PRIV_NONE;
-  // Deliberate: the override raises any level to administrator, no access too, and drops the high
+  // Deliberate: the override raises any level to administrator, even no access, and drops the high
   // bits. Held by MaskRights.TheOverrideRaisesAnyLevelAndDropsTheHighBits.
   if (HasOverride(path.get(), value.get())) return QVX_PRIV_ADMINISTRATOR;
   u32 mask = 0;

@@ -29,7 +29,7 @@ class GroupWalk {
   const group* Next() {
     while (room_ || Grow(kEntryRoom)) {
       group* found = nullptr;
-      // The room stays this walk's own, which the analyzer loses sight of.
+      // This walk still owns the room, which the analyzer does not see.
       // NOLINTNEXTLINE(clang-analyzer-unix.Malloc)
       const int error = getgrent_r(&entry_, room_.get(), size_, &found);
       if (error == 0) return found;

@@ -15,18 +15,19 @@ u32 OSGetProcessRights();
 // A heap copy of the real user's name, or null.
 astring* OSGetProcessUser();
 
-// What the operating system alone says of a user: its superuser administers, the members of group 0
-// are power users, any other known user is a user. Without memory it answers less, never more.
+// The level that the operating system alone gives a user: its superuser is an administrator, the
+// members of group 0 are power users, any other known user is a user. Without enough memory the
+// level may be lower, never higher.
 u32 GetOSPrivilege(SystemUser& user);
-// The same by the name. No caller in the library; held by its tests.
+// The same by the name. No caller in the library; covered by its tests.
 u32 GetOSPrivilege(const astring* userName);
 
 // The groups that list the user as a member; the primary group counts only where it does. At most
 // `max` identifiers are stored; `max` 0 only counts. Walks the process's one cursor over the group
-// database: not for two threads at once. No caller in the library; held by its tests.
+// database: not for two threads at once. No caller in the library; covered by its tests.
 u32 getugroups(u32 max, u32* groups, const astring* name);
 
-// 0 when the user exists and is the superuser, else -1. No caller in the library; held by its
+// 0 when the user exists and is the superuser, else -1. No caller in the library; covered by its
 // tests.
 s32 isuserroot(const astring* name);
 

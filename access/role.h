@@ -16,11 +16,11 @@ enum QVXPrivilege : u32 {
   QVX_PRIV_USER = ::QVX_PRIV_USER,
   QVX_PRIV_POWERUSER = ::QVX_PRIV_POWERUSER,
   QVX_PRIV_ADMINISTRATOR = ::QVX_PRIV_ADMINISTRATOR,
-  // Stands beside the level of the operating system's superuser.
+  // Set in addition to the level of the operating system's superuser.
   QVX_PRIV_ROOT = ::QVX_PRIV_ROOT,
 };
 
-// One user on one host: an entry of the role map, or a query that is to be answered.
+// One user on one host: an entry of the role map, or a query to be answered.
 struct QVXRole {
   std::wstring user;  // as written; "+" begins a group, "*" is anybody
   std::wstring host;  // lower-case; "*" is any host, "*." marks a domain

@@ -25,12 +25,12 @@ namespace {
 using ZarnSupport::ZarnCriticalSection;
 using HostMap = std::map<std::wstring, u32>;
 
-// Of a map with this many groups it pays to look for the greatest grant first.
+// In a map with this many groups it pays to look for the greatest grant first.
 constexpr size_t kFewGroups = 32;
-// A user with so many groups for each that the map names is sought in the groups of these names.
+// A user with this many groups for each group in the map is looked up in the groups of these names.
 constexpr size_t kManyForEach = 4;
 
-// This machine's address texts, in the order of its interfaces; none when they cannot be had.
+// This machine's address texts, in the order of its interfaces; none when they are not available.
 class LocalAddresses {
  public:
   LocalAddresses() : list_(SUPTIntfHostGetHostIPAddrList(&count_)) {}
@@ -42,7 +42,7 @@ class LocalAddresses {
   HeapArray<astring> list_;
 };
 
-// Whether the key is the text of an address. Only then are the machine's own asked for.
+// Whether the key is the text of an address. Only then are the machine's own looked up.
 bool IsAddress(const std::wstring& key) {
   if (key.find_first_not_of(L"0123456789ABCDEFabcdef:.") != std::wstring::npos) return false;
   const std::string text(key.begin(), key.end());
@@ -58,13 +58,13 @@ std::wstring DomainKey() {
   return kDomainPrefix + LowerCase(wide.value_or(std::wstring()));
 }
 
-// Deliberate: the host is sought anywhere in the pattern, so that a part of a name is found and the
-// empty host is in every pattern. Held by RoleMapAlgorithm.TheEmptyHostIsInEveryDomainPattern.
+// Deliberate: the host is searched for anywhere in the pattern, so a part of a name is found and
+// the empty host is in every pattern. Held by RoleMapAlgorithm.TheEmptyHostIsInEveryDomainPattern.
 bool IsDomainPatternOf(const std::wstring& key, const std::wstring& host) {
   return key.find(kDomainPrefix) != std::wstring::npos && key.find(host) != std::wstring::npos;
 }
 
-// The grant of this very key, or 0.
+// The grant of exactly this key, or 0.
 u32 GrantOf(const HostMap& hosts, const std::wstring& key) {
   const auto found = hosts.find(key);
   return found == hosts.end() ? QVX_PRIV_NONE : found->second;
@@ -121,15 +121,15 @@ u32 GrantOfGroup(const HostMap& hosts, const std::wstring& host) {
   return grant;
 }
 
-// "+" and the group's name; empty where the system has no name, or none that can be widened.
+// "+" and the group's name; empty where the system has no name, or one that cannot be widened.
 std::wstring KeyOfGroup(gid_t group) {
   const HeapArray<astring> name = NameOfGroup(group);
   const std::optional<std::wstring> wide = name ? Widen(name.get()) : std::nullopt;
   return wide ? kGroupPrefix + *wide : std::wstring();
 }
 
-// Whether the user is in the group that the system finds by the name of the key. When this says no,
-// the user may still be in another group of that name.
+// Whether the user is in the group that the system finds by the name of the key. When this is
+// false, the user may still be in another group of that name.
 bool IsInGroupOfKey(const std::wstring& key, std::span<const gid_t> groups) {
   const std::optional<std::string> name = Narrow(key.substr(1));
   const std::optional<gid_t> group = name ? FindGroup(name->c_str()) : std::nullopt;
@@ -148,8 +148,8 @@ void QVXRoleMapAlgorithm::DeleteInstance() { delete &GetInstance(); }
 
 void QVXRoleMapAlgorithm::Initialize(const std::deque<QVAuthFileRecord*>& records) {
   const ZarnCriticalSection section(*this);
-  // Deliberate: while the maps are in force other records change nothing, the default records too,
-  // so that the file's roles answer logins as well. Held by
+  // Deliberate: while the maps are in force other records change nothing, not even the default
+  // records, so the file's roles decide logins too. Held by
   // UserRights.MapsOfTheFileInForceAnswerLoginsToo.
   if (initialized_) return;
   userMap_.clear();
@@ -169,7 +169,7 @@ void QVXRoleMapAlgorithm::Initialize(const std::deque<QVAuthFileRecord*>& record
 }
 
 // False when a plain user has this host already. Repeated grants to anyone and to groups merge: the
-// higher role wins, in whichever order they stand.
+// higher role wins, whatever their order.
 bool QVXRoleMapAlgorithm::AddRole(const QVXRole& role) {
   const bool isGroup = !role.user.empty() && role.user.front() == kGroupPrefix;
   if (role.user != kAnyone && !isGroup) {
@@ -188,8 +188,8 @@ void QVXRoleMapAlgorithm::GetUserPrivileges(QVXRole& query) const {
 }
 
 void QVXRoleMapAlgorithm::GetUserPrivileges(QVXRole& query, SystemUser& user) const {
-  // Deliberate: an entry that names the user decides, also where it grants less than a group's or
-  // anyone's does. Held by RoleMapAlgorithm.APersonalEntryBeatsAGreaterGroupEntry.
+  // Deliberate: an entry that names the user decides, even where it grants less than a group's or
+  // anyone's entry does. Held by RoleMapAlgorithm.APersonalEntryBeatsAGreaterGroupEntry.
   query.privileges = GrantByUser(query);
   if (query.privileges != QVX_PRIV_NONE) return;
   query.privileges = GrantByGroups(query, user);
@@ -201,7 +201,7 @@ u32 QVXRoleMapAlgorithm::GrantByUser(const QVXRole& query) const {
   if (found == userMap_.end()) return QVX_PRIV_NONE;
   const HostMap& hosts = found->second;
   // Deliberate: the plain host name is no key of this phase, though it is one for groups and for
-  // anyone; and addresses come before the domain here, behind the host name there. Held by
+  // anyone; and addresses come before the domain here, after the host name there. Held by
   // RoleMapAlgorithm.AUserEntryForThePlainHostNameGrantsNothing.
   if (const u32 grant = GrantOfDomainPattern(hosts, query.host)) return grant;
   if (const u32 grant = GrantOfAddresses(hosts)) return grant;
@@ -218,13 +218,13 @@ u32 QVXRoleMapAlgorithm::MostOfGroups(const std::wstring& host) const {
   return most;
 }
 
-// The grants of all groups count, the greatest wins; nothing more is asked once it is reached.
+// The grants of all groups count, the greatest wins; the search ends once it is reached.
 u32 QVXRoleMapAlgorithm::GrantByGroups(const QVXRole& query, SystemUser& user) const {
   const u32 most = MostOfGroups(query.host);
   if (groupMap_.empty() || most == QVX_PRIV_NONE) return QVX_PRIV_NONE;
   const std::span<const gid_t> groups = user.Groups();
   u32 grant = QVX_PRIV_NONE;
-  // To name each of hundreds of groups takes the system long: the few of the map come first.
+  // Naming each of hundreds of groups takes the system long, so the few of the map come first.
   if (groupMap_.size() <= std::min(kFewGroups, groups.size() / kManyForEach)) {
     for (const auto& [key, hosts] : groupMap_) {
       const u32 grantOfKey = GrantOfGroup(hosts, query.host);

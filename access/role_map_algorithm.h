@@ -15,27 +15,27 @@ namespace qvx {
 
 class SystemUser;
 
-// Answers what the role map grants a user. The entry that names the user beats the entries of the
+// Decides what the role map grants a user. The entry that names the user beats the entries of the
 // user's groups, and these beat the entries for anyone, even where they grant less.
 class QVXRoleMapAlgorithm : public ZarnSupport::ZarnCriticalSectionObject {
  public:
   static QVXRoleMapAlgorithm& GetInstance();
-  // At the process's exit, which does not do so under a thread that is at work with it.
+  // Runs at the process's exit, but not while a thread is using the algorithm.
   static void DeleteInstance();
   QVXRoleMapAlgorithm(const QVXRoleMapAlgorithm&) = delete;
   QVXRoleMapAlgorithm& operator=(const QVXRoleMapAlgorithm&) = delete;
 
   // Builds the maps, once until they are forgotten. Throws RoleConflict with the record's line when
-  // a plain user is given the same host a second time; what was built up to there then stands until
+  // a plain user is given the same host a second time; what was built up to there then stays until
   // the next call.
   void Initialize(const std::deque<QVAuthFileRecord*>& records);
 
-  // The maps are stale: the next Initialize builds them anew.
+  // Marks the maps as stale: the next Initialize builds them again.
   void ForgetInitialized() { initialized_ = false; }
 
-  // Sets the privileges of the query; 0 when the role map grants nothing. Takes no lock. The system
-  // is asked only for what can still change the answer. `user` is the query's user, of whom the
-  // caller may know something already.
+  // Sets the privileges of the query; 0 when the role map grants nothing. Takes no lock. Looks up
+  // in the system only what can still change the result. `user` is the query's user, about whom the
+  // caller may already know something.
   void GetUserPrivileges(QVXRole& query, SystemUser& user) const;
   void GetUserPrivileges(QVXRole& query) const;
 

@@ -33,8 +33,8 @@ bool RoleMapStream::FillBlock() {
   return true;
 }
 
-// Moves what the block has of the line to its end. Gives the byte that ends it: a newline, one
-// above 0x7F, or a NUL where the block came to its end first.
+// Moves what the block has of the line to its end. Returns the byte that ends it: a newline, one
+// above 0x7F, or a NUL when the block ended first.
 char RoleMapStream::TakeFromBlock(std::wstring& line) {
   const char* const from = block_ + next_;
   const char* const end = block_ + end_;
@@ -57,7 +57,7 @@ bool RoleMapStream::GetLine(std::wstring& line) {
     ending = TakeFromBlock(line);
   }
   if (ending == '\n') return true;
-  // Deliberate: what follows the last newline is lost, and so is the line of a byte above 0x7F with
+  // Deliberate: what follows the last newline is lost, and so is a line with a byte above 0x7F and
   // all that follows. Held by RoleMapStream.ALastLineWithoutNewlineIsNoLine.
   failed_ = true;
   return false;

@@ -40,14 +40,14 @@ constexpr size_t kLineNumberRoom = 21;
 // threads do not meet half-built maps.
 class RoleMap {
  public:
-  // A signal handler may end the process within a turn of its own thread.
+  // A signal handler may end the process while its own thread has the turn.
   using Mutex = std::recursive_mutex;
   using Lock = std::unique_lock<Mutex>;
   RoleMap(const RoleMap&) = delete;
   RoleMap& operator=(const RoleMap&) = delete;
 
-  // Throws once the process's exit takes the reader and the algorithm away: other threads and later
-  // exit handlers may still come to log somebody in.
+  // Throws once the process's exit destroys the reader and the algorithm: other threads and later
+  // exit handlers may still try to log somebody in.
   static Lock Enter() {
     static const RoleMap roleMap;
     Lock lock(mutex_);
@@ -57,8 +57,8 @@ class RoleMap {
 
  private:
   RoleMap() = default;
-  // Not waited for is a thread that is logging somebody in: in the child of a fork it does not
-  // exist. What it works with stays then; nobody else gets in.
+  // A thread that is logging somebody in is not waited for: in the child of a fork it does not
+  // exist. What it uses then stays; nobody else gets in.
   ~RoleMap() {
     gone_ = true;
     const Lock lock(mutex_, std::try_to_lock);
@@ -73,7 +73,7 @@ class RoleMap {
 constinit RoleMap::Mutex RoleMap::mutex_;
 constinit std::atomic<bool> RoleMap::gone_{false};
 
-// This machine's name, empty when it is not to be had.
+// This machine's name, empty when it is not available.
 struct HostName {
   HostName() {
     u32 size = sizeof(text);
@@ -82,8 +82,9 @@ struct HostName {
   astring text[kHostNameRoom] = {};
 };
 
-// The command log's entry of a fault of the role map. It is written at the end, when the role map's
-// turn has been given back: the log may have to be waited for, and other logins must not.
+// The command log's entry of a fault of the role map. It is written at the end, after the role
+// map's turn has been given back: writing may have to wait for the log, and other logins must not
+// wait too.
 class FaultReport {
  public:
   FaultReport() = default;
@@ -99,7 +100,7 @@ class FaultReport {
   }
 
  private:
-  // Without memory there is no entry.
+  // Without enough memory there is no entry.
   void Append() const {
     void* buffer = PXMAllocBuf(kDescriptionRoom, 0);
     if (buffer == nullptr) return;
@@ -113,8 +114,8 @@ class FaultReport {
   astring line_[kLineNumberRoom] = {};
 };
 
-// The default records stand in. Where they cannot be had, the lines behind the fault must not be
-// what the next query reads.
+// The default records are used instead. Where they cannot be made, the next query must not read the
+// lines after the fault.
 void StandIn() {
   QVAuthFileReader& reader = QVAuthFileReader::GetInstance();
   try {
@@ -125,8 +126,8 @@ void StandIn() {
   }
 }
 
-// What the role map grants; nothing to a name that cannot be widened. `known` is a user of whom the
-// system may have been asked already.
+// What the role map grants; nothing to a name that cannot be widened. `known` is a user whom the
+// system may already have been asked for.
 u32 RoleMapPrivileges(const astring* user, const astring* host, SystemUser& known) {
   const std::optional<std::wstring> wideUser = Widen(user);
   const std::optional<std::wstring> wideHost = Widen(host);
@@ -199,7 +200,7 @@ Login Split(astring* login) {
   return split;
 }
 
-// Nothing to the superuser, whose rights do not depend on it.
+// Grants the superuser nothing: the superuser's rights do not depend on the map.
 u32 LoginPrivileges(const Login& login, SystemUser& user) {
   const RoleMap::Lock lock = RoleMap::Enter();
   QVXRoleMapAlgorithm::GetInstance().Initialize(
@@ -215,7 +216,7 @@ u32 OSOpenRolemapFile() {
   try {
     OpenRolemapFile();
   } catch (...) {
-    return 0;  // without memory nothing can be said of the file
+    return 0;  // without enough memory nothing is known about the file
   }
   return 0;
 }
@@ -231,10 +232,10 @@ u32 OSGetRightsUsingRolemap() {
 u32 get_user_rights(astring* login) {
   if (login == nullptr) return QVX_PRIV_NONE;
   const Login split = Split(login);
-  // Deliberate: the system is asked of the caller's text as the split has left it, so for
-  // domain\user of the domain's name. Held by UserRights.TheSystemIsAskedOfTheDomainOfADomainLogin.
+  // Deliberate: the system looks up the caller's text as the split has left it, which for
+  // domain\user is the domain's name. Held by UserRights.TheSystemIsAskedOfTheDomainOfADomainLogin.
   SystemUser user(login);
-  (void)user.IsKnown();  // asked before the role map's turn is taken: the answer may take long
+  (void)user.IsKnown();  // looked up before the role map's turn is taken, as this may take long
   const u32 byRoleMap = LoginPrivileges(split, user);
   if (user.IsSuperuser()) return QVX_PRIV_ADMINISTRATOR | QVX_PRIV_ROOT;
   // The system can only raise a user to a power user, by group 0.

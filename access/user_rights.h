@@ -7,7 +7,8 @@
 
 namespace qvx {
 
-// Checks and opens the role map file; a fault is logged and the default records stand in. Always 0.
+// Checks and opens the role map file; a fault is logged and the default records are used instead.
+// Always 0.
 u32 OSOpenRolemapFile();
 
 // The level of the process's real user on this host, 0 when anything is thrown.

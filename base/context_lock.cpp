@@ -82,7 +82,7 @@ u32 TakeSlot() {
   return handle;
 }
 
-// The slot's handle, 0 without memory.
+// The slot's handle, 0 without enough memory.
 u32 Keep(LocalMutex mutex) {
   const u32 handle = TakeSlot();
   if (handle == 0) return 0;

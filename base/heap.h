@@ -26,7 +26,7 @@ struct HeapDeleter {
 template <typename T>
 using HeapArray = std::unique_ptr<T[], HeapDeleter>;
 
-// Room for `count` elements, contents undefined; empty without memory or when the bytes
+// Room for `count` elements, contents undefined; empty without enough memory or when the bytes
 // do not fit the machine's sizes.
 template <typename T>
 HeapArray<T> AllocArray(u64 count) {
@@ -36,7 +36,7 @@ HeapArray<T> AllocArray(u64 count) {
   return HeapArray<T>(static_cast<T*>(malloc(static_cast<size_t>(bytes))));
 }
 
-// A heap copy of a text, its NUL included; empty without memory.
+// A heap copy of a text, its NUL included; empty without enough memory.
 inline HeapArray<astring> CopyText(const astring* text) {
   const size_t room = strlen(text) + 1;
   HeapArray<astring> copy = AllocArray<astring>(room);

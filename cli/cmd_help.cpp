@@ -18,8 +18,8 @@ constexpr u32 kFirstCapacity = 256;
 constexpr u16 kDiscard = 0;
 constexpr u16 kGetContent = 1;
 
-// The help that a command makes of itself; null without one. A command may write into its
-// arguments, so each gets copies of its own.
+// The help that a command returns for itself; null without one. A command may write into its
+// arguments, so each gets its own copies.
 astring* AskForHelp(PXTCommandFunction command) {
   astring user[] = "qvxusrinfo=nvsupt";
   astring help[] = "cmdhelp=true";
@@ -27,8 +27,8 @@ astring* AskForHelp(PXTCommandFunction command) {
   return command(2, vector);
 }
 
-// Deliberate: the help is markup of the command's own and stands unescaped in its element. Held by
-// CmdHelp.HelpTextsStandUnescaped.
+// Deliberate: the help is the command's own markup and is written unescaped into its element. Held
+// by CmdHelp.HelpTextsStandUnescaped.
 void CatCommand(void* buffer, const PXTCommand& command) {
   astring* help = AskForHelp(command.function);
   if (help == nullptr) return;
@@ -38,8 +38,8 @@ void CatCommand(void* buffer, const PXTCommand& command) {
   PXMFreeBufContent(help);
 }
 
-// Deliberate: the count is that of the table less one, for the calling command, whether or not the
-// table holds it. Held by CmdHelp.CountIsOneLessThanTheTable.
+// Deliberate: the count is the table's count minus one, for the calling command, whether or not it
+// is in the table. Held by CmdHelp.CountIsOneLessThanTheTable.
 u32 CatBegin(void* buffer, s32 count) {
   astring attribute[32];
   (void)snprintf(attribute, sizeof(attribute), "count=\"%d\"", count - 1);

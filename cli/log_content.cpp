@@ -26,7 +26,7 @@ namespace {
 constexpr u16 kDiscard = 0;
 constexpr u16 kKeepText = 1;
 
-// A block is looked at while the processor still has it at hand.
+// A block is examined while it is still in the processor's cache.
 constexpr u32 kReadBlock = 256 * 1024;
 constexpr u32 kAroundContent = sizeof "<Content></Content><SMStatus>-1</SMStatus>";
 
@@ -35,7 +35,7 @@ struct XmlBufferDeleter {
 };
 using XmlBuffer = std::unique_ptr<void, XmlBufferDeleter>;
 
-// The size of a regular file, 0 for what has none to show: missing, empty or beyond 32 bits.
+// The size of a regular file, 0 for a file with nothing to show: missing, empty or beyond 32 bits.
 u32 SizeToShow(const astring* path) {
   struct stat info = {};
   if (stat(path, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size >= s64{0xFFFFFFFF}) {
@@ -53,8 +53,8 @@ Descriptor OpenLogToShow(const astring* path) {
   return {};
 }
 
-// Reads up to `size` bytes: what is appended meanwhile is not shown. -1 when a read fails, for then
-// the text would not be whole. Tells whether there is a NUL among the bytes.
+// Reads up to `size` bytes: what is appended meanwhile is not shown. -1 when a read fails, because
+// the text would then be incomplete. Reports whether there is a NUL among the bytes.
 s64 ReadText(const Descriptor& file, astring* text, u32 size, bool* hasNul) {
   u32 used = 0;
   while (used < size) {
@@ -68,7 +68,8 @@ s64 ReadText(const Descriptor& file, astring* text, u32 size, bool* hasNul) {
   return used;
 }
 
-// Keeps each line up to its first NUL; a line's end after the NUL goes too. The new length.
+// Keeps each line up to its first NUL; a line's end after the NUL is removed too. Returns the new
+// length.
 u32 KeepLinesUpToTheirNul(astring* text, u32 length) {
   u32 kept = 0;
   for (u32 begin = 0; begin < length;) {
@@ -83,7 +84,7 @@ u32 KeepLinesUpToTheirNul(astring* text, u32 length) {
   return kept;
 }
 
-// Reads the file in its place after the text that the buffer has. False when a read fails.
+// Reads the file into its place after the buffer's text. False when a read fails.
 bool CatFile(SSAStr* buffer, const Descriptor& file, u32 size) {
   astring* const place = buffer->text + buffer->length;
   bool hasNul = false;

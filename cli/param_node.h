@@ -13,7 +13,7 @@ u32 NVSuptBufCatSetCmdParam(void* buffer, const astring* name, const void* oldVa
                             const void* newValue, const void* value, s32 type);
 void NVSuptCatSMStatusNode(void* buffer, s32 status, const astring* message);
 
-// The attribute name="text" with nothing escaped; empty without memory.
+// The attribute name="text" with nothing escaped; empty without enough memory.
 HeapArray<astring> QuotedAttribute(const astring* name, const astring* text);
 
 }  // namespace qvx

@@ -10,7 +10,7 @@
 // The lines of INI files and of key=value files.
 namespace qvx {
 
-// A read takes at most this many characters; a longer line is seen as several lines.
+// One read returns at most this many characters; a longer line is seen as several lines.
 inline constexpr size_t kLineLength = 8449;
 
 enum class LineRead { kLine, kEnd, kError };

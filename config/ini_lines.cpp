@@ -34,8 +34,8 @@ u32 ParseForSection(std::string_view line, astring* name) {
   if (!EndsSection(line)) return kMinusOne;
   const std::string_view text = TextOf(SkipBlanks(line).substr(1));
   const size_t length = std::min(text.find(']'), text.size());
-  // Deliberate: a header's name is known by its first 255 characters alone, so two longer names
-  // that begin alike are one section. Held by IniLines.SectionNamesAreCutAt255Characters.
+  // Deliberate: only the first 255 characters of a header's name count, so two longer names that
+  // begin alike are one section. Held by IniLines.SectionNamesAreCutAt255Characters.
   const size_t kept = std::min<size_t>(length, kNameRoom - 1);
   memcpy(name, text.data(), kept);
   name[kept] = '\0';

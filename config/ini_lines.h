@@ -24,7 +24,7 @@ u32 ParseForSection(std::string_view line, astring* name);
 // "#" or ";" in column one.
 bool IsComment(std::string_view line);
 
-// Behind leading spaces and tabs a "[", closed or not: the section before it ends here.
+// A "[" after leading spaces and tabs, closed or not, which ends the section before it.
 bool EndsSection(std::string_view line);
 
 // A line's key: from the first character that is no space or tab to "=", the line end or the end of
@@ -40,7 +40,7 @@ IniKey KeyOfLine(std::string_view line);
 // Whether the line has this key, exact and case-sensitive; `found` is set where it has.
 bool HasKey(std::string_view line, std::string_view key, IniKey* found);
 
-// Whether a value is a text of 16-bit units of just this many bytes, its 0 unit included.
+// Whether a value is a text of 16-bit units of exactly this many bytes, its 0 unit included.
 bool IsUstringOfSize(const void* text, u32 size);
 
 }  // namespace qvx

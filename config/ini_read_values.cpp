@@ -57,7 +57,7 @@ u32 StoreBooln(const astring* text, void* value) {
   return SM_STATUS_DATA_TOO_LARGE;
 }
 
-// Deliberate: a text that is no number is not reported: the value is 0 and the read a success. Held
+// Deliberate: a text that is no number is not reported; the value is 0 and the read succeeds. Held
 // by IniReadValues.TextsThatAreNoNumbersAreNotReported.
 u32 StoreU32(const astring* text, void* value) { return Store(ScanU32(text, kDecimalBase), value); }
 u32 StoreS32(const astring* text, void* value) { return Store(ScanS32(text, kDecimalBase), value); }
@@ -108,9 +108,10 @@ void GiveBytesDefault(const IniRead& read) {
   *read.size = count;
 }
 
-// Turns a list of hexadecimal bytes into the bytes, in place: each took two characters or more.
+// Turns a list of hexadecimal bytes into the bytes, in place: each was written with two characters
+// or more.
 // The list ends quietly at the first piece that does not begin with a number, and with a failure at
-// one that is no byte; `*count` bytes stand before it.
+// one that is no byte; `*count` is the number of bytes before it.
 u32 ParseBytes(astring* text, u32* count) {
   *count = 0;
   const astring* piece = text;
@@ -130,8 +131,8 @@ u32 ParseBytes(astring* text, u32* count) {
   return SM_STATUS_SUCCESS;
 }
 
-// Deliberate: bytes before one that is too large are stored all the same, where the default leaves
-// them room; the size does not count them. Held by IniReadValues.BytesBeforeOneTooLargeAreStored.
+// Deliberate: bytes before one that is too large are still stored where the default leaves room for
+// them; the size does not count them. Held by IniReadValues.BytesBeforeOneTooLargeAreStored.
 void LeaveBytesBehind(u32 given, void* value, const astring* bytes, u32 count) {
   if (count > given) {
     memcpy(static_cast<u8*>(value) + given, bytes + given, count - given);

@@ -12,7 +12,7 @@ u32 ReadINIPathFileValue(const astring* section, const astring* key, s32 type, v
                          u32* size, const void* defaultValue, u32 defaultSize, const astring* path,
                          booln lockFlag);
 
-// The same of a bare file name in the product's INI directory; -1 without an install path.
+// The same for a bare file name in the product's INI directory; -1 without an install path.
 u32 SUPTIntfReadINIFileValue(const astring* section, const astring* key, s32 type, void* value,
                              u32* size, const void* defaultValue, u32 defaultSize,
                              const astring* fileName, booln lockFlag);

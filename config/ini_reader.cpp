@@ -69,8 +69,8 @@ void AddName(NameList* list, std::string_view name) {
   astring* const end = list->buffer + before;
   memcpy(end, name.data(), name.size());
   end[name.size()] = '\0';
-  // Deliberate: the NUL that closes the list is not counted, so that a list which fills the size
-  // exactly ends one byte behind it. Held by IniReader.KeyListEndsOneByteBehindItsTotal.
+  // Deliberate: the NUL that closes the list is not counted, so a list that fills the size exactly
+  // ends one byte past it. Held by IniReader.KeyListEndsOneByteBehindItsTotal.
   end[name.size() + 1] = '\0';
 }
 
@@ -101,7 +101,7 @@ u32 GetValue(const astring* section, const astring* key, astring* buffer, u32* s
   if (const u32 status = FindHeader(section, file)) return status;
   const std::string_view wanted = key;
   // Deliberate: the search ends with the first section of the name; a later section of the same
-  // name is never looked into. Held by IniReader.SecondSectionOfTheSameNameIsNeverSearched.
+  // name is never searched. Held by IniReader.SecondSectionOfTheSameNameIsNeverSearched.
   for (;;) {
     std::string_view line;
     if (const u32 status = NextLineOfSection(file, &line)) return status;

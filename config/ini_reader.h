@@ -10,8 +10,8 @@
 namespace qvx {
 
 // The scanners of an open file, from its position on. `*size` is the buffer's size, then what was
-// delivered or, with SM_STATUS_BUFFER_TOO_SMALL, what is needed; otherwise it stays. A read error
-// is SM_STATUS_BAD_SECTION_HEADER, want of memory -1.
+// delivered or, with SM_STATUS_BUFFER_TOO_SMALL, what is needed; otherwise it is unchanged. A read
+// error is SM_STATUS_BAD_SECTION_HEADER; without enough memory the status is -1.
 u32 GetValue(const astring* section, const astring* key, astring* buffer, u32* size,
              BlockReader* file);
 

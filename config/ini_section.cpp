@@ -22,8 +22,8 @@
 namespace qvx {
 namespace {
 
-// Deliberate: a new section begins with its header, also behind a last line that has no line end,
-// to which it is then joined. Held by IniWriter.AppendedSectionJoinsALastLineWithoutItsLineEnd.
+// Deliberate: a new section begins with its header, even after a last line without a line end,
+// which the header then joins. Held by IniWriter.AppendedSectionJoinsALastLineWithoutItsLineEnd.
 HeapArray<astring> TextOf(const IniSection& section) {
   constexpr char kForm[] = "[%s]\n%s=%s\n";
   const u64 room =
@@ -37,8 +37,8 @@ HeapArray<astring> TextOf(const IniSection& section) {
 }
 
 u32 FormatSection(const IniSection& section, HeapArray<astring>* text) {
-  // Deliberate: to delete from a section or a file that is not there is data that does not fit, and
-  // changes nothing. Held by IniWriter.DeletingInAMissingSectionChangesNothing.
+  // Deliberate: deleting from a section or a file that does not exist is reported as data that does
+  // not fit, and changes nothing. Held by IniWriter.DeletingInAMissingSectionChangesNothing.
   if (section.value == nullptr) return SM_STATUS_DATA_TOO_LARGE;
   *text = TextOf(section);
   return *text ? SM_STATUS_SUCCESS : kMinusOne;
@@ -50,8 +50,9 @@ Descriptor OpenToAppend(const astring* path, struct stat* seen) {
   return OpenRegular(path, O_WRONLY | O_APPEND | O_CREAT, seen);
 }
 
-// One write, flushed. A second descriptor of the file takes the text back when it is lost, which
-// may show only when the first is closed; without a second one nothing is written.
+// One write, flushed. When the write is lost, which may show only when the first descriptor is
+// closed, a second descriptor of the file takes the text back; without a second one nothing is
+// written.
 u32 AppendInPlace(Descriptor file, off_t oldSize, std::string_view text) {
   const Descriptor second = AboveStandard(fcntl(file.Number(), F_DUPFD_CLOEXEC, 0));
   if (!second) return SM_STATUS_WRITE_FAILED;
@@ -119,11 +120,11 @@ u32 AddSection(const IniSection& section, const astring* path, const astring* tm
 u32 MakeFileOfSection(const IniSection& section, const astring* path, const astring* tmpPath) {
   HeapArray<astring> text;
   if (const u32 status = FormatSection(section, &text)) return status;
-  // A link that leads nowhere: the file is made where it leads to.
+  // A dangling link: the file is made at the path that the link names.
   if (IsTaken(path)) return AppendValue(section, path);
   Descriptor copy = OpenCopy(tmpPath, nullptr);
   if (!copy) return AppendValue(section, path);
-  // The path is taken now where it is a name of the copy itself.
+  // By now the path exists if it is a name of the copy itself.
   const Way way =
       IsTaken(path) ? Way::kClosed : GoThroughCopy(text.get(), path, tmpPath, std::move(copy));
   if (way == Way::kDone) return SM_STATUS_SUCCESS;

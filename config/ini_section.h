@@ -16,13 +16,13 @@ struct IniSection {
   const astring* value;
 };
 
-// Appends the section to the file itself, which is made where it is missing. A failed append is
-// taken back.
+// Appends the section to the file itself, which is made when it is missing. A failed append is
+// undone.
 u32 AppendValue(const IniSection& section, const astring* path);
 
 // Adds the section to a file that exists. `copy` holds the file's text, was written under the name
-// `tmpPath` and takes the file's place with the section added; the file is appended to where that
-// way is closed. The copy is gone afterwards.
+// `tmpPath` and takes the file's place with the section added; where that is not possible, the
+// section is appended to the file. The copy no longer exists afterwards.
 u32 AddSection(const IniSection& section, const astring* path, const astring* tmpPath,
                Descriptor copy);
 

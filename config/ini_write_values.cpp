@@ -86,7 +86,7 @@ u32 WriteFixed(const Write& write, const FixedType& type) {
   return WriteText(write, text, static_cast<s32>(strlen(text)) + 1);
 }
 
-// "0x01,0xAB" of at least one byte; the comma behind the last one gives way to the NUL.
+// "0x01,0xAB" of at least one byte; the NUL replaces the comma after the last one.
 void FormatBytes(const u8* bytes, u32 count, astring* text) {
   for (u32 at = 0; at < count; ++at) {
     (void)snprintf(text + u64{at} * kByteText, kByteText + 1, "0x%02X,", bytes[at]);
@@ -103,7 +103,7 @@ u32 WriteBytes(const Write& write) {
   return WriteText(write, text.get(), static_cast<s32>(count * kByteText));
 }
 
-// The size is looked at before the names, as that of a value is.
+// The size is checked before the names, as that of a value is.
 u32 DeleteKey(const Write& write) {
   return write.size == 0 ? WriteText(write, nullptr, 0) : SM_STATUS_DATA_TOO_LARGE;
 }

@@ -47,9 +47,9 @@ bool IsLineOfKey(std::string_view line, std::string_view key) {
   return HasKey(line, key, &found) && !IsComment(line);
 }
 
-// Copies the section's lines that stay before the key's place. `behind` is what goes behind the
-// key: the header that ends the section, or nothing in place of the key's old line or at the end of
-// the file.
+// Copies the section's lines that stay before the key's place. `behind` is what follows the key:
+// the header that ends the section, or nothing in place of the key's old line or at the end of the
+// file.
 u32 CopyUpToKey(std::string_view key, BlockReader* in, BlockWriter* out, std::string_view* behind) {
   for (;;) {
     const LineRead read = NextLine(in, behind);
@@ -57,7 +57,7 @@ u32 CopyUpToKey(std::string_view key, BlockReader* in, BlockWriter* out, std::st
     if (read == LineRead::kEnd || EndsSection(*behind)) return SM_STATUS_SUCCESS;
     if (IsLineOfKey(*behind, key)) {
       // Deliberate: of a line longer than a read only the first piece is replaced; the rest of it
-      // stays as a line of its own. Held by IniWriter.OldLongLinesAreReplacedInTheirFirstPieceOnly.
+      // stays as a separate line. Held by IniWriter.OldLongLinesAreReplacedInTheirFirstPieceOnly.
       *behind = {};
       return SM_STATUS_SUCCESS;
     }
@@ -65,7 +65,7 @@ u32 CopyUpToKey(std::string_view key, BlockReader* in, BlockWriter* out, std::st
   }
 }
 
-// The target has been opened before, so that a missing one is none of the move's faults.
+// The target has been opened before, so the move never fails because of a missing one.
 u32 PutInPlace(const astring* path, const astring* tmpPath, Descriptor copy) {
   return FinishCopy(std::move(copy)) ? MoveInPlace(path, tmpPath) : SM_STATUS_WRITE_FAILED;
 }
@@ -124,8 +124,8 @@ u32 WriteINIFileValue_astring(const IniWrite& write) {
     return SM_STATUS_BAD_ARGUMENT;
   }
   if (!SizeMatches(write.value, write.size)) return SM_STATUS_DATA_TOO_LARGE;
-  // Deliberate: a file in "/" has its copy in the working directory, as one without a directory
-  // has; the key=value writer copies it to "/". Held by
+  // Deliberate: the copy of a file in "/" is in the working directory, as for a file without a
+  // directory; the key=value writer makes it in "/". Held by
   // IniWriter.AFileInTheRootDirectoryHasItsCopyInTheWorkingDirectory.
   const HeapArray<astring> directory = DirectoryPart(write.path);
   if (!directory) return kMinusOne;

@@ -18,7 +18,7 @@ bool IsBlank(astring character) {
   return character == ' ' || character == '\t' || character == '\r' || character == '\n';
 }
 
-// The blanks up to the first other character behind the "=", those between quotes excepted.
+// The blanks up to the first other character after the "=", except those between quotes.
 void RemoveBlanksAroundKey(astring* line, const astring* equals) {
   bool quoted = false;
   astring* out = line;

@@ -16,8 +16,8 @@ namespace qvx {
 inline constexpr size_t kKeyValueLineRoom = 8451;
 inline constexpr size_t kKeyValuePathRoom = 257;
 
-// Takes the blanks around the key and the "=", those inside the key, those at the end and all
-// double quotes out of a line that has a "="; blanks between quotes stay.
+// Removes from a line that has a "=" the blanks around the key and the "=", those inside the key,
+// those at the end and all double quotes; blanks between quotes stay.
 void CFGEntryRemoveWhiteSpaceAndDQuotes(astring* line);
 
 // Cleans the line and ends its key at the "="; the value, or null when the line is no entry.

@@ -38,8 +38,8 @@ bool StoreEntry(PXTKeyValue* entry, const astring* key, const astring* value) {
   return true;
 }
 
-// Takes each entry of the file in turn; -1 when the file cannot be read, SM_STATUS_NO_MEMORY when
-// `take` says so by false.
+// Passes each entry of the file to `take` in turn; -1 when the file cannot be read,
+// SM_STATUS_NO_MEMORY when `take` returns false.
 template <typename Take>
 u32 TakeEntries(const astring* path, Take take) {
   const FileLockGuard lock(kWait);

@@ -24,9 +24,9 @@ namespace {
 constexpr u16 kWait = 1;
 constexpr astring kTemporaryName[] = "pxtcfg32.tmp";
 
-// Differs on purpose from DirectoryPart, which the INI writer takes: of a file in "/" the part is
-// empty, so that its copy lies in "/" and not in the working directory. Both are what callers of
-// the two formats have always found.
+// Differs on purpose from DirectoryPart, which the INI writer uses: the part is empty for a file in
+// "/", so its copy is in "/" and not in the working directory. Callers of the two formats have
+// always found both.
 HeapArray<astring> DirectoryOf(const astring* path) {
   return strrchr(path, '/') == path ? CopyText("") : DirectoryPart(path);
 }
@@ -60,8 +60,8 @@ u32 CopyWithPair(BlockReader* in, BlockWriter* out, const PXTKeyValue* pair, u32
   u64 met = 0;
   if (const u32 status = CopyUpToPair(in, out, pair, index, &met)) return status;
   if (met < index) return SM_STATUS_INVALID_PARAMETER;
-  // Deliberate: no line end comes before the pair: behind a last line that has none, the pair
-  // joins that line. Held by KeyValueWriter.AppendsWithoutEndingTheLastLine.
+  // Deliberate: no line end is written before the pair, so the pair joins a last line that has
+  // none. Held by KeyValueWriter.AppendsWithoutEndingTheLastLine.
   if (!WritePair(out, pair) || !CopyRest(in, out)) return SM_STATUS_WRITE_FAILED;
   if (in->Failed()) return kMinusOne;
   return out->Flush() ? SM_STATUS_SUCCESS : SM_STATUS_WRITE_FAILED;

@@ -48,7 +48,7 @@ astring* GetOEMADSchemaPrefix() {
   if (!prefix) return nullptr;
   memcpy(prefix.get(), kOwnBrand, sizeof(kOwnBrand));
   u32 size = kPrefixRoom;
-  // The buffer is its own default: whatever becomes of the read, it holds a prefix.
+  // The buffer is its own default, so it holds a prefix whether or not the read succeeds.
   (void)SUPTIntfReadINIFileValue("data", "adschemaprefix", QVX_INI_ASTRING, prefix.get(), &size,
                                  prefix.get(), sizeof(kOwnBrand), "oem.ini", QVX_LOCK_WAIT);
   return prefix.release();

@@ -17,7 +17,7 @@
 namespace qvx {
 namespace {
 
-// Units go from the file to memory as they stand.
+// Units are copied from the file to memory unchanged.
 static_assert(std::endian::native == std::endian::little);
 
 constexpr u32 kLineUnits = 1024;
@@ -33,9 +33,8 @@ constexpr ustring kLineFeed = '\n';
 
 u32 Deliver(const ustring* text, ustring* buffer, u32* size) {
   const u32 delivered = SetUnicodeStringToDestination(text, buffer, size);
-  // Deliberate: what was delivered stands in `*size`, so that neither a size query nor a buffer
-  // that is too small learns the size needed. Held by
-  // StringResource.SizeQueryAndSmallBufferBothGiveZero.
+  // Deliberate: `*size` reports what was delivered, so neither a size query nor a buffer that is
+  // too small learns the size needed. Held by StringResource.SizeQueryAndSmallBufferBothGiveZero.
   if (size != nullptr) *size = delivered;
   return delivered;
 }
@@ -52,7 +51,7 @@ u32 DeliverMessage(const astring* message, ustring* buffer, u32* size) {
   return Deliver(text, buffer, size);
 }
 
-// Reads on until that many bytes are there, or all that are left.
+// Reads on until that many bytes, or all that are left, are available.
 std::string_view BytesOf(BlockReader* file, size_t wanted) {
   while (file->Unread().size() < wanted && file->ReadOn()) {
   }
@@ -96,8 +95,8 @@ bool FormatKeys(Keys* keys, u32 language, u32 stringId) {
 ustring* FindLine(Lines* lines, const Keys& keys, BlockReader* file) {
   ustring* neutral = nullptr;
   while (dc_fgetws(lines->read, kLineUnits, file) != nullptr) {
-    // Deliberate: the key may stand anywhere in the line, so that a key "0:1=" is also found in a
-    // line that begins "10:1=". Held by StringResource.KeyMatchesInsideTheKeyOfAnotherLanguage.
+    // Deliberate: the key may be anywhere in the line, so a key "0:1=" is also found in a line that
+    // begins "10:1=". Held by StringResource.KeyMatchesInsideTheKeyOfAnotherLanguage.
     if (Uni_strstr(lines->read, keys.own) != nullptr) return lines->read;
     const bool sought = neutral == nullptr && keys.neutral[0] != 0;
     if (sought && Uni_strstr(lines->read, keys.neutral) != nullptr) {
@@ -108,7 +107,7 @@ ustring* FindLine(Lines* lines, const Keys& keys, BlockReader* file) {
   return neutral;
 }
 
-// Ends the line at its carriage return or line feed; what stands behind its last "=".
+// Ends the line at its carriage return or line feed; returns what follows its last "=".
 const ustring* TextOf(ustring* line) {
   ustring* text = line;
   for (ustring* at = line; *at != 0; ++at) {
@@ -179,7 +178,7 @@ u32 GetUnicodeStringFromIDPathFile(u32 stringId, u32* languageId, const astring*
   if (languageId != nullptr) *languageId = language;
   if (!FormatKeys(keys.get(), language, stringId)) return DeliverNothing(size);
   ustring* const line = FindLine(lines.get(), keys[0], &file);
-  // Only a language of the caller's own can be another than the neutral one.
+  // Only a language that the caller names can differ from the neutral one.
   if (line != lines[0].read && language != kNeutral) *languageId = kNeutral;
   return line == nullptr ? DeliverNothing(size) : Deliver(TextOf(line), buffer, size);
 }

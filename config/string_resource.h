@@ -13,7 +13,7 @@ u32 GetUnicodeStringFromIDPathFile(u32 stringId, u32* languageId, const astring*
                                    ustring* buffer, u32* size);
 
 // Copies the text when it fits. `*size` is the room in bytes and then the bytes needed, the 0 unit
-// counted; the bytes copied, or 0. Without a buffer and a size: the bytes needed.
+// counted. Returns the bytes copied, or 0; without a buffer and a size, the bytes needed.
 u32 SetUnicodeStringToDestination(const ustring* text, ustring* buffer, u32* size);
 
 // Reads a line of at most `units` - 1 units, its carriage return and line feed included, and leaves

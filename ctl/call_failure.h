@@ -11,14 +11,14 @@
 
 namespace qvx::ctl {
 
-// A failed call of the library on a file, with what the system says of the file or who holds the
-// lock. Call it right behind the library's call: `reason` is the errno that it left.
+// A failed call of the library on a file, with what the system reports about the file or who holds
+// the lock. Call it right after the library's call: `reason` is the errno that it left.
 Failure CallFailure(const std::string& what, const std::string& path, u32 status, int reason);
 
 // Why a regular file cannot be opened for reading; 0 where it can.
 int ReasonNotReadable(const std::string& path);
 
-// Ends the command when another process holds the suite's lock: to load the library waits for it.
+// Ends the command when another process holds the suite's lock: loading the library waits for it.
 void RequireFreeLock(const std::string& what);
 
 }  // namespace qvx::ctl

@@ -9,7 +9,7 @@ namespace CLI {
 class App;
 }
 
-// Each adds its commands to the program. A command that is called stores its exit code.
+// Each adds its commands to the program. A command that runs stores its exit code.
 namespace qvx::ctl {
 
 void AddRolemapCommand(CLI::App& program, ExitCode& code);

@@ -73,7 +73,7 @@ ExitCode List(const ConfArguments& given) {
   return kYes;
 }
 
-// A reader takes blanks at the ends of a value away, and all double quotes.
+// A reader removes blanks at the ends of a value, and all double quotes.
 std::string QuotedValue(const std::string& value) {
   const char* const blanks = " \t\r";
   const bool isBare = value.empty() || (value.find_first_of(blanks) != 0 &&

@@ -28,7 +28,7 @@ constexpr PartCheck kChecks[] = {
     {"package", CheckPackageFiles},
 };
 
-// What this user may not look at is a warning, not the end of the round.
+// Something that this user may not examine is a warning and does not end the checks.
 Diagnosis Run(const PartCheck& part) {
   try {
     return part.check();

@@ -38,8 +38,8 @@ unsigned long long FreeSpace(const char* directory) {
 
 }  // namespace
 
-// Without the variable-data folder nothing attaches; the others are made as they are needed, but
-// for those above them.
+// Without the variable-data folder nothing attaches; the others are made as they are needed, except
+// the folders above them.
 Diagnosis CheckFolders() {
   for (const char* folder :
        {kProductVarPath, kProductIniPath, kIniFileDirectory, kCmdLogDirectory}) {

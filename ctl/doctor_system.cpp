@@ -19,7 +19,7 @@
 namespace qvx::ctl {
 namespace {
 
-constexpr s32 kUselessBase = -30000;  // gives the lock the name 0, which is none
+constexpr s32 kUselessBase = -30000;  // makes the lock's name 0, which is no name
 constexpr s32 kUnreadBase = -1;
 constexpr char kPackage[] = "libqvxcs1";
 

@@ -9,7 +9,7 @@ enum ExitCode : int {
   kYes = 0,
   kNo = 1,       // no, refused, a fault or a warning was found
   kUsage = 2,    // the command line is wrong
-  kUnknown = 3,  // it could not be found out
+  kUnknown = 3,  // it could not be determined
 };
 
 }  // namespace qvx::ctl

@@ -64,7 +64,7 @@ ExitCode Set(const IniArguments& given) {
   return kYes;
 }
 
-// The library deletes what is not there without a word; an operator is told.
+// The library silently accepts deleting what does not exist; an operator gets a message.
 ExitCode Delete(const IniArguments& given) {
   const IniFile file(given.file, given.waits);
   const IniTypeEntry& text = FindIniType("astring");

@@ -18,7 +18,7 @@ constexpr s32 kTextType = 1;
 constexpr u32 kValueRoom = 8452;  // the longest line that is read
 constexpr u32 kListRoom = 65536;  // grows as the library asks
 
-// The names of a list: each with its NUL, one NUL more behind the last.
+// The names of a list: each with its NUL, one more NUL after the last.
 std::vector<std::string> SplitNames(const std::vector<u8>& list) {
   std::vector<std::string> names;
   const char* at = reinterpret_cast<const char*>(list.data());

@@ -89,7 +89,7 @@ std::string HexList(const std::vector<u8>& bytes) {
   return text;
 }
 
-// A block that is no text of units is shown as what it is.
+// A block that is no text of units is shown as its bytes.
 std::string TextOfUnits(const std::vector<u8>& bytes) {
   std::vector<ustring> units(bytes.size() / 2 + 1);
   memcpy(units.data(), bytes.data(), bytes.size() / 2 * 2);

@@ -23,7 +23,7 @@ struct IniTypeEntry {
 const IniTypeEntry& FindIniType(const std::string& name);
 std::vector<std::string> IniTypeNames();
 
-// The value as the library's writer takes it. Throws a Failure for a text that is no such value.
+// The value as the library's writer expects it. Throws a Failure for a text that is no such value.
 std::vector<u8> EncodeIniValue(const IniTypeEntry& type, const std::string& text);
 
 // A value as the library's reader has stored it.

@@ -3,8 +3,8 @@
 #ifndef QVX_CTL_LIBRARY_H
 #define QVX_CTL_LIBRARY_H
 
-// The installed library's calls. The library is loaded with the first of them, which takes and
-// gives back the suite's lock: commands that only look never come here.
+// The installed library's calls. The first of them loads the library, which takes and releases the
+// suite's lock: commands that only look never call any of them.
 namespace qvx::ctl {
 
 // Loads the library first; throws a Failure where it or the call is not found.

@@ -15,7 +15,7 @@ struct LockHolder {
   pid_t process;
   bool writes;          // an exclusive lock; else a shared one
   bool waits;           // does not hold it yet
-  std::string command;  // empty where the system does not say
+  std::string command;  // empty where the system does not report it
   std::string user;
   std::string start;  // local time, "YYYY-MM-DD HH:MM:SS"
 };
@@ -23,8 +23,8 @@ struct LockHolder {
 // Of the product's lock file. Throws a Failure where the file or the list cannot be examined.
 std::vector<LockHolder> FindLockHolders();
 
-// "process 12 (name)" of the first process that holds the lock; empty where none does or none is
-// known.
+// "process 12 (name)" of the first process that holds the lock; empty when no process does or none
+// is known.
 std::string DescribeHolder();
 
 }  // namespace qvx::ctl

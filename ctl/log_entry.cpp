@@ -32,7 +32,7 @@ std::string DecodeEntities(std::string_view text) {
   return plain;
 }
 
-// Walks over an entry; after the first part that is not as expected nothing more is.
+// Walks over an entry; after the first part that is not as expected, every further part fails.
 class Walker {
  public:
   explicit Walker(std::string_view text) : text_(text) {}
@@ -41,7 +41,7 @@ class Walker {
     if (!text_.starts_with(part)) holds_ = false;
     if (holds_) text_.remove_prefix(part.size());
   }
-  // What stands up to the next `part`, which is passed.
+  // The text up to the next `part`, which is skipped.
   std::string_view UpTo(std::string_view part) { return Split(text_.find(part), part); }
   std::string_view UpToLast(std::string_view part) { return Split(text_.rfind(part), part); }
 

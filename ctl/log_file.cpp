@@ -75,7 +75,7 @@ std::string LogFile::MarkAt(u64 offset) {
   return reader.Next() == LogPart::kEntry ? MarkOf(reader.Text()) : "";
 }
 
-// FNV-1a: known again by the next run, on any machine.
+// FNV-1a, so that the next run recognizes it on any machine.
 std::string MarkOf(const std::string& text) {
   u64 hash = 0xCBF29CE484222325;
   for (const char byte : text) {

@@ -14,7 +14,7 @@
 
 namespace qvx::ctl {
 
-// A log that is open for reading; it stays the same file when its name goes to another one.
+// A log that is open for reading; it stays the same file when another file gets its name.
 class LogFile : public LogReader::Source {
  public:
   // Throws a Failure when the file cannot be opened.
@@ -25,13 +25,13 @@ class LogFile : public LogReader::Source {
   size_t Read(u64 offset, char* room, size_t size) override;
   [[nodiscard]] u64 Size() const;
   [[nodiscard]] bool IsSameFile(const LogFile& other) const;
-  // Whether the name still leads to this file.
+  // Whether the name still refers to this file.
   [[nodiscard]] bool IsAt(const std::string& path) const;
 
-  // A mark of the first entry, by which a log is known again under another name; empty without a
+  // A mark of the first entry, by which a log is recognized under another name; empty without a
   // whole entry.
   [[nodiscard]] std::string Mark();
-  // Tells one finished file from another: number, size and time of the last change.
+  // Distinguishes one finished file from another: number, size and time of the last change.
   [[nodiscard]] std::string Key() const;
   // The mark of the entry at an offset.
   [[nodiscard]] std::string MarkAt(u64 offset);

@@ -7,7 +7,7 @@
 namespace qvx::ctl {
 namespace {
 
-// So many bytes of a log are shown between two saves of the place.
+// This many bytes of a log are shown between two saves of the place.
 constexpr u64 kStride = u64{1} << 20;
 
 std::string KeyOfFile(const std::string& path) {
@@ -29,7 +29,7 @@ LogFollower::LogFollower(std::string path, LogView view, std::string statePath)
   }
 }
 
-// The log of the saved place may be the log still, or the backup; or it is gone.
+// The log of the saved place may still be the log, or be the backup, or no longer exist.
 void LogFollower::Resume(const LogPlace& place) {
   place_.backup = place.backup;
   if (Continue(path_, place) || Continue(BackupPath(path_), place)) return;
@@ -41,7 +41,7 @@ void LogFollower::Resume(const LogPlace& place) {
   OpenNext();
 }
 
-// Whether the file holds the place, and is gone on with.
+// Whether the file holds the place; if so, reading continues in it.
 bool LogFollower::Continue(const std::string& path, const LogPlace& place) {
   std::unique_ptr<LogFile> file = LogFile::OpenIfThere(path);
   if (file == nullptr || file->Mark() != place.first) return false;
@@ -81,7 +81,7 @@ void LogFollower::Advance() {
   for (;;) {
     if (file_ == nullptr) OpenNext();
     if (file_ == nullptr) return;
-    // Nothing is added to a file after it has lost the name, so what is drained then is all.
+    // Nothing is added to a file after it has lost the name, so draining it then shows everything.
     const bool isCurrent = file_->IsAt(path_);
     NoteShrunk();
     Drain();

@@ -12,7 +12,7 @@
 
 namespace qvx::ctl {
 
-// Shows each entry once, over moves to the backup and over clearing, until it is told to stop.
+// Shows each entry once, across moves to the backup and across clearing, until it is stopped.
 class LogFollower {
  public:
   // Without a state file the place is not kept.
@@ -21,7 +21,7 @@ class LogFollower {
   // Shows what is there now, and what came since in files that have been moved.
   void Advance();
 
-  // A log without a file of its own yet.
+  // A log that has no file yet.
   [[nodiscard]] bool HasLog() const { return file_ != nullptr; }
 
  private:
@@ -40,7 +40,7 @@ class LogFollower {
   LogPlace saved_;
   std::unique_ptr<LogFile> file_;
   std::unique_ptr<LogReader> reader_;
-  u64 toldDamage_ = 0;  // where damage was last told
+  u64 toldDamage_ = 0;  // where damage was last reported
 };
 
 // Follows until SIGINT or SIGTERM.

@@ -45,8 +45,8 @@ LogPart LogReader::ReadHead() {
   return ReadDamage();
 }
 
-// An entry may be written over the tag between two reads, and then only its rest is seen behind the
-// tag: what is there is read anew before it counts as damage.
+// An entry may be written over the tag between two reads, and then only its rest is seen after the
+// tag: those bytes are read again before they count as damage.
 LogPart LogReader::ReadClosing() {
   for (int look = 0; look < kLooks; ++look) {
     (void)Forget(LogPart::kClosed);
@@ -80,7 +80,7 @@ LogPart LogReader::ReadEntry() {
 }
 
 // Up to the next mark of the library's. Without one the bytes may still become an entry, or are cut
-// off by a repair: they are not passed.
+// off by a repair: they are not skipped.
 LogPart LogReader::ReadDamage() {
   size_t length = Find(kEntryMark, 1);
   const size_t closing = Rest().substr(0, std::min(length, Rest().size())).find(kClosing, 1);

@@ -48,8 +48,8 @@ class LogReader {
   [[nodiscard]] u64 End() const { return offset_; }
   [[nodiscard]] const std::string& Text() const { return text_; }
 
-  // Where an entry ends that is whole and only lacks the closing tag, after kEnd; 0 without one.
-  // Record() is that entry then, and End() where it begins.
+  // After kEnd, the end of an entry that is whole but has no closing tag after it; 0 without one.
+  // Record() is then that entry, and End() its beginning.
   [[nodiscard]] u64 EndOfUnclosed() const { return unclosed_; }
 
  private:

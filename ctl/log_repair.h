@@ -18,11 +18,11 @@ struct LogDamage {
   bool operator==(const LogDamage&) const = default;
 };
 
-// Reads the whole log, what `log repair` would do included.
+// Reads the whole log and finds what `log repair` would do.
 LogDamage ExamineLog(const std::string& path);
 
-// Under the suite's lock: looks again, and only when the log is as it was seen cuts it after its
-// last whole entry and closes it.
+// Under the suite's lock: looks again, and only if the log is unchanged cuts it after its last
+// whole entry and closes it.
 void RepairLog(const std::string& path, const LogDamage& seen);
 
 }  // namespace qvx::ctl

@@ -22,10 +22,10 @@ struct LogView {
 // ago. Throws a Failure for anything else.
 s64 ParseSince(const std::string& text);
 
-// Prints an entry that the view asks for.
+// Prints an entry that the view selects.
 void ShowEntry(const LogView& view, const LogRecord& record, u64 offset);
 
-// Prints the log; false when it is damaged, which is told on stderr.
+// Prints the log; false when it is damaged, which is reported on stderr.
 bool ShowLog(const std::string& path, const LogView& view);
 
 }  // namespace qvx::ctl

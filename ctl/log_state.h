@@ -10,8 +10,8 @@
 
 namespace qvx::ctl {
 
-// How far a log has been shown. A log is known again by its first and its last shown entry, not by
-// its name or number: both are used again.
+// How far a log has been shown. A log is recognized by its first and its last shown entry, not by
+// its name or number, because both are reused.
 struct LogPlace {
   std::string log;    // the path that was followed
   std::string first;  // the mark of the log's first entry; empty before it was there

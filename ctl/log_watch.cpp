@@ -37,7 +37,7 @@ class StopSignals {
   sigset_t mask_{};
 };
 
-// Wakes on changes in the log's directory, and every second where the system does not tell of them.
+// Wakes on changes in the log's directory, and every second where the system does not report them.
 class DirectoryWatch {
  public:
   explicit DirectoryWatch(const std::string& path)

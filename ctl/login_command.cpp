@@ -24,7 +24,7 @@ struct LoginArguments {
   bool asJson = false;
 };
 
-// 16-bit text, wiped when it goes.
+// 16-bit text, wiped when it is destroyed.
 class Units {
  public:
   explicit Units(const char* text) : units_(strlen(text) + 2) {
@@ -46,7 +46,7 @@ u32 Authenticate(const std::string& user) {
   const Password password("Password of " + OneLine(user) + ": ");
   Units name(user.c_str());
   Units secret(password.Text());
-  // Logins are answered from the role map only once the file was opened and read by a question.
+  // The role map decides logins only after a query has opened and read the file.
   (void)QVX_CALL(PXTOpenRolemapFile)();
   (void)QVX_CALL(PXTGetRightsUsingRolemap)();
   return QVX_CALL(PXTAuthenticateUser)(nullptr, name.Data(), secret.Data());

@@ -14,7 +14,7 @@
 // What a command shows and how it ends. Answers go to stdout, faults to stderr.
 namespace qvx::ctl {
 
-// Ends the command. An empty message ends it in silence.
+// Ends the command; with an empty message, in silence.
 class Failure : public std::runtime_error {
  public:
   Failure(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
@@ -31,8 +31,8 @@ Failure StatusFailure(const std::string& what, u32 status, int reason = 0);
 // A failed system call: "WHAT: reason".
 Failure SystemFailure(const std::string& what, int reason);
 
-// Text to stdout as it is. A reader that has gone ends the command in silence, a full disk with its
-// reason.
+// Prints text to stdout as it is. When the reader of stdout is gone, the command ends in silence; a
+// full disk ends it with the reason.
 void Print(std::string_view text);
 
 // One line to stdout, made safe to show. A terminal's line is cut at its width.
@@ -41,7 +41,7 @@ void PrintLine(std::string_view line);
 // A value for programs, and its line end: as it is, but safe to show on a terminal.
 void PrintValue(const std::string& value);
 
-// Hands on what was printed.
+// Flushes what was printed.
 void FlushOutput();
 
 // A warning on stderr that does not end the command.

@@ -14,8 +14,8 @@ namespace {
 constexpr int kMostIncludes = 16;
 constexpr const char* kDirectories[] = {"/etc/pam.d/", "/usr/lib/pam.d/"};
 
-// Modules that say something in the phases a login runs; one with an argument that silences it, or
-// one that only talks with an argument.
+// Modules that send messages in the phases that a login runs; some have an argument that silences
+// them, others send messages only with an argument.
 struct Talker {
   const char* module;
   const char* silencedBy;
@@ -69,7 +69,7 @@ class Searcher {
   }
 
  private:
-  // Of a file that is included for one phase, only the lines of that phase count.
+  // In a file that is included for one phase, only the lines of that phase count.
   void Read(const std::string& service, const std::string& phase) {
     const std::string path = FindPamService(service);
     if (path.empty() || depth_ == kMostIncludes) return;

@@ -18,7 +18,8 @@ struct PamFinding {
 std::string FindPamService(const std::string& service);
 
 // The modules of a service, its included files too, that send the user messages when a password is
-// checked. A login through the library fails on a message unless the module ignores that.
+// checked. A login through the library fails on a message unless the module continues without a
+// reply.
 std::vector<PamFinding> FindTalkingModules(const std::string& service);
 
 }  // namespace qvx::ctl

@@ -15,7 +15,8 @@
 namespace qvx::ctl {
 namespace {
 
-// The terminal shows nothing for as long as it lives; signals that would leave it so come after.
+// The terminal echoes nothing while this object lives; signals that would leave it that way arrive
+// afterwards.
 class NoEcho {
  public:
   NoEcho() : isTerminal_(tcgetattr(STDIN_FILENO, &before_) == 0) {

@@ -8,7 +8,7 @@
 namespace qvx::ctl {
 
 // A line that was typed without echo, or read from stdin where that is no terminal. Wiped when it
-// goes.
+// is destroyed.
 class Password {
  public:
   // Throws a Failure when there is no line, or one longer than 255 bytes.

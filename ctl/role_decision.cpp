@@ -72,9 +72,9 @@ unsigned long LineOf(const Records& records, const QVXRole* wanted) {
   return 0;
 }
 
-// Lends each entry a rank below its role for as long as the algorithm is asked. The algorithm only
-// compares what an entry grants, so the greater role still wins and the answer names its entry;
-// among equals the first one.
+// Lends each entry a rank below its role while the algorithm runs. The algorithm only compares what
+// an entry grants, so the greater role still wins and the answer names its entry; among equals the
+// first one.
 class RankedEntries {
  public:
   explicit RankedEntries(const std::vector<QVXRole*>& entries) : entries_(entries) {

@@ -14,7 +14,7 @@ namespace qvx::ctl {
 
 struct RoleDecision {
   std::string user;                  // as the login was split
-  std::string host;                  // lower-case; the one the map was asked about
+  std::string host;                  // lower-case; the one looked up in the map
   std::vector<RoleMapFault> faults;  // of the map: then the built-in lines decided
   u32 byMap = 0;
   unsigned long line = 0;  // of the map; 0 for a built-in line or none

@@ -60,7 +60,7 @@ class EntryChecker {
     Warn("group " + group.substr(1) + " is unknown here");
   }
 
-  // Groups and anyone: the greater role of a repeated host wins, wherever it stands.
+  // Groups and anyone: the greater role of a repeated host wins, wherever it is.
   void CheckShared(const std::string& user, const std::string& host, u32 privileges) {
     const auto [found, isNew] = shared_[user].emplace(host, Grant{privileges, line_});
     if (isNew) return;

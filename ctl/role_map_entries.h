@@ -14,7 +14,7 @@ class QVAuthFileRecord;
 
 namespace qvx::ctl {
 
-// What the records of a faultless map say that is hardly meant.
+// What the records of a faultless map say that is probably not intended.
 void CheckEntries(const std::deque<QVAuthFileRecord*>& records,
                   std::vector<RoleMapFinding>* findings);
 

@@ -8,8 +8,8 @@
 namespace qvx::ctl {
 
 enum class Weight {
-  kFault,    // the library refuses the map and takes its built-in lines
-  kWarning,  // the library says nothing, and it is hardly meant
+  kFault,    // the library refuses the map and uses its built-in lines
+  kWarning,  // the library reports nothing, but it is probably not intended
   kNote,     // does not count here
 };
 

@@ -13,7 +13,7 @@ struct RoleMapText {
   std::vector<std::string> lines;  // without their line feeds
   bool endsWithoutNewline = false;
 
-  // Line 1 is the first; empty for any that is not there.
+  // Line 1 is the first; empty for a line that does not exist.
   [[nodiscard]] std::string Line(unsigned long number) const;
 };
 

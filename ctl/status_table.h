@@ -18,7 +18,7 @@ struct StatusEntry {
   ExitCode exitCode;  // of a command that ends with it
 };
 
-// An entry without a name of the catalogue for a value that is none.
+// For a value that is not in the catalogue, an entry without a name.
 const StatusEntry& EntryOfStatus(u32 value);
 
 // Whether the value is one of the catalogue's, -1 included.

@@ -22,7 +22,7 @@ bool watched = false;
 }  // namespace
 
 // The C library notes which image the handlers belong to and drops them when it is unloaded.
-// Without memory for the note a child goes without them.
+// Without enough memory for the note a child runs without them.
 void WatchForks() {
   if (watched) return;
   watched = pthread_atfork(HoldContextLocksForFork, EndContextLocksHold, StartChild) == 0;

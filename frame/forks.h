@@ -6,7 +6,7 @@
 namespace qvx {
 
 // From now on a child of fork starts with the library's own locks free, whichever thread of the
-// parent had them. Ends by itself when the image is unloaded.
+// parent held them. Ends by itself when the image is unloaded.
 void WatchForks();
 
 }  // namespace qvx

@@ -3,7 +3,7 @@
 
 // The layout of every record that callers hand over: fields in order, naturally aligned. Offsets
 // are multiples of a pointer's size, because each 32-bit field before a pointer is padded to one;
-// so that a wider field cannot hide in that room, widths and signs are fixed beside them.
+// widths and signs are checked as well, so that a wider field cannot hide in that padding.
 #include <cstddef>
 #include <ctime>
 #include <type_traits>
@@ -39,7 +39,7 @@ static_assert(std::is_signed_v<s16>);
 static_assert(std::is_signed_v<s32>);
 static_assert(std::is_signed_v<s64>);
 static_assert(std::is_floating_point_v<d64>);
-// The platform's own types cross the border as the platform has them.
+// The platform's own types are passed as the platform defines them.
 static_assert(sizeof(time_t) == kPointer && sizeof(pthread_t) == kPointer);
 
 static_assert(kIs<decltype(SSAStr::text), astring*>);

@@ -19,7 +19,7 @@ class BlockReader {
   BlockReader(const BlockReader&) = delete;
   BlockReader& operator=(const BlockReader&) = delete;
 
-  // False without memory; nothing else may be called then.
+  // False without enough memory; nothing else may be called then.
   explicit operator bool() const { return block_ != nullptr; }
 
   // What has been read and not skipped; valid until the next ReadOn.

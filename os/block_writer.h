@@ -24,7 +24,7 @@ class BlockWriter {
   BlockWriter(const BlockWriter&) = delete;
   BlockWriter& operator=(const BlockWriter&) = delete;
 
-  // False without memory; nothing else may be called then.
+  // False without enough memory; nothing else may be called then.
   explicit operator bool() const { return block_ != nullptr; }
 
   // Both are false with errno set when a write failed.

@@ -37,10 +37,10 @@ u32 MoveInPlace(const astring* target, const astring* source);
 bool HasDirectoryPart(const astring* path);
 
 // The part of a path before its last "/"; "." when there is none or nothing comes before it.
-// Empty without memory.
+// Empty without enough memory.
 HeapArray<astring> DirectoryPart(const astring* path);
 
-// "directory/name". Empty without memory.
+// "directory/name". Empty without enough memory.
 HeapArray<astring> PathIn(const astring* directory, const astring* name);
 
 }  // namespace qvx

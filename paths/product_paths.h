@@ -7,7 +7,7 @@
 
 namespace qvx {
 
-// New heap texts; null without memory or without the path that they are under.
+// New heap texts; null without enough memory or without the path that they are under.
 astring* SUPTIntfGetProductIniPath();
 astring* SUPTIntfGetProductVarPath();
 astring* SUPTIntfGetQVXWWWRootPath();

@@ -17,7 +17,7 @@ namespace {
 constexpr u32 kEnglishUnitedStates = 1033;
 constexpr size_t kFault = static_cast<size_t>(-1);
 
-// Each unit widened by itself, terminator included; empty without memory.
+// Each unit widened by itself, terminator included; empty without enough memory.
 HeapArray<wchar_t> Widened(const ustring* text) {
   const u64 units = UnitCount(text) + 1;
   auto wide = AllocArray<wchar_t>(units);

@@ -37,7 +37,7 @@ constexpr astring kOwnUser[] = "Local System";
 constexpr astring kOwnSource[] = "QVPX";
 constexpr astring kMaxSizeKey[] = "preferences.system.cmdlogmaxsize";
 
-// Threads of one process are not kept apart by the file lock.
+// The file lock does not keep threads of one process apart.
 constinit std::atomic<u32> cmdLogMaxSize{kDefaultMaxLogSize};
 
 // A setting that does not fit 32 bits is no size, although the number conversion keeps the low
@@ -57,7 +57,7 @@ bool IsBeyond32Bits(const astring* number) {
 bool ParseMaxSize(const astring* number, u32* size) {
   if (number == nullptr) return false;
   u32 status = SM_STATUS_SUCCESS;
-  // Deliberate: the conversion takes a sign, so "-5" is the size 4,294,967,291.
+  // Deliberate: the conversion accepts a sign, so "-5" is the size 4,294,967,291.
   // Held by CommandLog.NegativeMaximumWrapsAround.
   const u32 value = ASCIIToUnSigned32VT(number, 10, &status);
   if (status != SM_STATUS_SUCCESS || IsBeyond32Bits(number)) return false;
@@ -122,8 +122,8 @@ u32 SUPTIntfGetCmdLogSize(u32* size) {
   *size = 0;
   const FileLockGuard lock(1);
   if (!lock) return SM_STATUS_LOCK_FAILED;
-  // Deliberate: making a log that is missing takes the lock again and its release ends this hold
-  // too; the size is then read unlocked. Held by CommandLog.SizeOfAMissingLogIsReadUnlocked.
+  // Deliberate: making a missing log takes the lock again, and that release ends this hold too; the
+  // size is then read unlocked. Held by CommandLog.SizeOfAMissingLogIsReadUnlocked.
   const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
   if (!path) return SM_STATUS_NO_MEMORY;
   return GetSizeOfFile(path.get(), size);
@@ -153,8 +153,8 @@ void InitCmdMaxLogSize() {
   (void)SUPTIntfGetCmdLogMaxSize(&size);
   const FileLockGuard lock(1);
   if (lock) ReadConfiguredMaxSize(&size);
-  // Deliberate: what was read is dropped: each append asks the properties file anew, and the value
-  // of the module is the default it falls back to. Held by
+  // Deliberate: the value that was read is dropped; each append reads the properties file again,
+  // and the module's value is the default that it falls back to. Held by
   // CommandLog.AttachKeepsTheDefaultWhateverTheFileHolds.
   cmdLogMaxSize.store(kDefaultMaxLogSize);
 }

@@ -41,8 +41,8 @@ u32 GetBackupXMLLogPathFileName(const astring* path, astring* buffer, u32* size)
   if (path == nullptr || size == nullptr) return SM_STATUS_INVALID_PARAMETER;
   const size_t length = strlen(path);
   if (length < 2) return SM_STATUS_INVALID_PARAMETER;
-  // Deliberate: the buffer is taken to hold 256 bytes and the size that comes in is not looked at.
-  // Held by LogBackup.IncomingSizeIsNotConsulted.
+  // Deliberate: the buffer is assumed to hold 256 bytes, and the incoming size is ignored. Held by
+  // LogBackup.IncomingSizeIsNotConsulted.
   *size = static_cast<u32>(length + 1);
   if (length >= kBackupNameRoom) return SM_STATUS_BUFFER_TOO_SMALL;
   if (buffer != nullptr) {
@@ -60,8 +60,8 @@ u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
   if (strcmp(path, backup.get()) == 0) return kMinusOne;
   const FileLockGuard lock(1);
   if (!lock) return SM_STATUS_LOCK_FAILED;
-  // Another process may have moved the log since it was measured: then the backup that stands holds
-  // its entries and must not be deleted for the sake of a new, short log.
+  // Another process may have moved the log since it was measured: then the existing backup holds
+  // its entries and must not be deleted for a new, short log.
   if (!IsFull(path, maxSize, entrySize)) return kMinusOne;
   return MoveOverBackup(path, backup.get());
 }

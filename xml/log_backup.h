@@ -18,7 +18,7 @@ inline bool ReachesMaximum(s64 size, u32 maxSize, u32 entrySize) {
   return size + s64{entrySize} >= s64{maxSize};
 }
 
-// Tells in `backedUp` whether the log had reached the maximum and was moved.
+// Stores in `backedUp` whether the log had reached the maximum and was moved.
 void CheckBackupLogFile(const astring* path, u32 maxSize, u32 entrySize, booln* backedUp);
 
 }  // namespace qvx

@@ -101,7 +101,7 @@ u32 LogEntry::Join(const std::string_view* pieces, size_t count, const LogEvent&
     at = Put(at, pieces[i]);
   }
   // Deliberate: the dump keeps its line ends and is not escaped, so data bytes that are markup in
-  // XML stand bare in its character columns. Held by LogEntry.DataIsTheDumpWithItsLineEnds.
+  // XML appear unescaped in its character columns. Held by LogEntry.DataIsTheDumpWithItsLineEnds.
   PutHexDump(at, event.data, event.dataSize);
   at = Put(at + HexDumpLength(event.dataSize), kEnd);
   *at = '\0';

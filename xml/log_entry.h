@@ -22,7 +22,7 @@ inline constexpr u16 kLogInformation = QVX_LOG_INFORMATION;
 inline constexpr u32 kLogClearedId = QVX_LOG_CLEARED;
 inline constexpr u32 kLogBackupId = QVX_LOG_BACKUP_CREATED;
 
-// What happened, as the caller tells it. Texts and data may be null.
+// What happened, as the caller reports it. Texts and data may be null.
 struct LogEvent {
   u16 type;
   u32 id;

@@ -16,7 +16,7 @@ namespace {
 
 // A FIFO in the log's place must not be waited for.
 constexpr int kLogFlags = O_RDWR | O_NONBLOCK | O_NOCTTY;
-// Less than a log has in the end, so that nobody gains a right while it is being made.
+// Fewer rights than a finished log has, so that nobody gains a right while it is being made.
 constexpr mode_t kNewLogMode = 0664;
 
 mode_t PermissionsOf(const struct stat& status) { return status.st_mode & 07777; }
@@ -32,7 +32,7 @@ Descriptor OpenWithItsMode(const astring* path) {
   return opened;
 }
 
-// One look at the open file tells all that is needed of it.
+// One look at the open file finds everything that is needed about it.
 LogFile LogOver(Descriptor descriptor) {
   struct stat status = {};
   if (!descriptor || fstat(descriptor.Number(), &status) != 0) return {};

@@ -21,7 +21,7 @@ inline constexpr s64 kLogOpeningLength = sizeof(kLogOpeningTag) - 1;
 inline constexpr s64 kLogClosingLength = sizeof(kLogClosingTag) - 1;
 static_assert(kLogHeadLength == 65 && kLogOpeningLength == 10 && kLogClosingLength == 11);
 
-// What a path leads to, looked at once and handed on.
+// What a path refers to, examined once and passed on.
 struct LogLook {
   bool found;    // whether there is anything
   bool regular;  // whether it is a file, which the rest is of
@@ -31,8 +31,8 @@ struct LogLook {
 };
 LogLook LookAtLog(const astring* path);
 
-// Sets a log's mode where the look showed another one. Anything but a file keeps its mode, whether
-// it is in the log's place or a link there leads to it.
+// Sets a log's mode where the examination showed another one. Anything but a file keeps its mode,
+// whether it is in the log's place or a link there points to it.
 void SetLogMode(const astring* path, const LogLook& look);
 
 // An open log, as it was when it was opened.
@@ -44,11 +44,11 @@ struct LogFile {
   explicit operator bool() const { return static_cast<bool>(descriptor); }
 };
 
-// Opens a log for reading and writing, with the mode that logs have. Empty with errno set, ENOENT
-// for a missing one, where that fails and for whatever is no file.
+// Opens a log for reading and writing, with the mode that logs have. Empty with errno set when that
+// fails (ENOENT for a missing log) and for anything that is no file.
 LogFile OpenStandingLog(const astring* path);
-// The same, but a missing log is created. One that cannot be opened is left to whoever protected
-// it.
+// The same, but a missing log is created. One that cannot be opened is left to the user who
+// protected it.
 LogFile OpenLog(const astring* path);
 
 // Each is one call, repeated where a signal interrupted it. False when it did less than asked.

@@ -46,7 +46,7 @@ bool RestoreClosingTag(const LogFile& log, s64 offset) {
   return WriteLog(log, &tag, 1, offset) && CutLog(log, offset + kLogClosingLength);
 }
 
-// An entry begins there: at the file's start, or behind the opening tag or another entry.
+// An entry begins there: at the file's start, or after the opening tag or another entry.
 bool IsPlaceOfAnEntry(const LogFile& log, s64 offset) {
   if (offset == 0) return true;
   if (!Holds(log, 0, kLogHead, kLogHeadLength)) return false;

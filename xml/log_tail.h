@@ -13,7 +13,7 @@ namespace qvx {
 // The offset of the log's last closing tag after the head; -1 without one or when a read fails.
 s64 FindClosingTag(const LogFile& log);
 
-// One write that puts an entry and a new closing tag into a log.
+// One write that adds an entry and a new closing tag to a log.
 class LogAddition {
  public:
   // At offset 0 the entry begins the log: the head goes before it.
@@ -27,7 +27,7 @@ class LogAddition {
   }
   TornLogNote NoteFor(const LogFile& log) const;
   bool Write(const LogFile& log) const;
-  // Makes the log what it was before the write: the closing tag again, or nothing at all.
+  // Restores the log to what it was before the write: the closing tag again, or nothing at all.
   bool TakeBack(const LogFile& log) const;
 
  private:
@@ -42,7 +42,8 @@ class LogAddition {
 // Whether a kill within the very write that the note tells of has cut this log.
 bool IsTorn(const LogFile& log, const TornLogNote& note);
 
-// Puts the closing tag back where the note has it; a log that was to be begun is made empty.
+// Puts the closing tag back at the place that the note names; a log that was being begun is
+// emptied.
 // False when that fails.
 bool MendLog(LogFile* log, const TornLogNote& note);
 

@@ -161,7 +161,7 @@ u32 CatDouble(const Element& element, const void* value) {
 u32 CatTime(const Element& element, const void* value) {
   astring text[kValueTextRoom] = "-1";
   u32 length = 2;
-  // Deliberate: time 0 is written "-1" as the times before it are; it stands for "no time". Held by
+  // Deliberate: time 0 is written "-1" as the times before it are; it means "no time". Held by
   // XmlBuffer.TimesBelowOneAreMinusOne.
   if (LoadValue<s32>(value) >= 1) length = PutTime(text, value);
   return CatPieces(element, [&](BufferEnd* end) { end->Cat(text, length); });
@@ -251,8 +251,8 @@ u32 PXMBufCatNodeT(void* buffer, const astring* name, const astring* attributes,
   if (value == nullptr && !tagOnly) return SM_STATUS_INVALID_PARAMETER;
   const Element element = ElementOf(buffer, name, attributes);
   const u32 passes = static_cast<u32>(std::max(format, 1));
-  // Deliberate: only the two escaped forms are escaped; every other text is written as it stands,
-  // markup of the caller's own included. Held by XmlBuffer.TextIsWrittenAsItStands.
+  // Deliberate: only the two escaped forms are escaped; every other text is written unchanged,
+  // including the caller's own markup. Held by XmlBuffer.TextIsWrittenAsItStands.
   switch (type.form) {
     case ValueForm::kText:
       return CatWhole(element, static_cast<const astring*>(value),

@@ -15,7 +15,8 @@ u32 PXMBufCatBeginNode(void* buffer, const astring* name, const astring* attribu
 u32 PXMBufCatEndNode(void* buffer, const astring* name);
 u32 PXMBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes);
 
-// Frees the buffer. With mode 1 its text is the caller's and is returned, else null.
+// Frees the buffer. With mode 1 its text is returned and the caller owns it; otherwise the result
+// is null.
 astring* PXMFreeBuf(void* buffer, u16 mode);
 
 // `format` is the radix of the numbers of up to 32 bits (0, 10, 16) and the number of escaping

@@ -32,7 +32,7 @@ void MendNoted(LogFile* log, TornLogNotes* notes) {
   if (note != nullptr && IsTorn(*log, *note) && MendLog(log, *note)) notes->Drop(log->id);
 }
 
-// Mends the log in a hold of its own.
+// Mends the log in a separate hold of the lock.
 void MendLogAt(const astring* path) {
   const FileLockGuard lock(kWait);
   if (!lock) return;
@@ -60,8 +60,8 @@ void TakeBackFromClosed(const astring* path, const FileId& id, const LogAddition
 }
 
 u32 WriteAndClose(const astring* path, LogFile log, const LogAddition& addition) {
-  // What is behind the closing tag goes first, so that a kill within the write leaves nothing of
-  // it behind the entry.
+  // What follows the closing tag is removed first, so that a kill within the write leaves nothing
+  // of it after the entry.
   if (addition.End() < log.size && !CutLog(log, addition.Offset() + kLogClosingLength)) {
     return SM_STATUS_WRITE_FAILED;
   }
@@ -135,7 +135,7 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
     CheckBackupLogFile(path, maxSize, entry.Length(), &backedUp);
   }
   if (backedUp == 1) {
-    // Deliberate: the new log tells first that it was begun, ahead of the entry that made it
+    // Deliberate: the new log first records that it was begun, before the entry that made it
     // necessary and is older. Held by XmlLog.ReachingTheMaximumMovesTheLogToItsBackup.
     (void)AppendToXMLLog(path, kLogInformation, kLogBackupId, user, source, "Log backup created",
                          nullptr, 0, kDefaultMaxLogSize);

@@ -146,7 +146,7 @@ u32 PutHexadecimal(astring* out, const ValueType& type, const void* value) {
 }
 
 u32 PutDouble(astring* out, const void* value) {
-  // DoubleToASCII takes the length of the standing text for its room, NUL included.
+  // DoubleToASCII treats the length of the text already in the buffer as its room, NUL included.
   memset(out, ' ', kDoubleCharacters + 1);
   out[kDoubleCharacters + 1] = '\0';
   DoubleToASCII(out, LoadValue<d64>(value));

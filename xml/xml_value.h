@@ -12,7 +12,7 @@
 
 namespace qvx {
 
-// How the value behind a type code is read.
+// How the value of a type code is read.
 enum class ValueForm : u8 {
   kNone,  // a gap in the numbering, or a code outside it
   kText,
@@ -42,7 +42,7 @@ constexpr u32 kValueTypeCount = 28;
 const ValueType& ValueTypeOf(s32 code);
 
 // Copies a text and returns the place after it. Names and numbers are short: two copies that may
-// overlap take the place of a call.
+// overlap replace a call.
 inline astring* PutText(astring* to, const astring* text, size_t length) {
   if (length > 16) {
     memcpy(to, text, length);
