@@ -18,18 +18,8 @@
 #include "qvxcs/status.h"
 
 #include "frame/module.h"
+#include "support/sanitizers.h"
 #include "tests/access/accounts.h"
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QVX_OTHER_HEAP 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QVX_OTHER_HEAP 1
-#endif
-#endif
-#ifndef QVX_OTHER_HEAP
-#define QVX_OTHER_HEAP 0
-#endif
 
 namespace qvx {
 namespace {
@@ -110,7 +100,7 @@ bool LogsInAsExpected(u32 at) {
 }
 
 TEST(Growth, TenThousandLoginsLeaveNothingBehind) {
-  if (QVX_OTHER_HEAP != 0) {
+  if (QVX_SANITIZED != 0) {
     GTEST_SKIP() << "a sanitizer's heap is not counted by mallinfo2, and finds leaks itself";
   }
   if (!HasExactHeap()) {
@@ -132,7 +122,7 @@ TEST(Growth, TenThousandLoginsLeaveNothingBehind) {
 }
 
 TEST(Growth, TenThousandLogEntriesLeaveNothingBehind) {
-  if (QVX_OTHER_HEAP != 0) {
+  if (QVX_SANITIZED != 0) {
     GTEST_SKIP() << "a sanitizer's heap is not counted by mallinfo2, and finds leaks itself";
   }
   if (!HasExactHeap()) {

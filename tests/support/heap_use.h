@@ -7,7 +7,9 @@
 
 #include <cstddef>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include "support/sanitizers.h"
+
+#if QVX_SANITIZED
 #include <sanitizer/allocator_interface.h>
 #endif
 
@@ -16,7 +18,7 @@ namespace qvx::test {
 // Bytes of the heap in use. The C library keeps freed blocks of up to some 1,000 bytes as if they
 // were used: compare with blocks larger than that.
 inline size_t HeapInUse() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if QVX_SANITIZED
   return __sanitizer_get_current_allocated_bytes();
 #else
   const struct mallinfo2 heap = mallinfo2();
