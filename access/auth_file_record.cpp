@@ -25,7 +25,7 @@ constexpr RoleWord kRoleWords[] = {
     {L"user", QVX_PRIV_USER},
 };
 
-// Takes the next field off the line: several blanks are one separator. Empty when none is left.
+// Removes the next field from the line; several blanks are one separator. Empty when none is left.
 std::wstring_view NextField(std::wstring_view& line) {
   line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
   const std::wstring_view field = line.substr(0, line.find_first_of(kBlanks));

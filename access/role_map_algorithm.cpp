@@ -224,7 +224,7 @@ u32 QVXRoleMapAlgorithm::GrantByGroups(const QVXRole& query, SystemUser& user) c
   if (groupMap_.empty() || most == QVX_PRIV_NONE) return QVX_PRIV_NONE;
   const std::span<const gid_t> groups = user.Groups();
   u32 grant = QVX_PRIV_NONE;
-  // Naming each of hundreds of groups takes the system long, so the few of the map come first.
+  // Naming each of hundreds of groups is slow, so the few groups of the map come first.
   if (groupMap_.size() <= std::min(kFewGroups, groups.size() / kManyForEach)) {
     for (const auto& [key, hosts] : groupMap_) {
       const u32 grantOfKey = GrantOfGroup(hosts, query.host);

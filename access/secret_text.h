@@ -19,7 +19,7 @@ class SecretText {
   SecretText(const SecretText&) = delete;
   SecretText& operator=(const SecretText&) = delete;
 
-  // Room of exactly so many bytes, all 0; false without enough memory.
+  // Room of exactly this many bytes, all 0; false without enough memory.
   bool Alloc(u64 room) {
     Wipe();
     text_ = AllocArray<astring>(room);

@@ -126,8 +126,8 @@ void StandIn() {
   }
 }
 
-// What the role map grants; nothing to a name that cannot be widened. `known` is a user whom the
-// system may already have been asked for.
+// What the role map grants; nothing to a name that cannot be widened. `known` is a user that may
+// already have been looked up.
 u32 RoleMapPrivileges(const astring* user, const astring* host, SystemUser& known) {
   const std::optional<std::wstring> wideUser = Widen(user);
   const std::optional<std::wstring> wideHost = Widen(host);

@@ -10,7 +10,7 @@
 #include "base/local_mutex.h"
 
 // A handle is a slot's number plus 1, so that it stays 32 bits wide where a pointer is wider.
-// Slots lie in chunks that are never moved or freed: a handle is found without a lock while other
+// Slots are in chunks that are never moved or freed: a handle is found without a lock while other
 // threads make new ones.
 namespace qvx {
 namespace {

@@ -108,7 +108,7 @@ astring* CmdGetXMLLogContent(const astring* path) {
   if (size == 0 || size > kMaxSize - kAroundContent) return nullptr;
   const Descriptor file = OpenLogToShow(path);
   if (!file && errno == ENOMEM) return nullptr;
-  // Room for the whole answer at once: nothing that is added to it can fail.
+  // Makes room for the whole answer first, so that no later append can fail.
   XmlBuffer buffer(PXMAllocBuf(file ? size + kAroundContent : kAroundContent, 0));
   if (!buffer) return nullptr;
   if (!file) return TakeText(std::move(buffer), -1);

@@ -19,7 +19,7 @@ u32 GetValue(const astring* section, const astring* key, astring* buffer, u32* s
 u32 GetAllKeys(const astring* section, astring* buffer, u32* size, BlockReader* file);
 u32 GetAllSections(astring* buffer, u32* size, BlockReader* file);
 
-// A read as the caller asked for it.
+// A read as the caller requested it.
 struct IniRead {
   const astring* section;
   const astring* key;

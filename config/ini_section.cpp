@@ -51,7 +51,7 @@ Descriptor OpenToAppend(const astring* path, struct stat* seen) {
 }
 
 // One write, flushed. When the write is lost, which may show only when the first descriptor is
-// closed, a second descriptor of the file takes the text back; without a second one nothing is
+// closed, a second descriptor of the file removes the text again; without a second one nothing is
 // written.
 u32 AppendInPlace(Descriptor file, off_t oldSize, std::string_view text) {
   const Descriptor second = AboveStandard(fcntl(file.Number(), F_DUPFD_CLOEXEC, 0));

@@ -25,7 +25,7 @@ constexpr u32 kByteText = 5;
 // The greatest double has 309 digits before the point.
 constexpr u32 kNumberRoom = 352;
 
-// A write as the caller asked for it.
+// A write as the caller requested it.
 struct Write {
   const astring* section;
   const astring* key;

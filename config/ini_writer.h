@@ -18,7 +18,7 @@ u32 FindKeyUpdateValue(const astring* key, const astring* value, BlockReader* in
 u32 UpdateValue(const astring* section, const astring* key, const astring* value,
                 const astring* path, const astring* tmpPath);
 
-// A write of text as the caller asked for it.
+// A write of text as the caller requested it.
 struct IniWrite {
   const astring* section;
   const astring* key;

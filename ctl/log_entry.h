@@ -23,7 +23,8 @@ struct LogRecord {
   std::string data;         // a hexadecimal dump
 };
 
-// Takes "<LogEntry>" to "</LogEntry>" apart; nothing for a text that the library did not write so.
+// Parses "<LogEntry>" to "</LogEntry>"; nothing for a text that the library did not write in this
+// form.
 std::optional<LogRecord> ParseLogRecord(std::string_view text);
 
 }  // namespace qvx::ctl

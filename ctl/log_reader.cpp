@@ -111,7 +111,7 @@ LogPart LogReader::Forget(LogPart part) {
   return part;
 }
 
-// Whether so many bytes are there, which then are in the buffer.
+// Whether this many bytes are available; if so, they are in the buffer.
 bool LogReader::Fill(size_t size) {
   while (Rest().size() < size) {
     const size_t before = buffer_.size();
@@ -121,7 +121,7 @@ bool LogReader::Fill(size_t size) {
   return true;
 }
 
-// One read's worth more: what one read gives is of one moment.
+// One more read's worth: what one read returns is from one moment.
 void LogReader::FillOnce() {
   const size_t before = buffer_.size();
   buffer_.resize(before + kPiece);

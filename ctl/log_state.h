@@ -17,8 +17,8 @@ struct LogPlace {
   std::string first;  // the mark of the log's first entry; empty before it was there
   u64 last = 0;       // where the last shown entry begins; 0 before the first was shown
   std::string lastMark;
-  u64 next = 0;        // where reading goes on
-  std::string backup;  // the key of the backup that needs no more showing
+  u64 next = 0;        // where reading continues
+  std::string backup;  // the key of the backup that need not be shown again
 };
 
 // Nothing for a file that is missing or empty. Throws a Failure for one that holds something else,

@@ -55,7 +55,7 @@ ExitCode Report(ExitCode code, const char* message) {
 }  // namespace
 
 int RunProgram(int argc, char** argv) {
-  // A reader that has gone is seen by the write that fails.
+  // The write that fails shows that the reader is gone.
   (void)signal(SIGPIPE, SIG_IGN);
   ChooseLocale();
   try {

@@ -23,8 +23,8 @@ const char* TextOfFault(int code);
 
 class RoleMapRecords {
  public:
-  // Reads the file whatever its mode; after a faulty line the reader goes on with the next one, so
-  // that every fault is found. With a fault the library takes none of the records.
+  // Reads the file whatever its mode; after a faulty line the reader continues with the next one,
+  // so that every fault is found. With a fault the library uses none of the records.
   explicit RoleMapRecords(const std::string& path);
 
   [[nodiscard]] const std::vector<RoleMapFault>& Faults() const { return faults_; }

@@ -62,7 +62,7 @@ s32 ModuleDetach() {
   if (modAttachCount < 1) return 0;
   if (modAttachCount-- != 1) return 1;
   // At the end of a process another thread may still be working under the lock. It is not waited
-  // for: it keeps the lock file until it is done or the process is gone.
+  // for: it keeps the lock file until it is done or the process has ended.
   if (TakeThreadsTurn(0) < 0) return 1;
   (void)WaitForGlobalMutex(hGFileLock, -1);
   (void)UnLoadIPSupt();

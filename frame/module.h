@@ -13,7 +13,7 @@ extern s32 modAttachCount;
 s32 ModuleAttach();
 s32 ModuleDetach();
 
-// What the loader runs when the library comes and goes.
+// What the loader runs when the library is loaded and unloaded.
 s16 ModuleInit();
 s16 ModuleFini();
 

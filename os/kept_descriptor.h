@@ -10,7 +10,7 @@
 namespace qvx {
 
 // A regular file that stays open from one call of the library to the next. In between, the host may
-// close any number and open a file of its own under it: that file is never read or closed as ours.
+// close any number and open its own file under it: that file is never read or closed as ours.
 class KeptDescriptor {
  public:
   KeptDescriptor() = default;

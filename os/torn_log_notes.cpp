@@ -14,7 +14,7 @@
 namespace qvx {
 namespace {
 
-// The file lies within one page, so that a kill leaves the old notes or the new ones.
+// The file fits within one page, so that a kill leaves the old notes or the new ones.
 constexpr char kMagic[8] = {'q', 'v', 'x', 't', 'o', 'r', 'n', '\n'};
 struct NoteFile {
   char magic[sizeof(kMagic)];

@@ -16,7 +16,7 @@ astring* SUPTIntfGetXSLPathLocale(const astring* product, const astring* dir, co
 astring* SIGetXSLPath(const astring* root, const astring* dir, const astring* file,
                       const astring* locale, booln withTemplate, booln mustExist);
 
-// The same for a locale ll_CC: looked up as ll/CC, then as ll.
+// As above for a locale ll_CC, which is looked up as ll/CC, then as ll.
 astring* SIGetXSLPathLocalePermutate(const astring* root, const astring* dir, const astring* file,
                                      const astring* locale, booln withTemplate, booln mustExist);
 

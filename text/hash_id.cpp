@@ -36,7 +36,7 @@ bool IsInUse(void* table, u32 size, u32 id) {
   return (*ByteOf(table, id) & MaskOf(id)) != 0;
 }
 
-// The bits from `from` to 31; none when it lies above.
+// The bits from `from` to 31; none when `from` is above 31.
 u32 BitsFrom(u32 from) { return from < kWordBits ? ~0u << from : 0; }
 
 u32 MoveCursor(u32 found, u32 at, u32* word, u32* bit) {

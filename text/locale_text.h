@@ -19,8 +19,8 @@ u32 UnicodeToASCII(astring* out, u32* size, const ustring* text);
 u32 UnicodeToLocal(astring* out, u32* size, const ustring* text);
 
 // `*size` in bytes, both ways. At most `*size` / 2 characters: what does not fit is left off, and
-// the terminator goes one unit past: offer one unit less than is allocated. A null output or a size
-// of 0 only measures.
+// the terminator is written one unit past the room: offer one unit less than is allocated. A null
+// output or a size of 0 only measures.
 u32 ASCIIToUnicode(ustring* out, u32* size, const astring* text);
 u32 LocalToUnicode(ustring* out, u32* size, const astring* text);
 

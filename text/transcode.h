@@ -7,8 +7,8 @@
 
 namespace qvx {
 
-// The terminator of a text that fills `*size` exactly goes one element past it: offer one element
-// less than is allocated. With a null `out` they only store the size needed.
+// The terminator of a text that fills `*size` exactly is written one element past it: offer one
+// element less than is allocated. With a null `out` they only store the size needed.
 
 // Sizes in bytes.
 u32 UCS2StrToUTF8Str(astring* out, u32* size, const ustring* text);

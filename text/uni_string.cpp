@@ -143,7 +143,7 @@ void Uni_strnset(ustring* string, ustring unit, u32 count) {
   }
 }
 
-// Swaps from both ends: needs no second buffer, so it cannot fail for want of memory.
+// Swaps from both ends: needs no second buffer, so it cannot run out of memory.
 ustring* Uni_strrev(ustring* string) {
   std::reverse(string, string + UnitCount(string));
   return string;

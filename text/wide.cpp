@@ -16,8 +16,8 @@ namespace {
 
 enum Shuffle : int { kNotAsked, kWithout, kWith };
 
-// The answer, kept because a virtual machine takes microseconds to give it. Threads that ask at
-// once store the same.
+// The result, kept because a virtual machine needs microseconds to return it. Threads that ask at
+// the same time store the same result.
 std::atomic<int> byteShuffle{kNotAsked};
 
 int AskProcessor() {

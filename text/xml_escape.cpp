@@ -31,7 +31,7 @@ struct EscapedText {
   ~EscapedText() { SSAStrFree(&record); }
 };
 
-// An append reports nothing: only the length tells that it worked.
+// An append reports nothing: only the length shows that it worked.
 bool Append(SSAStr* record, const astring* piece) {
   const u32 before = record->length;
   SSAStrCatAStr(record, piece);

@@ -51,7 +51,7 @@ LogFile OpenStandingLog(const astring* path);
 // protected it.
 LogFile OpenLog(const astring* path);
 
-// Each is one call, repeated where a signal interrupted it. False when it did less than asked.
+// Each is one call, repeated where a signal interrupted it. False when it did less than requested.
 bool ReadLog(const LogFile& log, void* block, size_t length, s64 offset);
 bool WriteLog(const LogFile& log, const iovec* parts, int count, s64 offset);
 bool CutLog(const LogFile& log, s64 length);

@@ -39,7 +39,7 @@ class LogAddition {
   s64 end_;
 };
 
-// Whether a kill within the very write that the note tells of has cut this log.
+// Whether a kill during the write that the note describes has cut this log.
 bool IsTorn(const LogFile& log, const TornLogNote& note);
 
 // Puts the closing tag back at the place that the note names; a log that was being begun is

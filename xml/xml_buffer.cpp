@@ -63,18 +63,18 @@ astring* PutClosing(astring* to, const Element& element) {
   return to;
 }
 
-// The element is larger than any buffer, also one that is empty.
+// The element is larger than any buffer, even an empty one.
 bool IsBeyondAnyBuffer(const Element& element, u64 valueLength) {
   return OpeningLength(element, 1) + valueLength + ClosingLength(element) + 1 > kMaxSize;
 }
 
 // The end of a buffer, where an element is written in place, piece by piece. The element's texts
-// may be the buffer's own: the block that they lie in is kept until all of it is written.
+// may be the buffer's own: the block that they are in is kept until all of it is written.
 class BufferEnd {
  public:
   explicit BufferEnd(SSAStr* buffer) : buffer_(buffer) {}
 
-  // Lets `put` write a piece of so many characters.
+  // Lets `put` write a piece of this many characters.
   template <typename Put>
   void Cat(u64 length, Put put) {
     // Deliberate: a piece for which the buffer cannot grow is dropped, and the element call still
@@ -122,7 +122,7 @@ u32 CatEndTag(const Element& element) {
   return SM_STATUS_SUCCESS;
 }
 
-// Opening tag, value and closing tag, each a piece of its own.
+// Opening tag, value and closing tag, each a separate piece.
 template <typename CatValue>
 u32 CatPieces(const Element& element, CatValue catValue) {
   if (IsBeyondAnyBuffer(element, 0)) return SM_STATUS_NO_MEMORY;
@@ -186,7 +186,7 @@ u32 CatTextRecord(const Element& element, const SSAStr& record) {
   return CatWhole(element, record.text, length);
 }
 
-// Takes the escaped text; it is null where escaping or its memory failed.
+// Receives the escaped text; it is null where escaping or its memory failed.
 u32 CatEscaped(const Element& element, astring* escaped) {
   const HeapArray<astring> text(escaped);
   if (!text) return SM_STATUS_NO_MEMORY;

@@ -128,7 +128,7 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
   }
   LogEntry entry;
   if (const u32 status = entry.Build(event)) return status;
-  // Deliberate: a backup that fails is not reported; the entry goes to the log that is full.
+  // Deliberate: a backup that fails is not reported; the entry is written to the full log.
   // Held by XmlLog.FailedBackupLeavesTheEntryInTheFullLog.
   booln backedUp = 0;
   if (IsFull(path, look, maxSize, entry)) {
