@@ -80,8 +80,9 @@ u32 NVSuptBufCatSetCmdParam(void* buffer, const astring* name, const void* oldVa
   CatValue(&attributes, "\" newval=\"", type, newValue);
   CatValue(&attributes, "\" value=\"", type, value);
   attributes.Cat("\"");
-  // Deliberate: success whether or not the element could be appended; one whose attributes could
-  // not be grown whole is skipped. Held by ParamNode.AppendWithoutMemorySucceedsAndWritesNothing.
+  // Deliberate: the call succeeds whether or not the element could be appended; an element whose
+  // attributes could not be grown completely is skipped. Held by
+  // ParamNode.AppendWithoutMemorySucceedsAndWritesNothing.
   if (attributes.whole()) (void)PXMBufCatEmptyNode(buffer, "Parameter", attributes.text());
   return SM_STATUS_SUCCESS;
 }

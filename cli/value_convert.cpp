@@ -136,8 +136,8 @@ astring* NVSuptXValToASCII(s32 code, const void* value) {
     case ValueForm::kDouble:
       return NewText(PutDouble, value);
     case ValueForm::kTime:
-      // Deliberate: times of 0 and before are local times here as any other; only the XML buffer
-      // writes them "-1". Held by ValueConvert.TimeZeroIsATime.
+      // Deliberate: times of 0 and before are local times here like any others; only the XML buffer
+      // writes them as "-1". Held by ValueConvert.TimeZeroIsATime.
       return NewText(PutTime, value);
     case ValueForm::kEscapedText:
       return SUPTIntfGetXMLUTF8StrFromAStr(static_cast<const astring*>(value), 0);

@@ -36,8 +36,8 @@ s32 FirstAttach() {
   if (hGFileLock == 0) return 0;
   (void)WaitForGlobalMutex(hGFileLock, -1);
   (void)SUPTIntfInitQVXInstallPath();
-  // Deliberate: IP support stays loaded after the last detach, so a first attach that comes again
-  // in one loaded image is refused. Held by Module.AttachAfterTheLastDetachIsRefused.
+  // Deliberate: IP support stays loaded after the last detach, so another first attach of the same
+  // loaded image is refused. Held by Module.AttachAfterTheLastDetachIsRefused.
   if (LoadIPSupt() != SM_STATUS_SUCCESS) {
     CloseLock();
     return 0;

@@ -42,8 +42,8 @@ bool MatchesName(const astring* entry, const astring* name, bool ignoreCase) {
 
 // Deliberate: twice the name's length is compared, because the look-up counts wide characters of 32
 // bits where units have 16. The search name ends where the entry has its "=", so the two always
-// differ there at the latest, whatever the case flag says: no 16-bit name is ever found, and
-// nothing after a terminator is read. Held by ParamVector.A16BitNameIsNeverFound.
+// differ there at the latest, whatever the case flag is. No 16-bit name is ever found, and nothing
+// after a terminator is read. Held by ParamVector.A16BitNameIsNeverFound.
 bool MatchesName(const ustring* entry, const ustring* name) {
   const ustring* equalSign = FindEqualSign(entry);
   if (equalSign == nullptr) return false;

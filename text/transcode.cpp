@@ -64,8 +64,8 @@ u32 AppendUtf8(Output<astring>* output, u32 codePoint) {
 u32 AppendUnit(Output<astring>* output, ustring unit, const ustring* text) {
   u32 codePoint = unit;
   if (IsSurrogate(unit)) {
-    // Deliberate: decoded at `text`, not where the unit is: every surrogate becomes the code point
-    // that the text begins with. Held by
+    // Deliberate: a surrogate is decoded at `text`, not at its own place, so every surrogate
+    // becomes the code point that the text begins with. Held by
     // Transcode.SurrogatesRepeatTheCodePointTheTextBeginsWith.
     if (const u32 status = UTF16CharsToUCS4Char(&codePoint, text)) return status;
   }
@@ -101,8 +101,9 @@ template <typename Element>
 u32 Finish(const Output<Element>& output, u32* size) {
   const u64 bytes = (output.used + 1) * sizeof(Element);
   if (bytes > UINT32_MAX) return SM_STATUS_BUFFER_TOO_SMALL;
-  // Deliberate: not checked against the size, so a text that fills it exactly is a success with its
-  // terminator one element past it. Held by Transcode.AFullBufferPutsTheTerminatorPastIt.
+  // Deliberate: the terminator is not checked against the size, so a text that fills it exactly is
+  // a success with its terminator one element past it. Held by
+  // Transcode.AFullBufferPutsTheTerminatorPastIt.
   if (output.to != nullptr) output.to[output.used] = 0;
   *size = static_cast<u32>(bytes);
   return SM_STATUS_SUCCESS;

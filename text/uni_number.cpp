@@ -93,8 +93,8 @@ s32 UniDoubleToStr(ustring* out, u32* size, d64 value, s32 precision) {
 
 s32 UniUnSigned32ToStr(ustring* out, u32* size, u32 value, s32 base) {
   if (size == nullptr) return -1;
-  // Deliberate: the short text: three characters, signed in base 10, empty in base 2. Held by
-  // UniNumber.TextsOf32BitNumbersKeepThreeCharacters.
+  // Deliberate: this is the short text of three characters, signed in base 10, empty in base 2.
+  // Held by UniNumber.TextsOf32BitNumbersKeepThreeCharacters.
   astring text[4] = "";
   ltostr(text, value, base);
   return WidenInto(out, size, text);

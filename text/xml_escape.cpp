@@ -148,8 +148,8 @@ u32 UnicodeToEscape(astring* out, u32* size, const ustring* text) {
   const u32 needed = result.record.length + 1;
   if (size != nullptr) {
     const u32 room = std::exchange(*size, needed);
-    // Deliberate: without an output too, so a query passes a size of 0 and expects this status.
-    // Held by XmlEscape.AnEscapeSizeQueryPassesZeroAndIsTooSmall.
+    // Deliberate: the status is the same without an output, so a query passes a size of 0 and
+    // expects this status. Held by XmlEscape.AnEscapeSizeQueryPassesZeroAndIsTooSmall.
     if (needed > room) return SM_STATUS_BUFFER_TOO_SMALL;
   }
   if (out != nullptr) memcpy(out, result.record.text, needed);

@@ -82,7 +82,7 @@ u32 LogEntry::Build(const LogEvent& event) {
       "</DateTime><ComputerName>", ViewOf(hostName), "</ComputerName><Type>", type.View(),
       "</Type><ID>", id.View(), "</ID><UserInfo>", ViewOf(user.get()), "</UserInfo><Source>",
       ViewOf(source.get()), "</Source><Description>",
-      // Deliberate: the description is not escaped: callers hand over well-formed markup, such as
+      // Deliberate: the description is not escaped: callers pass well-formed markup, such as
       // elements of their own. Held by LogEntry.DescriptionIsWrittenAsItStands.
       ViewOf(event.description), "</Description><Data>"};
   return Join(pieces, std::size(pieces), event);

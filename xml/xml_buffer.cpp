@@ -161,7 +161,7 @@ u32 CatDouble(const Element& element, const void* value) {
 u32 CatTime(const Element& element, const void* value) {
   astring text[kValueTextRoom] = "-1";
   u32 length = 2;
-  // Deliberate: time 0 is written "-1" as the times before it are; it means "no time". Held by
+  // Deliberate: time 0 is written "-1" like the times before it; it means "no time". Held by
   // XmlBuffer.TimesBelowOneAreMinusOne.
   if (LoadValue<s32>(value) >= 1) length = PutTime(text, value);
   return CatPieces(element, [&](BufferEnd* end) { end->Cat(text, length); });

@@ -13,7 +13,7 @@ namespace qvx {
 namespace {
 
 // Deliberate: the codes are numbered with gaps, and the gaps are refused; the codes are shared with
-// the programs that call and never change. Held by XmlValue.GapsInTheNumberingHaveNoForm.
+// the calling programs and never change. Held by XmlValue.GapsInTheNumberingHaveNoForm.
 constexpr ValueType kValueTypes[kValueTypeCount] = {
     {ValueForm::kNone, 0, false},             // 0
     {ValueForm::kText, 0, false},             // 1
