@@ -81,7 +81,8 @@ u32 GrantOfDomain(const HostMap& hosts) {
   return grant != QVX_PRIV_NONE ? grant : GrantOf(hosts, kAnyHost);
 }
 
-// The first key that is equal to the address decides for it, the greatest grant for them all.
+// For each address the first key that is equal to it decides, and for all of them the greatest
+// grant.
 u32 GrantOfAddresses(const HostMap& hosts) {
   HostMap::const_iterator first = hosts.begin();
   while (first != hosts.end() && !IsAddress(first->first)) {

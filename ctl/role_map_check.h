@@ -13,9 +13,9 @@ namespace qvx::ctl {
 // The name shown with a weight.
 const char* NameOfWeight(Weight weight);
 
-// Checks a map: faults first, then lines, then entries, then the file's place. Of a draft, any file
-// but the live one, mode and place are reported as notes. Throws a Failure for a file that cannot
-// be read.
+// Checks a map: faults first, then lines, then entries, then the file's place. For a draft (any
+// file except the live one), mode and place are reported as notes. Throws a Failure for a file that
+// cannot be read.
 std::vector<RoleMapFinding> CheckRoleMap(const std::string& path, bool isLive);
 
 }  // namespace qvx::ctl

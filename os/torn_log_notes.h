@@ -47,8 +47,8 @@ u64 SumOf(const void* bytes, u64 count, u64 sum = kEmptySum);
 bool MayHaveTornLogNotes();
 
 // The notes of all processes. They are in the lock file, which is empty without notes; any other
-// content counts for nothing and is replaced by the first note. An object is made and used within
-// one hold of the file lock.
+// content is ignored and is replaced by the first note. An object is made and used within one hold
+// of the file lock.
 class TornLogNotes {
  public:
   TornLogNotes();

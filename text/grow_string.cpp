@@ -39,8 +39,8 @@ Unit* ReAllocText(Unit* text, u32 capacity) {
   return static_cast<Unit*>(realloc(text, static_cast<size_t>(bytes)));
 }
 
-// How many bytes into a record's block a text begins that may be appended to its own record;
-// `capacity` or more for any other.
+// The offset in bytes of a text within the record's block, for a text that is appended to its own
+// record; `capacity` or more for any other text.
 u64 OffsetWithin(const void* text, u32 capacity, const void* added) {
   const auto begin = reinterpret_cast<uintptr_t>(text);
   const auto at = reinterpret_cast<uintptr_t>(added);
