@@ -8,29 +8,29 @@
  * Reading and writing INI files: settings under a section and a key.
  *
  * A file is 8-bit text, read line by line; the line end is "\n", and a "\r" before it belongs to
- * the line. A read takes 8,449 characters at most, so that a longer line is seen as several lines.
+ * the line. One read returns at most 8,449 characters, so a longer line is handled as several
+ * lines.
  *
- * - Header: after any leading spaces and tabs "[", then the section's name up to the next "]";
- *   what follows is ignored. The name is not trimmed; its first 255 characters count. A "[" without
- *   its "]" is a malformed header.
+ * - Header: any leading spaces and tabs, "[", and the section's name up to the next "]"; the rest
+ *   of the line is ignored. The name is not trimmed; its first 255 characters count. A "[" without
+ *   a "]" is a malformed header.
  * - Comment: a line that begins with "#" or ";" in its first column.
- * - Key line: after any leading spaces and tabs the key up to the first "=", then the value up to
- *   the line end. Neither is trimmed: the key of "name = x" is "name ", its value " x". There are
- *   no quotes, escapes or continuation lines.
+ * - Key line: any leading spaces and tabs, the key up to the first "=", and the value up to the
+ *   line end. Neither is trimmed: the key of "name = x" is "name ", its value " x". There are no
+ *   quotes, escapes or continuation lines.
  *
- * Names are compared exactly, case included. The first section of a name counts, up to the next
- * line that begins with "[", and in it the first line of the key.
+ * Names are compared exactly, case included. Of several sections with one name, the first counts,
+ * up to the next line that begins with "["; in the section, the first line of the key counts.
  *
  * The types of values are `QVXIniType`; PXTXBufCatNode() gives some of the numbers other meanings.
  * Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
  *
- * Every call takes its turn among the threads of its process, then the lock that the suite's
- * processes share, and keeps both while it works on the file, so that no call sees a file that
- * another is changing. With the lock flag QVX_LOCK_WAIT a call waits for them, 60,000 attempts that
- * are 1 ms apart; with any other it tries once, which always fails in a process that may not write
- * the lock file. To read a value, change it and write it back takes two calls: another program or
- * thread may write in between. The calls also work in a child that was forked from a process with
- * threads.
+ * Every call takes first a lock among the threads of its process, then the lock that the suite's
+ * processes share. It keeps both while it works on the file, so no call sees a file that another is
+ * changing. With the lock flag QVX_LOCK_WAIT a call waits for them, with 60,000 attempts 1 ms
+ * apart; with any other flag it tries once, which always fails in a process that may not write the
+ * lock file. Changing a value that was read takes two calls: another program or thread may write
+ * between them. The calls also work in a child forked from a process with threads.
  */
 
 #include "qvxcs/types.h"
@@ -60,40 +60,42 @@ enum QVXLockFlag {
 /**
  * Reads a value, or lists keys or sections.
  *
- * With QVX_INI_ASTRING and no key the keys of the section are listed, in the file's order; with no
- * section the sections of the file, repeated names too. In a list each name has its NUL, and one
- * more NUL closes it. `*size` becomes the sum of the lengths plus one each: the closing NUL is not
- * counted, so that a list that fills `*size` exactly ends one byte behind it.
+ * With QVX_INI_ASTRING and no key, the call lists the keys of the section in the file's order; with
+ * no section, it lists the sections of the file, repeated names too. Each name in a list ends with
+ * a NUL, and one more NUL ends the list. `*size` becomes the sum of the lengths plus one for each
+ * name. It does not count the final NUL, so a list that fills `*size` exactly ends one byte after
+ * it.
  *
- * When the value cannot be read the default takes its place; the status still says why. What
- * counts as a default, and when:
+ * When the value cannot be read, the default is stored instead; the status still reports the
+ * reason. When the default is used, and how much of it:
  * - QVX_INI_ASTRING: any failure after the file was opened, except SM_STATUS_BUFFER_TOO_SMALL, when
- *   the default's size is not 0: as many bytes as both sizes allow, the last one made NUL. Else the
- *   value is "" and its size 0. When the lock cannot be taken or the file cannot be opened, value
- *   and size stay as they were. Lists have no default; a list that fails, except with
- *   SM_STATUS_BUFFER_TOO_SMALL, leaves the size as it was.
+ *   the default's size is not 0: as many bytes as both sizes allow, the last one made NUL.
+ *   Otherwise the value is "" and its size 0. When the lock cannot be taken or the file cannot be
+ *   opened, value and size are unchanged. Lists have no default; when a list fails, except with
+ *   SM_STATUS_BUFFER_TOO_SMALL, the size is unchanged.
  * - QVX_INI_USTRING and QVX_INI_BINARY: any failure except SM_STATUS_BUFFER_TOO_SMALL: as many
- *   bytes as both sizes allow. Else `*size` is 0. Bytes that come before one above 255 in the file
- *   may lie in the room after that size.
+ *   bytes as both sizes allow. Otherwise `*size` is 0. When the file has a number above 255, the
+ *   bytes before it may be in the buffer after that size.
  * - the other types: any failure, when the default's size is at least the type's: the value is the
- *   default, `*size` the type's size. Else `*size` is 0.
+ *   default and `*size` the type's size. Otherwise `*size` is 0.
  *
- * A default may be the value itself, or overlap it. There is none after a missing pointer, a size
- * too small for the type or an unknown type; value and size then stay as they were.
+ * A default may be the value itself or overlap it. No default is stored after a missing pointer, a
+ * size too small for the type or an unknown type; value and size are then unchanged.
  *
- * Texts are read so: of a `booln` the first word, ended by a space, counts. Bytes are hexadecimal
- * numbers between commas, with or without "0x"; the list ends quietly at the first piece that does
- * not begin with a number. A text that is no number is not reported: the value is 0. A number
- * beyond 32 bits gives QVX_INI_U32 and QVX_INI_S32 its low 32 bits.
+ * Texts are read as follows. The first word of a `booln`, ended by a space, counts. Bytes are
+ * hexadecimal numbers separated by commas, with or without "0x"; the list ends, without a fault, at
+ * the first piece that does not begin with a number. A text that is not a number is not reported:
+ * the value is 0. For QVX_INI_U32 and QVX_INI_S32 a number beyond 32 bits is cut to its low 32
+ * bits.
  *
  * @param[in] section       the section, or NULL (QVX_INI_ASTRING) to list the sections
  * @param[in] key           the key, or NULL (QVX_INI_ASTRING) to list the keys
  * @param[in] type          one of `QVXIniType`
  * @param[out] value        room for the value
- * @param[in,out] size      bytes of room; then the bytes delivered of texts and binary values; for
- * the other types left alone unless a default is asked for
+ * @param[in,out] size      bytes of room; then the bytes delivered for texts and binary values;
+ *                          unchanged for the other types unless the default is used
  * @param[in] defaultValue  a value of the type, or NULL for none
- * @param[in] defaultSize   its bytes; for QVX_INI_USTRING just those of the text with its 0 unit
+ * @param[in] defaultSize   its bytes; for QVX_INI_USTRING exactly those of the text with its 0 unit
  * @param[in] path          the file
  * @param[in] lockFlag      QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
@@ -101,16 +103,16 @@ enum QVXLockFlag {
  * type other than QVX_INI_ASTRING, `*size` is less than the type's least size (2 for a list), the
  * type is unknown or the default of QVX_INI_USTRING is not a text of its size
  * @retval SM_STATUS_LOCK_FAILED when the lock could not be taken
- * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is no regular
+ * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is not a regular
  * file
- * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header stands before the section (in a list
- * of sections: anywhere), or the file cannot be read on
+ * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header comes before the section (in a list
+ * of sections: anywhere), or the rest of the file cannot be read
  * @retval SM_STATUS_SECTION_NOT_FOUND when the file has no such section, or none at all
  * @retval SM_STATUS_KEY_NOT_FOUND when the section has no such key, or none at all
  * @retval SM_STATUS_BUFFER_TOO_SMALL when text, bytes or list do not fit: `*size` is the size
- * needed. The value is left alone (QVX_INI_ASTRING) or holds the bytes or names that fit
- * @retval SM_STATUS_DATA_TOO_LARGE when the text is no `booln`, or one of its bytes is negative or
- * above 255
+ * needed. The value is unchanged (QVX_INI_ASTRING) or holds the bytes or names that fit
+ * @retval SM_STATUS_DATA_TOO_LARGE when the text is not a `booln`, or one of its bytes is negative
+ * or above 255
  * @retval -1 without memory
  * @par Memory
  * `value` stays the caller's; nothing is allocated for the caller.
@@ -160,24 +162,24 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * line is replaced in its place; a new key comes before the next header, after comments and blank
  * lines that end the section; a new section comes at the end of the file, and no line end is added
  * before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept byte by
- * byte. Of an old line longer than 8,449 characters only the first piece is replaced. A value is
- * written as it is: one with a line end in it becomes several lines.
+ * byte. When the old line is longer than 8,449 characters, only its first piece is replaced. A
+ * value is written as it is: one with a line end in it becomes several lines.
  *
- * The change is made in a copy, "pxtini32.tmp" beside the file, which is flushed to disk and then
- * takes the file's place: whoever opens the file sees the old one or the new one, also after a kill
- * or a power cut. For a path without a directory, or in the root directory, the copy lies in the
- * working directory. A file of the copy's own name, or a hard link to it, is refused with
- * SM_STATUS_FILE_OPEN_FAILED; a missing file of that name is made. The file keeps its owner and
- * group where the process may give them; its mode becomes 01664 (octal), and nobody has more rights
- * on the file or its copy meanwhile.
+ * The change is made in a copy, "pxtini32.tmp" in the file's directory, which is flushed to disk
+ * and then replaces the file. Every program that opens the file sees the old one or the new one,
+ * even after a kill or a power failure. For a path without a directory, or in the root directory,
+ * the copy is in the working directory. A file with the copy's name, or a hard link to it, is
+ * refused with SM_STATUS_FILE_OPEN_FAILED; a missing file of that name is created. The file keeps
+ * its owner and group where the process may set them; its mode becomes 01664 (octal), and nobody
+ * has more rights on the file or its copy in the meantime.
  *
- * A new section, or a new file, is appended in place where a copy cannot take the file's place or
- * has no room: the path is a symbolic link, the file has several hard links or may only be appended
- * to, the copy cannot be moved onto it (another file system, a mount point), or the disk is full or
- * the quota used up. The section is then written in one call, flushed, and taken back when that
+ * A new section, or a new file, is appended in place where a copy cannot replace the file or has no
+ * room: the path is a symbolic link, the file has several hard links or may only be appended to,
+ * the copy cannot be moved onto it (another file system, a mount point), or the disk is full or the
+ * quota used up. The section is then written in one call and flushed, and removed again when that
  * fails.
  *
- * A NULL value with size 0 deletes the key (texts and binary values). To delete a key that the
+ * A NULL value with size 0 deletes the key (texts and binary values). Deleting a key that the
  * section does not have is a success.
  *
  * @param[in] section   at most 255 characters
@@ -185,27 +187,27 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * @param[in] type      one of `QVXIniType`
  * @param[in] value     the value, or NULL to delete
  * @param[in] size      its bytes. QVX_INI_ASTRING: length plus one, 8,193 at most. QVX_INI_USTRING:
- * units and 0 unit, 2,048 at most. QVX_INI_BINARY: 1 to 2,048. Others: at least the type's size. No
- * list of bytes is written that is longer than 8,192 characters, so that QVX_INI_USTRING and
- * QVX_INI_BINARY end at 1,638 bytes
+ * units and 0 unit, 2,048 at most. QVX_INI_BINARY: 1 to 2,048. Others: at least the type's size. A
+ * list of bytes longer than 8,192 characters is not written, so the limit of QVX_INI_USTRING and
+ * QVX_INI_BINARY is 1,638 bytes
  * @param[in] path      the file
  * @param[in] lockFlag  QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_BAD_ARGUMENT when section, key or path is NULL, a name is too long, the value
- * is NULL and its type no text and not binary or the type is unknown
+ * is NULL and its type is neither text nor binary, or the type is unknown
  * @retval SM_STATUS_DATA_TOO_LARGE when the size does not fit the value, or a key is to be deleted
  * from a missing section or file
  * @retval SM_STATUS_LOCK_FAILED when the lock could not be taken
  * @retval SM_STATUS_FILE_OPEN_FAILED when the file or its copy cannot be opened
- * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header stands before the section, or the
- * file cannot be read on
+ * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header comes before the section, or the
+ * rest of the file cannot be read
  * @retval SM_STATUS_WRITE_FAILED when the disk is full or fails
  * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced
  * @retval SM_STATUS_FILE_CREATE_FAILED when the copy cannot be moved
  * @retval -1 when the directory cannot be created, or without memory
  *
- * After a failure the file's text is as it was. A file that was to be created may be left empty,
- * and a copy may be left beside the file; the next change removes it.
+ * After a failure the file's text is unchanged. A file that was to be created may be left empty,
+ * and a copy may remain; the next change removes the copy.
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads
