@@ -68,7 +68,7 @@ unsigned long ConflictLine(const std::vector<std::wstring>& lines) {
   return 0;
 }
 
-// alice is in the groups users (primary), wheel and audit; bob in none but users.
+// alice is in the groups users (primary), wheel and audit; bob only in users.
 class RoleMapAlgorithm : public ::testing::Test {
  protected:
   void SetUp() override {

@@ -68,7 +68,7 @@ Names WordsOf(const std::string& text) {
 
 Names Users() { return WordsOf("root alice alice bob member carol ghost Alice"); }
 
-// Those that matter for srv1 stand more often than others.
+// Hosts that matter for srv1 occur more often than others.
 Names Hosts() {
   return WordsOf(
       "* * * * srv1 srv1 srv1 srv1 *.srv1 *.srv1 x*.srv1 *srv1. *.example *.example *. *.lab "
@@ -136,8 +136,8 @@ bool IsOfALine(const ModelRoleFault& fault) {
   return fault.code == qvx::RoleMissingField || fault.code == qvx::RoleInvalidRole;
 }
 
-// Whether a process that reads on behind each fault, or opens the file again there, can never read
-// the role map again.
+// Whether a process that reads on after each fault, or reopens the file there, can never read the
+// role map again.
 bool SpoilsTheReader(const std::string& file, bool opensAgain) {
   ModelRoleReading reading;
   do {
@@ -149,10 +149,10 @@ bool SpoilsTheReader(const std::string& file, bool opensAgain) {
 // Reads a role map that this process has not read, and builds the maps.
 class Judge {
  public:
-  // The list is the reader's own, so that it can be looked at after a fault.
+  // The list belongs to the reader, so that it can be inspected after a fault.
   explicit Judge(const std::string& file) : file_(file), list_(Reader().GetDefaultRecords()) {}
 
-  // Goes on behind each fault of a line, or opens the file again there, which ends all reading.
+  // Continues after each faulty line, or reopens the file there, which ends all reading.
   void Read(bool opensAgain) {
     ASSERT_NO_FATAL_FAILURE(ExpectRecords(list_, qvx::test::ModelDefaultRoles()));
     ASSERT_NO_FATAL_FAILURE(Opens());
@@ -223,7 +223,7 @@ class RoleMapModel : public testing::Test {
     qvx::test::Run("ip -6 addr add 2001:db8::7/64 dev qvxa nodad");
     ASSERT_EQ(qvx::ModuleAttach(), 1);
   }
-  // A machine of the domain that the sandbox now has.
+  // A machine in the domain that the sandbox now has.
   static ModelMachine InDomain(const std::string& domain) {
     if (setdomainname(domain.data(), domain.size()) != 0) abort();
     const bool none = domain.substr(0, 6) == "(none)";
@@ -312,7 +312,7 @@ TEST_F(RoleMapModel, HostileFilesAreReadAndJudgedAsTheModelDoes) {
   HostileRoleMaps maps = Maps(41);
   for (u32 input = 0; input < kInputs; ++input) {
     std::string file = maps.HostileFile();
-    // Mostly with a line that can be read behind all faults.
+    // Mostly with a readable line after all faults.
     if (maps.Below(12) != 0) file += "\n" + maps.SoundFile();
     if (!file.empty() && maps.Below(8) == 0) file.pop_back();
     ASSERT_NO_FATAL_FAILURE(
@@ -331,7 +331,7 @@ TEST_F(RoleMapModel, SoundFilesAreReadAndJudgedAsTheModelDoes) {
   }
 }
 
-// A role map as a host meets it, and what follows from it.
+// A role map as a host finds it, and the expected outcome.
 struct Met {
   std::string file;
   bool exists;
@@ -388,7 +388,7 @@ Names LoggedFaults(const Faults& faults) {
   return entries;
 }
 
-// What the system grants by itself.
+// What the system grants without a role map.
 u32 RightsOfSystem(const std::string& user) {
   const std::map<std::string, u32> rights = {
       {"root", 7}, {"member", 3}, {"alice", 1}, {"bob", 1}, {"carol", 1}};
@@ -396,11 +396,11 @@ u32 RightsOfSystem(const std::string& user) {
   return found == rights.end() ? 0 : found->second;
 }
 
-// A login, and how it is split: the system is asked of what stands first.
+// A login, and how it is split: the system is queried for the first part.
 struct Login {
   const char* text;
   const char* user;
-  const char* host;  // null is this machine
+  const char* host;  // null means this machine
   const char* first;
 };
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kPath[] = "/tmp/lines";
 
-// The lines read, each with "|" behind it.
+// The lines read, each followed by "|".
 std::wstring LinesOf(const std::string& text) {
   test::WriteFile(kPath, text);
   RoleMapStream stream;

@@ -37,7 +37,7 @@ using test::WriteRoleMap;
 
 u32 RightsOf(std::string login) { return get_user_rights(login.data()); }
 
-// How often a text stands in the command log.
+// How often a text occurs in the command log.
 u32 LogCount(const std::string& text) {
   if (!test::Exists(test::kCommandLog)) return 0;
   const std::string log = test::ReadFile(test::kCommandLog);
@@ -49,7 +49,7 @@ u32 LogCount(const std::string& text) {
 
 u32 FaultEntries() { return LogCount("QVXSERVER"); }
 
-// A login as the role map alone judges it: of a user that the system does not know.
+// A login that only the role map decides: the system does not know the user.
 void Load(const std::string& roleMap, time_t time = 1000000) {
   WriteRoleMap(roleMap, 0640, time);
   ASSERT_EQ(PXTOpenRolemapFile(), 0u);
@@ -346,8 +346,8 @@ TEST_F(UserRights, WithoutMemoryNothingIsThrownAndNothingExtraGranted) {
       [](u32 rights) { EXPECT_TRUE(rights == 0x0 || rights == 0x7) << rights; });
 }
 
-// In processes of their own, for a file is read only once. What a login finds afterwards is what
-// the whole file or the built-in lines grant: to both users 0x1 at the most.
+// In separate processes, because a file is read only once. A later login gets what the whole file
+// or the built-in lines grant: 0x1 at most for both users.
 u32 MetWithoutMemory(const std::string& roleMap) {
   WriteRoleMap(roleMap);
   constexpr int kWidened = 1;
@@ -371,8 +371,8 @@ u32 MetWithoutMemory(const std::string& roleMap) {
   return 0;
 }
 
-// Read from the middle, the first line would name mallory; without the second, alice's group
-// counts.
+// If read from the middle, the first line would name mallory; without the second line, alice's
+// group counts.
 TEST_F(UserRights, WithoutMemoryNoPartOfTheRoleMapIsTakenForTheWhole) {
   EXPECT_GE(MetWithoutMemory("#aa,mallory * administrator\n"
                              "alice * user\n"
@@ -412,8 +412,8 @@ TEST_F(UserRights, WithoutMemoryForTheDefaultsTheRecordsStay) {
 constexpr char kUsers[] = "/etc/passwd";
 constexpr char kGroups[] = "/etc/group";
 
-// A login in a thread of its own. It hangs where it asks the system for its users or its groups,
-// which are a pipe that nobody writes to, until this ends.
+// A login in its own thread. It hangs where it queries the system's users or groups, whose file is
+// a pipe without a writer, until this object is destroyed.
 class HangingLogin {
  public:
   HangingLogin(const std::string& user, const char* pipe) : pipe_(pipe) {
@@ -454,7 +454,7 @@ TEST_F(UserRights, TheRoleMapIsNotOpenedWhileALoginIsDecided) {
   std::atomic<bool> opened{false};
   std::thread other;
   {
-    const HangingLogin login("member", kGroups);  // it has no line, so its groups are asked for
+    const HangingLogin login("member", kGroups);  // no line names it, so its groups are queried
     other = std::thread([&opened] {
       (void)PXTOpenRolemapFile();
       opened = true;
@@ -466,7 +466,7 @@ TEST_F(UserRights, TheRoleMapIsNotOpenedWhileALoginIsDecided) {
   EXPECT_TRUE(opened);
 }
 
-// For the account before the decision, for the groups after it.
+// The account is queried before the decision, the groups after it.
 class TheRoleMap : public UserRights, public testing::WithParamInterface<const char*> {};
 
 TEST_P(TheRoleMap, IsFreeWhileTheSystemIsAskedForItsJudgement) {
@@ -489,7 +489,7 @@ TEST_P(TheRoleMap, IsFreeWhileTheSystemIsAskedForItsJudgement) {
 
 INSTANTIATE_TEST_SUITE_P(AskedFor, TheRoleMap, testing::Values(kUsers, kGroups));
 
-// An operator who holds the suite's lock must not hold up logins by a fault of the role map.
+// When the role map has a fault, an operator who holds the suite's lock must not delay logins.
 TEST_F(UserRights, AFaultThatWaitsForTheLogHoldsUpNoLogin) {
   test::LockHolder other;
   std::thread faulty([] { (void)PXTOpenRolemapFile(); });  // there is no file
@@ -527,8 +527,8 @@ TEST_F(UserRights, LoginsOfSeveralThreadsAreSafe) {
   EXPECT_EQ(wrong, std::vector<u32>(8, 0));
 }
 
-// The exit status of a child that asks for all rights in an exit handler that runs after those of
-// the library: 0 when it was refused everything, without memory being touched that is gone.
+// The exit status of a child that queries all rights in an exit handler that runs after those of
+// the library: 0 when everything was refused and no freed memory was touched.
 int AskBehindTheLibrarysExitHandlers() {
   (void)atexit([] {
     const u32 opened = OSOpenRolemapFile();
@@ -572,7 +572,7 @@ TEST_F(UserRights, AProcessMayExitWhileThreadsLogIn) {
   }
 }
 
-// Another thread is within a login when the child is made; there it does not exist.
+// Another thread is inside a login when the child is created; the child does not have that thread.
 TEST_F(UserRights, AChildMayExitWhileAnotherThreadLogsIn) {
   Load("alice * user\n");
   ASSERT_EQ(RightsOf("alice@lab"), 0x1U);
@@ -597,7 +597,7 @@ TEST_F(UserRights, ASignalHandlerMayExitWithinALogin) {
     signal(SIGALRM, [](int) { exit(7); });
     const itimerval soon = {{0, 0}, {0, 50000}};
     setitimer(ITIMER_REAL, &soon, nullptr);
-    (void)RightsOf("member");  // it has no line, so its groups are asked for, and nobody answers
+    (void)RightsOf("member");  // no line names it, so its groups are queried, and nobody answers
     return 1;
   });
   EXPECT_EQ(status, 7);

@@ -91,11 +91,11 @@ TEST(ContextLock, ExcludesTheOtherThreads) {
   PXTFreeContextLock(handle);
 }
 
-// Which handles are in use, to find one that two owners were given.
+// Which handles are in use, to find one that was given to two owners.
 constexpr size_t kMarks = 4096;
 std::array<std::atomic<u32>, kMarks> marks;
 
-// Makes, takes and frees a lock; whether it was this thread's alone.
+// Creates, takes and frees a lock; returns whether only this thread had it.
 bool UseALock() {
   const u32 handle = PXTAllocContextLock();
   if (handle == 0 || handle >= kMarks || marks.at(handle).exchange(1) != 0) return false;
@@ -116,7 +116,7 @@ TEST(ContextLock, ThreadsMakeAndFreeLocksAtOnce) {
   EXPECT_EQ(faults, 0U);
 }
 
-// A process may end, and the library go, while a thread still makes locks.
+// A process may end, and the library be unloaded, while a thread still creates locks.
 TEST(ContextLock, TheSlotsGoOnlyWhileNoThreadMakesOrHasALock) {
   std::atomic<u32> running = 4;
   std::atomic<u32> faults = 0;
@@ -134,7 +134,7 @@ TEST(ContextLock, TheSlotsGoOnlyWhileNoThreadMakesOrHasALock) {
     --running;
   });
   EXPECT_EQ(faults, 0U);
-  // The table begins anew.
+  // The table starts empty again.
   qvx::ReleaseContextLockSlots();
   const u32 first = PXTAllocContextLock();
   EXPECT_EQ(first, 1U);

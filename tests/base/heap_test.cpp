@@ -38,7 +38,7 @@ TEST(Heap, ASizeOfZeroIsForTheCLibraryToDecide) {
   EXPECT_EQ(PXTReAllocMem(block, 0), nullptr);  // and the block is gone
 }
 
-// A block so large that the heap asks the system for it, and gives it back at once.
+// A block so large that the heap maps it from the system and returns it at once.
 constexpr size_t kLarge = size_t{4} << 20;
 
 size_t LargeBytes() { return mallinfo2().hblkhd; }
@@ -48,7 +48,7 @@ TEST(Heap, EveryFreeTakesBlocksOfTheProcessHeapAndIgnoresNull) {
   for (void (*const release)(void*) : {PXTFreeMem, PXTGenericFree, SUPTFreeMem}) {
     void* const block = malloc(kLarge);
     ASSERT_NE(block, nullptr);
-    // A heap that a sanitizer replaces tells no sizes; it reports what is not freed.
+    // A sanitizer's heap reports no sizes; it reports blocks that are not freed.
     EXPECT_TRUE(LargeBytes() >= before + kLarge || LargeBytes() == 0);
     release(block);
     EXPECT_EQ(LargeBytes(), before);

@@ -16,7 +16,7 @@ namespace {
 
 using test::FailNthAllocation;
 
-// What each command saw of its arguments, for the test that reads it.
+// The arguments that each command saw, for the test to read.
 char gSeen[256];
 
 astring* TextFrom(const astring* text) {
@@ -112,7 +112,7 @@ TEST(CmdHelp, FirstTwoArgumentsAreIgnored) {
   EXPECT_EQ(Taken(PXTNVSCMDHelp(-1, nullptr, table, 1, Self)), expected);
 }
 
-// The opening tag fits the buffer's first text.
+// The opening tag fits the buffer's initial text block.
 TEST(CmdHelp, WithoutMemoryForTheBufferIsNull) {
   const PXTCommand table[] = {{kSelf, Self}};
   for (const u32 nth : {1u, 2u}) {

@@ -157,7 +157,7 @@ TEST(ParamNode, StatusMessageWithoutMemoryIsLeftOut) {
 
 TEST(ParamNode, StatusForANullBufferLeavesNothingAllocatedAndOneForABufferIsWritten) {
   Buffer buffer;
-  const std::string message(5000, 'm');  // an attribute as large shows when it is not freed
+  const std::string message(5000, 'm');  // if this large attribute is not freed, it shows
   const size_t before = test::HeapInUse();
   NVSuptCatSMStatusNode(nullptr, 5, message.c_str());
   NVSuptCatSMStatusNode(nullptr, 5, nullptr);

@@ -31,14 +31,14 @@ constexpr u32 kFewestReads = 10;
 constexpr size_t kValueLength = 3000;
 constexpr s32 kText = 1;
 
-// What the processes share: the signal to begin, and how many writers are done.
+// What the processes share: the start signal, and how many writers are done.
 struct Shared {
   std::atomic<u32> ready;
   std::atomic<bool> go;
   std::atomic<u32> writersDone;
 };
 
-// Each value is one letter over and over, so that a mixed or cut one shows.
+// Each value repeats one letter, so that a mixed or cut value shows.
 std::string ValueOf(u32 round) {
   return std::string(kValueLength, static_cast<char>('a' + round % 26));
 }
@@ -50,7 +50,7 @@ bool IsOneLetter(const std::string& value) {
          value.find_first_not_of(value.front()) == std::string::npos;
 }
 
-// Takes the expected text off the front.
+// Removes the expected text from the front.
 bool Skip(std::string* text, const std::string& expected) {
   if (text->compare(0, expected.size(), expected) != 0) return false;
   text->erase(0, expected.size());
@@ -86,7 +86,7 @@ bool ReadsWholeValue(u32 writer) {
          size == kValueLength + 1 && IsOneLetter(value);
 }
 
-// Under the lock by the library, and without it as any other program would.
+// Reads under the lock through the library, and without the lock as any other program would.
 bool Reader(Shared* shared) {
   bool good = true;
   for (u32 read = 0; read < kFewestReads || shared->writersDone < kWriters; ++read) {
@@ -95,8 +95,8 @@ bool Reader(Shared* shared) {
   return good;
 }
 
-// Processes of an even number attach for themselves, of an odd number were forked by one that was
-// attached: record locks are not inherited, so that both need their own hold.
+// Processes with an even number attach themselves; those with an odd number were forked by an
+// attached process. Record locks are not inherited, so both kinds need their own hold.
 [[noreturn]] void Run(u32 number, Shared* shared) {
   (void)alarm(100);
   const bool attached = number % 2 == 1 || ModuleAttach() == 1;

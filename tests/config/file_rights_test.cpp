@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// The rights on configuration files while they are made, whatever the umask.
+// The permissions of configuration files while they are created, whatever the umask.
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -124,7 +124,7 @@ TEST_F(FileRights, AFileThatMayNotBeGivenAwayKeepsItsGroup) {
   EXPECT_EQ(status.st_gid, kGroup);
 }
 
-// Such a umask takes the owner's own right to read what was just made.
+// Such a umask removes the owner's right to read the new file.
 TEST_F(FileRights, AUmaskThatTakesTheOwnersRightsHindersNoUser) {
   for (const mode_t mask : {0477u, 0777u}) {
     SCOPED_TRACE(mask);

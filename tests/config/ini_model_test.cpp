@@ -49,7 +49,8 @@ const char* const kName = "model.ini";
 
 std::string Raw(const std::vector<u8>& bytes) { return {bytes.begin(), bytes.end()}; }
 
-// What differs must be readable: every byte that is no ordinary character in hexadecimal.
+// Differences must be readable: every byte that is not an ordinary character is shown in
+// hexadecimal.
 std::string Shown(const std::string& text) {
   std::string shown;
   for (const char each : text) {
@@ -126,7 +127,7 @@ TEST(IniModel, TheModelReadsTextsAsWorkedOutByHand) {
        kNoSection,
        nul,
        0},
-      // The second read of a long line is a line of its own.
+      // The second read of a long line is a separate line.
       {"[A]\n" + std::string(8449, 'y') + "x=1\n", {"A", "x", 1, 9}, 0, "1" + nul, 2},
       {"[A]\n" + std::string(8448, 'y') + "x=1\n", {"A", "x", 1, 9}, kNoKey, nul, 0},
   });
@@ -336,8 +337,8 @@ class IniModelAgreement : public testing::Test {
 
 std::string Room(GuardBuffer<u8>& room) { return {room.data(), room.data() + room.size()}; }
 
-// The room as it stands, with the default at its front where the two are one. Texts are shown only
-// where something differs: showing each would take most of the time.
+// The buffer's initial content, with the default at its front where both are the same memory. Texts
+// are shown only when something differs: showing each one would take most of the time.
 void ExpectSameAnswer(const Place& place, const IniFile& file, IniQuestion question,
                       bool standInIsTheRoom, HostileIni& choices) {
   if (standInIsTheRoom) {
@@ -373,7 +374,7 @@ void ExpectUnchanged(const Place& place, const IniFile& file) {
   ASSERT_EQ(qvx::test::ModeOf(place.Path()), file ? kModeBefore : 0);
 }
 
-// How often a status came about: a comparison that never leaves one path says little.
+// How often each status occurred: a comparison that only ever takes one path proves little.
 using Counts = std::vector<u32>;
 constexpr u32 kStatuses = 0x110;
 constexpr u32 kOften = 30;

@@ -56,7 +56,7 @@ class IniReadValues : public testing::Test {
     return value;
   }
 
-  // A read of "x" of section A into exactly `room` bytes; gives the bytes that were delivered.
+  // Reads "x" of section A into exactly `room` bytes; returns the bytes delivered.
   struct Bytes {
     u32 status;
     u32 size;
@@ -246,7 +246,7 @@ TEST_F(IniReadValues, ADefaultInTheRoomOutlastsBytesBeforeOneTooLarge) {
 
 TEST_F(IniReadValues, BytesThatDoNotFitAreCounted) {
   EXPECT_BYTES(BytesOf(kBinary, "41,42,43", 2), SM_STATUS_BUFFER_TOO_SMALL, 3, "AB");
-  // A fault behind the room is found as well.
+  // A fault past the end of the room is also found.
   GivenText("41,42,43,100");
   u8 value[2];
   u32 size = 2;
@@ -342,7 +342,7 @@ TEST_F(IniReadValues, FixedTypesWriteJustTheirBytesWhereverTheyLie) {
   GivenText("0");
   for (const auto& each : kFixed) {
     if (each.type == kBooln) continue;
-    // The room ends at a page nobody may touch, and begins at an odd address.
+    // The room ends at an inaccessible page and begins at an odd address.
     GuardBuffer<u8> value(each.bytes + 1);
     u32 size = each.bytes;
     EXPECT_EQ(

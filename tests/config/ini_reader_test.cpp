@@ -65,7 +65,7 @@ class IniReader : public testing::Test {
     return {status, value.data(), size};
   }
 
-  // Lists into just so many bytes of room; the text ends where the list does.
+  // Lists into exactly this many bytes of room; the text ends where the list does.
   static Answer List(const char* section, u32 room, u32 given) {
     GuardBuffer<astring> value(room);
     u32 size = given;
@@ -241,7 +241,7 @@ TEST_F(IniReader, DefaultIsDeliveredWithItsOwnSize) {
   EXPECT_STREQ(value.data(), "dflt");
   EXPECT_EQ(size, 5u);
   EXPECT_TRUE(value.UntouchedFrom(5));
-  // A default that is cut short by its own size ends in a NUL all the same.
+  // A default that its own size cuts short still ends in a NUL.
   size = 20;
   EXPECT_EQ(ReadINIFileValue_astring({"B", "y", value.data(), &size, "dflt", 4, kPath, 0}),
             SM_STATUS_SECTION_NOT_FOUND);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// A new section goes through the copy; where that way is closed, it is appended in place.
+// A new section is written through the copy; where that is not possible, it is appended in place.
 #include "config/ini_section.h"
 
 #include <fcntl.h>
@@ -72,8 +72,8 @@ class IniSectionTest : public testing::Test {
     EXPECT_TRUE(LockIsFree());
   }
 
-  // The status of an addition in a process where a call on the copy, or on the file that is open
-  // for appending, is refused: the copy is the second file to be opened, that the third.
+  // The status of an addition in a process where a call on the copy, or on the file opened for
+  // appending, is refused. The copy is the second file to be opened, the appended file the third.
   static int StatusWhereRefused(u32 call, int nth, u16 error) {
     return test::InChild([=] {
       test::RefuseCall(call, test::NextDescriptor() + nth, error);
@@ -104,7 +104,7 @@ TEST_F(IniSectionTest, AddsNoLineEndFirst) {
 
 TEST_F(IniSectionTest, OfAMissingFileGoesThroughACopyToo) {
   ASSERT_EQ(unlink(kPath), 0);
-  // Were the file made in place it would keep the name that was opened first.
+  // If the file were created in place, the file opened first would keep its name.
   EXPECT_EQ(test::InChild([] {
               test::RefuseCall(SYS_fsync, test::NextDescriptor(), EIO);
               return static_cast<int>(Add());
@@ -188,7 +188,7 @@ TEST_F(IniSectionTest, IsAddedInPlaceToAnAppendOnlyFile) {
 }
 
 TEST_F(IniSectionTest, IsAddedInPlaceOnADiskWithoutRoomForItInTheCopy) {
-  // The copy takes the last two of four pages, and gives them back.
+  // The copy takes the last two of four pages and then frees them.
   const SmallDisk disk(4);
   const std::string path = SmallDisk::Path("a.ini");
   const std::string text = std::string(8191, '#') + "\n";
@@ -200,7 +200,7 @@ TEST_F(IniSectionTest, IsAddedInPlaceOnADiskWithoutRoomForItInTheCopy) {
   EXPECT_FALSE(Exists(SmallDisk::Path("pxtini32.tmp")));
 }
 
-// An empty file, so that the section alone is written to the copy.
+// An empty file, so that only the section is written to the copy.
 TEST_F(IniSectionTest, IsAddedInPlaceWhereTheCopyIsBeyondTheQuota) {
   WriteFile(kPath, "");
   EXPECT_EQ(StatusWhereRefused(SYS_write, kCopy, EDQUOT), 0);
@@ -233,7 +233,7 @@ TEST_F(IniSectionTest, IsNotAddedWhereTheCopysFlushOrCloseFailsOtherwise) {
   }
 }
 
-// Whatever the fault, also one that would leave room for the section alone.
+// Whatever the fault, even one that would leave room for just the section.
 TEST_F(IniSectionTest, IsNotAddedWhereTheCopyOfTheFileIsNotWhole) {
   for (const u16 error : {u16{EIO}, u16{ENOSPC}}) {
     EXPECT_EQ(StatusWhereRefused(SYS_write, kCopy, error), kWriteFailed) << error;
@@ -254,7 +254,7 @@ TEST_F(IniSectionTest, ThatIsLostOnCloseIsTakenBack) {
   EXPECT_EQ(ReadFile(kPath), kText);
 }
 
-// The file behind the path may be another one by then.
+// By then the path may name another file.
 TEST_F(IniSectionTest, IsTakenBackThroughItsDescriptor) {
   ASSERT_EQ(link(kPath, "/tmp/d/name.ini"), 0);
   EXPECT_EQ(test::InChild([] {

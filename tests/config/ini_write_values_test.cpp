@@ -54,7 +54,7 @@ class IniWriteValues : public testing::Test {
     return file.substr(front.size(), file.size() - front.size() - 1);
   }
 
-  // The same of a number that stands at an odd address just before a page nobody may touch.
+  // The same for a number at an odd address just before an inaccessible page.
   template <typename T>
   static std::string TextOfNumber(s32 type, T value) {
     GuardBuffer<u8> room(sizeof(T));

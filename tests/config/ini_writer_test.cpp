@@ -191,7 +191,7 @@ TEST_F(IniWriter, BareLineCountsAsItsKeysLine) {
   EXPECT_EQ(AfterSetting("[A]\n key\nx=1\n"), "[A]\nkey=value\nx=1\n");
   EXPECT_EQ(AfterDeleting("[A]\nkey\n"), "[A]\n");
   EXPECT_EQ(AfterSetting("[A]\nkey"), "[A]\nkey=value\n");
-  // With a carriage return it is another key.
+  // A carriage return makes it another key.
   EXPECT_EQ(AfterSetting("[A]\nkey\r\n"), "[A]\nkey\r\nkey=value\n");
 }
 
@@ -231,7 +231,7 @@ TEST_F(IniWriter, MalformedHeaderBeforeTheSectionLeavesTheFile) {
   EXPECT_EQ(ReadFile(kPath), "[Bad\n[A]\nkey=1\n");
   EXPECT_TRUE(Exists(kTmpPath));
   EXPECT_TRUE(LockIsFree());
-  // The copy left behind is no hindrance.
+  // A leftover copy does no harm.
   Given("[A]\n");
   EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
   EXPECT_FALSE(Exists(kTmpPath));
@@ -259,7 +259,7 @@ TEST_F(IniWriter, LongerNamesAndMissingOnesAreBadArguments) {
   EXPECT_EQ(WriteINIFileValue_astring({nullptr, "key", "v", 2, kPath, 0}), SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(WriteINIFileValue_astring({"A", nullptr, "v", 2, kPath, 0}), SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(WriteINIFileValue_astring({"A", "key", "v", 2, nullptr, 0}), SM_STATUS_BAD_ARGUMENT);
-  // Names are looked at before sizes.
+  // Names are checked before sizes.
   EXPECT_EQ(WriteINIFileValue_astring({nullptr, "key", "v", 9, kPath, 0}), SM_STATUS_BAD_ARGUMENT);
   EXPECT_FALSE(Exists("/tmp/d"));
 }
@@ -344,7 +344,7 @@ TEST_F(IniWriter, CopyNeverFollowsALink) {
   EXPECT_EQ(ReadFile(kPath), "[A]\nkey=value\n");
 }
 
-// The directory that a path names is made; of one that it does not name nothing is asked.
+// The directory that a path names is created; for a path that names none, no directory is checked.
 TEST_F(IniWriter, ABareNameInADirectoryThatCannotBeEnteredIsAnOpenFailure) {
   ASSERT_EQ(mkdir("/tmp/d", 0700), 0);
   ASSERT_EQ(chdir("/tmp/d"), 0);
@@ -510,7 +510,7 @@ TEST_F(IniWriter, ReadErrorIsABadSectionHeader) {
   EXPECT_EQ(FindKeyUpdateValue("key", "v", &second, &out), SM_STATUS_BAD_SECTION_HEADER);
 }
 
-// How many system calls so many writes of one key make, in a process of their own.
+// How many system calls this many writes of one key make, in a separate process.
 u32 SystemCallsOf(int writes) {
   u32 stops = 0;
   const int status = test::RunStepwise(

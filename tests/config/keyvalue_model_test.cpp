@@ -37,7 +37,7 @@ constexpr u32 kFailed = 0xFFFFFFFF;
 constexpr mode_t kOldMode = 0640;
 constexpr mode_t kNewMode = 01664;
 
-// A file as it is named in a call, and where it lies.
+// A file as a call names it, and where it is.
 struct Place {
   const char* name;
   u16 installFlag;
@@ -177,7 +177,7 @@ TEST_F(KeyValueModel, WritesLeaveTheFileThatTheModelLeaves) {
     const Place& place = kPlaces[input % 2];
     const std::string file = files.File();
     ASSERT_NO_FATAL_FAILURE(Write(place, file));
-    // A copy that a failure has left is in nobody's way.
+    // A copy left by a failure does no harm.
     if (input % 16 == 0) qvx::test::WriteFile(place.temporary, std::string(9000, 't'));
     std::string key = files.Key();
     std::string value = files.Value();

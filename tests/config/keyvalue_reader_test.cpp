@@ -95,7 +95,7 @@ TEST_F(KeyValueReader, FileThatCannotBeReadIsNull) {
   EXPECT_EQ(count, 0u);
 }
 
-// The last line's end is looked for by a read of its own, which fails.
+// A separate read looks for the last line's end, and it fails.
 TEST_F(KeyValueReader, FileThatCannotBeReadToItsEndIsNull) {
   test::WriteFile(kFile, "a=1\nb=2\nc=3");
   EXPECT_EQ(test::InChild([] {
@@ -280,7 +280,7 @@ TEST(KeyValueLookup, NullArgumentsAndNoEntriesAreNull) {
   EXPECT_EQ(PXTCFGGetKeyValue(entries, 0, "key", 0), nullptr);
 }
 
-// Entries without key or value would crash if they were looked at.
+// Entries without key or value would crash if they were read.
 TEST(KeyValueLookup, FreeingNullDoesNothing) {
   EXPECT_EQ(test::InChild([] {
               PXTCFGFreeKeyValueEntries(nullptr, 0);

@@ -42,7 +42,7 @@ class KeyValueWriter : public testing::Test {
   }
 };
 
-// The directory that a path names is made; of one that it does not name nothing is asked.
+// The directory that a path names is created; for a path that names none, no directory is checked.
 TEST_F(KeyValueWriter, ABareNameInADirectoryThatCannotBeEnteredIsAnOpenFailure) {
   ASSERT_EQ(chmod("/tmp/kv", 0700), 0);
   ASSERT_EQ(chdir("/tmp/kv"), 0);

@@ -24,7 +24,7 @@ constexpr char kIniFile[] = "/tmp/kill/a.ini";
 constexpr char kPairFile[] = "/tmp/kill/a.properties";
 constexpr s32 kText = 1;
 
-// The lock, the copy, the flush and the rename are a score of system calls, with two stops each.
+// The lock, the copy, the flush and the rename are about twenty system calls, with two stops each.
 constexpr u32 kFewestStops = 20;
 
 class Kill : public ::testing::Test {
@@ -34,7 +34,7 @@ class Kill : public ::testing::Test {
     ASSERT_EQ(mkdir("/tmp/kill", 0755), 0);
   }
 
-  // How often a file was found to be each of the two.
+  // How often each of the two files was found.
   void Count(const std::string& found, const std::string& oldText, const std::string& newText) {
     if (found == oldText) {
       ++oldSeen_;

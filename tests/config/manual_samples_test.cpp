@@ -38,7 +38,7 @@ using namespace std::string_literals;
 using test::ReadFile;
 using test::WriteFile;
 
-// The text with one part of it replaced, which must be there.
+// The text with one part replaced; that part must be present.
 std::string Replaced(std::string text, const std::string& part, const std::string& by) {
   const size_t at = text.find(part);
   EXPECT_NE(at, std::string::npos) << part;
@@ -78,7 +78,7 @@ Number NumberOf(const char* section, const char* key, s32 type) {
   return number;
 }
 
-// The bytes delivered of a text, a list or bytes.
+// The bytes delivered for a text, a list or bytes.
 std::string BytesOf(const char* section, const char* key, s32 type) {
   char room[256];
   u32 size = sizeof(room);
@@ -248,7 +248,7 @@ TEST(ManualStrings, LanguageWithoutTheTextGetsTheNeutralOne) {
 constexpr char kLog[] = "/tmp/log.xml";
 constexpr u32 kMaximum = 131072;
 
-// What stands between the tags of the first element of this name.
+// The text between the tags of the first element with this name.
 std::string ElementOf(const std::string& text, const std::string& name) {
   const size_t at = text.find("<" + name + ">") + name.size() + 2;
   return text.substr(at, text.find("</" + name + ">", at) - at);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Streams whose reads, writes and moves fail, as those of a disk do that is failing.
+// Streams whose reads, writes and seeks fail, as on a failing disk.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -43,7 +43,7 @@ constexpr u32 kMoveCall = SYS__llseek;
 constexpr u32 kMoveCall = SYS_lseek;
 #endif
 
-// A disk that refuses one kind of move.
+// A disk that refuses one kind of seek.
 struct FailingDisk {
   std::string text;
   int refusedMove = -1;
@@ -66,7 +66,7 @@ FilePtr Open(FailingDisk* disk) {
   return FilePtr(fopencookie(disk, "r+", {nullptr, nullptr, MoveOnDisk, nullptr}));
 }
 
-// A file that gives a text and then fails: a pipe that nobody writes to any more but keeps open.
+// A file that delivers a text and then fails: a pipe whose writer stops writing but keeps it open.
 class FailingFile {
  public:
   explicit FailingFile(std::string_view text) : reader_(Opened(text, this)) {}
@@ -90,7 +90,7 @@ class FailingFile {
   BlockReader reader_;
 };
 
-// A writer that holds as much as it can, over a disk that takes nothing: any more text fails.
+// A writer with a full buffer, over a disk that accepts nothing: any further text fails.
 class FullWriter {
  public:
   FullWriter() : disk_(OpenDescriptor("/dev/full", O_WRONLY)), writer_(disk_.Number()) {
@@ -212,7 +212,7 @@ TEST(StreamFault, AFileThatDoesNotTellItsSizeHasNone) {
             3);
 }
 
-// To take it back after a close that failed needs a second descriptor.
+// Undoing the append after a failed close needs a second descriptor.
 TEST(StreamFault, ASectionIsNotAppendedWhereItCouldNotBeTakenBack) {
   test::WriteFile("/tmp/a", "[A]\nk=1\n");
   EXPECT_EQ(test::InChild([] {
@@ -236,7 +236,7 @@ TEST(StreamFault, ASectionThatIsLostOnCloseIsNotWritten) {
   EXPECT_EQ(ReadFile("/tmp/a"), "[A]\nk=1\n");
 }
 
-// Whether an update is a write failure, in a process where the file's copy is lost on close.
+// Whether an update reports a write failure in a process where closing the copy fails.
 template <typename Update>
 bool FailsWhereTheCopyIsLost(Update update) {
   return test::InChild([&update] {

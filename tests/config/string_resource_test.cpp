@@ -254,7 +254,7 @@ TEST(StringResource, MemoryForTheLineThenThePathThenTheKeyThenTheFileAreAskedFor
   EXPECT_EQ(MessageWithoutAllocation(2, "/tmp/missing.txt"), "Failed to allocate memory");
 }
 
-// The number that the next open file would get: higher by one for each that was left open.
+// The descriptor that the next opened file would get: higher by one for each file left open.
 int NextDescriptor() {
   const int next = dup(STDIN_FILENO);
   close(next);
@@ -319,7 +319,7 @@ TEST(StringDestination, NullTextNeedsNoRoom) {
   EXPECT_EQ(SetUnicodeStringToDestination(nullptr, nullptr, nullptr), 0u);
 }
 
-// Reads pieces of `units` and gives each with the position behind it.
+// Reads pieces of `units` and returns each with the position after it.
 std::string Pieces(const std::string& text, u32 units) {
   test::WriteFile("/tmp/pieces", text);
   const Descriptor opened = OpenDescriptor("/tmp/pieces", O_RDONLY);

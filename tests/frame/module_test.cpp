@@ -165,7 +165,7 @@ QVX_ALONE(Module, TheMaximumIsReadLastInTwoHoldsAfterTheAttachesOwn) {
   EXPECT_EQ(HoldsOfAnAttach(), 3U);
 }
 
-// Without the lock's folder the attach fails, and everything that needs the lock says so.
+// Without the lock file's folder the attach fails, and every call that needs the lock reports it.
 void Detach() {
   ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/lib", "/etc/cim/zarn/plinthos/var/gone"), 0);
   EXPECT_EQ(qvx::ModuleAttach(), 0);
@@ -215,7 +215,7 @@ QVX_ALONE(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
   EXPECT_EQ(qvx::test::InChild([] {
               if (setgid(1000) != 0 || setuid(1000) != 0) return 1;
               if (qvx::ModuleAttach() != 1 || qvx::hGFileLock != 130000U) return 2;
-              // Waiting changes to the shared lock; a single attempt does not come so far.
+              // Waiting falls back to the shared lock; a single attempt does not get that far.
               if (qvx::FileLock(0) != 0 || qvx::FileLock(1) != 1) return 3;
               return qvx::ModuleDetach() == 1 ? 0 : 4;
             }),
@@ -237,8 +237,7 @@ QVX_ALONE(Module, ALockFileThatIsNoRegularFileFailsTheAttach) {
   EXPECT_EQ(OpenDescriptors(), before);
 }
 
-// A failure at the lock file comes before the support for addresses is loaded, which is loaded
-// once.
+// A failure at the lock file comes before address support is loaded; that support is loaded once.
 QVX_ALONE(Module, AnAttachThatFoundNoLockFileMayBeTriedAgain) {
   qvx::test::RequireSandbox();
   const char folder[] = "/etc/cim/zarn/plinthos/var/lib";

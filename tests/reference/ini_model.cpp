@@ -427,7 +427,7 @@ IniOutcome ModelIniWrite(const IniFile& file, const IniChange& change) {
   const IniOutcome doesNotFit = {kTooLarge, file, false, false};
   if (change.type < 1 || change.type > 9) return refused;
   if (change.type == 1) {
-    // Names are looked at before the size.
+    // Names are checked before the size.
     const IniOutcome named = WriteText(file, change, change.value);
     if (named.status == kBadArgument) return named;
     const s64 wanted = change.value ? static_cast<s64>(change.value->size()) + 1 : 0;
