@@ -47,7 +47,7 @@ std::string Folded(std::string text) {
   return text;
 }
 
-// The place behind the character that completes the match; nothing without one.
+// The place after the character that completes the match; nothing without one.
 std::optional<size_t> EndOfMatch(const std::string& text, const std::string& find) {
   std::string wanted = find;
   for (size_t at = 0; at < text.size(); ++at) {

@@ -217,7 +217,7 @@ IniChange HostileIni::Change(s32 type) {
   change.size = exact;
   if (OneIn(12)) change.size = std::vector<s32>{0, -1, exact - 1, INT32_MIN, 1}[Below(5)];
   if (OneIn(12)) change.size = exact + static_cast<s32>(1 + Below(2000));
-  // Bytes have no end of their own: all that are told of must be there.
+  // Bytes have no terminator: all reported bytes must be there.
   if (type == 3) change.size = std::min(change.size, exact);
   return change;
 }

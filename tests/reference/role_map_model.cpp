@@ -162,7 +162,7 @@ ModelRoleFault ModelParseRoles(ModelRoleRecord* record) {
 }
 
 ModelRoleReading ModelReadRoles(const std::string& file, size_t from) {
-  // What stands behind a byte that is no ASCII is never seen.
+  // What follows a byte that is not ASCII is never seen.
   std::string rest = file.substr(from);
   const auto foreign =
       std::find_if(rest.begin(), rest.end(), [](char each) { return static_cast<u8>(each) > 127; });

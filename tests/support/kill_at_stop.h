@@ -16,9 +16,8 @@ namespace qvx::test {
 
 inline constexpr int kKilled = -1;
 
-// Runs `body` in another process that stops before and behind each of its system calls, where
-// `look` is asked whether it goes on. Gives the process's exit status, or kKilled when `look` said
-// no.
+// Runs `body` in another process that stops before and after each of its system calls, where `look`
+// is asked whether it goes on. Gives the process's exit status, or kKilled when `look` said no.
 template <typename Body, typename Look>
 int RunStepwise(Body body, Look look) {
   const pid_t child = fork();

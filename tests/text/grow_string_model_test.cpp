@@ -30,7 +30,7 @@ constexpr u32 kSteps = 10000;
 constexpr u32 kInputs = 5000;
 constexpr size_t kLongEnough = 3000;  // a record this long begins anew
 
-// The text at the end of its room: a read behind the terminator faults.
+// The text at the end of its room: a read past the terminator faults.
 template <typename Unit>
 class Guarded {
  public:

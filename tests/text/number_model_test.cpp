@@ -25,7 +25,7 @@ using qvx::test::ModelWide;
 constexpr u32 kInputs = 5000;
 constexpr u32 kUnset = 0xDEAD;
 
-// The text at the end of its room: a read behind the terminator faults.
+// The text at the end of its room: a read past the terminator faults.
 class Guarded {
  public:
   explicit Guarded(const std::string& text) : bytes_(text.size() + 1) {

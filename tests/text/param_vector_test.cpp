@@ -185,7 +185,7 @@ TEST(ParamVector, A16BitNameIsNeverFound) {
   UEntry even("ab=cdef");
   UEntry single("a=a=");
   ustring* entries[] = {nullptr, noSign.data(), odd.data(), even.data(), single.data()};
-  // Every text ends at a page that must not be touched: nothing is read behind a terminator.
+  // Every text ends at a page that must not be touched: nothing is read past a terminator.
   for (const char* text : {"abc", "ab", "a", "name", "", "a=a", "ab=cdef", "abc="}) {
     UEntry name(text);
     for (const booln flag : {booln{0}, booln{1}}) {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// The program's own malloc stands before the C library's for everything in the process: the
-// library, PAM and its modules, and the C library itself.
+// The program's own malloc replaces the C library's for everything in the process: the library, PAM
+// and its modules, and the C library itself.
 #include <atomic>
 #include <cerrno>
 #include <cstddef>

@@ -34,7 +34,7 @@ class Killer {
   Point point_;
 };
 
-// What is wrong; `killed` is false behind the last call.
+// What is wrong; `killed` is false after the last call.
 std::string Try(const Scene& scene, const Point& point, bool* killed) {
   const Judge judge(scene);
   Killer killer(point);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Logs on a disk that is failing.
+// Logs on a failing disk.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/syscall.h>

@@ -54,7 +54,7 @@ inline std::string WithoutTimes(std::string text) {
   return text;
 }
 
-// What stands in each element of this name, in the order of the text.
+// The text in each element of this name, in the order of the file.
 inline std::vector<std::string> ElementsOf(const std::string& text, const std::string& name) {
   const std::string opening = "<" + name + ">";
   std::vector<std::string> found;

@@ -72,7 +72,7 @@ TEST_F(LogKill, AnAppendIsThereWholeOrNotAtAll) {
 }
 
 TEST_F(LogKill, WhatStandsBehindTheTagCostsNoEntry) {
-  // Longer than an entry: the log is cut behind the new closing tag.
+  // Longer than an entry: the log is cut after the new closing tag.
   const std::string standing = test::LogOf(ManyEntries()) + std::string(2000, ' ');
   (void)test::KillAtEachStop([&standing] { test::WriteFile(kLog, standing); },
                              [] { return Append(1) == 0; },

@@ -52,7 +52,7 @@ bool EndsWithTag(const std::string& path) {
   return log.size() >= kTagLength && log.substr(log.size() - kTagLength) == "</EventLog>";
 }
 
-// A log whose closing tag is at `offset`, behind one entry.
+// A log whose closing tag is at `offset`, after one entry.
 std::string LogWithItsTagAt(size_t offset) {
   const std::string begin = std::string(test::kLogHead) + "<LogEntry>";
   const std::string end = "</LogEntry>";
