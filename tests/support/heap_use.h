@@ -10,7 +10,8 @@
 #include "support/sanitizers.h"
 
 #if QVX_SANITIZED
-#include <sanitizer/allocator_interface.h>
+// g++ ships no header for it.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace qvx::test {
