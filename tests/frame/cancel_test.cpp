@@ -167,7 +167,11 @@ u32 UntilTold(u32) {
   return 0;
 }
 
+// ThreadSanitizer takes a join that is cancelled for a fault of its own bookkeeping.
 QVX_ALONE(Cancel, WaitingForAThreadMayBeCancelled) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP();
+#endif
   const Attached attached;
   PXTThread thread = {};
   ASSERT_EQ(PXTThreadStart(&thread, UntilTold, 0), 0);
