@@ -7,20 +7,15 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 
 namespace qvx {
-namespace {
-
-constexpr u32 kFailed = 0xFFFFFFFF;
-
-}  // namespace
-
 u32 OSLibLoad(PXTLibrary* library, const astring* path) {
-  if (library == nullptr) return kFailed;
+  if (library == nullptr) return kMinusOne;
   library->path = nullptr;
   if (path == nullptr) return SM_STATUS_FAILURE;
   HeapArray<astring> copy = CopyText(path);
-  if (!copy) return kFailed;
+  if (!copy) return kMinusOne;
   void* const handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) return SM_STATUS_FAILURE;
   library->path = copy.release();
@@ -39,10 +34,10 @@ void* OSLibLinkToExportFN(PXTLibrary* library, const astring* symbolName) {
 u32 OSLibUnLinkFromExportFN(PXTLibrary* /*library*/, const void* /*symbol*/) { return 0; }
 
 u32 OSLibUnLoad(PXTLibrary* library) {
-  if (library == nullptr) return kFailed;
+  if (library == nullptr) return kMinusOne;
   FreeMem(library->path);
   library->path = nullptr;
-  if (library->handle == nullptr || dlclose(library->handle) != 0) return kFailed;
+  if (library->handle == nullptr || dlclose(library->handle) != 0) return kMinusOne;
   // A handle is closed once: a second unload finds none.
   library->handle = nullptr;
   return SM_STATUS_SUCCESS;

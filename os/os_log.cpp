@@ -11,13 +11,12 @@
 #include "qvxcs/status.h"
 
 #include "base/heap.h"
+#include "base/results.h"
 #include "text/locale_text.h"
 #include "text/uni_string.h"
 
 namespace qvx {
 namespace {
-
-constexpr u32 kFailed = 0xFFFFFFFF;
 
 constexpr u64 kLocalTextExtra = 6;
 constexpr u64 kMessageExtra = 256;
@@ -31,9 +30,9 @@ int PriorityOf(u16 eventType) {
 // the last one stays the terminator.
 u32 LocalText(HeapArray<astring>* local, const ustring* text) {
   const u64 room = Uni_strlen(text) + kLocalTextExtra;
-  if (room > UINT32_MAX) return kFailed;
+  if (room > UINT32_MAX) return kMinusOne;
   *local = AllocArray<astring>(room);
-  if (!*local) return kFailed;
+  if (!*local) return kMinusOne;
   memset(local->get(), 0, static_cast<size_t>(room));
   auto size = static_cast<u32>(room) - 1;
   // Deliberate: the room depends on the units, not on the bytes they become; a text that does not
@@ -51,14 +50,14 @@ void Log(const astring* source, int priority, const astring* message) {
 }  // namespace
 
 u32 AppendToOSLog(u16 eventType, u32 eventNumber, const ustring* source, const ustring* text) {
-  if (source == nullptr || text == nullptr) return kFailed;
+  if (source == nullptr || text == nullptr) return kMinusOne;
   HeapArray<astring> localSource;
   if (const u32 status = LocalText(&localSource, source)) return status;
   HeapArray<astring> localText;
   if (const u32 status = LocalText(&localText, text)) return status;
   const u64 room = strlen(localText.get()) + kMessageExtra;
   const auto message = AllocArray<astring>(room);
-  if (!message) return kFailed;
+  if (!message) return kMinusOne;
   (void)snprintf(message.get(), static_cast<size_t>(room), "EventID: %u  %s", eventNumber,
                  localText.get());
   RemoveCarriageReturns(message.get());

@@ -15,6 +15,7 @@
 
 #include "base/heap.h"
 #include "base/layout.h"
+#include "base/results.h"
 #include "config/file_lines.h"
 #include "config/keyvalue_line.h"
 #include "os/block_reader.h"
@@ -27,8 +28,6 @@
 namespace qvx {
 
 namespace {
-
-constexpr u32 kFailed = 0xFFFFFFFF;
 
 constexpr s32 kFirstIdentifier = QVX_CMDLOG_FIRST_ID;
 constexpr s32 kLastIdentifier = QVX_CMDLOG_LAST_ID;
@@ -104,7 +103,7 @@ u32 SUPTIntfAppendToCmdLog(s32 identifier, const astring* user, const astring* s
     return SM_STATUS_INVALID_PARAMETER;
   }
   const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
-  if (!path) return kFailed;
+  if (!path) return kMinusOne;
   u32 maxSize = kDefaultMaxLogSize;
   (void)SUPTIntfGetCmdLogMaxSize(&maxSize);
   return AppendToXMLLog(path.get(), type, static_cast<u32>(identifier), user, source, description,
@@ -113,7 +112,7 @@ u32 SUPTIntfAppendToCmdLog(s32 identifier, const astring* user, const astring* s
 
 u32 SUPTIntfClearCmdLog(const astring* user, const astring* source) {
   const HeapArray<astring> path(SUPTIntfGetCmdLogPathFileName());
-  if (!path) return kFailed;
+  if (!path) return kMinusOne;
   return ClearXMLLog(path.get(), user, source);
 }
 
