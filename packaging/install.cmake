@@ -29,7 +29,7 @@ if(QVXCS_MANUAL)
   set(with_all ALL)
 endif()
 file(GLOB manual_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/qvxcs/*.h
-     ${PROJECT_SOURCE_DIR}/docs/man/*.[0-9])
+     ${PROJECT_SOURCE_DIR}/docs/man/*.[0-9] ${PROJECT_SOURCE_DIR}/docs/man/examples/*.c)
 set(manual_made ${PROJECT_BINARY_DIR}/man/made)
 add_custom_command(
   OUTPUT ${manual_made}
@@ -37,7 +37,8 @@ add_custom_command(
   COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/man/man3
   COMMAND ${PROJECT_SOURCE_DIR}/tools/man ${PROJECT_BINARY_DIR}/man/man3
   COMMAND ${CMAKE_COMMAND} -E touch ${manual_made}
-  DEPENDS ${manual_sources} ${PROJECT_SOURCE_DIR}/tools/man ${PROJECT_SOURCE_DIR}/frame/libqvxcs.map
+  DEPENDS ${manual_sources} ${PROJECT_SOURCE_DIR}/tools/man ${PROJECT_SOURCE_DIR}/tools/mdoc.py
+          ${PROJECT_SOURCE_DIR}/frame/libqvxcs.map
   COMMENT "Making the manual")
 add_custom_target(manual ${with_all} DEPENDS ${manual_made})
 
