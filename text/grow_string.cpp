@@ -89,6 +89,16 @@ Unit* Append(Record* record, const Unit* added, u64 count) {
   return record->text;
 }
 
+// The block that the text is in goes to `old`, unless another is kept there.
+astring* CopyToNewBlock(const SSAStr& record, u32 capacity, HeapArray<astring>* old) {
+  HeapArray<astring> grown = AllocText<astring>(capacity);
+  if (!grown) return nullptr;
+  memcpy(grown.get(), record.text, size_t{record.length} + 1);
+  HeapArray<astring> left(record.text);
+  if (!*old) *old = std::move(left);
+  return grown.release();
+}
+
 }  // namespace
 
 astring* SSAStrAlloc(SSAStr* record, u32 capacity) { return Start<astring>(record, capacity); }
@@ -111,12 +121,10 @@ astring* SSAStrMakeRoom(SSAStr* record, u64 count, HeapArray<astring>* old) {
   if (count > kMaxSize || needed > kMaxSize) return nullptr;
   if (needed > record->capacity) {
     const u32 capacity = GrownCapacity(record->capacity, static_cast<u32>(needed));
-    HeapArray<astring> grown = AllocText<astring>(capacity);
-    if (!grown) return nullptr;
-    memcpy(grown.get(), record->text, size_t{record->length} + 1);
-    HeapArray<astring> left(record->text);
-    if (!*old) *old = std::move(left);
-    record->text = grown.release();
+    astring* const grown = old == nullptr ? ReAllocText(record->text, capacity)
+                                          : CopyToNewBlock(*record, capacity, old);
+    if (grown == nullptr) return nullptr;
+    record->text = grown;
     record->capacity = capacity;
   }
   return record->text + record->length;

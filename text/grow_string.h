@@ -24,8 +24,15 @@ astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count);
 
 // Makes room for `count` characters and their NUL after the record's text, by the growth rule.
 // Returns the place for them, null when the record cannot grow. The caller that fills it sets the
-// length and the NUL. When the text moves, its block stays in `old`, unless another is kept there.
+// length and the NUL. When the text moves, its block stays in `old`, unless another is kept there;
+// with a null `old` it is freed.
 astring* SSAStrMakeRoom(SSAStr* record, u64 count, HeapArray<astring>* old);
+
+// Whether SSAStrMakeRoom has nothing to do.
+inline bool SSAStrHasRoom(const SSAStr& record, u64 count) {
+  return record.text != nullptr && count < record.capacity &&
+         record.length + count < record.capacity;
+}
 
 }  // namespace qvx
 

@@ -73,29 +73,46 @@ constexpr auto kDigitPairs = [] {
 
 // Two digits a step, from the last one.
 template <typename Number>
-astring* PutPairsBefore(astring* at, Number value) {
+void PutDigitsBefore(astring* at, Number value) {
   for (; value >= 100; value /= 100) {
     at -= 2;
     memcpy(at, &kDigitPairs[2 * static_cast<size_t>(value % 100)], 2);
   }
   if (value < 10) {
-    *--at = static_cast<astring>('0' + value);
-    return at;
+    at[-1] = static_cast<astring>('0' + value);
+  } else {
+    memcpy(at - 2, &kDigitPairs[2 * static_cast<size_t>(value)], 2);
   }
-  at -= 2;
-  memcpy(at, &kDigitPairs[2 * static_cast<size_t>(value)], 2);
-  return at;
 }
 
-u32 PutDecimalDigits(astring* out, u64 value) {
-  astring digits[20];
-  astring* const end = digits + sizeof(digits);
-  const astring* const begin = value <= UINT32_MAX ? PutPairsBefore(end, static_cast<u32>(value))
-                                                   : PutPairsBefore(end, value);
-  const u32 length = static_cast<u32>(end - begin);
-  (void)PutText(out, begin, length);
-  out[length] = '\0';
-  return length;
+// The least number of each count of digits, but 0 for the first.
+constexpr auto kLeastOfDigits = [] {
+  std::array<u64, 21> least = {};
+  for (u64 digits = 2, number = 10; digits < least.size(); ++digits, number *= 10) {
+    least[digits] = number;
+  }
+  return least;
+}();
+
+// The logarithm to base 2 gives the number of digits, or one less: 1233 / 4096 is log10(2).
+u32 CountDigits(u64 value) {
+  const int bits = 64 - __builtin_clzll(value | 1);
+  const auto digits = static_cast<u32>(bits * 1233) >> 12;
+  return value >= kLeastOfDigits[digits + 1] ? digits + 1 : digits;
+}
+
+Decimal DecimalOf(u64 magnitude, bool isNegative) {
+  return {magnitude, CountDigits(magnitude) + (isNegative ? 1 : 0), isNegative};
+}
+
+Decimal DecimalOf(s64 number) {
+  const u64 bits = static_cast<u64>(number);
+  return number < 0 ? DecimalOf(0 - bits, true) : DecimalOf(bits, false);
+}
+
+u32 PutTerminated(astring* out, const Decimal& number) {
+  *PutDecimal(out, number) = '\0';
+  return number.length;
 }
 
 u32 PutHexDigits(astring* out, u32 value) {
@@ -123,18 +140,27 @@ u32 PutBooln(astring* out, const void* value) {
   return isTrue ? 4 : 5;
 }
 
-u32 PutDecimal(astring* out, const ValueType& type, const void* value) {
+Decimal DecimalOf(const ValueType& type, const void* value) {
   const u64 number = LoadNumber(type, value);
-  return type.isSigned ? PutDecimalNumber(out, static_cast<s64>(number))
-                       : PutDecimalDigits(out, number);
+  return type.isSigned ? DecimalOf(static_cast<s64>(number)) : DecimalOf(number, false);
 }
 
-u32 PutDecimalNumber(astring* out, s64 number) {
-  const u64 magnitude = static_cast<u64>(number);
-  if (number >= 0) return PutDecimalDigits(out, magnitude);
-  out[0] = '-';
-  return 1 + PutDecimalDigits(out + 1, 0 - magnitude);
+astring* PutDecimal(astring* to, const Decimal& number) {
+  astring* const end = to + number.length;
+  if (number.isNegative) *to = '-';
+  if (number.magnitude <= UINT32_MAX) {
+    PutDigitsBefore(end, static_cast<u32>(number.magnitude));  // divides faster
+  } else {
+    PutDigitsBefore(end, number.magnitude);
+  }
+  return end;
 }
+
+u32 PutDecimal(astring* out, const ValueType& type, const void* value) {
+  return PutTerminated(out, DecimalOf(type, value));
+}
+
+u32 PutDecimalNumber(astring* out, s64 number) { return PutTerminated(out, DecimalOf(number)); }
 
 u32 PutHexadecimal(astring* out, const ValueType& type, const void* value) {
   // Deliberate: signed numbers are extended to 32 bits before they are printed, so an 8-bit -1 is

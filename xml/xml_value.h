@@ -41,26 +41,48 @@ constexpr u32 kValueTypeCount = 28;
 
 const ValueType& ValueTypeOf(s32 code);
 
-// Copies a text and returns the place after it. Names and numbers are short: two copies that may
+// Copies `length` bytes, `Part` wide at each end: both copies overlap where there are fewer than
+// two parts. There is at least one part, and everything is read before anything is written.
+template <typename Part>
+[[gnu::always_inline]] inline void PutBothEnds(astring* to, const astring* text, size_t length) {
+  const Part first = LoadValue<Part>(text);
+  const Part last = LoadValue<Part>(text + length - sizeof(Part));
+  StoreValue(to, first);
+  StoreValue(to + length - sizeof(Part), last);
+}
+
+struct SixteenBytes {
+  u64 halves[2];
+};
+
+// Copies a text and returns the place after it. Names and values are short: two copies that may
 // overlap replace a call.
-inline astring* PutText(astring* to, const astring* text, size_t length) {
-  if (length > 16) {
+[[gnu::always_inline]] inline astring* PutText(astring* to, const astring* text, size_t length) {
+  if (length > 2 * sizeof(SixteenBytes)) {
     memcpy(to, text, length);
-  } else if (length >= 8) {
-    const u64 last = LoadValue<u64>(text + length - 8);
-    StoreValue(to, LoadValue<u64>(text));
-    StoreValue(to + length - 8, last);
-  } else if (length >= 4) {
-    const u32 last = LoadValue<u32>(text + length - 4);
-    StoreValue(to, LoadValue<u32>(text));
-    StoreValue(to + length - 4, last);
-  } else {
-    for (size_t at = 0; at < length; ++at) {
-      to[at] = text[at];
-    }
+  } else if (length >= sizeof(SixteenBytes)) {
+    PutBothEnds<SixteenBytes>(to, text, length);
+  } else if (length >= sizeof(u64)) {
+    PutBothEnds<u64>(to, text, length);
+  } else if (length >= sizeof(u32)) {
+    PutBothEnds<u32>(to, text, length);
+  } else if (length >= sizeof(u16)) {
+    PutBothEnds<u16>(to, text, length);
+  } else if (length == 1) {
+    *to = *text;
   }
   return to + length;
 }
+
+// A number whose decimal text is `length` characters long, its sign counted.
+struct Decimal {
+  u64 magnitude;
+  u32 length;
+  bool isNegative;
+};
+Decimal DecimalOf(const ValueType& type, const void* value);
+// Writes the text without a terminator and returns the place after it.
+astring* PutDecimal(astring* to, const Decimal& number);
 
 // Room for the text of any number, boolean or time, its NUL included.
 constexpr u32 kValueTextRoom = 64;
