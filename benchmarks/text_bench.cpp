@@ -187,7 +187,7 @@ void CompareGrowth() {
 
 const bool kRegistered = [] {
   for (const Script& script : kScripts) {
-    for (const size_t bytes : {size_t{32}, size_t{200}, size_t{1024}, size_t{1} << 20}) {
+    for (const size_t bytes : std::initializer_list<size_t>{8, 32, 200, 1024, 1 << 14, 1 << 20}) {
       CompareTranscoding(script, bytes);
     }
   }
