@@ -151,10 +151,11 @@ def show_list(*names):
             raise MemoryError
         ctypes.memmove(entry.contents.data, payload, len(payload))
         check("no order", library.PXTDLListInsertOrdered(names_list, entry, by_name))
+    ordered = []
     while entry := library.PXTDLListRemoveEntryAtHead(names_list):
-        print(name_of(entry).decode(), end=" ")
+        ordered.append(name_of(entry).decode())
         library.PXTDLListEntryFree(entry)
-    print()
+    print(*ordered)
     library.PXTDLListFree(names_list)
 
 

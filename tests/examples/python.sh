@@ -11,7 +11,7 @@ example="$(dirname "$0")/../../examples/qvxcs.py"
 mkdir /tmp/data
 shown="<Flags>0x1f</Flags>
 disk 0:3 is full (16 bytes)
-apple fig pear "
+apple fig pear"
 check 0 "$shown
 seconds = 15
 logged
