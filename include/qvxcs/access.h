@@ -51,9 +51,9 @@ QVX_BEGIN_DECLS
  *
  * When memory runs out while the role map is read, the call returns 0 and logs nothing. The file
  * may then be half read: the rest is not read, and the built-in lines are used until the process
- * ends. Neither the file nor the built-in lines are ever in force in part, so a failed read gives
- * nobody rights that neither the whole file nor the built-in lines grant. When memory runs out only
- * while a fault is reported, the built-in lines are used and the log entry may be missing.
+ * ends. Neither the file nor the built-in lines are ever in force in part, so a failed read never
+ * gives anybody rights that neither the whole file nor the built-in lines grant. When memory runs
+ * out only while a fault is reported, the built-in lines are used and the log entry may be missing.
  *
  * A query may fail to get the machine's addresses, its domain's name or the user's groups, for lack
  * of memory or for another reason. Entries that depend on them then grant nothing. The remaining

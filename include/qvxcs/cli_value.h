@@ -8,8 +8,9 @@
  * What command-line programs need around the XML buffer: typed values from and to text, and the
  * elements of settings, statuses and help.
  *
- * A value is a pointer and a type code of xml_buffer.h. Values behind a pointer need no
- * alignment, and exactly as many bytes as the type has are read or written. Integers are decimal.
+ * A value is a pointer and a type code of xml_buffer.h. Values that a pointer
+ * points to need no alignment, and exactly as many bytes as the type has are read or written.
+ * Integers are decimal.
  *
  * Nothing here takes a lock or keeps state; any thread may call. Texts returned are new and belong
  * to the caller.
@@ -33,7 +34,7 @@ typedef qvx_astring* (*PXTCommandFunction)(qvx_s32 count, qvx_astring** vector);
 /** An entry of a command table. */
 typedef struct PXTCommand {
   qvx_astring* name;           /**< the command's name */
-  PXTCommandFunction function; /**< its entry; an entry without one is passed over */
+  PXTCommandFunction function; /**< its entry; an entry without one is skipped */
 } PXTCommand;
 
 /**
@@ -42,9 +43,9 @@ typedef struct PXTCommand {
  * Types: QVX_TYPE_ASTRING (stores the text pointer itself, nothing is copied), QVX_TYPE_BOOLN, the
  * numbers of 8 to 64 bits, QVX_TYPE_D64, and QVX_TYPE_THOUSANDTHS (divided toward zero). Values of
  * 8 and 16 bits are cut to their width and values beyond 32 bits to their low 32 bits, without a
- * fault. Beyond 64 bits the value may be any. QVX_TYPE_D64 reads what `strtod` reads in the current
- * locale: "0x10" is 16, "inf" and "nan" are numbers, the decimal point is the locale's; a text that
- * is no number is 0, without a fault.
+ * fault. Beyond 64 bits any value may be stored. QVX_TYPE_D64 reads what `strtod` reads in the
+ * current locale: "0x10" is 16, "inf" and "nan" are numbers, the decimal point is the locale's; a
+ * text that is no number is 0, without a fault.
  *
  * @param[in] text  the text
  * @param[in] type  type code
@@ -52,7 +53,7 @@ typedef struct PXTCommand {
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER when `out` is NULL; when the text is no number or boolean
  *         (not for QVX_TYPE_D64), where 0 is stored; when the quotient of QVX_TYPE_THOUSANDTHS
- *         leaves 32 bits, where nothing is stored
+ *         needs more than 32 bits, where nothing is stored
  * @retval SM_STATUS_BAD_ARGUMENT for any other type code; nothing is stored
  * @retval 0xFFFFFFFF when `text` is NULL; nothing is stored
  * @par Memory
@@ -68,12 +69,12 @@ QVX_EXPORT qvx_u32 PXTNVSASCIIToXVal(const qvx_astring* text, qvx_s32 type, void
  * @param[in] count   texts in the vector
  * @param[in] vector  the texts
  * @param[in] name    name whose first value is read; case counts
- * @param[in] type    type code, as PXTNVSASCIIToXVal takes it
+ * @param[in] type    type code, as PXTNVSASCIIToXVal accepts it
  * @param[out] out    room for the value
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER when a pointer is NULL, when there is no such name, and as
  *         PXTNVSASCIIToXVal
- * @retval SM_STATUS_BAD_ARGUMENT for a type code that PXTNVSASCIIToXVal does not take
+ * @retval SM_STATUS_BAD_ARGUMENT for a type code that PXTNVSASCIIToXVal does not accept
  * @par Memory
  * A value of QVX_TYPE_ASTRING points into the vector's text.
  * @par Threads
@@ -104,8 +105,8 @@ QVX_EXPORT qvx_astring* PXTNVSXValToASCII(qvx_s32 type, const void* value);
 /**
  * Makes an 8-bit copy of a 16-bit text, or of a fallback.
  *
- * Only texts whose characters are all below 0x80 are copied right. A text that begins with such a
- * character and has surrogates later gives a wrong text with SM_STATUS_SUCCESS: each surrogate
+ * Only texts whose characters are all below 0x80 are copied correctly. A text that begins with such
+ * a character and has surrogates later becomes a wrong text with SM_STATUS_SUCCESS: each surrogate
  * becomes the first character, as PXTUCS2StrToUTF8Str converts it. 0x0041 0xD83D 0xDE00 becomes
  * "AAA".
  *
@@ -131,7 +132,7 @@ QVX_EXPORT qvx_astring* PXTNVSUstrToAstrD(const qvx_ustring* text, const qvx_ast
  * Makes an 8-bit copy of a 16-bit text: PXTNVSUstrToAstrD without a fallback.
  *
  * @param[in] text     the text
- * @param[out] status  the outcome, as PXTNVSUstrToAstrD gives it; may be NULL
+ * @param[out] status  the outcome, as PXTNVSUstrToAstrD sets it; may be NULL
  * @return the copy, or NULL unless the status is SM_STATUS_SUCCESS
  * @par Memory
  * The caller frees the copy with PXTFreeMem.
@@ -165,7 +166,7 @@ QVX_EXPORT qvx_ustring* PXTNVSAstrToUstrD(const qvx_astring* text, const qvx_ust
  * Makes a 16-bit copy of a UTF-8 text: PXTNVSAstrToUstrD without a fallback.
  *
  * @param[in] text     the text
- * @param[out] status  the outcome, as PXTNVSAstrToUstrD gives it; may be NULL
+ * @param[out] status  the outcome, as PXTNVSAstrToUstrD sets it; may be NULL
  * @return the copy, or NULL unless the status is SM_STATUS_SUCCESS
  * @par Memory
  * The caller frees the copy with PXTFreeMem.
@@ -219,9 +220,9 @@ QVX_EXPORT void PXTNVSCatSMStatusNode(void* buffer, qvx_s32 status, const qvx_as
  * Assembles the help of a table of commands.
  *
  * Every entry but the caller's own is called with the two texts "qvxusrinfo=nvsupt" and
- * "cmdhelp=true", which it may change, and a NULL behind them. What it returns becomes an element
- * `<qvxcmd val="name">` within `<CLICmdHelp count="...">`, whose count is that of the table less
- * one. A command that returns NULL is passed over.
+ * "cmdhelp=true", which it may change, and a NULL after them. What it returns becomes an element
+ * `<qvxcmd val="name">` within `<CLICmdHelp count="...">`, whose count is that of the table minus
+ * one. A command that returns NULL is skipped.
  *
  * @param[in] ignoredCount   not used
  * @param[in] ignoredVector  not used

@@ -8,13 +8,13 @@
  * The command log: which management commands were run, by whom, and what endangered the suite.
  *
  * It is one XML log (see xml_log.h) at a fixed place,
- * `/etc/cim/zarn/plinthos/var/log/vexilon//qvcmdlog.xml`, its backup is `qvcmdlog.xm_` beside it.
- * Every call that needs the log makes it when it is missing, with the entry QVX_LOG_CLEARED,
+ * `/etc/cim/zarn/plinthos/var/log/vexilon//qvcmdlog.xml`, and its backup is `qvcmdlog.xm_` beside
+ * it. Every call that needs the log makes it when it is missing, with the entry QVX_LOG_CLEARED,
  * user `Local System`, source `QVPX`.
  *
  * The log moves to its backup when an entry would bring it to its maximum size. That is the decimal
  * number after the first `preferences.system.cmdlogmaxsize=` of
- * `/etc/cim/zarn/plinthos/vexilon//qvx/ini/qvx.properties`, asked anew by each append. A number may
+ * `/etc/cim/zarn/plinthos/vexilon//qvx/ini/qvx.properties`, read again by each append. A number may
  * have a sign (`-5` is 4,294,967,291); one beyond 32 bits, another text, or no file leaves 131,072.
  *
  * Sizes are in bytes.
@@ -38,7 +38,7 @@ enum QVXCommandLogLimit {
 };
 
 /**
- * Tells the command log's path and makes the log when it is missing.
+ * Returns the command log's path and makes the log when it is missing.
  *
  * @return the path; NULL when the log cannot be made or without memory
  * @par Memory
@@ -88,7 +88,7 @@ QVX_EXPORT qvx_u32 PXTAppendToCmdLog(qvx_s32 identifier, const qvx_astring* user
 QVX_EXPORT qvx_u32 PXTClearCmdLog(const qvx_astring* user, const qvx_astring* source);
 
 /**
- * Tells the command log's size and makes the log when it is missing.
+ * Reads the command log's size and makes the log when it is missing.
  *
  * @param[out] size  the size; 0 on every failure that sets it
  * @retval SM_STATUS_SUCCESS
@@ -104,7 +104,7 @@ QVX_EXPORT qvx_u32 PXTClearCmdLog(const qvx_astring* user, const qvx_astring* so
 QVX_EXPORT qvx_u32 PXTGetCmdLogSize(qvx_u32* size);
 
 /**
- * Tells the size at which the command log moves to its backup.
+ * Reads the size at which the command log moves to its backup.
  *
  * @param[out] size  the properties file's number, else 131,072
  * @retval SM_STATUS_SUCCESS whether or not the properties file could be read
@@ -118,7 +118,8 @@ QVX_EXPORT qvx_u32 PXTGetCmdLogSize(qvx_u32* size);
 QVX_EXPORT qvx_u32 PXTGetCmdLogMaxSize(qvx_u32* size);
 
 /**
- * Restores the default maximum, the only one that can be set; the properties file still wins.
+ * Restores the default maximum, the only one that can be set; the properties file still overrides
+ * it.
  *
  * @param[in] size  QVX_CMDLOG_MAX_SIZE
  * @retval SM_STATUS_SUCCESS

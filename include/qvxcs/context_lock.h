@@ -12,7 +12,7 @@
  * unlocking 0, or a handle that is not in use, do nothing, so code that runs without a lock passes
  * 0. A number that was freed may come back with a later lock.
  *
- * The lock is not recursive: a thread that takes it twice waits for itself for ever. It excludes
+ * The lock is not recursive: a thread that takes it twice waits for itself forever. It excludes
  * the threads of this process, not other processes. The linked lists of `list.h` use these locks.
  *
  * In a child forked from a process with threads, locks can be made, taken and freed. One that
@@ -57,7 +57,7 @@ QVX_EXPORT void PXTFreeContextLock(qvx_u32 handle);
 QVX_EXPORT void PXTLockContext(qvx_u32 handle);
 
 /**
- * Gives a lock back.
+ * Releases a lock.
  *
  * @param[in] handle  the lock; 0 or a handle not in use is ignored
  * @par Memory

@@ -9,8 +9,8 @@
  * its calls.
  *
  * Such a host asks for the module's context, installs it before a call, keeping the one in force in
- * a save slot, and puts that one back behind the call. On this platform there is nothing to
- * switch: the context is always 0 and the hooks do nothing. Hosts may call them all the same, in
+ * a save slot, and restores that one after the call. On this platform there is nothing to
+ * switch: the context is always 0 and the hooks do nothing. Hosts may still call them, in
  * that order.
  *
  * A context and a save slot are 32 bits. No function here takes a lock or keeps a state.
@@ -27,7 +27,7 @@
 QVX_BEGIN_DECLS
 
 /**
- * Gives the module's context.
+ * Returns the module's context.
  *
  * @param[out] slot  receives 0; NULL is ignored
  * @par Memory

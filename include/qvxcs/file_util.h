@@ -25,7 +25,7 @@ QVX_BEGIN_DECLS
  *
  * The file's mode is set to 01664 (octal) first. A file whose mode cannot be set stays. A directory
  * stays and keeps its mode. A symbolic link is deleted itself: the mode is set on the file that it
- * leads to, but never on a directory. A FIFO, socket or device with this name is deleted like a
+ * points to, but never on a directory. A FIFO, socket or device with this name is deleted like a
  * file.
  *
  * @param[in] path  the file
@@ -41,14 +41,14 @@ QVX_BEGIN_DECLS
 QVX_EXPORT qvx_u32 PXTDeleteFile(const qvx_astring* path);
 
 /**
- * Gives the size of a file.
+ * Reads the size of a file.
  *
  * @param[in] path   the file, which must be readable
  * @param[out] size  its length in bytes; 0 after every failure
  * @retval SM_STATUS_SUCCESS
  * @retval -1 when a pointer is NULL (`*size` is set to 0 where there is one), when the file cannot
  * be opened, and when its length is 4 GiB - 1 or more: 4 GiB - 1 counts as 4 GiB, because it is the
- * value that stands for a failure
+ * value that means a failure
  * @par Memory
  * Allocates nothing that outlives the call.
  * @par Threads
@@ -60,8 +60,8 @@ QVX_EXPORT qvx_u32 PXTGetSizeOfFile(const qvx_astring* path, qvx_u32* size);
  * Makes up the name of a temporary file that does not exist.
  *
  * The name has the form "/tmp/fileXXXXXX" with six random letters and digits: the directory given
- * is entered, and so must exist, but does not appear in the name. No file is created: whoever
- * creates it opens it exclusively, for another process may be quicker.
+ * is entered, so it must exist, but it does not appear in the name. No file is created: open it
+ * with O_EXCL, because another process may create it first.
  *
  * @param[in] directory  a directory that can be entered
  * @param[out] name      room for the name, 20 bytes or more
@@ -86,11 +86,11 @@ QVX_EXPORT qvx_u32 PXTGetTmpFile(const qvx_astring* directory, qvx_astring* name
 /**
  * Creates a directory.
  *
- * One level only: what stands before the last part of the path must exist. The mode is 0755 (octal)
+ * One level only: everything before the last part of the path must exist. The mode is 0755 (octal)
  * less the umask; a directory that exists already keeps its own.
  *
  * @param[in] path  the directory
- * @retval SM_STATUS_SUCCESS the directory exists now, whoever created it
+ * @retval SM_STATUS_SUCCESS the directory exists now, whether or not this call created it
  * @retval -1 when `path` is NULL, when a file that is no directory has this name, and when the
  * directory can not be created
  * @par Memory

@@ -14,9 +14,9 @@
  *
  * An append that does not fit moves the text to a larger block: the size needed, or twice the old
  * capacity where that is more (above 0xFFFFF bytes a quarter more instead of twice). Pointers to
- * the old text are invalid from then on. An append reports nothing but the text pointer: when no
- * larger block is to be had the record stays as it was, and only the unchanged length shows it. A
- * text of the record itself may be appended to it.
+ * the old text are invalid from then on. An append returns only the text pointer: when no
+ * larger block can be allocated, the record stays as it was, and only the unchanged length shows
+ * it. A text of the record itself may be appended to it.
  *
  * Nothing here takes a lock. A record belongs to one thread at a time; different records may be
  * used from different threads.
@@ -58,8 +58,8 @@ QVX_EXPORT qvx_astring* PXTSSAStrAlloc(SSAStr* record, qvx_u32 capacity);
  * Starts a growable 16-bit text.
  *
  * @param[out] record   gets an empty text; what it held before is not freed
- * @param[in] capacity  size of the first block in bytes; 1 is kept as asked and has room for the
- *                      0 unit all the same
+ * @param[in] capacity  size of the first block in bytes; 1 is kept as it is, and the block still
+ * has room for the 0 unit
  * @retval text  the record's empty text
  * @retval NULL when `record` is NULL, `capacity` is 0 or memory runs out; the record is left alone
  * @par Memory
@@ -96,8 +96,8 @@ QVX_EXPORT void PXTSSUStrFree(SSUStr* record);
  *
  * @param[in,out] record  the record to grow
  * @param[in] text        what is appended, any encoding; NULL appends nothing
- * @retval text  the record's text. Where memory ran out, or the whole left 32 bits, it is the old
- *               text with the old length.
+ * @retval text  the record's text. Where memory ran out, or the length would exceed 32 bits, it is
+ * the old text with the old length.
  * @retval NULL when `record` or its text is NULL
  * @par Memory
  * The result stays the record's.
@@ -111,8 +111,8 @@ QVX_EXPORT qvx_astring* PXTSSAStrCatAStr(SSAStr* record, const qvx_astring* text
  *
  * @param[in,out] record  the record to grow
  * @param[in] text        what is appended; NULL appends nothing
- * @retval text  the record's text. Where memory ran out, or the whole left 32 bits, it is the old
- *               text with the old length.
+ * @retval text  the record's text. Where memory ran out, or the length would exceed 32 bits, it is
+ * the old text with the old length.
  * @retval NULL when `record` or its text is NULL
  * @par Memory
  * The result stays the record's.
@@ -185,8 +185,8 @@ QVX_EXPORT qvx_s32 PXTBufToUStr(SSUStr* record, const void* bytes, qvx_u32 count
 /**
  * Joins two texts into a new one.
  *
- * @param[in] first   the text in front
- * @param[in] second  the text behind it
+ * @param[in] first   the first text
+ * @param[in] second  the text that follows it
  * @param[out] out    gets the joined text, or NULL without memory. It is left alone when `first` or
  *                    `second` is NULL; a NULL `out` does nothing.
  * @par Memory
@@ -201,7 +201,7 @@ QVX_EXPORT void PXTAppendDNode(const qvx_astring* first, const qvx_astring* seco
  * Removes every double-quote character from some texts, in place.
  *
  * @param[in] count        texts in the array
- * @param[in,out] strings  the array, or NULL to do nothing; entries that are NULL are passed over
+ * @param[in,out] strings  the array, or NULL to do nothing; entries that are NULL are skipped
  * @par Memory
  * The texts keep their blocks.
  * @par Threads
@@ -229,9 +229,9 @@ QVX_EXPORT qvx_s32 PXTAStrnicmp(const qvx_astring* first, const qvx_astring* sec
 /**
  * Copies a text with one occurrence of another replaced.
  *
- * The text is scanned once. Characters that stand between those of `find` do not end a match begun;
- * what is replaced are the characters, as many as `find` has, that end with the one that completes
- * the match. So "abcdef" with "bd" replaced by "X" is "abXef".
+ * The text is scanned once. Other characters between those of `find` do not end a match that has
+ * begun. As many characters as `find` has are replaced, and the one that completes the match is the
+ * last of them. So "abcdef" with "bd" replaced by "X" is "abXef".
  *
  * @param[in] text      the text to copy, not empty
  * @param[in] find      what is sought, not empty and not longer than `text`
@@ -244,11 +244,11 @@ QVX_EXPORT qvx_s32 PXTAStrnicmp(const qvx_astring* first, const qvx_astring* sec
  * @retval SM_STATUS_INVALID_PARAMETER when `text`, `find`, `replace` or `size` is NULL, when
  *         `text` or `find` is empty, or when `find` is the longer; nothing is changed
  * @retval SM_STATUS_SIZE_REQUIRED when `out` is NULL or too small; `*size` is set
- * @retval 0xFFFFFFFF when there is no match. As many characters as the text standing in `out` has
- *         (at most `*size`) are then copied from `text`, with zeros behind a shorter `text`.
+ * @retval 0xFFFFFFFF when there is no match. As many characters as the text already in `out` has
+ *         (at most `*size`) are then copied from `text`, with zeros after a shorter `text`.
  * @par Memory
- * `out` stays the caller's. It must hold a terminated text before the call, lest the copy without a
- * match take its whole room.
+ * `out` stays the caller's. It must hold a terminated text before the call; otherwise the copy
+ * without a match may fill its whole room.
  * @par Threads
  * Keeps no state; any thread may call.
  */

@@ -5,18 +5,18 @@
 
 /**
  * @file
- * The ID table: small unique positive numbers out of a bitmap that the caller owns.
+ * ID tables: unique small positive numbers from a bitmap that the caller owns.
  *
  * Ask for the bytes (round them up to a multiple of 4 for full use), allocate and clear them, then
  * acquire, verify, release and list identifiers. The table is an array of 32-bit words; bit i of
- * word w stands for the identifier w * 32 + i, and a set bit means that it is in use. Identifier 0
+ * word w is the identifier w * 32 + i, and a set bit means that it is in use. Identifier 0
  * is never handed out nor listed, so that 0 can mean "none".
  *
  * Sizes are always bytes. Acquiring, listing and the maximum use whole words, size / 4 rounded
  * down; verifying and releasing reach every identifier up to size * 8 - 1, those of a partial last
- * word too. Words behind the first 512 MiB are not used: their identifiers do not fit in 32 bits.
- * Table pointers and cursors are not checked. There is no lock: threads that share a table take
- * turns by means of their own.
+ * word too. Words after the first 512 MiB are not used: their identifiers do not fit in 32 bits.
+ * Table pointers and cursors are not checked. There is no lock: threads that share a table
+ * must lock it themselves.
  */
 
 #include "qvxcs/types.h"
@@ -24,7 +24,7 @@
 QVX_BEGIN_DECLS
 
 /**
- * Says how many bytes a table of a number of bits takes.
+ * Computes how many bytes a table for a number of identifiers needs.
  *
  * Identifier 0 takes one of the bits.
  *
@@ -64,7 +64,7 @@ QVX_EXPORT qvx_u32 PXTClearHashTable(void* table, qvx_u32 size);
 QVX_EXPORT qvx_u32 PXTAcquireHashID(void* table, qvx_u32 size);
 
 /**
- * Gives an identifier back.
+ * Frees an identifier.
  *
  * @param[in,out] table  the table
  * @param[in] size       its size in bytes
@@ -79,7 +79,7 @@ QVX_EXPORT qvx_u32 PXTAcquireHashID(void* table, qvx_u32 size);
 QVX_EXPORT qvx_s32 PXTReleaseHashID(void* table, qvx_u32 size, qvx_u32 id);
 
 /**
- * Says whether an identifier is in use.
+ * Tests whether an identifier is in use.
  *
  * @param[in] table  the table
  * @param[in] size   its size in bytes
@@ -122,10 +122,10 @@ QVX_EXPORT qvx_u32 PXTGetMaxInUseID(void* table, qvx_u32 size);
 QVX_EXPORT qvx_u32 PXTFindFirstHashID(void* table, qvx_u32 size, qvx_u32* word, qvx_u32* bit);
 
 /**
- * Finds the next identifier in use behind a cursor.
+ * Finds the next identifier in use after a cursor.
  *
  * In the cursor's word the bits above the cursor are looked at; in every later word the search
- * begins at the cursor's bit again, so identifiers whose bit lies below it are passed over: with 5
+ * begins at the cursor's bit again, so identifiers whose bit is below it are skipped: with 5
  * and 33 in use only 5 is found, with 5 and 37 both. A cursor bit above 31 finds nothing. Use
  * `PXTVerifyHashID` to list every identifier.
  *

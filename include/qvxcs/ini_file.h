@@ -22,8 +22,8 @@
  * Names are compared exactly, case included. Of several sections with one name, the first counts,
  * up to the next line that begins with "["; in the section, the first line of the key counts.
  *
- * The types of values are `QVXIniType`; PXTXBufCatNode() gives some of the numbers other meanings.
- * Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
+ * The types of values are `QVXIniType`; PXTXBufCatNode() uses some of the numbers with other
+ * meanings. Sizes count bytes. Values and defaults need no alignment. -1 as a status is 0xFFFFFFFF.
  *
  * Every call takes first a lock among the threads of its process, then the lock that the suite's
  * processes share. It keeps both while it works on the file, so no call sees a file that another is
@@ -159,7 +159,7 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * Sets or deletes a key.
  *
  * A missing file is created, and the last directory of its path too. In an existing file the key's
- * line is replaced in its place; a new key comes before the next header, after comments and blank
+ * line is replaced where it is; a new key comes before the next header, after comments and blank
  * lines that end the section; a new section comes at the end of the file, and no line end is added
  * before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept byte by
  * byte. When the old line is longer than 8,449 characters, only its first piece is replaced. A

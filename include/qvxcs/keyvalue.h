@@ -7,11 +7,12 @@
  * @file
  * Flat files of "key=value" lines.
  *
- * A line is cleaned before it means anything: blanks (space, tab, carriage return, line feed)
- * inside the key, around the first "=" and at the end of the line go, except between double quotes;
- * then the double quotes go. A cleaned line that begins with ";" or "#" is a comment, a line
- * without "=" is ignored. So `  log level = "very high"  ` is the key `loglevel` with the value
- * `very high`. A key may stand in the file more than once; its occurrences are counted from 0.
+ * A line is cleaned before it is interpreted: blanks (space, tab, carriage return, line feed)
+ * inside the key, around the first "=" and at the end of the line are removed, except between
+ * double quotes; then the double quotes are removed. A cleaned line that begins with ";" or "#" is
+ * a comment, a line without "=" is ignored. So `  log level = "very high"  ` is the key `loglevel`
+ * with the value `very high`. A key may occur in the file more than once; its occurrences are
+ * counted from 0.
  *
  * Text is 8-bit, lines are read in pieces of at most 8,449 characters, and a line counts up to its
  * first NUL byte. Names are paths as they are given, at most 256 characters; those of the `Inst`
@@ -53,7 +54,7 @@ QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const qvx_astring* name, qvx_u3
  *
  * @param[in] name    the file, relative to the product's INI path
  * @param[out] count  the number of entries, 0 with a NULL result
- * @return as `PXTCFGGetKeyValueEntries`; NULL also when the product's INI path cannot be had
+ * @return as `PXTCFGGetKeyValueEntries`; NULL also when the product's INI path is not available
  * @par Memory
  * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
  * @par Threads
@@ -93,10 +94,10 @@ QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, qvx_u32 count);
  * Replaces a key's occurrence, or appends the next one.
  *
  * The line of the occurrence becomes "key=value"; all other lines stay as they are. Where the key
- * occurs `index` times, the line is appended; no line end is put before it, so that a last line
- * without its line end takes it up. The file is copied to "pxtcfg32.tmp" in its directory ("/" for
- * a file there), which is flushed to disk and then takes its place. A file of the copy's own name,
- * or a hard link to it, is refused. The file keeps its owner and group where the process may give
+ * occurs `index` times, the line is appended; no line end is put before it, so it is joined to a
+ * last line that has no line end. The file is copied to "pxtcfg32.tmp" in its directory ("/" for a
+ * file there), which is flushed to disk and then takes its place. A file of the copy's own name, or
+ * a hard link to it, is refused. The file keeps its owner and group where the process may set
  * them; its mode becomes 01664 (octal), and nobody has more rights on the file or its copy
  * meanwhile. Any failure leaves the file as it was; the copy may remain.
  *
@@ -133,8 +134,8 @@ QVX_EXPORT qvx_u32 PXTCFGSetKeyValue(const qvx_astring* name, const PXTKeyValue*
  * @retval SM_STATUS_INVALID_PARAMETER as `PXTCFGSetKeyValue`
  * @retval SM_STATUS_DATA_TOO_LARGE as `PXTCFGSetKeyValue`
  * @retval SM_STATUS_LOCK_FAILED
- * @retval SM_STATUS_FILE_OPEN_ERROR when the product's INI path cannot be had, or the file or its
- *         copy cannot be opened
+ * @retval SM_STATUS_FILE_OPEN_ERROR when the product's INI path is not available, or the file or
+ * its copy cannot be opened
  * @retval SM_STATUS_WRITE_FAILED
  * @retval SM_STATUS_NO_MEMORY
  * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced

@@ -5,12 +5,12 @@
 
 /**
  * @file
- * Shared libraries that a host loads, on records of the caller.
+ * Shared libraries that a host loads, each with a record of the caller.
  *
- * A record stands for one loaded library from `PXTLibLoad` to `PXTLibUnLoad`. Loading runs the
+ * A record describes one loaded library from `PXTLibLoad` to `PXTLibUnLoad`. Loading runs the
  * library's constructors with all rights of the process: give paths that only trusted users can
- * write to. A path without a "/" is sought as the loader seeks libraries. Records are not locked:
- * one record is not loaded or unloaded by two threads at once.
+ * write to. A path without a "/" is searched for as the loader searches for libraries. Records are
+ * not locked: one record is not loaded or unloaded by two threads at once.
  */
 
 #include "qvxcs/types.h"
@@ -24,7 +24,7 @@ typedef struct PXTLibrary {
 } PXTLibrary;
 
 /**
- * Loads a library: all its symbols are bound at once, and it gives none to other libraries.
+ * Loads a library: all its symbols are bound at once, and other libraries do not see them.
  *
  * @param[out] library  the record, whatever it holds: it is filled, not released
  * @param[in] path      the library's path
@@ -35,7 +35,7 @@ typedef struct PXTLibrary {
  * @par Memory
  * The record holds a copy of the path until `PXTLibUnLoad`.
  * @par Threads
- * Any thread may call, with a record of its own.
+ * Any thread may call, with its own record.
  */
 QVX_EXPORT qvx_u32 PXTLibLoad(PXTLibrary* library, const qvx_astring* path);
 
@@ -54,7 +54,7 @@ QVX_EXPORT qvx_u32 PXTLibLoad(PXTLibrary* library, const qvx_astring* path);
 QVX_EXPORT void* PXTLibLinkToExportFN(PXTLibrary* library, const qvx_astring* symbolName);
 
 /**
- * Ends the use of a symbol, which takes nothing on this platform.
+ * Ends the use of a symbol; does nothing on this platform.
  *
  * @param[in] library  not used
  * @param[in] symbol   not used

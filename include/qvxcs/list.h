@@ -5,9 +5,9 @@
 
 /**
  * @file
- * Linked lists, doubly (`DLList`) and singly (`SLList`) linked, each with a lock of its own.
+ * Linked lists, doubly (`DLList`) and singly (`SLList`) linked, each with its own lock.
  *
- * Entries are allocated by the family with room for the caller's payload right behind the links;
+ * Entries are allocated by the family with room for the caller's payload right after the links;
  * `data` points to it. A list never copies, moves or frees an entry: take it out before freeing it,
  * and empty the list before freeing the header, or the entries are lost. A removed entry's own
  * links stay as they were.
@@ -15,7 +15,7 @@
  * Every operation holds the list's lock for its whole length, so several threads may use one list.
  * The compare function runs under the lock and must not call back into the same list: the lock is
  * not recursive. Lists and entries given are not checked: a NULL list is the caller's error, and so
- * is an entry that belongs to another list where no function says otherwise. Payload sizes count
+ * is an entry of another list, unless the function says otherwise. Payload sizes count
  * bytes.
  */
 
@@ -27,7 +27,7 @@ QVX_BEGIN_DECLS
 typedef struct PXTDLListEntry {
   struct PXTDLListEntry* next;     /**< NULL in the last entry */
   struct PXTDLListEntry* previous; /**< NULL in the first entry */
-  void* data;                      /**< the payload: the first byte behind this record */
+  void* data;                      /**< the payload: the first byte after this record */
 } PXTDLListEntry;
 
 /** The header of a doubly linked list. */
@@ -41,7 +41,7 @@ typedef struct PXTDLList {
 /** An entry of a singly linked list; the payload follows. */
 typedef struct PXTSLListEntry {
   struct PXTSLListEntry* next; /**< NULL in the last entry */
-  void* data;                  /**< the payload: the first byte behind this record */
+  void* data;                  /**< the payload: the first byte after this record */
 } PXTSLListEntry;
 
 /** The header of a singly linked list. */
@@ -52,15 +52,15 @@ typedef struct PXTSLList {
   qvx_u32 count;        /**< the number of entries */
 } PXTSLList;
 
-/** Positions of a new entry to one in the list: what a compare function may answer. */
+/** Positions of a new entry to one in the list: what a compare function may return. */
 enum QVXListPosition {
-  QVX_LIST_BEFORE = -1, /**< the new entry belongs before it, as with any negative answer */
+  QVX_LIST_BEFORE = -1, /**< the new entry belongs before it, as with any negative result */
   QVX_LIST_SAME = 0,    /**< both have the same key */
-  QVX_LIST_AFTER = 1    /**< the new entry belongs after it, as with any positive answer */
+  QVX_LIST_AFTER = 1    /**< the new entry belongs after it, as with any positive result */
 };
 
 /**
- * Compares a new entry with one in the list and answers its position, one of `QVXListPosition` or
+ * Compares a new entry with one in the list and returns its position, one of `QVXListPosition` or
  * any other number of the same sign.
  */
 typedef qvx_s32 (*PXTDLListCompare)(PXTDLListEntry* newEntry, PXTDLListEntry* listEntry);
@@ -306,7 +306,7 @@ QVX_EXPORT PXTSLListEntry* PXTSLListRemoveEntryAtHead(PXTSLList* list);
 /**
  * Takes the last entry out, by a walk from the head.
  *
- * The lock is let go between reading the tail and taking it out. Another thread may change the
+ * The lock is released between reading the tail and taking it out. Another thread may change the
  * list in between; the entry that was last at the first moment is taken out, if it is still in
  * the list, and returned in any case: two threads may receive the same entry.
  *

@@ -8,12 +8,12 @@
  * Memory: blocks of the process heap, the same for the host and for the library.
  *
  * A text or buffer that a function of the library hands over is a block of this heap, released with
- * `PXTFreeMem` unless its family has a free call of its own (growable strings, XML buffers,
+ * `PXTFreeMem` unless its family has its own free call (growable strings, XML buffers,
  * key=value entries, lists). The three names of freeing are one operation and may be mixed. Only
  * the text of PXTGetLoopBack() is a constant.
  *
  * Sizes are bytes. No lock is taken here; the heap itself is safe for threads, and a block belongs
- * to whoever holds it. The calls also work in a child forked from a process with threads.
+ * to the code that holds it. The calls also work in a child forked from a process with threads.
  */
 
 #include "qvxcs/types.h"
@@ -35,7 +35,7 @@ QVX_EXPORT void* PXTAllocMem(qvx_u32 size);
 /**
  * Changes the size of a block, which may move.
  *
- * The bytes up to the smaller of the two sizes are kept; those behind them are undefined.
+ * The bytes up to the smaller of the two sizes are kept; those after them are undefined.
  *
  * @param[in] block  the block, or NULL to allocate a new one
  * @param[in] size   the bytes wanted; for 0 the C library's `realloc` decides, which may release

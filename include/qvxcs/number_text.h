@@ -12,15 +12,15 @@
  * cannot report a failure: a text without a number is 0. The `VT` conversions take a base and store
  * a status.
  *
- * Texts are read as formatted input reads them: leading white space, one sign, digits up to the
- * first character that is none. The 32-bit conversions scan wide and keep the low 32 bits, so
- * 4294967297 is 1; this is no fault. Of a number beyond 64 bits they may return any value, without
- * a fault too. Digits and letters are those of ASCII, whatever the locale;
+ * Texts are read as `scanf` reads them: leading white space, one sign, digits up to the
+ * first character that is not a digit. The 32-bit conversions scan wide and keep the low 32 bits,
+ * so 4294967297 is 1; this is no fault. For a number beyond 64 bits they may return any value, also
+ * without a fault. Digits and letters are those of ASCII, whatever the locale;
  * only the decimal point of doubles is the locale's.
  *
  * 8-bit outputs carry no size: the caller provides the room that each function states. Sizes of
- * 16-bit outputs are told at each function. A NULL text converts to 0, a NULL status or output is
- * not stored. Nothing takes a lock or allocates memory that outlives the call, and all functions
+ * 16-bit outputs are described at each function. A NULL text converts to 0, a NULL status or output
+ * is not stored. Nothing takes a lock or allocates memory that outlives the call, and all functions
  * may be called from several threads at once unless they say otherwise.
  */
 
@@ -35,7 +35,7 @@ QVX_BEGIN_DECLS
  *
  * @param[in] text       the text
  * @param[in] allowSign  non-zero allows one "+" or "-" in front, the sign alone too
- * @retval SM_STATUS_SUCCESS every character is a digit, less the sign
+ * @retval SM_STATUS_SUCCESS every character except the sign is a digit
  * @retval SM_STATUS_INVALID_PARAMETER otherwise, and when `text` is NULL or empty
  * @par Memory
  * Reads the text only.
@@ -47,12 +47,12 @@ QVX_EXPORT qvx_u32 PXTIsASCIIIntNum(const qvx_astring* text, qvx_u32 allowSign);
 /**
  * Tests whether a text consists of hexadecimal digits of one case, with or without "0x" in front.
  *
- * The prefix has a small x and may stand alone. A text that mixes small and capital letters passes
- * neither way.
+ * The prefix has a small x and may be the whole text. A text that mixes small and capital letters
+ * passes neither way.
  *
  * @param[in] text       the text
  * @param[in] lowerCase  non-zero accepts a-f, 0 accepts A-F
- * @retval SM_STATUS_SUCCESS every character behind the prefix is such a digit
+ * @retval SM_STATUS_SUCCESS every character after the prefix is such a digit
  * @retval SM_STATUS_INVALID_PARAMETER otherwise, and when `text` is NULL or empty
  * @par Memory
  * Reads the text only.
@@ -207,8 +207,8 @@ QVX_EXPORT qvx_booln PXTASCIIToBoolnV(const qvx_astring* text, qvx_u32* status);
 /**
  * Converts text in a given base to an unsigned 32-bit number.
  *
- * Base 10 takes digits behind an optional sign ("-1" is valid and wraps). Base 8 takes octal
- * digits. Base 16 takes hexadecimal digits of one case, but the text itself tells how they are
+ * Base 10 accepts digits after an optional sign ("-1" is valid and wraps). Base 8 accepts octal
+ * digits. Base 16 accepts hexadecimal digits of one case, but the text itself decides how they are
  * read: with "0x" as hexadecimal, else with a leading 0 as octal, else as decimal, each up to the
  * first digit that does not belong. 0x1F is 31, 10 is 10, and ff is no number.
  *
@@ -249,7 +249,7 @@ QVX_EXPORT qvx_s32 PXTASCIIToSigned32VT(const qvx_astring* text, qvx_u32 base, q
  * @param[out] status  `SM_STATUS_SUCCESS`, for a sign alone too; `SM_STATUS_INVALID_PARAMETER` when
  *                     the text is NULL, empty or not of the base's digits, or the base
  *                     another; NULL is allowed
- * @return in base 10 what `PXTASCIIToUnSigned64` gives, so 0 for a text with "-"; in the others 0
+ * @return in base 10 what `PXTASCIIToUnSigned64` returns, so 0 for a text with "-"; in the others 0
  * @par Memory
  * Reads the text only.
  * @par Threads
@@ -263,7 +263,7 @@ QVX_EXPORT qvx_u64 PXTASCIIToUnSigned64VT(const qvx_astring* text, qvx_u32 base,
  * @param[in] text     the text, without white space
  * @param[in] base     QVX_BASE_OCTAL, QVX_BASE_DECIMAL or QVX_BASE_HEXADECIMAL
  * @param[out] status  as for the unsigned conversion; NULL is allowed
- * @return in base 10 what `PXTASCIIToSigned64` gives; in the others 0
+ * @return in base 10 what `PXTASCIIToSigned64` returns; in the others 0
  * @par Memory
  * Reads the text only.
  * @par Threads
@@ -278,7 +278,7 @@ QVX_EXPORT qvx_s64 PXTASCIIToSigned64VT(const qvx_astring* text, qvx_u32 base, q
  * @param[in] value  the number
  * @return the number of characters, the NUL not counted
  * @par Memory
- * `out` stays the caller's; no more is written than the text and its NUL.
+ * `out` stays the caller's; only the text and its NUL are written.
  * @par Threads
  * Keeps no state; any thread may call.
  */
@@ -291,7 +291,7 @@ QVX_EXPORT qvx_s32 PXTSigned32ToASCII(qvx_astring* out, qvx_s32 value);
  * @param[in] value  the number
  * @return the number of characters, the NUL not counted
  * @par Memory
- * `out` stays the caller's; no more is written than the text and its NUL.
+ * `out` stays the caller's; only the text and its NUL are written.
  * @par Threads
  * Keeps no state; any thread may call.
  */
@@ -303,7 +303,7 @@ QVX_EXPORT qvx_s32 PXTUnSigned32ToASCII(qvx_astring* out, qvx_u32 value);
  * @param[out] out   room for 21 bytes; NULL does nothing
  * @param[in] value  the number
  * @par Memory
- * `out` stays the caller's; no more is written than the text and its NUL.
+ * `out` stays the caller's; only the text and its NUL are written.
  * @par Threads
  * Keeps no state; any thread may call.
  */
@@ -315,23 +315,23 @@ QVX_EXPORT void PXTUnSigned64ToASCII(qvx_astring* out, qvx_u64 value);
  * @param[out] out   room for 21 bytes; NULL does nothing
  * @param[in] value  the number
  * @par Memory
- * `out` stays the caller's; no more is written than the text and its NUL.
+ * `out` stays the caller's; only the text and its NUL are written.
  * @par Threads
  * Keeps no state; any thread may call.
  */
 QVX_EXPORT void PXTSigned64ToASCII(qvx_astring* out, qvx_s64 value);
 
 /**
- * Writes a double with eight decimals over a text that tells the room.
+ * Writes a double with eight decimals over a text whose length is the room.
  *
- * Fill the buffer with as many characters other than NUL as may be used, and a NUL behind them: the
+ * Fill the buffer with as many characters other than NUL as may be used, and a NUL after them: the
  * result and its NUL take the place of those characters at most, and are cut to fit. An empty
  * buffer receives nothing.
  *
  * @param[in,out] out  the filled buffer; NULL does nothing
  * @param[in] value    the number
  * @par Memory
- * `out` stays the caller's; nothing is written behind the standing text.
+ * `out` stays the caller's; nothing is written after the text that was there.
  * @par Threads
  * Keeps no state; any thread may call while none changes the locale.
  * @par Standards
@@ -345,7 +345,7 @@ QVX_EXPORT void PXTDoubleToASCII(qvx_astring* out, qvx_d64 value);
  * @param[out] out   room for 6 bytes; NULL does nothing
  * @param[in] value  exactly 1 is true, any other value false
  * @par Memory
- * `out` stays the caller's; no more is written than the text and its NUL.
+ * `out` stays the caller's; only the text and its NUL are written.
  * @par Threads
  * Keeps no state; any thread may call.
  */
@@ -355,7 +355,7 @@ QVX_EXPORT void PXTBoolnToASCII(qvx_astring* out, qvx_booln value);
  * Converts 16-bit decimal text to a signed 32-bit number.
  *
  * The text goes through the locale's encoding with room for one byte a unit and one more; of a text
- * that needs more, what fits is read, and a unit behind it that the locale cannot hold is not seen.
+ * that needs more, what fits is read, and a unit after it that the locale cannot hold is not seen.
  *
  * @param[in] text  16-bit units up to a 0 unit
  * @return the low 32 bits of the number; 0 when there is none, when the locale cannot hold the
@@ -418,16 +418,16 @@ QVX_EXPORT qvx_d64 PXTUniToDouble(const qvx_ustring* text);
 /**
  * Writes a double as 16-bit text with a given number of decimals.
  *
- * A text that does not fit is cut: (size / 2) - 1 units and a 0 unit are stored, and 0 is returned
- * all the same. Sizes 2 and 3 store the 0 unit alone, sizes 0 and 1 only measure.
+ * A text that does not fit is cut: (size / 2) - 1 units and a 0 unit are stored, and 0 is still
+ * returned. Sizes 2 and 3 store the 0 unit alone, sizes 0 and 1 only measure.
  *
  * @param[out] out        the room, or NULL to ask for the size
  * @param[in,out] size    bytes of room, terminator counted; then the bytes stored or needed
  * @param[in] value       the number
  * @param[in] precision   the number of decimals, 0 or more
  * @retval 0 stored, cut or measured
- * @retval -1 when `size` is NULL, `precision` is negative, memory is short, or the locale's decimal
- *         point is no character of the locale's encoding; `out` and `size` are left as they were
+ * @retval -1 when `size` is NULL, `precision` is negative, there is no memory, or the locale's
+ * decimal point is no character of the locale's encoding; `out` and `size` are left as they were
  * @par Memory
  * `out` stays the caller's; nothing is written beyond the stated size.
  * @par Threads
@@ -451,7 +451,7 @@ QVX_EXPORT qvx_s32 PXTUniDoubleToStr(qvx_ustring* out, qvx_u32* size, qvx_d64 va
  * @param[in] value     the number
  * @param[in] base      one of `QVXBase`; any other is decimal
  * @retval 0 stored, cut or measured
- * @retval -1 when `size` is NULL or memory is short; `out` and `size` are left as they were
+ * @retval -1 when `size` is NULL or there is no memory; `out` and `size` are left as they were
  * @par Memory
  * `out` stays the caller's; nothing is written beyond the stated size.
  * @par Threads
@@ -470,7 +470,7 @@ QVX_EXPORT qvx_s32 PXTUniUnSigned32ToStr(qvx_ustring* out, qvx_u32* size, qvx_u3
  * @param[in] value     the number
  * @param[in] base      one of `QVXBase`; any other is decimal
  * @retval 0 stored, cut or measured
- * @retval -1 when `size` is NULL or memory is short; `out` and `size` are left as they were
+ * @retval -1 when `size` is NULL or there is no memory; `out` and `size` are left as they were
  * @par Memory
  * `out` stays the caller's; nothing is written beyond the stated size.
  * @par Threads

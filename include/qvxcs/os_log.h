@@ -28,7 +28,7 @@ enum QVXOsLogType {
  * Writes one event to the system's log.
  *
  * The message is "EventID: ", the number, two blanks and the text. Carriage returns become blanks,
- * line feeds stay. The text is never taken for a format. A source or text whose encoded form is
+ * line feeds stay. The text is never used as a format. A source or text whose encoded form is
  * longer than its count of units and five bytes is cut there at a whole character.
  *
  * @param[in] eventType    one of `QVXOsLogType`; any other value is informational
@@ -42,7 +42,7 @@ enum QVXOsLogType {
  * Both texts stay the caller's; nothing is kept.
  * @par Threads
  * Any thread may call. The log is opened and closed in each call, and its identity is one for the
- * process: a host that logs under a name of its own opens its log again afterwards. Calls of
+ * process: a host that logs under its own name opens its log again afterwards. Calls of
  * several threads are not serialised and may log under each other's source.
  * @par Standards
  * `openlog`, `syslog` and `closelog` of POSIX.1-2008.
@@ -51,7 +51,7 @@ QVX_EXPORT qvx_u32 PXTAppendToOSLog(qvx_u16 eventType, qvx_u32 eventNumber,
                                     const qvx_ustring* source, const qvx_ustring* text);
 
 /**
- * Stands for clearing the system's log, which this platform does not do.
+ * Would clear the system's log; this platform has no such call.
  *
  * @retval SM_STATUS_SUCCESS always, without effect
  * @par Memory

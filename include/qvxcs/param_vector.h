@@ -8,7 +8,7 @@
  * Parameter vectors: arrays of texts of the form name=value.
  *
  * Commands receive their arguments as a count and an array of text pointers. An entry's name is the
- * text before its first "=", its value the text behind it, which may be empty and may hold more "="
+ * text before its first "=", its value the text after it, which may be empty and may hold more "="
  * characters. An entry is well formed when it has an "=" and a name before it. NULL entries count
  * as not well formed; they are skipped in vectors.
  *
@@ -22,7 +22,7 @@
 QVX_BEGIN_DECLS
 
 /**
- * Cuts an entry behind its name.
+ * Cuts an entry after its name.
  *
  * The first "=" is overwritten with a NUL: the entry then is the name, and its value can no longer
  * be reached through it.
@@ -37,7 +37,7 @@ QVX_BEGIN_DECLS
 QVX_EXPORT qvx_astring* PXTGetAStrParamName(qvx_astring* entry);
 
 /**
- * Cuts a 16-bit entry behind its name, as `PXTGetAStrParamName` does.
+ * Cuts a 16-bit entry after its name, as `PXTGetAStrParamName` does.
  *
  * @param[in,out] entry  the entry
  * @return the entry; NULL, and nothing changed, when it is not well formed
@@ -52,7 +52,7 @@ QVX_EXPORT qvx_ustring* PXTGetUStrParamName(qvx_ustring* entry);
  * Finds an entry's value.
  *
  * @param[in] entry  the entry
- * @return the character behind the first "="; NULL when the entry is not well formed
+ * @return the character after the first "="; NULL when the entry is not well formed
  * @par Memory
  * The result points into the caller's text.
  * @par Threads
@@ -64,7 +64,7 @@ QVX_EXPORT qvx_astring* PXTGetAStrParamValue(qvx_astring* entry);
  * Finds a 16-bit entry's value.
  *
  * @param[in] entry  the entry
- * @return the unit behind the first "="; NULL when the entry is not well formed
+ * @return the unit after the first "="; NULL when the entry is not well formed
  * @par Memory
  * The result points into the caller's text.
  * @par Threads

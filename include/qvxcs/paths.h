@@ -5,15 +5,15 @@
 
 /**
  * @file
- * Where the suite's files lie, which locale it presents, and the control of its connection service.
+ * Where the suite's files are, which locale it presents, and the control of its connection service.
  *
- * Programs of the suite find their files through these calls and not through paths of their own.
+ * Programs of the suite find their files through these calls and not by paths in their own code.
  * All paths are fixed texts of the product's layout, in 8-bit characters; a doubled "/" inside some
- * of them belongs to the layout. Nothing tells whether a path exists, and only
+ * of them belongs to the layout. No call checks whether a path exists, and only
  * `PXTGetIWSTempDirPath` creates anything.
  *
  * Failures have no status: a call that returns text returns NULL when memory is exhausted or a path
- * that it rests on cannot be had, and the two questions about an OEM answer with their default.
+ * that it builds on is not available, and the two calls about an OEM return their default.
  *
  * The install path is kept by the library from its load on and is read without a lock, also in a
  * child forked from a process with threads. The calls that read INI files wait for the lock that
@@ -33,7 +33,7 @@ enum QVXWebServerAction {
 };
 
 /**
- * Gives the install path.
+ * Returns the install path.
  *
  * @return "/opt/zarn/plinthos/"; NULL when it cannot be set, or without memory
  * @par Memory
@@ -44,9 +44,9 @@ enum QVXWebServerAction {
 QVX_EXPORT qvx_astring* PXTGetQVXInstallPath(void);
 
 /**
- * Gives the install path up to its last "/".
+ * Returns the install path up to its last "/".
  *
- * @return "/opt/zarn/plinthos"; NULL when the install path cannot be had or has no "/" behind its
+ * @return "/opt/zarn/plinthos"; NULL when the install path is not available or has no "/" after its
  * first character
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
@@ -56,7 +56,7 @@ QVX_EXPORT qvx_astring* PXTGetQVXInstallPath(void);
 QVX_EXPORT qvx_astring* PXTGetRootInstallPath(void);
 
 /**
- * Gives the directory below which the product's configuration lies.
+ * Returns the directory that holds the product's configuration.
  *
  * @return "/etc/cim/zarn/plinthos/vexilon/"; NULL without memory
  * @par Memory
@@ -67,7 +67,7 @@ QVX_EXPORT qvx_astring* PXTGetRootInstallPath(void);
 QVX_EXPORT qvx_astring* PXTGetProductIniPath(void);
 
 /**
- * Gives the directory of the product's variable data.
+ * Returns the directory of the product's variable data.
  *
  * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/"; NULL without memory
  * @par Memory
@@ -78,7 +78,7 @@ QVX_EXPORT qvx_astring* PXTGetProductIniPath(void);
 QVX_EXPORT qvx_astring* PXTGetProductVarPath(void);
 
 /**
- * Gives the web server's root.
+ * Returns the web server's root.
  *
  * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot/"; NULL when the root install path cannot
  * be had, or without memory
@@ -90,7 +90,7 @@ QVX_EXPORT qvx_astring* PXTGetProductVarPath(void);
 QVX_EXPORT qvx_astring* PXTGetQVXWWWRootPath(void);
 
 /**
- * Gives the root of the style sheets.
+ * Returns the root of the style sheets.
  *
  * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/xslroot/"; NULL when the root install path cannot
  * be had, or without memory
@@ -102,10 +102,10 @@ QVX_EXPORT qvx_astring* PXTGetQVXWWWRootPath(void);
 QVX_EXPORT qvx_astring* PXTGetQVXXSLRootPath(void);
 
 /**
- * Gives the directory of files to be downloaded.
+ * Returns the directory of files to be downloaded.
  *
  * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot//qvx/download"; NULL when the product's
- * variable-data path cannot be had, or without memory
+ * variable-data path is not available, or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
@@ -114,10 +114,10 @@ QVX_EXPORT qvx_astring* PXTGetQVXXSLRootPath(void);
 QVX_EXPORT qvx_astring* PXTGetQVXDownloadPath(void);
 
 /**
- * Gives the directory of uploaded files.
+ * Returns the directory of uploaded files.
  *
  * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot//qvx/upload"; NULL when the product's
- * variable-data path cannot be had, or without memory
+ * variable-data path is not available, or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
@@ -126,10 +126,10 @@ QVX_EXPORT qvx_astring* PXTGetQVXDownloadPath(void);
 QVX_EXPORT qvx_astring* PXTGetQVXUploadPath(void);
 
 /**
- * Gives the directory of the command-line tool's documentation in the system's locale.
+ * Returns the directory of the command-line tool's documentation in the system's locale.
  *
  * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/cliroot//qvx/docs/en_US"; NULL when the root
- * install path cannot be had, or without memory
+ * install path is not available, or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
@@ -138,10 +138,10 @@ QVX_EXPORT qvx_astring* PXTGetQVXUploadPath(void);
 QVX_EXPORT qvx_astring* PXTGetQVXCLIDocsPath(void);
 
 /**
- * Gives the directory of the web front end's documentation in the system's locale.
+ * Returns the directory of the web front end's documentation in the system's locale.
  *
  * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot//qvx/docs/en_US"; NULL when the root
- * install path cannot be had, or without memory
+ * install path is not available, or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
@@ -150,7 +150,7 @@ QVX_EXPORT qvx_astring* PXTGetQVXCLIDocsPath(void);
 QVX_EXPORT qvx_astring* PXTGetQVXWEBDocsPath(void);
 
 /**
- * Creates the directory for temporary files of the web server, and gives its path.
+ * Creates the directory for temporary files of the web server, and returns its path.
  *
  * One level is created, with mode 0755 less the umask; a directory that is there already serves.
  *
@@ -164,7 +164,7 @@ QVX_EXPORT qvx_astring* PXTGetQVXWEBDocsPath(void);
 QVX_EXPORT qvx_astring* PXTGetIWSTempDirPath(void);
 
 /**
- * Gives the path of a file in an OEM's INI tree.
+ * Returns the path of a file in an OEM's INI tree.
  *
  * The path is "/etc/cim/zarn/plinthos/vexilon/wwwroot/oem/", the OEM's name, "/ini/", "zarn" or
  * "debrand", "/" and the file's name, of whatever length.
@@ -186,17 +186,17 @@ QVX_EXPORT qvx_astring* PXTGetOEMINIPathFile(const qvx_astring* oem, const qvx_a
  *
  * That is the value of key "blade" in section "blade" of "qvcli32.ini".
  *
- * @retval 1 when the value is exactly "true": lower case, nothing behind it
+ * @retval 1 when the value is exactly "true": lower case, nothing after it
  * @retval 0 for any other value, and whenever it cannot be read
  * @par Memory
- * Hands out none.
+ * Nothing is handed over.
  * @par Threads
  * Any thread may call; takes the shared lock.
  */
 QVX_EXPORT qvx_u32 PXTCheckModularChassis(void);
 
 /**
- * Gives the prefix of the OEM's names in a directory service's schema.
+ * Returns the prefix of the OEM's names in a directory service's schema.
  *
  * That is the value of key "adschemaprefix" in section "data" of "oem.ini", of at most 255
  * characters; "zarn" when it cannot be read.
@@ -210,7 +210,7 @@ QVX_EXPORT qvx_u32 PXTCheckModularChassis(void);
 QVX_EXPORT qvx_astring* PXTGetOEMADSchemaPrefix(void);
 
 /**
- * Gives the locale name of a language identifier.
+ * Returns the locale name of a language identifier.
  *
  * 1028 zh_TW, 1031 de, 1033 en_US, 1034 es, 1036 fr, 1041 ja, 1046 pt_BR, 2052 zh, 2057 en_GB,
  * 2066 ko; en_US for any other.
@@ -225,7 +225,7 @@ QVX_EXPORT qvx_astring* PXTGetOEMADSchemaPrefix(void);
 QVX_EXPORT qvx_astring* PXTGetLocaleNameAStr(qvx_u32 languageId);
 
 /**
- * Gives the name of the locale that the suite presents, "en_US" whatever the environment says.
+ * Returns the name of the locale that the suite presents, "en_US" whatever the environment says.
  *
  * @return the name; NULL without memory
  * @par Memory
@@ -236,7 +236,7 @@ QVX_EXPORT qvx_astring* PXTGetLocaleNameAStr(qvx_u32 languageId);
 QVX_EXPORT qvx_astring* PXTGetOSLocaleName(void);
 
 /**
- * Gives the language of the locale that the suite presents: what stands before the "_" of its name.
+ * Returns the language of the locale that the suite presents: the part of its name before the "_".
  *
  * @return the language in a block of 256 bytes; NULL when the name has no "_", or without memory
  * @par Memory
@@ -247,7 +247,7 @@ QVX_EXPORT qvx_astring* PXTGetOSLocaleName(void);
 QVX_EXPORT qvx_astring* PXTGetOSLanguage(void);
 
 /**
- * Gives the country of the locale that the suite presents: what stands behind the "_" of its name.
+ * Returns the country of the locale that the suite presents: the part of its name after the "_".
  *
  * @return the country; NULL when the name has no "_", or without memory
  * @par Memory
@@ -258,7 +258,7 @@ QVX_EXPORT qvx_astring* PXTGetOSLanguage(void);
 QVX_EXPORT qvx_astring* PXTGetOSCountry(void);
 
 /**
- * Gives the host's name, at most 255 characters of it.
+ * Returns the host's name, at most 255 characters of it.
  *
  * @return the name, empty when the system does not give it; NULL while the library is not attached,
  * or without memory
@@ -273,7 +273,8 @@ QVX_EXPORT qvx_astring* PXTGetHostNameAStr(void);
  * Stops, starts or restarts the suite's connection service.
  *
  * Runs "systemctl stop hvn_qv_connsvc.service" or its like through the shell on a host with
- * "/etc/os-release", "/etc/init.d/hvn_qv_connsvc stop" on any other, standard output discarded. An
+ * "/etc/os-release", and "/etc/init.d/hvn_qv_connsvc stop" on any other. Standard output is
+ * discarded. An
  * action that is not listed runs a command that does not exist, and so fails.
  *
  * A restart first closes descriptors 3 to 255 of the process, so that the service inherits none of
@@ -289,10 +290,10 @@ QVX_EXPORT qvx_astring* PXTGetHostNameAStr(void);
  * @retval SM_STATUS_FILE_CREATE_FAILED when the exit status is 2
  * @retval 0xFFFFFFFF for any other exit status
  * @par Memory
- * Hands out none.
+ * Nothing is handed over.
  * @par Threads
- * Forks and waits; a restart closes descriptors under every thread of the process. The caller's
- * handling of SIGCHLD must leave children to be waited for.
+ * Forks and waits; a restart closes descriptors that other threads of the process may use. The
+ * caller's handling of SIGCHLD must let the library wait for its own child.
  */
 QVX_EXPORT qvx_u32 PXTWebServer(qvx_u32 action, qvx_u32 reserved, qvx_s32* exitCode);
 

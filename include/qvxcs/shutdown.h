@@ -5,9 +5,9 @@
 
 /**
  * @file
- * Shutting this machine down, and its kind.
+ * Shutting this machine down, and the kind of its operating system.
  *
- * The work is done by the system's program /sbin/shutdown in a process of its own. No shell is
+ * The work is done by the system's program /sbin/shutdown in a separate process. No shell is
  * involved, and no search path. Nothing is kept between calls and no lock is taken.
  */
 
@@ -29,10 +29,10 @@ enum QVXShutdownMode {
 /**
  * Halts or reboots this machine.
  *
- * Runs /sbin/shutdown with the arguments "-h", "now" and "&", for a reboot with "-r" in the first
- * place. The "&" reaches the program as it stands. The call neither waits nor tells whether the
+ * Runs /sbin/shutdown with the arguments "-h", "now" and "&", for a reboot with "-r" instead of
+ * "-h". The "&" reaches the program unchanged. The call neither waits nor reports whether the
  * program could be run; a child that could not become the program ends with the error number as its
- * exit status. The child is the host's to wait for.
+ * exit status. The host must wait for the child.
  *
  * @param[in] ignored  not used
  * @param[in] mode     QVX_SHUTDOWN_REBOOT reboots, any other value halts
@@ -45,7 +45,7 @@ enum QVXShutdownMode {
 QVX_EXPORT qvx_u32 PXTOSShutdown(qvx_u16 ignored, qvx_u16 mode);
 
 /**
- * Tells the family of the operating system.
+ * Returns the family of the operating system.
  *
  * @retval QVX_OS_LINUX the code of this family, always
  * @par Memory

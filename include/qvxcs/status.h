@@ -16,13 +16,13 @@
 /** The operation succeeded. */
 #define SM_STATUS_SUCCESS 0x0000u
 /**
- * An argument is not fit: a pointer is NULL, a text too long, a type code unknown; or an equal
- * entry is in the list already. Some families report these as SM_STATUS_INVALID_PARAMETER.
+ * An argument is not valid: a pointer is NULL, a text too long, a type code unknown; or an equal
+ * entry is already in the list. Some families report these as SM_STATUS_INVALID_PARAMETER.
  */
 #define SM_STATUS_BAD_ARGUMENT 0x0002u
 /**
- * A polled wait gave up after its last attempt. No call answers it: those that wait for the lock
- * answer SM_STATUS_LOCK_FAILED.
+ * A wait gave up after its last attempt. No call returns it: those that wait for the lock return
+ * SM_STATUS_LOCK_FAILED.
  */
 #define SM_STATUS_TIMEOUT 0x0003u
 /** The INI file, or the copy that is to replace it, could not be opened. */
@@ -55,7 +55,8 @@
 #define SM_STATUS_DATA_TOO_LARGE 0x0108u
 /** The file to be replaced could not be replaced. */
 #define SM_STATUS_FILE_DELETE_FAILED 0x010Eu
-/** An argument is NULL or out of range, or a text is no number or boolean of the asked kind. */
+/** An argument is NULL or out of range, or a text is not a number or boolean of the kind asked for.
+ */
 #define SM_STATUS_INVALID_PARAMETER 0x010Fu
 /** An allocation failed. */
 #define SM_STATUS_NO_MEMORY 0x0110u

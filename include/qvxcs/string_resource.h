@@ -10,7 +10,7 @@
  * A resource file is UTF-16 in little-endian order and begins with the byte order mark 0xFF 0xFE.
  * Lines end with carriage return and line feed and hold the key "%X:%X=", language and identifier
  * in upper-case hexadecimal, then the text. 0 is the neutral language, which 1033 and 437 mean too.
- * Lines are read in pieces of at most 1,024 units; a last line without its line end loses its last
+ * Lines are read in pieces of at most 1,024 units; a last line without a line end loses its last
  * unit.
  *
  * Sizes are bytes, two for each 16-bit unit. Nothing is locked; the file is open during the call
@@ -24,7 +24,7 @@ QVX_BEGIN_DECLS
 /**
  * Delivers the text of an identifier in a language, or in the neutral one.
  *
- * The first line that contains the key, wherever in the line, is taken; its text begins behind the
+ * The first line that contains the key, wherever in the line, is taken; its text begins after the
  * last "=" of the line. When the language has none, the neutral language is tried.
  *
  * A file that cannot be used is answered with an English message in the text's place: "Invalid Path
@@ -33,7 +33,7 @@ QVX_BEGIN_DECLS
  *
  * @param[in] stringId        the text's identifier
  * @param[in,out] languageId  the language, or NULL for the neutral one; set to 0 for 1033 and 437,
- *                            and where it lacks the text and the neutral one is tried
+ *                            and where it has no such text and the neutral one is tried
  * @param[in] path            the file
  * @param[out] buffer         room for the text, or NULL
  * @param[in,out] size        bytes of room, or NULL; then the result. There is no size query:

@@ -5,14 +5,14 @@
 
 /**
  * @file
- * Threads on records of the caller.
+ * Threads, each with a record of the caller.
  *
- * A host starts a thread on a record of its own and waits for its end with the same record. The
+ * A host starts a thread with a record and waits for its end with the same record. The
  * record must stay where it is until the thread has been waited for, and is not locked: one record
  * is not started or stopped by two threads at once. Every thread that was started has to be
- * stopped once, or its resources stay taken. Nothing of a thread is kept in the library, but its
- * first and last steps are the library's code: unloading the library while a thread of it runs
- * crashes the process.
+ * stopped once, or its resources are never released. Nothing of a thread is kept in the library,
+ * but its first and last steps are the library's code: unloading the library while a thread of it
+ * runs crashes the process.
  */
 
 #include <pthread.h>
@@ -38,12 +38,12 @@ typedef struct PXTThread {
  * @param[in] entry     the body; no exception may leave it
  * @param[in] argument  what the body is called with
  * @retval 0 the thread was started
- * @retval -1 when the record or the body is NULL (nothing is stored), or when the system has no
- *         thread to give (body and argument are stored, the thread is zeroed)
+ * @retval -1 when the record or the body is NULL (nothing is stored), or when the system cannot
+ *         start a thread (body and argument are stored, the thread is zeroed)
  * @par Memory
  * The record stays the caller's and must outlive the thread.
  * @par Threads
- * Any thread may call, with a record of its own.
+ * Any thread may call, with its own record.
  */
 QVX_EXPORT qvx_s32 PXTThreadStart(PXTThread* thread, PXTThreadEntry entry, qvx_u32 argument);
 

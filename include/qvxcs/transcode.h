@@ -5,18 +5,18 @@
 
 /**
  * @file
- * Text between UTF-8, 16-bit units and 32-bit code points, and text made safe for XML.
+ * Conversion between UTF-8, 16-bit units and 32-bit code points, and escaping for XML.
  *
  * "ASCII" and "local" text is UTF-8 at this interface, so the functions of those names are the
  * UTF-8 converters under second and third names.
  *
  * UTF-8 has its six-byte form: code points up to 0x7FFFFFFF. Encoders treat surrogate code points
- * like any other. Decoders want following bytes that are not zero and check nothing else: overlong
+ * like any other. Decoders only check that following bytes are not zero: overlong
  * forms and following bytes without the pattern 10xxxxxx are accepted.
  *
  * Units: sizes of 8-bit results count bytes. The size of a 16-bit result is read as a count of
  * units and written back as a count of bytes. What is written back counts the terminator. With a
- * NULL output nothing is written but the size that the whole result needs (`PXTUnicodeToEscape`
+ * NULL output only the size that the whole result needs is written (`PXTUnicodeToEscape`
  * alone differs).
  *
  * The converters, unlike the XML functions, store the terminator unchecked: give them room for one
@@ -35,7 +35,7 @@ QVX_BEGIN_DECLS
 /**
  * Converts 16-bit text to UTF-8.
  *
- * Surrogates are not combined where they stand: each surrogate unit becomes the code point that
+ * Surrogates are not combined: each surrogate unit becomes the code point that
  * the text begins with. A text that begins with a pair has it twice, once for each half.
  *
  * @param[out] out      room for `*size` bytes and one more, or NULL to ask for the size
@@ -78,7 +78,7 @@ QVX_EXPORT qvx_u32 PXTUCS2StrToUTF8Str(qvx_astring* out, qvx_u32* size, const qv
 QVX_EXPORT qvx_u32 PXTUnicodeToASCII(qvx_astring* out, qvx_u32* size, const qvx_ustring* text);
 
 /**
- * `PXTUCS2StrToUTF8Str` under a third name; the current locale has no say.
+ * `PXTUCS2StrToUTF8Str` under a third name; the current locale does not matter.
  *
  * @param[out] out      room for `*size` bytes and one more, or NULL to ask for the size
  * @param[in,out] size  bytes of room; then the bytes written or needed, NUL counted
@@ -137,7 +137,7 @@ QVX_EXPORT qvx_u32 PXTUCS4StrToUTF8Str(qvx_astring* out, qvx_u32* size, const qv
  *         terminator, or needs a size beyond 32 bits: `out` is left without it, `*size` as it was
  * @par Memory
  * `out` stays the caller's. Text that fills `*size` exactly is a success and puts the terminator
- * one unit beyond. A block of as many bytes as a size query gives always suffices.
+ * one unit beyond. A block of as many bytes as a size query returns is always enough.
  * @par Threads
  * Keeps no state; any thread may call.
  * @par Standards
@@ -159,7 +159,7 @@ QVX_EXPORT qvx_u32 PXTUTF8StrToUCS2Str(qvx_ustring* out, qvx_u32* size, const qv
  *         terminator, or needs a size beyond 32 bits: `out` is left without it, `*size` as it was
  * @par Memory
  * `out` stays the caller's. Text that fills `*size` exactly is a success and puts the terminator
- * one unit beyond. A block of as many bytes as a size query gives always suffices.
+ * one unit beyond. A block of as many bytes as a size query returns is always enough.
  * @par Threads
  * Keeps no state; any thread may call.
  * @par Standards
@@ -168,7 +168,7 @@ QVX_EXPORT qvx_u32 PXTUTF8StrToUCS2Str(qvx_ustring* out, qvx_u32* size, const qv
 QVX_EXPORT qvx_u32 PXTASCIIToUnicode(qvx_ustring* out, qvx_u32* size, const qvx_astring* text);
 
 /**
- * `PXTUTF8StrToUCS2Str` under a third name; the current locale has no say.
+ * `PXTUTF8StrToUCS2Str` under a third name; the current locale does not matter.
  *
  * @param[out] out      room for `*size` units and one more, or NULL to ask for the size
  * @param[in,out] size  units of room; then the bytes written or needed, terminator counted
@@ -181,7 +181,7 @@ QVX_EXPORT qvx_u32 PXTASCIIToUnicode(qvx_ustring* out, qvx_u32* size, const qvx_
  *         terminator, or needs a size beyond 32 bits: `out` is left without it, `*size` as it was
  * @par Memory
  * `out` stays the caller's. Text that fills `*size` exactly is a success and puts the terminator
- * one unit beyond. A block of as many bytes as a size query gives always suffices.
+ * one unit beyond. A block of as many bytes as a size query returns is always enough.
  * @par Threads
  * Keeps no state; any thread may call.
  * @par Standards
@@ -219,7 +219,7 @@ QVX_EXPORT qvx_u32 PXTUTF8StrToXMLUTF8Str(qvx_astring* out, qvx_u32* size, qvx_b
  * Writes 16-bit text in printable characters with backslash escapes.
  *
  * Tab, line feed, carriage return and backslash become `\t`, `\n`, `\r` and `\\`. Units from 0x20
- * to 0x7F stand for themselves, double quotes and 0x7F too. Every other unit becomes `\u` and four
+ * to 0x7F stay as they are, double quotes and 0x7F too. Every other unit becomes `\u` and four
  * lower-case hexadecimal digits, each half of a surrogate pair by itself.
  *
  * A size query differs from the other functions': pass a size of 0 and expect
@@ -242,7 +242,7 @@ QVX_EXPORT qvx_u32 PXTUTF8StrToXMLUTF8Str(qvx_astring* out, qvx_u32* size, qvx_b
 QVX_EXPORT qvx_u32 PXTUnicodeToEscape(qvx_astring* out, qvx_u32* size, const qvx_ustring* text);
 
 /**
- * Gives a text made safe for XML, over again if asked.
+ * Escapes a text for XML, several times if asked.
  *
  * Each further pass escapes the ampersands that the pass before has written: with two passes `&`
  * becomes `&amp;amp;`. A pass that has nothing to replace is the last.
@@ -260,7 +260,7 @@ QVX_EXPORT qvx_u32 PXTUnicodeToEscape(qvx_astring* out, qvx_u32* size, const qvx
 QVX_EXPORT qvx_astring* PXTGetXMLUTF8StrFromAStr(const qvx_astring* text, qvx_u32 passes);
 
 /**
- * Converts 16-bit text to UTF-8 as `PXTUCS2StrToUTF8Str` does and gives it made safe for XML, as
+ * Converts 16-bit text to UTF-8 as `PXTUCS2StrToUTF8Str` does and escapes it for XML, as
  * `PXTGetXMLUTF8StrFromAStr` does.
  *
  * @param[in] text    16-bit units up to a 0 unit
@@ -277,7 +277,7 @@ QVX_EXPORT qvx_astring* PXTGetXMLUTF8StrFromAStr(const qvx_astring* text, qvx_u3
 QVX_EXPORT qvx_astring* PXTGetXMLUTF8StrFromUStr(const qvx_ustring* text, qvx_u32 passes);
 
 /**
- * Gives the identifier of the language that messages are in.
+ * Returns the identifier of the language that messages are in.
  *
  * It is the same on every machine; neither the environment variable LANG nor the current locale
  * changes it.

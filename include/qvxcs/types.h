@@ -11,7 +11,7 @@
  * `pthread_t` have the machine's width. Every status and every size is a `qvx_u32`.
  *
  * Each type also has a short name without `qvx_`, as in `u32` for `qvx_u32`. A program that has
- * names such as `u64` of its own defines `QVXCS_NO_SHORT_TYPES` before it includes any header of
+ * its own names such as `u64` defines `QVXCS_NO_SHORT_TYPES` before it includes any header of
  * this library: the short names are then left out, and everything else works the same.
  */
 
@@ -65,7 +65,7 @@ enum QVXBoolean {
 
 /** Number bases, for the calls that take one. */
 enum QVXBase {
-  QVX_BASE_BINARY = 2,      /**< for writing only, where it always gives the empty text */
+  QVX_BASE_BINARY = 2,      /**< for writing only, where the text is always empty */
   QVX_BASE_OCTAL = 8,       /**< digits 0 to 7 */
   QVX_BASE_DECIMAL = 10,    /**< digits 0 to 9 */
   QVX_BASE_HEXADECIMAL = 16 /**< digits 0 to 9 and a to f */

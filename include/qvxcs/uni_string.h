@@ -7,15 +7,15 @@
  * @file
  * The byte-string routines of the C library, for texts of 16-bit units.
  *
- * The platform's wide characters have 32 bits, so these texts have routines of their own. They do
+ * The platform's wide characters have 32 bits, so these texts need their own routines. They do
  * what `strlen`, `strcpy` and their siblings do, unit for unit, with the differences that each
- * function tells.
+ * function says.
  *
  * Units: every length, count and position is in 16-bit units, never in bytes. A text ends at its
  * first unit 0. Surrogate pairs are two units like any others.
  *
  * Arguments are not checked: a NULL text is the caller's error, and a destination needs room for
- * all that is written. Source and destination must not overlap. Nothing here gives a status.
+ * all that is written. Source and destination must not overlap. No function here returns a status.
  *
  * Locks: none are taken. Threads: every routine but `PXTUniStrtok` keeps no state and may be
  * called by any thread.
@@ -52,14 +52,14 @@ QVX_EXPORT void PXTUniStrcpy(qvx_ustring* destination, const qvx_ustring* source
 /**
  * Copies units until it has copied the terminator or `count` units, whichever comes first.
  *
- * Unlike `strncpy` it does not fill up with zeros: what lies behind a shorter source stays as it
+ * Unlike `strncpy` it does not fill up with zeros: what follows a shorter source stays as it
  * was. Like `strncpy` it adds no terminator when the count runs out.
  *
  * @param[out] destination  room for `count` units, or for the source and its terminator
  * @param[in] source        the text to copy; needs no terminator within `count` units
  * @param[in] count         units to copy at most
  * @par Memory
- * Both stay the caller's. No unit of the source behind the first `count` is read.
+ * Both stay the caller's. No unit of the source after the first `count` is read.
  * @par Threads
  * Keeps no state; any thread may call.
  */
@@ -68,7 +68,7 @@ QVX_EXPORT void PXTUniStrncpy(qvx_ustring* destination, const qvx_ustring* sourc
 /**
  * Appends a text, terminator included.
  *
- * @param[in,out] destination  a text with room for the source behind it
+ * @param[in,out] destination  a text with room for the source after it
  * @param[in] source           the text to append
  * @par Memory
  * Both stay the caller's.
@@ -80,22 +80,22 @@ QVX_EXPORT void PXTUniStrcat(qvx_ustring* destination, const qvx_ustring* source
 /**
  * Appends at most `count` units of a text and always terminates the result.
  *
- * @param[in,out] destination  a text with room for `count` units and a terminator behind it; with a
+ * @param[in,out] destination  a text with room for `count` units and a terminator after it; with a
  *                             count of 0 it is neither read nor written
  * @param[in] source           the text to append; needs no terminator within `count` units
  * @param[in] count            units to append at most
  * @par Memory
- * Both stay the caller's. No unit of the source behind the first `count` is read.
+ * Both stay the caller's. No unit of the source after the first `count` is read.
  * @par Threads
  * Keeps no state; any thread may call.
  */
 QVX_EXPORT void PXTUniStrncat(qvx_ustring* destination, const qvx_ustring* source, qvx_u32 count);
 
 /**
- * Tells whether two texts differ.
+ * Tests whether two texts differ.
  *
  * The result is the difference of the first differing units modulo 65536, 0 to 65535. It is never
- * negative: "a" against "b" gives 65535. Only zero or not zero means something, so it does not
+ * negative: "a" against "b" is 65535. Only zero or not zero means something, so it does not
  * sort.
  *
  * @param[in] first   a text
@@ -113,7 +113,7 @@ QVX_EXPORT qvx_s32 PXTUniStrcmp(const qvx_ustring* first, const qvx_ustring* sec
  *
  * @param[in] string  the text to search
  * @param[in] unit    the unit sought; 0 finds the terminator
- * @return where the unit stands, or NULL if the text does not hold it
+ * @return where the unit is, or NULL if the text does not hold it
  * @par Memory
  * The result points into `string`.
  * @par Threads
@@ -164,8 +164,8 @@ QVX_EXPORT qvx_u32 PXTUniStrcspn(const qvx_ustring* string, const qvx_ustring* s
  * Splits a text into tokens, one each call.
  *
  * The first call names the text, each further call passes NULL for the next token of the same
- * text. Delimiters before a token are skipped; the delimiter behind it is overwritten with 0. The
- * delimiters may differ from call to call. Behind the last token every continuing call gives NULL
+ * text. Delimiters before a token are skipped; the delimiter after it is overwritten with 0. The
+ * delimiters may differ from call to call. After the last token every continuing call returns NULL
  * until a new text is named.
  *
  * @param[in,out] string  the text to split, or NULL to go on with the previous one
@@ -215,7 +215,7 @@ QVX_EXPORT void PXTUniStrnset(qvx_ustring* string, qvx_ustring unit, qvx_u32 cou
  * @param[in,out] string  the text to reverse
  * @return `string`
  * @par Memory
- * The text stays the caller's. Needs no memory of its own.
+ * The text stays the caller's. No memory is allocated.
  * @par Threads
  * Keeps no state; any thread may call.
  */

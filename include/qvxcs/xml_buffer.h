@@ -9,18 +9,17 @@
  *
  * A buffer is an opaque handle over a growing UTF-8 text. A caller opens an element, appends
  * children, closes it, and at the end takes the text or discards everything. Nothing is parsed or
- * checked: names and attribute texts are written as they stand, and it is the caller who matches
+ * checked: names and attribute texts are written unchanged, and the caller matches
  * opening and closing tags.
  *
  * The value of an element is given by a pointer and a type code of `QVXValueType`. Values need no
- * alignment; exactly their bytes are read. The gaps between the codes are no types and are refused;
- * the codes never change. A "number" is decimal unless a
- * `PXTTypedValue` asks for radix 16.
+ * alignment; exactly their bytes are read. Other codes are refused,
+ * and the codes never change. A "number" is decimal unless a `PXTTypedValue` asks for base 16.
  *
  * Memory: a buffer starts with 64 bytes or what is asked for and grows as the growable strings do.
- * When it cannot grow, the piece at hand is dropped and the call still succeeds. Only an escaped
- * text for which there is no memory, and an element that no buffer can hold, are reported; the
- * buffer is then as it was.
+ * When it cannot grow, what was to be appended is dropped and the call still succeeds. Only an
+ * escaped text for which there is no memory, and an element that no buffer can hold, are reported;
+ * the buffer is then as it was.
  *
  * Nothing here takes a lock. A buffer belongs to one thread at a time; different buffers may be
  * built on different threads.
@@ -32,7 +31,7 @@ QVX_BEGIN_DECLS
 
 /** Type codes: what a value's pointer points to, and what is written between the tags. */
 enum QVXValueType {
-  QVX_TYPE_ASTRING = 1,      /**< `astring` text: the text as it stands */
+  QVX_TYPE_ASTRING = 1,      /**< `astring` text: the text, unchanged */
   QVX_TYPE_USTRING = 2,      /**< `ustring` text: the text as UTF-8, not escaped */
   QVX_TYPE_BOOLN = 4,        /**< `booln`: "true" for exactly 1, else "false" */
   QVX_TYPE_U32 = 5,          /**< `u32`: a number */
@@ -42,7 +41,7 @@ enum QVXValueType {
   QVX_TYPE_D64 = 13,         /**< `d64`: eight decimal places, cut at 31 characters */
   QVX_TYPE_TIME = 15,        /**< `s32`, seconds since 1970: local time, as in
                                   "Thu Jan  1 00:00:01 1970"; "-1" below 1 */
-  QVX_TYPE_SSASTR = 16,      /**< `SSAStr`: its text as it stands; empty without one */
+  QVX_TYPE_SSASTR = 16,      /**< `SSAStr`: its text, unchanged; empty without one */
   QVX_TYPE_SSUSTR = 17,      /**< `SSUStr`: its text as UTF-8, not escaped; empty without one */
   QVX_TYPE_BEGIN = 18,       /**< nothing, may be NULL: the opening tag alone */
   QVX_TYPE_END = 19,         /**< nothing, may be NULL: the closing tag alone, no attributes */
@@ -118,18 +117,18 @@ QVX_EXPORT void PXTXFreeBufContent(qvx_astring* text);
  * Appends an element with a value: `<name attributes>value</name>`.
  *
  * @param[in,out] buffer  the buffer
- * @param[in] name        the element's name, written as it stands
- * @param[in] attributes  written as it stands after one blank; NULL without any, and an empty text
+ * @param[in] name        the element's name, written unchanged
+ * @param[in] attributes  written unchanged after one blank; NULL without any, and an empty text
  *                        still gets its blank
  * @param[in] type        type code of the value
  * @param[in] value       the value; may be NULL for QVX_TYPE_BEGIN and QVX_TYPE_END only
  * @retval SM_STATUS_SUCCESS also where the buffer could not grow, or where a text of
  *         QVX_TYPE_USTRING or QVX_TYPE_SSUSTR could not be converted and the element stays empty
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer`, `name` or a needed value is NULL, and for a
- *         type code or radix that is none; the buffer stays as it was
+ *         type code or base that does not exist; the buffer stays as it was
  * @retval SM_STATUS_NO_MEMORY when a text of QVX_TYPE_XML_ASTRING or QVX_TYPE_XML_USTRING cannot
- *         be converted, for want of memory too, and for an element of 4 GiB; the buffer stays as it
- *         was
+ *         be converted, also for lack of memory, and for an element of 4 GiB; the buffer stays as
+ * it was
  * @par Memory
  * Name, attributes and value are copied.
  * @par Threads
@@ -142,8 +141,8 @@ QVX_EXPORT qvx_u32 PXTXBufCatNode(void* buffer, const qvx_astring* name,
  * Appends an opening tag: `<name attributes>`.
  *
  * @param[in,out] buffer  the buffer
- * @param[in] name        the element's name, written as it stands
- * @param[in] attributes  written as it stands after one blank; NULL without any
+ * @param[in] name        the element's name, written unchanged
+ * @param[in] attributes  written unchanged after one blank; NULL without any
  * @retval SM_STATUS_SUCCESS also where the buffer could not grow
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer` or `name` is NULL
  * @retval SM_STATUS_NO_MEMORY for a tag of 4 GiB; the buffer stays as it was
@@ -159,7 +158,7 @@ QVX_EXPORT qvx_u32 PXTXBufCatBeginNode(void* buffer, const qvx_astring* name,
  * Appends a closing tag: `</name>`.
  *
  * @param[in,out] buffer  the buffer
- * @param[in] name        the element's name, written as it stands
+ * @param[in] name        the element's name, written unchanged
  * @retval SM_STATUS_SUCCESS also where the buffer could not grow
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer` or `name` is NULL
  * @retval SM_STATUS_NO_MEMORY for a tag of 4 GiB; the buffer stays as it was
@@ -174,8 +173,8 @@ QVX_EXPORT qvx_u32 PXTXBufCatEndNode(void* buffer, const qvx_astring* name);
  * Appends an empty element: `<name attributes/>`.
  *
  * @param[in,out] buffer  the buffer
- * @param[in] name        the element's name, written as it stands
- * @param[in] attributes  written as it stands after one blank; NULL without any
+ * @param[in] name        the element's name, written unchanged
+ * @param[in] attributes  written unchanged after one blank; NULL without any
  * @retval SM_STATUS_SUCCESS also where the buffer could not grow
  * @retval SM_STATUS_INVALID_PARAMETER when `buffer` or `name` is NULL
  * @retval SM_STATUS_NO_MEMORY for an element of 4 GiB; the buffer stays as it was

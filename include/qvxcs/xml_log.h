@@ -19,7 +19,7 @@
  * | `ComputerName` | this machine's host name |
  * | `Type`, `ID` | the caller's numbers, unsigned decimal |
  * | `UserInfo`, `Source` | the caller's texts, escaped for XML; empty for NULL |
- * | `Description` | the caller's text as it stands: it must be well-formed markup or free of it |
+ * | `Description` | the caller's text, unchanged: it must be well-formed markup or free of it |
  * | `Data` | the caller's bytes as a hex dump, unescaped, its lines ended by CR LF; empty without |
  *
  * An append writes in place. It looks for the closing tag at the end of the log and overwrites it,
@@ -32,7 +32,7 @@
  * begins with the entry QVX_LOG_BACKUP_CREATED.
  *
  * Sizes and text limits are in bytes. Logs and backups get mode 01664, a log that is created 0664
- * less the umask until then; a directory that a link in their place leads to keeps its mode. Their
+ * less the umask until then; a directory that a link in their place points to keeps its mode. Their
  * directory gets 0755 less the umask.
  *
  * @par Locks
@@ -88,9 +88,9 @@ QVX_EXPORT qvx_u32 PXTForceXMLLogExists(const qvx_astring* path, const qvx_astri
 /**
  * Deletes a log and begins it anew with the entry QVX_LOG_CLEARED, `Log was cleared`.
  *
- * The arguments are checked before anything is deleted. The backup stays. Whatever is no directory
- * is deleted, a FIFO or a device in the log's place too; of a link, the link. Entries that another
- * process appends between the two steps stand ahead of the new entry.
+ * The arguments are checked before anything is deleted. The backup stays. Anything but a directory
+ * is deleted, also a FIFO or a device in the log's place; of a link, only the link. Entries that
+ * another process appends between the two steps come before the new entry.
  *
  * @param[in] path    the log
  * @param[in] user    1 to 1,023 bytes, or NULL
@@ -112,7 +112,8 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * Appends one entry to a log; a missing log and one directory above it are created.
  *
  * A file under 65 bytes is written anew. A backup that fails is not reported: the entry goes to
- * the log that is full. A log of 4 GiB - 1 or more has no backup, nor has one whose name ends with
+ * the log that is full. A log of 4 GiB - 1 or more has no backup, and neither has one whose name
+ * ends with
  * `_` or has more than 255 bytes. `Log backup created` names the same user and source; a failure to
  * write it is not reported.
  *
@@ -138,7 +139,7 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * log could not be closed. The entry is taken back: the log is cut and its closing tag written
  * again (the first entry leaves an empty file); only where that fails too do later appends give
  * SM_STATUS_BAD_DATA, until the log is cleared.
- * @retval 0xFFFFFFFF when the directory cannot be made, the time cannot be told, the entry cannot
+ * @retval 0xFFFFFFFF when the directory cannot be made, the time cannot be read, the entry cannot
  *         be built whole, or the log cannot be opened, created or measured
  * @par Memory
  * Nothing is handed over.
@@ -151,7 +152,7 @@ QVX_EXPORT qvx_u32 PXTAppendToXMLLog(const qvx_astring* path, qvx_u16 type, qvx_
                                      qvx_u32 dataSize, qvx_u32 maxSize);
 
 /**
- * Tells the name of a log's backup: its path with the last character replaced by `_`.
+ * Returns the name of a log's backup: its path with the last character replaced by `_`.
  *
  * @param[in] path    the log, 2 to 255 bytes
  * @param[out] buffer  room for 256 bytes, or NULL to ask for the size
@@ -171,11 +172,11 @@ QVX_EXPORT qvx_u32 PXTGetBackupXMLLogPathFileName(const qvx_astring* path, qvx_a
 /**
  * Reads a log into an XML answer.
  *
- * The answer is a `Content` element with the file's text as it stands, not escaped, and an
- * `SMStatus` element with the value 0. A file that is not empty but cannot be opened or read gives
- * `SMStatus` with the value -1 alone. The file is read without the lock; what is appended while it
- * is read is not shown, which may cost the closing tag. A line is shown up to its first NUL byte.
- * The answer is whole or NULL.
+ * The answer is a `Content` element with the file's text, not escaped, and an
+ * `SMStatus` element with the value 0. A file that is not empty but cannot be opened or read
+ * becomes `SMStatus` with the value -1 alone. The file is read without the lock; what is appended
+ * while it is read is not shown, and the closing tag may then be missing. A line is shown up to its
+ * first NUL byte. The answer is whole or NULL.
  *
  * @param[in] path  the log
  * @return the answer; NULL for a NULL path, a file that is missing, empty, no regular file or of

@@ -19,7 +19,7 @@
 
 QVX_BEGIN_DECLS
 
-/** Parts of a composed sheet, to be added up. */
+/** Parts of a composed sheet; add those that are wanted. */
 enum QVXSheetPart {
   QVX_SHEET_DECLARATION = 2, /**< the XML declaration */
   QVX_SHEET_OPENING_TAG = 4, /**< the opening tag */
@@ -46,7 +46,7 @@ enum QVXSheetPart {
  * @param[in] flags          sum of `QVXSheetPart`; other bits mean nothing
  * @param[in] forwardSlashes not 0: every backslash of the result becomes a "/"
  * @return the URI or the text; NULL when `product`, `dir` or `file` is NULL, the locale is longer,
- *         the style sheet root cannot be had, or without memory
+ *         the style sheet root is not available, or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
