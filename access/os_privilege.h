@@ -15,7 +15,7 @@ u32 OSGetProcessRights();
 // A heap copy of the real user's name, or null.
 astring* OSGetProcessUser();
 
-// The level that the operating system alone gives a user: its superuser is an administrator, the
+// The level that a user has from the operating system alone: its superuser is an administrator, the
 // members of group 0 are power users, any other known user is a user. Without enough memory the
 // level may be lower, never higher.
 u32 GetOSPrivilege(SystemUser& user);

@@ -13,8 +13,8 @@ namespace qvx {
 // By the locale in force for the thread; nothing when the text is not in its encoding.
 std::optional<std::wstring> Widen(const astring* text);
 
-// Nothing when the encoding lacks a character, or the text has a NUL inside, which no 8-bit text
-// can hold.
+// Nothing when the encoding has no such character, or the text has a NUL inside, which no 8-bit
+// text can hold.
 std::optional<std::string> Narrow(const std::wstring& text);
 
 }  // namespace qvx

@@ -37,7 +37,7 @@ void Date(time_t time) {
   Require(utimensat(AT_FDCWD, kRoleMap, times, 0) == 0, "date the role map");
 }
 
-// A map whose lines name users that nobody is, but for the last.
+// A map whose lines name users that do not exist, except for the last line.
 void WriteMap(int lines, const std::string& last) {
   std::ofstream map(kRoleMap);
   for (int line = 1; line < lines; ++line) {

@@ -33,7 +33,7 @@ void RunStopping(const Operation& operation) {
   _exit(0);
 }
 
-// Entry and exit of a call are a stop each. raise() makes calls of its own, counted as `ofRaise`.
+// Entry and exit of a call are a stop each. raise() makes its own calls, counted as `ofRaise`.
 int StopsOf(pid_t child) {
   (void)StopOf(child);
   (void)ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);

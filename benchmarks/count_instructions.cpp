@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Run by callgrind, whose output has the instructions of each operation in a part of its own.
+// Run by callgrind, whose output has the instructions of each operation in a separate part.
 #include <valgrind/callgrind.h>
 
 #include <cstdio>

@@ -142,7 +142,7 @@ void CompareHostileSearch(size_t length) {
 constexpr size_t kPiece = 64;
 constexpr size_t kGrown = size_t{64} << 20;
 
-// What a program writes that appends to a block of its own, doubling it.
+// What a program would write that appends to its own block and doubles it.
 template <typename Unit>
 void GrowByRealloc(const Unit* piece) {
   Unit* text = nullptr;

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
-# 64-bit ARM: compiled against, and run under qemu in, a Debian root of its own, made by
+# 64-bit ARM: compiled against, and run under qemu in, a separate Debian root, made by
 # scripts/arm64_root the first time.
 set(made_root ${CMAKE_CURRENT_LIST_DIR}/../build/arm64-root)
 set(QVXCS_ROOT ${made_root} CACHE PATH "Debian root for arm64")

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
-# 32-bit x86: compiled against, and run in, a Debian root of its own, made by scripts/i386_root the
+# 32-bit x86: compiled against, and run in, a separate Debian root, made by scripts/i386_root the
 # first time.
 set(made_root ${CMAKE_CURRENT_LIST_DIR}/../build/i386-root)
 set(QVXCS_ROOT ${made_root} CACHE PATH "Debian root for i386")

@@ -39,7 +39,7 @@ class Input {
     return line;
   }
 
-  // The next line up to its first NUL, as a text argument. Byte 1 stands for a line end in it.
+  // The next line up to its first NUL, as a text argument. Byte 1 means a line end in it.
   std::string Word() {
     std::string word = Line().c_str();
     std::replace(word.begin(), word.end(), '\1', '\n');

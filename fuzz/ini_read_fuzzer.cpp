@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Input: type, room, default, section and key, one a line, then the file. "(null)" stands for a
+// Input: type, room, default, section and key, one a line, then the file. "(null)" means a
 // default, a section or a key that is not given.
 #include <algorithm>
 #include <optional>
@@ -59,7 +59,7 @@ void Check(const std::string& file, const IniQuestion& question, u8 fill) {
   Require(stored.size() <= value.size(), "what is stored has room");
   Require(expected.anyValue || std::equal(stored.begin(), stored.end(), value.data()),
           "the value is the model's");
-  Require(value.UntouchedFrom(stored.size()), "nothing is stored behind the value");
+  Require(value.UntouchedFrom(stored.size()), "nothing is stored after the value");
 }
 
 }  // namespace
@@ -75,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* data, size_t size) {
   const std::string file = input.Rest();
   WriteFile(kPath, file);
   Check(file, question, 0xA5);
-  // The answer does not depend on what the room held.
+  // The result does not depend on what the room held.
   Check(file, question, 0x00);
   return 0;
 }

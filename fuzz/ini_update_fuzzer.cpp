@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Input: type, size (empty for the matching one), section, key and value, one a line, then the
-// file. "(null)" stands for a value that is not given, the file "(missing)" for none.
+// file. "(null)" means a value that is not given, the file "(missing)" for none.
 #include <unistd.h>
 
 #include <algorithm>

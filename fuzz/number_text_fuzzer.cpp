@@ -158,7 +158,7 @@ void CheckStored(s32 result, Block<ustring>& out, u32 given, u32 size, const std
   }
   Require(!expected.terminated || out[expected.stored.size()] == 0, "the text ends");
   Require(out.UntouchedFrom(expected.stored.size() + (expected.terminated ? 1 : 0)),
-          "nothing is stored behind it");
+          "nothing is stored after it");
 }
 
 void CheckWideWrites(u64 bits, d64 value, u32 base, u32 room, u32 precision) {

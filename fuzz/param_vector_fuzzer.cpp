@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Input: the case flag and the name to find, one per line, then one entry per line; "(null)" stands
+// Input: the case flag and the name to find, one per line, then one entry per line; "(null)" means
 // for a null entry.
 #include <deque>
 #include <optional>
@@ -110,14 +110,14 @@ template <typename Unit>
 void CheckEntry(Unit* entry, const ModelEntry& expected, const Calls<Unit>& calls) {
   const ModelEntry name = qvx::test::ModelParamName(expected);
   const ModelEntry value = qvx::test::ModelParamValue(expected);
-  Require(calls.isValid(entry) == (name ? 1 : 0), "an entry is well formed as the model tells");
+  Require(calls.isValid(entry) == (name ? 1 : 0), "an entry is well formed as in the model");
   Unit* const found = calls.value(entry);
   Require((found != nullptr) == value.has_value(), "a well-formed entry has a value");
   Require(!value || Is(found, *value), "the value is the model's");
   Unit* const cut = calls.name(entry);
   Require((cut != nullptr) == name.has_value(), "a well-formed entry has a name");
   if (cut == nullptr) return;
-  Require(cut == entry && Is(cut, *name), "the entry is cut behind its name");
+  Require(cut == entry && Is(cut, *name), "the entry is cut after its name");
   Require(calls.isValid(entry) == 0 && calls.value(entry) == nullptr, "then it has no value");
 }
 

@@ -71,7 +71,7 @@ bool IsFault(const QVXRoleMapFileReaderException& thrown, const ModelRoleFault& 
          thrown.MapErrorCodeToCmdId() == qvx::test::ModelRoleFaultId(expected.code);
 }
 
-// After a fault the reader reads no more in this process, so faulty files are read line by line
+// After a fault the reader does not read on in this process, so faulty files are read line by line
 // here.
 void CheckLines(const ModelRoleReading& expected) {
   qvx::RoleMapStream stream;

@@ -83,9 +83,9 @@ void CheckDelivery(const Answer& expected, u32 identifier, const std::optional<u
   const u32 delivered = PXTGetUnicodeStringFromIDPathFile(identifier, given ? &language : nullptr,
                                                           kPath, buffer.data(), &size);
   Require(delivered == (needed <= room ? needed : 0), "a text that fits is delivered");
-  Require(size == delivered, "the size tells what was delivered");
+  Require(size == delivered, "the size is what was delivered");
   Require(!given || language == expected.language, "the language is the one that had the text");
-  Require(buffer.UntouchedFrom(delivered / 2), "nothing is stored behind the text");
+  Require(buffer.UntouchedFrom(delivered / 2), "nothing is stored after the text");
   if (delivered == 0) return;
   Require(std::equal(expected.text->begin(), expected.text->end(), buffer.data()) &&
               buffer[delivered / 2 - 1] == 0,
@@ -113,6 +113,6 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* data, size_t size) {
   if (needed != 0) CheckDelivery(expected, identifier, language, needed - 1);
   u32 asked = language.value_or(0);
   Require(PXTGetUnicodeStringFromIDPathFile(identifier, &asked, kPath, nullptr, nullptr) == needed,
-          "without buffer and size the bytes needed are told");
+          "without buffer and size the bytes needed are returned");
   return 0;
 }

@@ -60,7 +60,7 @@ void Check(const Converted<Model>& expected, const Converted<Model>& query, u32 
   const std::vector<Model>& written = expected.written;
   Require(written.empty() || memcmp(out.data(), written.data(), written.size() * sizeof(Out)) == 0,
           "the result is the model's");
-  Require(out.UntouchedFrom(written.size()), "nothing is stored behind the result");
+  Require(out.UntouchedFrom(written.size()), "nothing is stored after the result");
 
   u32 needed = room;
   Require(convert(nullptr, &needed, text) == query.status, "a query's status is the model's");
@@ -132,7 +132,7 @@ void CheckXml(const std::string& bytes, u32 room) {
           "the escaper's size is the model's");
   Require(escaped <= 1, "the escaped flag is 0 or 1");
   Require(expected.written.size() <= room && out.UntouchedFrom(expected.written.size()),
-          "nothing is stored behind the escaped text");
+          "nothing is stored after the escaped text");
   Require(expected.written.empty() ||
               memcmp(out.data(), expected.written.data(), expected.written.size()) == 0,
           "the escaped text is the model's");
@@ -171,11 +171,11 @@ void CheckEscape(const std::string& bytes, u32 room) {
   const u32 status = PXTUnicodeToEscape(out.data(), &size, text.data());
   Require(size == needed, "the size is the one needed, fitting or not");
   Require(status == (needed <= room ? SM_STATUS_SUCCESS : SM_STATUS_BUFFER_TOO_SMALL),
-          "the status tells whether it fits");
+          "the status says whether it fits");
   const bool stored = status == SM_STATUS_SUCCESS;
   Require(!stored || memcmp(out.data(), expected.c_str(), needed) == 0,
           "the backslash text is the model's");
-  Require(out.UntouchedFrom(stored ? needed : 0), "nothing is stored behind the backslash text");
+  Require(out.UntouchedFrom(stored ? needed : 0), "nothing is stored after the backslash text");
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Input: type, identifier, maximum size, user, source, description and data, one a line, then the
-// log. "(null)" stands for a text that is not given, the log "(missing)" for none.
+// log. "(null)" means a text that is not given, the log "(missing)" for none.
 #include <unistd.h>
 
 #include <algorithm>

@@ -60,9 +60,9 @@ endforeach()
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qvxcs/examples
         PATTERN CMakeLists.txt EXCLUDE)
 
-# pkg-config reckons from the file's own place, unless a folder was fixed by an absolute path. Of
-# /usr it has to be told plainly: then it leaves the folders that compilers look into anyway out of
-# their arguments.
+# pkg-config computes the folders from the place of its own file, unless one was set by an absolute
+# path. /usr has to be named, because then pkg-config leaves out the folders that compilers search
+# anyway.
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH up ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" up "${up}")

@@ -16,7 +16,7 @@ namespace {
 constexpr u32 kCacheRoom = 256;
 
 // The product's path never changes, so only its size is kept: 0 while the path is not set. It is
-// read without a lock, because a child of fork might find the lock taken for ever.
+// read without a lock, because a child of fork might find the lock taken forever.
 constinit std::atomic<u32> cachedSize{0};
 
 u32 FillCache() {

@@ -31,7 +31,7 @@ endforeach()
 add_custom_target(test_locales DEPENDS ${made})
 
 # The tests of the program that the filter leaves, once more under a locale of our own. Each is a
-# process of its own as ever, and its name begins with the locale's.
+# own process as usual, and its name begins with the locale's.
 function(qvx_test_under_locale program locale filter)
   gtest_discover_tests(
     ${program}

@@ -11,7 +11,7 @@ namespace qvx {
 
 // Number texts, read as formatted input reads them: leading white space, one sign, digits up to the
 // first character that is no digit. Numbers are scanned wide and the low 32 bits are kept, so that
-// the same text gives the same value on machines whose `long` has 32 bits and on those where it has
+// the same text has the same value on machines whose `long` has 32 bits and on those where it has
 // 64.
 
 // What decides the base: the caller, or the text ("0x" hexadecimal, a leading 0 octal). kHexBase

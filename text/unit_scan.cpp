@@ -46,7 +46,7 @@ bool TurnHasHit(const u8* at, __m128i unit) {
 }
 
 // The first terminator, or with kSeeksUnit the first `unit` before it; `stop`, or a place after it,
-// where neither comes before. The text is at an even address: units lie whole in aligned blocks.
+// where neither comes before. The text is at an even address: units are whole in aligned blocks.
 template <bool kSeeksUnit>
 const ustring* FindAligned(const ustring* text, ustring unit, const ustring* stop) {
   const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));

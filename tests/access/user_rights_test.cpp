@@ -505,7 +505,7 @@ TEST_F(UserRights, AFaultThatWaitsForTheLogHoldsUpNoLogin) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   EXPECT_EQ(logins, 50u);
-  EXPECT_EQ(FaultEntries(), 0u) << "the log is not to be had";
+  EXPECT_EQ(FaultEntries(), 0u) << "the log is not available";
   other.Release();
   login.join();
   faulty.join();

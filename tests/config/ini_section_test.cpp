@@ -166,7 +166,7 @@ TEST_F(IniSectionTest, IsAddedInPlaceWhereAFileIsMounted) {
   EXPECT_EQ(ReadFile(kPath), kText);
 }
 
-// The copy of a file in "/" lies in the working directory.
+// The copy of a file in "/" is in the working directory.
 TEST_F(IniSectionTest, IsAddedInPlaceWhereTheCopyLiesOnAnotherDisk) {
   const SmallDisk disk(8);
   ASSERT_EQ(chdir("/tmp/disk"), 0);

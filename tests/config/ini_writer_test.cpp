@@ -293,7 +293,7 @@ TEST_F(IniWriter, DirectoryThatCannotBeCreatedIsMinusOne) {
 TEST_F(IniWriter, PathWithoutADirectoryUsesTheWorkingDirectory) {
   ASSERT_EQ(mkdir("/tmp/d", 0755), 0);
   ASSERT_EQ(chdir("/tmp/d"), 0);
-  // A directory in the copy's place shows where the copy would lie.
+  // A directory in the copy's place shows where the copy would be.
   ASSERT_EQ(mkdir(kTmpPath, 0755), 0);
   WriteFile("x.ini", "[A]\n");
   EXPECT_EQ(Write("A", "key", "value", "x.ini"), SM_STATUS_FILE_OPEN_FAILED);
@@ -526,7 +526,7 @@ u32 SystemCallsOf(int writes) {
 }
 
 TEST_F(IniWriter, ReplacingAKeyTakesAtMost18SystemCalls) {
-  if (QVX_SANITIZED != 0) GTEST_SKIP() << "a sanitizer makes system calls of its own";
+  if (QVX_SANITIZED != 0) GTEST_SKIP() << "a sanitizer makes its own system calls";
   std::string text = "[A]\n";
   while (text.size() < 7000)
     text += "key" + std::to_string(text.size()) + "=value\n";

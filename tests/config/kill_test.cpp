@@ -82,7 +82,7 @@ TEST_F(Kill, AnUpdatedIniFileIsTheOldOneOrTheNewOne) {
       });
   EXPECT_GE(stops, kFewestStops);
   EXPECT_GE(oldSeen_, kFewestStops / 2);
-  EXPECT_GE(newSeen_, 2u) << "killed behind the rename, and not at all";
+  EXPECT_GE(newSeen_, 2u) << "killed after the rename, and not at all";
 }
 
 TEST_F(Kill, ADeletedIniKeyIsThereOrGone) {

@@ -15,7 +15,7 @@ mv "$folder/stage/usr" "$folder/moved"
 moved=$folder/moved
 
 links=$(readlink "$moved/$libraries/libqvxcs.so" "$moved/$libraries/libqvxcs.so.$major" | xargs)
-[ "$links" = "libqvxcs.so.$major libqvxcs.so.$version" ] || fail "libqvxcs.so leads to: $links"
+[ "$links" = "libqvxcs.so.$major libqvxcs.so.$version" ] || fail "libqvxcs.so points to: $links"
 [ "$(ls "$moved/include")" = qvxcs ] || fail "headers of others are installed: $(ls "$moved/include")"
 diff <(ls include/qvxcs) <(ls "$moved/include/qvxcs") || fail "not the public headers"
 if grep -rFl "$PWD" "$moved"; then
@@ -33,7 +33,7 @@ run() { # WHAT PROGRAM [ENVIRONMENT ...]
 
 # The folder of the .pc file alone: a library that the machine has installed is not looked at.
 export PKG_CONFIG_LIBDIR=$moved/$libraries/pkgconfig
-[ "$(pkg-config --modversion qvxcs)" = "$version" ] || fail "pkg-config tells another version"
+[ "$(pkg-config --modversion qvxcs)" = "$version" ] || fail "pkg-config reports another version"
 pkg-config --atleast-version="$major.$minor" qvxcs
 if pkg-config --atleast-version="$major.$((minor + 1))" qvxcs; then
   fail "pkg-config takes $version for $major.$((minor + 1))"

@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
 # Builds the library over an installed support library instead of the bundled one, and tests what
-# stands on that. Takes minutes: it builds all anew.
+# uses that. Takes minutes: it builds all anew.
 # shellcheck source-path=SCRIPTDIR
 . "$(dirname "$0")/common.sh"
 

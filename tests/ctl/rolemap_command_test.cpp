@@ -31,7 +31,7 @@ class CtlRolemap : public ::testing::Test {
     test::AddUser("bob", 7002, 7101, test::Hash("Builder-2"));
   }
 
-  // The answer to a draft of root's, mode 0640.
+  // The output for a draft that root owns, mode 0640.
   static Answer Check(const std::string& text) {
     WriteFile(kDraft, text);
     EXPECT_EQ(chmod(kDraft, 0640), 0);

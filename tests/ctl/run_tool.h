@@ -21,7 +21,7 @@
 
 #include "support/files.h"
 
-// Runs the built qvxctl and gives what an operator sees of it.
+// Runs the built qvxctl and returns what an operator sees of it.
 namespace qvx::test {
 
 struct Answer {
@@ -39,7 +39,7 @@ inline void PrintTo(const Answer& answer, std::ostream* stream) {
 
 using Words = std::vector<std::string>;
 
-// The sandbox has no terminals of its own.
+// The sandbox has no terminals.
 inline void MakeTerminals() {
   RequireSandbox();
   if (mkdir("/dev/pts", 0755) != 0) return;
@@ -152,7 +152,7 @@ class RunningTool {
       count += character == '\n' ? 1 : 0;
     return count;
   }
-  // False at the end; a terminal whose other side has gone answers with EIO.
+  // False at the end; a terminal whose other side is closed fails with EIO.
   static bool Take(int descriptor, std::string* text) {
     char piece[65536];
     const ssize_t got = read(descriptor, piece, sizeof(piece));

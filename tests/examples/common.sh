@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
-# What the tests of the examples share. Each runs in a sandbox of its own, sources this file, runs
+# What the tests of the examples share. Each runs in its own sandbox, sources this file, runs
 # its program and ends with finish, whose exit status is 0 only if all came out as it should.
 set -euo pipefail
 

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
-# Users, groups and a role map for the examples that tell who may do what.
+# Users, groups and a role map for the examples that show who may do what.
 good='open sesame'
 hash=$(openssl passwd -6 -salt qvxdemo "$good")
 today=$(($(date +%s) / 86400))

@@ -43,7 +43,7 @@ int OpenDescriptors() {
   return count;
 }
 
-// What a case may leave behind is seen when it ends.
+// What a case may leave is seen when it ends.
 class Attached {
  public:
   Attached() {
@@ -167,7 +167,7 @@ u32 UntilTold(u32) {
   return 0;
 }
 
-// ThreadSanitizer takes a join that is cancelled for a fault of its own bookkeeping.
+// ThreadSanitizer reports a cancelled join as a fault, because of its own bookkeeping.
 QVX_ALONE(Cancel, WaitingForAThreadMayBeCancelled) {
 #ifdef __SANITIZE_THREAD__
   GTEST_SKIP();

@@ -236,7 +236,7 @@ int WorkUntil(steady_clock::time_point end, u32 worker) {
   return round;
 }
 
-// Eight threads of one of the processes; what each of them did is written to a file of its own.
+// Eight threads of one of the processes; what each of them did is written to its own file.
 int WorkInThreads(u32 process, steady_clock::time_point end) {
   std::atomic<int> faults = 0;
   InThreads(8, [&faults, process, end](u32 thread) {
@@ -286,7 +286,7 @@ QVX_ALONE(Threads, FourProcessesOfEightThreadsLoseNothingAndNoCallFails) {
 
 // The parent's threads write while it forks; each child writes, locks and exits as a host does.
 QVX_ALONE(Threads, ChildrenOfAProcessWhoseThreadsWriteDoTheirWorkAndExit) {
-  // A sanitizer keeps locks of its own over a fork, which the child may find taken.
+  // A sanitizer keeps its own locks over a fork, which the child may find taken.
   if (QVX_SANITIZED != 0) GTEST_SKIP();
   Start();
   const std::string path = InFolder("parent.ini");

@@ -146,7 +146,7 @@ void* Called(const char* name, void* linked) {
   return address;
 }
 
-/* The version script holds one name a line, with a semicolon behind it. */
+/* The version script has one name on a line, followed by a semicolon. */
 static void CheckThatAllWereCalled(const char* map) {
   char line[256];
   size_t names = 0;

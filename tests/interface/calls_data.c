@@ -65,7 +65,7 @@ static void CallExportContext(void) {
   EXPECT_EQ(CALL(PXTDisableLongFileNames)(), 0);
 }
 
-/* Entries hold a key and a letter that tells equal keys apart. */
+/* Entries hold a key and a letter that distinguishes equal keys. */
 typedef struct Payload {
   s32 key;
   char letter;
@@ -82,7 +82,7 @@ static s32 DCompare(PXTDLListEntry* new, PXTDLListEntry* present) {
   return ((Payload*)new->data)->key - ((Payload*)present->data)->key;
 }
 
-/* The letters from the head and, behind a slash, from the tail. */
+/* The letters from the head and, after a slash, from the tail. */
 static const char* DOrder(const PXTDLList* list) {
   static char order[32];
   char* to = order;
@@ -144,7 +144,7 @@ static s32 SCompare(PXTSLListEntry* new, PXTSLListEntry* present) {
   return ((Payload*)new->data)->key - ((Payload*)present->data)->key;
 }
 
-/* The letters from the head and, behind a slash, the tail's. */
+/* The letters from the head and, after a slash, the tail's. */
 static const char* SOrder(const PXTSLList* list) {
   static char order[32];
   char* to = order;

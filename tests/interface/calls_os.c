@@ -67,7 +67,7 @@ static void CallLibraries(void) {
   EXPECT(other.path == NULL);
 }
 
-/* A recorder stands in for the system's program. */
+/* A recorder replaces the system's program. */
 static void CallShutdown(void) {
   static const char kRecord[] = "/run/shutdown.record";
   static const struct {

@@ -51,7 +51,7 @@ static void CallOem(void) {
   EXPECT_OWN(CALL(PXTGetOEMADSchemaPrefix)(), "acme");
 }
 
-/* A recorder stands in for the service's command. */
+/* A recorder replaces the service's command. */
 static void CallWebServer(void) {
   s32 code = 77;
   setenv("PATH", "/usr/sbin:/usr/bin:/sbin:/bin", 1);

@@ -36,7 +36,7 @@ class LoadedHostName : public testing::Test {
   }
 };
 
-// The domain name that the library gives after the system's was set; "(null)" for none.
+// The domain name that the library returns after the system's was set; "(null)" for none.
 std::string DomainAfter(const std::string& set) {
   qvx::test::RequireSandbox();
   EXPECT_EQ(setdomainname(set.data(), set.size()), 0);

@@ -41,7 +41,7 @@ constexpr u32 kSlot = 65;
 const char* commandBeforeReading = nullptr;
 int readingsUntilCommand = 0;
 
-// What the next reading gives in place of the system's list: a block of the heap, or none.
+// What the next reading returns instead of the system's list: a heap block, or none.
 bool givesSubstitute = false;
 ifaddrs* substitute = nullptr;
 

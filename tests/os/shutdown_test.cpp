@@ -22,7 +22,7 @@ namespace {
 
 constexpr char kRecord[] = "/run/shutdown.record";
 
-// This program stands in for the system's and, run by its name, writes down its arguments.
+// This program replaces the system's and, run by its name, writes down its arguments.
 __attribute__((constructor)) void RecordShutdown(int count, char** arguments) {
   if (strcmp(arguments[0], "shutdown") != 0) return;
   qvx::test::RequireSandbox();

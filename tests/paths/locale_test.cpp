@@ -53,7 +53,7 @@ TEST(Locale, EnvironmentDoesNotChangeTheLocale) {
   EXPECT_EQ(Text(PXTGetOSLocaleName()), "en_US");
 }
 
-// An environment that cannot be read ends whoever looks at it.
+// An environment that cannot be read: looking at it ends the process.
 TEST(Locale, NoCallLooksAtTheEnvironment) {
   char** const kept = environ;
   test::GuardBuffer<char*> unreadable(0);

@@ -76,7 +76,7 @@ TEST(ProductPaths, TempDirectoryHiddenByAFileIsNull) {
   EXPECT_EQ(PXTGetIWSTempDirPath(), nullptr);
 }
 
-// The allocations are counted, so that the path that another rests on is seen to be asked for.
+// The allocations are counted, which shows that a path is read on which another is built.
 TEST(ProductPaths, AreNullWheneverAnAllocationFails) {
   const struct {
     astring* (*call)();

@@ -36,7 +36,7 @@ void MakeProgram(const std::string& path, const std::string& action) {
   ASSERT_EQ(chmod(path.c_str(), 0755), 0);
 }
 
-// Recorders in the place of both commands. What stands under /etc/os-release is private.
+// Recorders in the place of both commands. /etc/os-release is private to the test.
 void MakeHost(bool systemd, const std::string& action = "exit 0\n") {
   test::RequireSandbox();
   (void)mkdir("/etc/init.d", 0755);

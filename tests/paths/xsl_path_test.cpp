@@ -29,7 +29,7 @@ std::string Text(astring* text) {
   return text == nullptr ? "(null)" : text;
 }
 
-// Makes an empty file below the product's directory, and the directories that it lies in.
+// Makes an empty file below the product's directory, and the directories that contain it.
 void MakeSheet(const std::string& name) {
   test::RequireSandbox();
   const std::string path = kBase + "/" + name;

@@ -10,7 +10,7 @@
 #include "qvxcs/types.h"
 
 // Slow, obvious models of the growable strings, the hex dump and the small edits of 8-bit text:
-// a record is a vector that remembers what block it would stand in. A null text is nothing.
+// a record is a vector that remembers the size of its block. A null text is nothing.
 namespace qvx::test {
 
 using ModelUnits = std::vector<u32>;
@@ -23,7 +23,7 @@ class ModelRecord {
  public:
   explicit ModelRecord(u64 unitBytes) : unitBytes_(unitBytes) {}
 
-  // Whether the call gives a text.
+  // Whether the call returns a text.
   bool Alloc(u32 capacity);
   void Free();
   bool Append(const std::optional<ModelUnits>& text);

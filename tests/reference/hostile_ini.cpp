@@ -93,7 +93,7 @@ std::string HostileIni::ValueText(s32 type) {
       {"v", "value", "", " v ", "a=b", "=", "[A]", "#no", "v\r", "\xFF\x80", "]", "abcdef"});
 }
 
-// A line at one of the lengths where a room ends; what lies behind a read looks like a line.
+// A line at one of the lengths where a room ends; what follows a read looks like a line.
 std::string HostileIni::Stretched(const std::string& line) {
   const size_t limit = OneIn(3) ? 256 : OneIn(2) ? 8449 : 8195;
   const size_t length = limit + Below(5) - 3;

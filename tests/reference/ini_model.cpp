@@ -60,7 +60,7 @@ std::string NameInBrackets(const std::string& piece) {
 
 struct Search {
   u32 status;
-  size_t behind;  // the piece behind the header
+  size_t behind;  // the piece after the header
 };
 
 Search FindSection(const Pieces& pieces, const std::string& section) {

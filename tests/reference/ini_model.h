@@ -18,7 +18,7 @@ using IniFile = std::optional<std::string>;
 // A file as line by line reading sees it: each piece with its line end, 8,449 bytes at most.
 std::vector<std::string> ModelIniPieces(const std::string& file);
 
-// What a reader is asked. `size` is the room; `standIn` the bytes of the default.
+// The arguments of a reader. `size` is the room; `standIn` the bytes of the default.
 struct IniQuestion {
   std::optional<std::string> section;
   std::optional<std::string> key;
@@ -27,7 +27,7 @@ struct IniQuestion {
   std::optional<std::string> standIn = {};
 };
 
-// What it answers: the bytes that the room now begins with (all behind them is as it was), and the
+// What it returns: the bytes that the room now begins with (all after them is as it was), and the
 // size. A 32-bit number from beyond 64 bits may have any value.
 struct IniAnswer {
   u32 status = 0;
@@ -46,7 +46,7 @@ struct IniChange {
   s32 size = 0;
 };
 
-// What it leaves: the file, whether its mode has been set, whether its copy lies beside it.
+// What it leaves: the file, whether its mode has been set, whether its copy is beside it.
 struct IniOutcome {
   u32 status = 0;
   IniFile file = {};

@@ -15,7 +15,7 @@ bool IsBlank(char each) { return std::string(" \t\r\n").find(each) != std::strin
 // What is seen of a line: its text up to the first NUL.
 std::string Seen(const std::string& line) { return line.substr(0, line.find('\0')); }
 
-// Everything up to the first character behind "=" that is no blank, without its blanks outside
+// Everything up to the first character after "=" that is no blank, without its blanks outside
 // quotes, and then the rest as it is.
 std::string WithoutLeadingBlanks(const std::string& line) {
   size_t end = line.find('=') + 1;
@@ -152,7 +152,7 @@ std::string HostileKeyValues::Value() {
   }
 }
 
-// Lines whose length, or that of a part, lies at a border.
+// Lines whose length, or the length of a part, is at a limit.
 std::string HostileKeyValues::LongLine() {
   const u32 lengths[] = {254, 255, 256, 257, 8447, 8448, 8449, 8450, 8451, 16898, 16899};
   const size_t length = lengths[Below(11)];

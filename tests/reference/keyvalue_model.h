@@ -17,7 +17,7 @@ namespace qvx::test {
 
 using ModelKeyValue = std::pair<std::string, std::string>;
 
-// The lines as they are read: each ends behind its line end or after 8,449 characters.
+// The lines as they are read: each ends after its line end or after 8,449 characters.
 std::vector<std::string> ModelKeyValueLines(const std::string& file);
 // A line up to its first NUL; where it has a "=", without the blanks that do not count and without
 // its quotes.
@@ -33,7 +33,7 @@ struct ModelKeyValueFile {
   u32 status;
   std::string text;
 };
-// The file after a pair has been put in place of an occurrence, or behind the last.
+// The file after a pair has been put in place of an occurrence, or after the last.
 ModelKeyValueFile ModelSetKeyValue(const std::string& file, const ModelKeyValue& pair, u32 index);
 
 // Files and pairs that look for trouble, the same on every run.
@@ -43,7 +43,7 @@ class HostileKeyValues {
   u32 Below(u32 limit) { return static_cast<u32>(next_() % limit); }
   std::string File();
   std::string Line();
-  // Keys that stand in the files, and others. None holds a 0.
+  // Keys that occur in the files, and others. None holds a 0.
   std::string Key();
   std::string Value();
 

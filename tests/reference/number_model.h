@@ -16,7 +16,7 @@ u32 ModelIsInteger(const std::string& text, bool allowSign);
 u32 ModelIsHex(const std::string& text, bool lowerCase);
 u32 ModelIsOctal(const std::string& text);
 
-// The digits behind white space and one of the given signs, weighed by powers of ten; what exceeds
+// The digits after white space and one of the given signs, weighed by powers of ten; what exceeds
 // 64 bits is lost.
 u64 ModelDecimal64(const std::string& text, const std::string& signs);
 

@@ -23,7 +23,7 @@ ModelEntry ModelParamValue(const ModelEntry& entry);
 s32 ModelParamIndex8(s32 count, const std::vector<ModelEntry>& entries, const std::u32string& name,
                      booln ignoreCase);
 
-// By pairs of units, over twice the name's length: behind the terminators of the search name and
+// By pairs of units, over twice the name's length: after the terminators of the search name and
 // of each entry the units of `behind` are read.
 s32 ModelParamIndex16(s32 count, const std::vector<ModelEntry>& entries, const std::u32string& name,
                       const std::u32string& behind, booln ignoreCase);

@@ -44,7 +44,7 @@ ModelRoleReading ModelReadRoles(const std::string& file, size_t from = 0);
 // The text's entries, or a fault.
 ModelRoleFault ModelParseRoles(ModelRoleRecord* record);
 std::vector<ModelRoleRecord> ModelDefaultRoles();
-// The record that gives a plain user the same host again.
+// The record that names the same host for a plain user again.
 ModelRoleFault ModelRoleConflict(const std::vector<ModelRoleRecord>& records);
 
 struct ModelMachine {

@@ -62,7 +62,7 @@ u32 LeadingOnes(u32 byte) {
   return ones;
 }
 
-// The code point at `at`, which moves behind it; nothing when it is malformed.
+// The code point at `at`, which moves past it; nothing when it is malformed.
 std::optional<u64> Decode(const std::vector<u8>& bytes, size_t* at) {
   const u32 lead = bytes[*at];
   const u32 ones = LeadingOnes(lead);

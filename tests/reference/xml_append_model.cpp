@@ -93,7 +93,7 @@ bool ModelLogFiles::IsFolder(const std::string& path) const {
   return node != nodes.end() && node->second.isFolder;
 }
 
-// One level is made, no more.
+// Only one level is made.
 bool ModelLogFiles::MakeFolderOf(const std::string& path) {
   const std::string folder = path.substr(0, path.rfind('/'));
   if (IsFolder(folder)) return true;

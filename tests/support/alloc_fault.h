@@ -23,7 +23,7 @@ class FailNthAllocation {
 };
 
 // Calls `call` with its first, second, ... allocation failing until none fails any more; `check`
-// sees each result that came back with a failed allocation. Gives the number of allocations met.
+// sees each result that came back with a failed allocation. Returns the number of allocations.
 template <typename Call, typename Check>
 u32 FailEachAllocation(Call call, Check check) {
   for (u32 nth = 1;; ++nth) {

@@ -40,7 +40,7 @@ inline void FreshFolders() {
   close(open("/run/qvx-sandbox", O_CREAT | O_WRONLY | O_CLOEXEC, 0644));
 }
 
-// Runs the body of a case in a process and over folders of its own: an image of the library is
+// Runs the body of a case in its own process and over its own folders: an image of the library is
 // attached for the first time only once.
 inline void RunAlone(void (*body)()) {
   RequireSandbox();

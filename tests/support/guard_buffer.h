@@ -14,8 +14,8 @@
 
 namespace qvx::test {
 
-// Room for `count` elements that ends at a page nobody may touch: one element too many faults. What
-// lies before it is filled with kGuard, and the room too, so that untouched bytes can be told.
+// Room for `count` elements that ends at a page nobody may touch: one element too many faults. The
+// room and what is before it are filled with kGuard, so that untouched bytes can be recognised.
 template <typename T>
 class GuardBuffer {
  public:

@@ -9,7 +9,7 @@ namespace qvx::test {
 // without a NUL, as POSIX allows.
 void CutHostNamesSilently();
 
-// From here to the end of this process the system gives no host name.
+// From here to the end of this process the system returns no host name.
 void RefuseHostNames();
 
 }  // namespace qvx::test

@@ -17,7 +17,7 @@ namespace qvx::test {
 inline constexpr int kKilled = -1;
 
 // Runs `body` in another process that stops before and after each of its system calls, where `look`
-// is asked whether it goes on. Gives the process's exit status, or kKilled when `look` said no.
+// decides whether it goes on. Returns the process's exit status, or kKilled when `look` said no.
 template <typename Body, typename Look>
 int RunStepwise(Body body, Look look) {
   const pid_t child = fork();
@@ -25,7 +25,7 @@ int RunStepwise(Body body, Look look) {
     if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0 || raise(SIGSTOP) != 0) {
       _exit(9);
     }
-    // Not _exit, which writes the counts of a coverage build: thousands of stops more.
+    // Not _exit, which in a coverage build writes the counts: thousands of additional stops.
     _Exit(body());
   }
   int status = 0;
@@ -46,8 +46,8 @@ int RunStepwise(Body body, Look look) {
   return WEXITSTATUS(status);
 }
 
-// Runs `work` in another process that is killed at its n-th stop. Gives whether it was killed; a
-// process that comes to its end must have been told `true` by its work.
+// Runs `work` in another process that is killed at its n-th stop. Returns whether it was killed;
+// in a process that finishes, `work` must have returned `true`.
 template <typename Work>
 bool KilledAtStop(u32 nth, Work work) {
   u32 stop = 0;
@@ -59,8 +59,8 @@ bool KilledAtStop(u32 nth, Work work) {
   return status == kKilled;
 }
 
-// Kills `work` at its first, second, ... stop until it finishes: `prepare` comes before each of its
-// runs and `check` behind it. Gives the number of stops met.
+// Kills `work` at its first, second, ... stop until it finishes: `prepare` runs before each
+// attempt and `check` after it. Returns the number of stops.
 template <typename Prepare, typename Work, typename Check>
 u32 KillAtEachStop(Prepare prepare, Work work, Check check) {
   for (u32 nth = 1;; ++nth) {

@@ -5,7 +5,7 @@
 
 namespace qvx::test {
 
-// The next dlerror of this process gives an error, as if an earlier call had left it.
+// The next dlerror of this process returns an error, as if an earlier call had left it.
 void LeaveLoaderError();
 
 }  // namespace qvx::test

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-// The C library loses a list of its own for each locale that it finds in LOCPATH.
+// The C library leaks one of its lists for each locale that it finds in LOCPATH.
 extern "C" const char* __lsan_default_suppressions() { return "leak:argz_add_sep\n"; }
 
 namespace {

@@ -15,7 +15,7 @@
 
 namespace qvx::test {
 
-// Runs `body` in a child process and gives its exit status; 256 + the signal when one ended it.
+// Runs `body` in a child process and returns its exit status; 256 + the signal when one ended it.
 template <typename Body>
 int InChild(Body body) {
   const pid_t child = fork();
@@ -31,7 +31,7 @@ int InChild(Body body) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status);
 }
 
-// Whether another process could take the suite's file lock now. Another one is asked, because
+// Whether another process could take the suite's file lock now. Another process tries it, because
 // closing any descriptor of the lock file ends this one's hold.
 inline bool LockIsFree() {
   return InChild([] {
@@ -45,7 +45,7 @@ inline bool LockIsFree() {
 }
 
 // Another process that holds an exclusive record lock over a whole file, the suite's lock file if
-// no other is named, from construction to Release() or Kill(), or for as long as it is told.
+// no other is named, from construction to Release() or Kill(), or for the given time.
 class LockHolder {
  public:
   explicit LockHolder(const char* path = kIPCFilePath, unsigned microseconds = 0) {

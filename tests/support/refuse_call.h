@@ -59,7 +59,7 @@ inline int NextDescriptor() {
   return next;
 }
 
-// Takes the descriptor away from whoever opens a file later in this process; gives whether it was
+// Takes the descriptor, so that nobody else in this process gets it; returns whether it was
 // free, that is, whether the refused call's file had been closed.
 inline bool TakeDescriptor(int descriptor) {
   return open("/dev/null", O_RDONLY | O_CLOEXEC) == descriptor;

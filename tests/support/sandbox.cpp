@@ -3,10 +3,10 @@
 
 // sandbox PROGRAM [ARGUMENT ...]
 //
-// Enters mount, UTS, IPC and network namespaces of its own, lays private, writable copies over the
+// Enters new mount, UTS, IPC and network namespaces, lays private, writable copies over the
 // folders that the library and its tests write to, and becomes the program. The machine outside
-// sees nothing of it. The file /run/qvx-sandbox tells the program where it is. A build for another
-// machine than this one brings a root of its own, which is entered first, and maybe an emulator.
+// sees nothing of it. The file /run/qvx-sandbox shows the program where it is. A build for another
+// machine than this one brings its own root, which is entered first, and maybe an emulator.
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -133,7 +133,7 @@ void Enter() {
         "unshare (needs root, in a container --privileged)");
   Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr),
         "/ (a chroot must be a mount: bind it over itself first)");
-  // The sources and the build folder may lie in one of the folders that are about to be covered.
+  // The sources and the build folder may be in one of the folders that are about to be covered.
   const int source = OpenFolder(QVX_SOURCE_DIR);
   const int build = OpenFolder(QVX_BUILD_DIR);
   EnterRoot(build);

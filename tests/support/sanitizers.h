@@ -4,7 +4,7 @@
 #define QVX_TESTS_SUPPORT_SANITIZERS_H
 
 // 1 in a build with a sanitizer, whose heap is not the C library's and which makes system calls of
-// its own. g++ and clang++ tell it differently.
+// its own. g++ and clang++ show it differently.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define QVX_SANITIZED 1
 #elif defined(__has_feature)

@@ -82,7 +82,7 @@ class RightsWatch {
 };
 
 // Runs `work` in another process under umask 0, which is watched before and after each of its
-// system calls; `work` gives whether it succeeded.
+// system calls; `work` returns whether it succeeded.
 template <typename Work>
 RightsWatch WatchRights(const std::string& directory, Work work) {
   RightsWatch watch(directory);

@@ -29,7 +29,7 @@ struct Replaced {
   std::string text;
 };
 
-// Replaces into exactly `room` bytes in which `standing` stands.
+// Replaces into exactly `room` bytes, which already hold `standing`.
 Replaced Replace(const astring* text, const astring* find, const astring* replace, u32 room,
                  const std::string& standing = "") {
   GuardBuffer<astring> out(room);

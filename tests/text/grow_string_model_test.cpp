@@ -389,7 +389,7 @@ std::string FewLetters(HostileTexts& texts, u32 longest) {
   return text;
 }
 
-// What stands in the room beforehand: mostly a text, else bytes without an end.
+// What the room holds beforehand: mostly a text, otherwise bytes without an end.
 std::string StandingRoom(HostileTexts& texts, u32 size) {
   std::string room(size, '.');
   if (size != 0 && texts.Below(4) != 0) room[texts.Below(size)] = '\0';

@@ -33,7 +33,7 @@ class Model {
     }
     return greatest;
   }
-  // The next identifier behind the cursor, which is moved to it.
+  // The next identifier after the cursor, which is moved to it.
   u32 Next(u32* word, u32* bit) const {
     for (const u32 id : used_) {
       const u32 idWord = id / 32;

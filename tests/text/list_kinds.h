@@ -95,7 +95,7 @@ s32 CompareKeys(Entry* newEntry, Entry* listEntry) {
   return (KeyOf(newEntry) - KeyOf(listEntry)) * 7;
 }
 
-// A list and the entries made for it, which it gives back.
+// A list and the entries made for it, which it frees.
 template <typename Kind>
 class ListOf {
  public:

@@ -72,7 +72,7 @@ void DirtyHeap(size_t bytes) {
 
 // Sixteen units have room for seventeen bytes, and the locale's decimal point takes two of them:
 // the text fills the room, and what ends it is the zero byte after the room. The heap keeps its own
-// marks in the first sixteen bytes of a free block, so the nines stand behind those.
+// marks in the first sixteen bytes of a free block, so the nines come after those.
 TEST(NumberLocale, ATextThatFillsItsRoomEndsWithTheZeroByteAfterIt) {
   const LocaleGuard locale(test::kWidePoint);
   ASSERT_TRUE(locale);

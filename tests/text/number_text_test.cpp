@@ -363,7 +363,7 @@ TEST(NumberText, DoubleIsCutToTheLengthOfTheStandingTextMinusOne) {
   EXPECT_EQ(DoubleOver("..........", 1.5), "1.5000000");
   EXPECT_EQ(DoubleOver(".....", 1.5), "1.50");
   EXPECT_EQ(DoubleOver(".", 1.5), "");
-  EXPECT_EQ(DoubleOver("..........", 1.7e308), "169999999");  // the nearest double lies below
+  EXPECT_EQ(DoubleOver("..........", 1.7e308), "169999999");  // the nearest double is lower
 }
 
 TEST(NumberText, AnEmptyBufferReceivesNoDouble) { EXPECT_EQ(DoubleOver("", 1.5), ""); }

@@ -99,7 +99,7 @@ class Vector {
   Unit** entries() { return pointers_.data(); }
   Unit* at(size_t index) { return pointers_[index]; }
 
-  // Where each text stands, as a whole with its terminator.
+  // Where each text is, with its terminator.
   std::u32string Whole(size_t index) {
     const GuardBuffer<Unit>& room = *rooms_[index];
     std::u32string text;
@@ -181,7 +181,7 @@ TEST(ParamVectorModel, ModelFindsAsItsWorkedExamples) {
   EXPECT_EQ(ModelParamIndex8(4, entries, U"=", 0), -1);
 }
 
-// Units that follow the texts do not help: under the entry's "=" stands the name's terminator.
+// Units that follow the texts do not help: the name's terminator is compared with the entry's "=".
 TEST(ParamVectorModel, ModelFindsNoWideEntry) {
   EXPECT_EQ(ModelParamIndex16(1, {U"a=b"}, U"a", U"b", 0), -1);
   EXPECT_EQ(ModelParamIndex16(1, {U"ab=ab="}, U"ab", U"ab", 1), -1);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Text functions keep nothing between calls: eight threads, each with buffers of its own, get what
+// Text functions keep nothing between calls: eight threads, each with its own buffers, get what
 // one gets.
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ namespace {
 constexpr u32 kThreads = 8;
 constexpr u32 kTurns = 300;
 
-// A text that tells the threads apart, with markup, two- and three-byte characters.
+// A text that differs from thread to thread, with markup, two- and three-byte characters.
 std::string TextOf(u32 thread) {
   return std::string(thread + 1, static_cast<char>('a' + thread)) + "<\xC3\xA4 & \xE2\x82\xAC>";
 }

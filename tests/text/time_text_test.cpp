@@ -25,7 +25,7 @@ class TimeText : public testing::Test {
   void SetUp() override { SetZone("UTC0"); }
 };
 
-// The text, in room that ends right behind it.
+// The text, in room that ends right after it.
 std::string TextOf(s64 time, size_t room) {
   GuardBuffer<astring> out(room);
   EXPECT_EQ(qvx::TimeToAStr(out.data(), static_cast<time_t>(time)), 0) << time;

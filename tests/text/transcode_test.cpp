@@ -120,7 +120,7 @@ TEST(Transcode, AnEmptyTextIsItsTerminator) {
 }
 
 TEST(Transcode, AFullBufferPutsTheTerminatorPastIt) {
-  // The room ends where nobody may write, one element behind the size.
+  // The room ends where nobody may write, one element after the size.
   const ustring units[] = {'a', 0xE9, 0};
   test::GuardBuffer<astring> bytes(4);
   u32 size = 3;
@@ -327,12 +327,12 @@ TEST(Transcode, TheExportedConverterOfCodePointsIsThisOne) {
 
 constexpr u32 kInputs = 5000;
 
-// Runs the converter with `room` elements offered and one more behind them, and compares status,
+// Runs the converter with `room` elements offered and one more after them, and compares status,
 // size, what was stored and what was left untouched.
 template <typename To, typename From, typename Convert>
 void ExpectLikeTheModel(Convert convert, const std::vector<From>& text, u32 room,
                         const std::vector<To>& written, u32 status, u64 sizeAfter) {
-  test::GuardBuffer<From> input(text.size());  // nothing readable behind the terminator
+  test::GuardBuffer<From> input(text.size());  // nothing readable after the terminator
   std::copy(text.begin(), text.end(), input.data());
   test::GuardBuffer<To> output(size_t{room} + 1);
   u32 size = room;

@@ -73,7 +73,7 @@ TEST(UniNumber, TextThatTheLocaleCannotHoldIsZero) {
 TEST(UniNumber, WhatFitsIsReadAndAFaultBehindItIsNotSeen) {
   ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
   // Four units have room for five bytes: the euro sign takes the last three, and the lone surrogate
-  // behind it, which cannot be converted, is never reached.
+  // after it, which cannot be converted, is never reached.
   const ustring beyond[] = {'1', '2', 0x20AC, 0xD800, 0};
   EXPECT_EQ(qvx::UniToSigned32(beyond), 12);
   EXPECT_EQ(qvx::UniToDouble(beyond), 12.0);
@@ -156,7 +156,7 @@ TEST(UniNumber, TheGreatestDoublesHaveRoom) {
   EXPECT_EQ(qvx::UniDoubleToStr(out.data(), &size, 1.7e308, 20), 0);
   EXPECT_EQ(size, 662u);
   EXPECT_EQ(Narrow(out.data()).size(), 330u);
-  EXPECT_EQ(Narrow(out.data()).substr(0, 3), "169");  // the nearest double lies just below 1.7e308
+  EXPECT_EQ(Narrow(out.data()).substr(0, 3), "169");  // the nearest double is just below 1.7e308
 }
 
 TEST(UniNumber, ANegativePrecisionAndANullSizeChangeNothing) {

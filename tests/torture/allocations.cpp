@@ -15,7 +15,7 @@ struct Point {
   bool warm;
 };
 
-// Gives "reached" where the allocation was met, which is no fault, in front of what is wrong.
+// Returns "reached", which is no fault, if the allocation took place, and then what is wrong.
 std::string Try(const Point& point) {
   const Scene& scene = *point.scene;
   if (point.warm) {
@@ -31,7 +31,7 @@ std::string Try(const Point& point) {
   FailNoAllocation();
   if (!AllocationFailed()) return "";
   const std::string reached = "reached";
-  // The C library may give up a block of its own, such as its copy of TZ.
+  // The C library may release one of its own blocks, such as its copy of TZ.
   if (point.warm && scene.again && LiveBlocks() > held) {
     return reached + "blocks: " + std::to_string(held) + " before, " +
            std::to_string(LiveBlocks()) + " after";

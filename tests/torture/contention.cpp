@@ -17,7 +17,7 @@ constexpr char kLog[] = "/tmp/torture/shared.xml";
 constexpr char kIni[] = "/tmp/torture/shared.ini";
 constexpr qvx_u32 kRoomy = 0x7FFFFFFF;
 
-// Runs `body(0)` to `body(count - 1)` in processes; gives how many did not leave with 0.
+// Runs `body(0)` to `body(count - 1)` in processes; returns how many did not exit with 0.
 template <typename Body>
 unsigned InProcesses(unsigned count, Body body) {
   (void)fflush(nullptr);

@@ -30,7 +30,7 @@ class SmallDisk {
   SmallDisk& operator=(const SmallDisk&) = delete;
 };
 
-// Fills the disk but for so many pages.
+// Fills the disk except for so many pages.
 void Fill(unsigned pages) {
   const int file = open(kFiller, O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
   static const std::string kPage(4096, 'x');
@@ -53,7 +53,7 @@ void Limit(__rlimit_resource what, rlim_t value) {
   (void)setrlimit(what, &limit);
 }
 
-// `spoil` and `mend` stand around the call; `done` tells whether it succeeded.
+// `spoil` runs before the call and `mend` after it; `done` says whether it succeeded.
 template <typename Spoil, typename Mend>
 std::string Try(const Scene& scene, const std::string& options, Spoil spoil, Mend mend,
                 bool* done) {

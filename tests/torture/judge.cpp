@@ -39,7 +39,7 @@ unsigned Count(const std::string& text, const char* word) {
   return count;
 }
 
-// Another process is asked: closing a descriptor of the lock file would end this one's hold.
+// Another process tries it: closing a descriptor of the lock file would end this one's hold.
 bool LockIsFree() {
   const pid_t child = fork();
   if (child == 0) {

@@ -27,13 +27,13 @@ enum class Then { kGoOn, kKill };
 void Begin();
 void End();
 
-// Instead of the call nothing is done: it fails with `error` (0: it gives 0).
+// Instead of the call nothing is done: it fails with `error` (0: it returns 0).
 void Refuse(const Stop& stop);
 void SetResult(const Stop& stop, long result);
 // A write writes less.
 void SetSize(const Stop& stop, unsigned long size);
 
-// Runs `body` in a child until it ends or `look` says to kill it. Gives what the child said was
+// Runs `body` in a child until it ends or `look` says to kill it. Returns what the child said was
 // wrong; `killed` is set where it was killed.
 std::string Step(const std::function<std::string()>& body,
                  const std::function<Then(const Stop&)>& look, bool* killed);
@@ -41,8 +41,8 @@ std::string Step(const std::function<std::string()>& body,
 // Whether the library itself makes such a call for its files.
 bool IsFileCall(unsigned number);
 bool IsWrite(unsigned number);
-// Whether the call asks which file the lock's descriptor is, or gives the lock back. Both fail on
-// no real system, and what they guard cannot be told then.
+// Whether the call asks which file the lock's descriptor is, or releases the lock. Both fail on
+// no real system, and what they guard cannot be seen then.
 bool IsAboutTheLock(const Stop& stop);
 
 }  // namespace qvx::torture

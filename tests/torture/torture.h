@@ -14,7 +14,7 @@
 // judges what is left. They see the built library only, as a host does.
 namespace qvx::torture {
 
-// Where the scenes' files lie; a part may mount a disk of its own over it.
+// Where the scenes' files are; a part may mount its own disk over it.
 inline constexpr char kPlace[] = "/tmp/torture";
 
 enum class Kind {
@@ -69,7 +69,7 @@ class Judge {
   int descriptors_;
 };
 
-// Runs `body` in a child; gives what it says is wrong, or how it died.
+// Runs `body` in a child; returns what it says is wrong, or how it died.
 template <typename Body>
 std::string InChild(Body body);
 

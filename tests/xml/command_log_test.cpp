@@ -180,7 +180,7 @@ TEST(CommandLog, SizeOfAMissingLogCountsItsFirstEntry) {
 }
 
 // Asks for the size in a child; once the log is there and the lock is free, puts a file of 5 bytes
-// in its place. Gives the size that the child was told.
+// in its place. Returns the size that the child got.
 int SizeToldWhenReplacedOnceUnlocked() {
   bool replaced = false;
   return test::RunStepwise(

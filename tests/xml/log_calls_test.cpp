@@ -51,7 +51,7 @@ u32 AppendShort() {
 class LogCalls : public testing::Test {
  protected:
   void SetUp() override {
-    if (QVX_SANITIZED != 0) GTEST_SKIP() << "a sanitizer makes system calls of its own";
+    if (QVX_SANITIZED != 0) GTEST_SKIP() << "a sanitizer makes its own system calls";
     test::RequireSandbox();
     ASSERT_EQ(ModuleAttach(), 1);
   }

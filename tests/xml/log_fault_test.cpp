@@ -102,7 +102,7 @@ TEST_F(LogFault, AnEntryIsNotWrittenWhereTheBytesBehindItCannotBeCut) {
 // Whether an append whose close fails is a write failure.
 bool FailsWhenItsCloseFails(const std::string& description) {
   const auto append = [&description] {
-    tzset();  // opens a file of its own
+    tzset();  // opens a file itself
     test::RefuseCall(SYS_close, test::NextDescriptor(), EIO);
     return AppendToXMLLog(kLog, 4, 1, "u", "s", description.c_str(), nullptr, 0,
                           test::kNoMaximum) == SM_STATUS_WRITE_FAILED

@@ -79,7 +79,7 @@ inline int OpenDescriptors() {
   return count;
 }
 
-// Runs `body` in a child that is no superuser and gives its result.
+// Runs `body` in a child that is not the superuser and returns its result.
 template <typename Body>
 bool HoldsForNobody(Body body) {
   return InChild([&body] { return seteuid(kNobody) == 0 && body() ? 0 : 1; }) == 0;

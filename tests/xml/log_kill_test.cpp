@@ -68,7 +68,7 @@ TEST_F(LogKill, AnAppendIsThereWholeOrNotAtAll) {
         EXPECT_EQ(FileOrNothing(kLog), before + Entry(2) + "</EventLog>");
       });
   EXPECT_GE(unchanged, 10u);
-  EXPECT_GE(stops + 1 - unchanged, 2u) << "killed behind the write, and not at all";
+  EXPECT_GE(stops + 1 - unchanged, 2u) << "killed after the write, and not at all";
 }
 
 TEST_F(LogKill, WhatStandsBehindTheTagCostsNoEntry) {

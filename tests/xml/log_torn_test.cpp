@@ -281,7 +281,7 @@ TEST_F(LogTorn, AnOldNoteTakesNoEntryBackThatWasAppendedAfterIt) {
     ASSERT_TRUE(Tear(kLog, kPage, 1, 10000));
     ASSERT_EQ(AsReaderOfTheLockFile([length] { return static_cast<int>(Append(kLog, 2, length)); }),
               0);
-    // Its next entry is cut without a note of its own.
+    // Its next entry is cut without its own note.
     const std::string cut = test::ReadFile(kLog);
     test::WriteFile(kLog, cut.substr(0, cut.size() - kTagLength) + "<LogEntry><TimeStamp>17");
     const std::string damaged = test::ReadFile(kLog);
@@ -332,7 +332,7 @@ u32 NumberOfKills() {
 }
 
 // The identifiers from `first` on, in the order of the log, without that of an entry that was cut
-// off by the kill, of which nothing was told: the one before the last.
+// off by the kill, whose append never returned: the one before the last.
 std::vector<u32> IdsFrom(u32 first, const std::string& log) {
   std::vector<u32> ids;
   for (const std::string& id : test::ElementsOf(log, "ID")) {
@@ -343,7 +343,7 @@ std::vector<u32> IdsFrom(u32 first, const std::string& log) {
   return ids;
 }
 
-// All that were told, and the one after the kill, whose number is two higher.
+// All whose append returned, and the one after the kill, whose number is two higher.
 std::vector<u32> Counted(u32 first, u32 last) {
   std::vector<u32> ids;
   for (u32 id = first; id <= last; ++id) {

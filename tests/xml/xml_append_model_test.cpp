@@ -75,7 +75,7 @@ class HostileLogs {
         return Pieces();
     }
   }
-  // About the size that tells a log from the rest of one.
+  // About the size below which a file is not yet a log.
   std::string Short() {
     std::string file = Bytes(20);
     file.resize(Below(2) == 0 ? 63 + Below(4) : Below(90), '\0');
@@ -181,7 +181,7 @@ class HostileLogs {
 
 void Begin() {
   qvx::test::RequireSandbox();
-  // An hour and a half that no summer time adds tells local time from any other.
+  // An offset of an hour and a half, which no summer time adds, shows that it is local time.
   ASSERT_EQ(setenv("TZ", "QVX-1:30", 1), 0);
   ASSERT_EQ(mkdir(kRoot, 0755), 0);
   ASSERT_EQ(qvx::ModuleAttach(), 1);

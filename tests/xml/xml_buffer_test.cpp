@@ -103,7 +103,7 @@ TEST(XmlBuffer, AllocWithoutMemoryIsNull) {
 TEST(XmlBuffer, StylesheetThatDoesNotFitInMemoryIsDroppedSilently) {
   void* buffer = nullptr;
   {
-    const FailNthAllocation fault(3);  // behind the record and its text
+    const FailNthAllocation fault(3);  // after the record and its text
     buffer = PXMAllocBuf(64, 1);
   }
   ASSERT_NE(buffer, nullptr);
@@ -488,7 +488,7 @@ TEST(XmlBuffer, EachPieceOfALongNumberGrowsTheBufferByTheRule) {
   const std::string name(50, 'n');
   ASSERT_EQ(PXMBufCatNode(buffer.get(), name.c_str(), nullptr, 9, &number), SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.record().length, 52u + 20 + 53);
-  EXPECT_EQ(buffer.record().capacity, 128u);  // 73 bytes ask for more than 64, 126 for no more
+  EXPECT_EQ(buffer.record().capacity, 128u);  // 73 bytes ask for more than 64, 126 do not
   ASSERT_EQ(PXMBufCatNode(buffer.get(), std::string(600, 'n').c_str(), nullptr, 9, &number),
             SM_STATUS_SUCCESS);
   // 125 + 602 + 1 = 728 are more than twice 128, and 747 + 603 + 1 = 1,351 less than twice 728.

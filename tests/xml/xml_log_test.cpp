@@ -427,8 +427,8 @@ TEST(XmlLog, AFifoInALogsPlaceIsDeletedWhenTheLogIsCleared) {
   EXPECT_EQ(LogNow(), LogOf(Plain(0, "Log was cleared")));
 }
 
-// Whether no stop of an append to a missing log shows the log with a right that 01664 lacks, and
-// the log has 01664 in the end.
+// Whether no stop of an append to a missing log shows the log with a right that 01664 does not
+// have, and the log has 01664 in the end.
 bool NeverHasMoreRights(mode_t mask) {
   bool never = true;
   (void)unlink(kLog);

@@ -1,7 +1,7 @@
 /* SPDX-FileCopyrightText: Copyright The libqvxcs authors */
 /* SPDX-License-Identifier: MIT */
 
-/* A library for the loader's tests: two functions of its own, one of which needs another. */
+/* A library for the loader's tests: two functions, one of which needs another. */
 #include <unistd.h>
 
 int qvx_testlib_answer(void);

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Counts of lines run are written by exit handlers, which _exit passes by: test programs of a
-// coverage build are linked so that every _exit of theirs comes here. Processes that are stopped at
+// The counts of lines run are written by exit handlers, which _exit skips: test programs of a
+// coverage build are linked so that each of their calls of _exit comes here. Processes that are stopped at
 // each of their system calls end by _Exit, which stays as it is.
 extern "C" {
-#include <gcov.h>  // names no language of its own
+#include <gcov.h>  // declares nothing as extern "C"
 
 [[noreturn]] void __real__exit(int status);
 
