@@ -20,8 +20,8 @@
  * Sizes are in bytes.
  *
  * @par Locks
- * The sizes are read under the suite's file lock, for which all calls wait 60,000 attempts, 1 ms
- * apart. The lock does not nest: making a missing log ends the outer hold as well, and other
+ * The sizes are read under the suite's file lock, for which all calls wait up to 60,000 attempts,
+ * 1 ms apart. The lock does not nest: making a missing log ends the outer hold as well, and other
  * processes may come into the rest of that call. Threads of one process take turns for the whole of
  * each call's hold, within the same attempts.
  */

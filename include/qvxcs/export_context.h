@@ -16,10 +16,20 @@
  * A context and a save slot are 32 bits. No function here takes a lock or keeps a state.
  *
  * The library itself makes this bracket around 25 of its calls, those that read or write the
- * suite's own settings, logs and service on behalf of the host: PXTGetProductIniPath(),
- * PXTGetProductVarPath(), the four of ini_file.h, the six of command_log.h, the six of keyvalue.h,
- * the two of os_log.h, PXTWebServer(), and of xml_log.h all but PXTCmdGetXMLLogContent(). Other
- * calls that touch files, such as those of file_util.h and access.h, run in the host's context.
+ * suite's own settings, logs and service on behalf of the host:
+ * - paths.h: PXTGetProductIniPath(), PXTGetProductVarPath(), PXTWebServer()
+ * - ini_file.h: PXTReadINIFileValue(), PXTReadINIPathFileValue(), PXTWriteINIFileValue(),
+ *   PXTWriteINIPathFileValue()
+ * - keyvalue.h: PXTCFGGetKeyValueEntries(), PXTCFGInstGetKeyValueEntries(), PXTCFGGetKeyValue(),
+ *   PXTCFGFreeKeyValueEntries(), PXTCFGSetKeyValue(), PXTCFGInstSetKeyValue()
+ * - xml_log.h: PXTForceXMLLogExists(), PXTClearXMLLog(), PXTAppendToXMLLog(),
+ *   PXTGetBackupXMLLogPathFileName()
+ * - command_log.h: PXTGetCmdLogPathFileName(), PXTAppendToCmdLog(), PXTClearCmdLog(),
+ *   PXTGetCmdLogSize(), PXTGetCmdLogMaxSize(), PXTSetCmdLogMaxSize()
+ * - os_log.h: PXTAppendToOSLog(), PXTClearOSLog()
+ *
+ * Other calls that touch files, such as those of file_util.h and access.h, run in the host's
+ * context.
  */
 
 #include "qvxcs/types.h"

@@ -27,7 +27,7 @@
  *
  * Every call takes first a lock among the threads of its process, then the lock that the suite's
  * processes share. It keeps both while it works on the file, so no call sees a file that another is
- * changing. With the lock flag QVX_LOCK_WAIT a call waits for them, with 60,000 attempts 1 ms
+ * changing. With the lock flag QVX_LOCK_WAIT a call waits for them, up to 60,000 attempts, 1 ms
  * apart; with any other flag it tries once, which always fails in a process that may not write the
  * lock file. Changing a value that was read takes two calls: another program or thread may write
  * between them. The calls also work in a child forked from a process with threads.

@@ -19,7 +19,7 @@
  * calls are relative to the product's INI path and cut with it at 255 characters.
  *
  * Reading and rewriting wait for their turn among the threads of the process and for the lock that
- * the suite's processes share, 60,000 attempts that are 1 ms apart, and keep both throughout. To
+ * the suite's processes share, up to 60,000 attempts, 1 ms apart, and keep both throughout. To
  * read a value, change it and write it back takes two calls: another program or thread may write in
  * between. The calls also work in a child that was forked from a process with threads.
  */
