@@ -4,14 +4,16 @@
 
 #include <gtest/gtest.h>
 #include <pthread.h>
-#include <unistd.h>
 
 #include <atomic>
+#include <semaphore>
 #include <thread>
+#include <utility>
 
 #include "os/file_lock.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
+#include "support/passing_time.h"
 #include "support/processes.h"
 #include "support/threads.h"
 
@@ -25,6 +27,8 @@ using qvx::test::CountSleeps;
 using qvx::test::InChild;
 using qvx::test::LockHolder;
 using qvx::test::LockIsFree;
+using qvx::test::OnSleep;
+using qvx::test::SteppedClock;
 
 // Runs `body` while another thread has the turn.
 template <typename Body>
@@ -100,45 +104,99 @@ TEST(ThreadsTurn, WaitingSleepsAMillisecondBetweenTwoAttempts) {
   });
 }
 
-TEST(ThreadsTurn, TellsHowManySleepsItTook) {
-  std::atomic<bool> taken = false;
-  std::thread other([&taken] {
-    EXPECT_EQ(TakeThreadsTurn(0), 0);
-    taken = true;
-    usleep(30000);
-    GiveThreadsTurn();
-  });
-  while (!taken) {
-    std::this_thread::yield();
+// Another thread that wants the turn while this one has it. Between two of its attempts it sleeps
+// until Try() lets it make the next one, so that no test depends on the machine's load.
+class Waiter {
+ public:
+  Waiter() : thread_([this] { Run(); }) { stopped_.acquire(); }
+  ~Waiter() {
+    while (!ended_) {
+      (void)Try();
+    }
+    thread_.join();
   }
-  const s32 sleeps = TakeThreadsTurn(60000);
-  EXPECT_GE(sleeps, 1);
-  EXPECT_LE(sleeps, 40);
+  Waiter(const Waiter&) = delete;
+  Waiter& operator=(const Waiter&) = delete;
+
+  // Lets it make one more attempt. Returns whether it got the turn, which it has then given back.
+  bool Try() {
+    go_.release();
+    stopped_.acquire();
+    return ended_;
+  }
+  // The sleeps that it took.
+  [[nodiscard]] s32 Sleeps() const { return sleeps_; }
+  // What the other threads do when they sleep.
+  void OnPause(OnSleep::Action action) { onPause_ = std::move(action); }
+
+ private:
+  void Run() {
+    isWaiter = true;
+    sleeps_ = TakeThreadsTurn(60000);
+    if (sleeps_ >= 0) GiveThreadsTurn();
+    ended_ = true;
+    stopped_.release();
+  }
+  void Sleep(u32 microseconds) {
+    if (!isWaiter) return onPause_(microseconds);
+    stopped_.release();
+    go_.acquire();
+  }
+
+  static inline thread_local bool isWaiter = false;
+  OnSleep::Action onPause_ = [](u32) {};
+  s32 sleeps_ = -1;
+  std::atomic<bool> ended_ = false;
+  std::binary_semaphore stopped_{0};
+  std::binary_semaphore go_{0};
+  OnSleep onSleep_{[this](u32 microseconds) { Sleep(microseconds); }};
+  std::thread thread_;
+};
+
+// A poll sleeps this long between two attempts: a shorter pause could fall between them.
+constexpr u32 kPollSleep = 1000;
+
+TEST(ThreadsTurn, TellsHowManySleepsItTook) {
+  EXPECT_EQ(TakeThreadsTurn(0), 0);
+  Waiter other;
+  EXPECT_FALSE(other.Try());
+  EXPECT_FALSE(other.Try());
   GiveThreadsTurn();
-  other.join();
+  EXPECT_TRUE(other.Try());
+  EXPECT_EQ(other.Sleeps(), 3);
 }
 
-// The holder comes back at once whenever it has given the turn; it works for 5 ms each time.
-TEST(ThreadsTurn, AThreadThatTakesItWithoutAPauseLetsTheOthersIn) {
-  std::atomic<bool> running = true;
-  std::atomic<bool> begun = false;
-  std::thread greedy([&] {
-    while (running) {
-      ASSERT_GE(TakeThreadsTurn(60000), 0);
-      begun = true;
-      usleep(5000);
-      GiveThreadsTurn();
-    }
+// Works that long with the turn. Nobody has it before.
+void Work(u32 milliseconds) {
+  ASSERT_EQ(TakeThreadsTurn(0), 0);
+  SteppedClock::Advance(milliseconds);
+  GiveThreadsTurn();
+}
+
+TEST(ThreadsTurn, AThreadThatTakesItWithoutAPauseLetsTheOthersInAfter10Milliseconds) {
+  const SteppedClock clock;
+  Work(0);
+  ASSERT_EQ(TakeThreadsTurn(0), 0);
+  Waiter other;
+  bool cameIn = false;
+  other.OnPause([&](u32 microseconds) {
+    EXPECT_GT(microseconds, kPollSleep);
+    cameIn = other.Try();
   });
-  while (!begun) {
-    std::this_thread::yield();
-  }
+  GiveThreadsTurn();
+  Work(9);
+  EXPECT_FALSE(cameIn);
+  Work(1);
+  EXPECT_TRUE(cameIn);
+}
+
+TEST(ThreadsTurn, AThreadAloneNeverPauses) {
+  const SteppedClock clock;
+  const CountSleeps sleeps;
   for (int round = 0; round < 20; ++round) {
-    EXPECT_GE(TakeThreadsTurn(300), 0) << "round " << round;
-    GiveThreadsTurn();
+    Work(50);
   }
-  running = false;
-  greedy.join();
+  EXPECT_EQ(CountSleeps::Count(), 0U);
 }
 
 class FileLockTurn : public testing::Test {
@@ -191,6 +249,37 @@ TEST_F(FileLockTurn, TheTurnsAttemptsAreTakenOffTheLocks) {
   EXPECT_EQ(CountSleeps::Count(), 60000U);
   other.join();
   EXPECT_TRUE(TurnIsFree());
+}
+
+// Two threads relieve each other, so that neither has the turn long enough to leave it to another
+// thread. The turn is still taken while the process leaves the lock to other processes.
+TEST_F(FileLockTurn, AfterAHundredMillisecondsTheProcessLeavesTheLockToOtherProcesses) {
+  const SteppedClock clock;
+  Work(0);
+  ASSERT_EQ(TakeThreadsTurn(0), 0);
+  Waiter third;
+  u32 pauses = 0;
+  third.OnPause([&pauses](u32 microseconds) {
+    ++pauses;
+    EXPECT_GT(microseconds, kPollSleep);
+    EXPECT_TRUE(LockIsFree());
+    EXPECT_FALSE(TurnIsFree());
+  });
+  GiveThreadsTurn();
+  const auto work = [] {
+    const FileLockGuard guard(0);
+    EXPECT_TRUE(guard);
+    SteppedClock::Advance(9);
+  };
+  // The 12th work ends after 108 ms; then the time is counted anew, from the 13th on.
+  for (u32 count = 1; count <= 25; ++count) {
+    if (count % 2 == 0) {
+      work();
+    } else {
+      std::thread(work).join();
+    }
+    EXPECT_EQ(pauses, count < 12 ? 0U : count < 25 ? 1U : 2U) << count;
+  }
 }
 
 TEST_F(FileLockTurn, ANestedGuardTakesTheTurnWithItAndGivesItBackOnce) {
