@@ -44,9 +44,12 @@ u32 ChunkOf(u32 slot) {
 
 u32 FirstSlotOf(u32 chunk) { return (1U << (chunk + kFirstChunkBits)) - (1U << kFirstChunkBits); }
 
+// Above it, a slot's number plus 64 would not fit 32 bits.
+bool HasChunk(u32 slot) { return slot < UINT32_MAX - (1U << kFirstChunkBits); }
+
 Slot* FindSlot(u32 handle) {
   const u32 slot = handle - 1;
-  if (handle == 0 || slot >= UINT32_MAX - (1U << kFirstChunkBits)) return nullptr;
+  if (handle == 0 || !HasChunk(slot)) return nullptr;
   const u32 chunk = ChunkOf(slot);
   Slot* const first = chunks.at(chunk).load(std::memory_order_acquire);
   return first == nullptr ? nullptr : first + (slot - FirstSlotOf(chunk));
@@ -60,7 +63,7 @@ LocalMutex FindMutex(u32 handle) {
 // From here to the end of the namespace: under tableMutex.
 u32 NewSlot() {
   const u32 slot = slotsUsed;
-  if (slot >= UINT32_MAX - (1U << kFirstChunkBits)) return 0;
+  if (!HasChunk(slot)) return 0;
   const u32 chunk = ChunkOf(slot);
   if (chunks.at(chunk).load(std::memory_order_relaxed) == nullptr) {
     const size_t count = size_t{1} << (chunk + kFirstChunkBits);

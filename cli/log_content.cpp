@@ -35,13 +35,13 @@ struct XmlBufferDeleter {
 };
 using XmlBuffer = std::unique_ptr<void, XmlBufferDeleter>;
 
-// The size of a regular file, 0 for a file with nothing to show: missing, empty or beyond 32 bits.
+// The size of a regular file, 0 for a file with nothing to show: missing, empty, or so large that
+// the answer would be beyond 32 bits.
 u32 SizeToShow(const astring* path) {
   struct stat info = {};
-  if (stat(path, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size >= s64{0xFFFFFFFF}) {
-    return 0;
-  }
-  return static_cast<u32>(info.st_size);
+  if (stat(path, &info) != 0 || !S_ISREG(info.st_mode)) return 0;
+  const auto size = static_cast<u64>(info.st_size);
+  return size > kMaxSize - kAroundContent ? 0 : static_cast<u32>(size);
 }
 
 // The file, opened for reading; empty for one that is no regular file any more.
@@ -105,7 +105,7 @@ astring* TakeText(XmlBuffer buffer, s32 status) {
 
 astring* CmdGetXMLLogContent(const astring* path) {
   const u32 size = path == nullptr ? 0 : SizeToShow(path);
-  if (size == 0 || size > kMaxSize - kAroundContent) return nullptr;
+  if (size == 0) return nullptr;
   const Descriptor file = OpenLogToShow(path);
   if (!file && errno == ENOMEM) return nullptr;
   // Makes room for the whole answer first, so that no later append can fail.

@@ -23,8 +23,8 @@ namespace {
 constexpr u16 kWait = 1;
 constexpr u64 kFirstCapacity = 16;
 
-void FreeEntries(PXTKeyValue* entries, u32 count) {
-  for (u32 i = 0; i < count; ++i) {
+void FreeEntries(PXTKeyValue* entries, u64 count) {
+  for (u64 i = 0; i < count; ++i) {
     FreeMem(entries[i].key);
     FreeMem(entries[i].value);
   }
@@ -73,7 +73,7 @@ class EntryList {
     ++count_;
     return true;
   }
-  [[nodiscard]] u32 Count() const { return count_; }
+  [[nodiscard]] u32 Count() const { return static_cast<u32>(count_); }
   PXTKeyValue* Release() {
     count_ = 0;
     return entries_.release();
@@ -81,19 +81,18 @@ class EntryList {
 
  private:
   bool Grow() {
-    const u64 capacity = std::min(std::max(u64{capacity_} * 2, kFirstCapacity), kMaxSize);
-    if (capacity == capacity_) return false;
+    const u64 capacity = std::max(capacity_ * 2, kFirstCapacity);
     HeapArray<PXTKeyValue> grown = AllocArray<PXTKeyValue>(capacity);
     if (!grown) return false;
     std::copy_n(entries_.get(), count_, grown.get());
     entries_ = std::move(grown);
-    capacity_ = static_cast<u32>(capacity);
+    capacity_ = capacity;
     return true;
   }
 
   HeapArray<PXTKeyValue> entries_;
-  u32 count_ = 0;
-  u32 capacity_ = 0;
+  u64 count_ = 0;
+  u64 capacity_ = 0;
 };
 
 }  // namespace
@@ -113,7 +112,7 @@ u32 PopulateKeyValueEntries(const astring* path, PXTKeyValue* entries, u32* coun
     FreeEntries(entries, stored);
     return status;
   }
-  *count = static_cast<u32>(std::min(found, kMaxSize));
+  *count = static_cast<u32>(found);
   if (entries != nullptr && found <= capacity) return SM_STATUS_SUCCESS;
   FreeEntries(entries, stored);
   return kMinusOne;

@@ -85,7 +85,7 @@ void CopyToSlot(void* list, u32 slot, const astring* text) {
 // Room for `count` slots; a count of 0 gets a block too.
 HeapArray<astring> AllocSlots(u32 count) {
   const u64 bytes = std::max<u64>(u64{count} * kAddressSlotBytes, 1);
-  auto slots = bytes > UINT32_MAX ? HeapArray<astring>() : AllocArray<astring>(bytes);
+  auto slots = AllocArray<astring>(bytes);
   if (slots) memset(slots.get(), 0, static_cast<size_t>(bytes));
   return slots;
 }

@@ -35,7 +35,6 @@ HeapArray<Unit> AllocText(u32 capacity) {
 template <typename Unit>
 Unit* ReAllocText(Unit* text, u32 capacity) {
   const u64 bytes = (u64{capacity} + sizeof(Unit) - 1) / sizeof(Unit) * sizeof(Unit);
-  if (bytes > SIZE_MAX) return nullptr;
   return static_cast<Unit*>(realloc(text, static_cast<size_t>(bytes)));
 }
 
@@ -71,7 +70,7 @@ Unit* Append(Record* record, const Unit* added, u64 count) {
   const u64 needed = (u64{record->length} + count + 1) * sizeof(Unit);
   // Deliberate: a record that cannot grow keeps its text, and the call returns that text as after a
   // success; only the unchanged length shows it. Held by GrowString.FailedGrowthLeavesTheOldText.
-  if (count > kMaxSize || needed > kMaxSize) return record->text;
+  if (needed > kMaxSize) return record->text;
   if (needed > record->capacity) {
     const u32 capacity = GrownCapacity(record->capacity, static_cast<u32>(needed));
     const u64 within = OffsetWithin(record->text, record->capacity, added);
@@ -118,7 +117,7 @@ astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count) {
 astring* SSAStrMakeRoom(SSAStr* record, u64 count, HeapArray<astring>* old) {
   if (record->text == nullptr) return nullptr;
   const u64 needed = u64{record->length} + count + 1;
-  if (count > kMaxSize || needed > kMaxSize) return nullptr;
+  if (needed > kMaxSize) return nullptr;
   if (needed > record->capacity) {
     const u32 capacity = GrownCapacity(record->capacity, static_cast<u32>(needed));
     astring* const grown = old == nullptr ? ReAllocText(record->text, capacity)

@@ -32,9 +32,7 @@ HeapArray<wchar_t> Widened(const ustring* text) {
 
 // `count` + 1 units as a size in bytes.
 u32 StoreUnits(u32* size, size_t count) {
-  const u64 bytes = u64{count} * 2 + 2;
-  if (bytes > UINT32_MAX) return kMinusOne;
-  *size = static_cast<u32>(bytes);
+  *size = static_cast<u32>(count) * 2 + 2;
   return SM_STATUS_SUCCESS;
 }
 
@@ -65,7 +63,7 @@ u32 UnicodeToASCII(astring* out, u32* size, const ustring* text) {
   const wchar_t* from = wide.get();
   mbstate_t state{};
   const size_t count = wcsrtombs(*size == 0 ? nullptr : out, &from, *size, &state);
-  if (count == kFault || count == 0 || count >= UINT32_MAX) return kMinusOne;
+  if (count == kFault || count == 0) return kMinusOne;
   *size = static_cast<u32>(count) + 1;
   return SM_STATUS_SUCCESS;
 }
