@@ -75,6 +75,7 @@ TEST(Heap, AFailedReAllocLeavesTheBlock) {
 
 TEST(Heap, ArraysBeyondTheMachinesSizesAreRefused) {
   EXPECT_EQ(qvx::AllocArray<u32>(UINT64_MAX / 2), nullptr);
+  EXPECT_EQ(qvx::AllocArray<u32>(UINT64_MAX / 4 + 2), nullptr);  // 4 in 64 bits
   EXPECT_EQ(qvx::AllocArray<u8>(static_cast<u64>(PTRDIFF_MAX) + 1), nullptr);
 }
 

@@ -78,9 +78,11 @@ TEST(LogContent, WhatIsNoRegularFileGivesNull) {
   EXPECT_EQ(CmdGetXMLLogContent("/dev/zero"), nullptr);
 }
 
-TEST(LogContent, FileOf4GiBGivesNull) {
+// The answer's own tags take 42 bytes and its NUL one.
+TEST(LogContent, AFileWhoseAnswerIsBeyond32BitsGivesNull) {
   WriteFile(kLog, "");
-  for (const off_t size : {(off_t{1} << 32) - 1, off_t{1} << 32, off_t{1} << 33}) {
+  constexpr off_t k4GiB = off_t{1} << 32;
+  for (const off_t size : {k4GiB - 40, k4GiB - 1, k4GiB, k4GiB * 2, k4GiB + 1}) {
     ASSERT_EQ(truncate(kLog, size), 0);
     EXPECT_EQ(CmdGetXMLLogContent(kLog), nullptr);
   }

@@ -12,6 +12,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/heap_use.h"
+#include "support/long_text.h"
 #include "xml/xml_buffer.h"
 
 namespace qvx {
@@ -174,6 +175,14 @@ TEST(ParamNode, ExportedCallsReachTheSameFunctions) {
             SM_STATUS_INVALID_PARAMETER);
   PXTNVSCatSMStatusNode(buffer.get(), 1, "m");
   EXPECT_EQ(buffer.Text(), "<Parameter name=\"N\" value=\"30\"/><SMStatus mssg=\"m\">1</SMStatus>");
+}
+
+TEST(ParamNode, AnAttributeBeyond32BitsIsNullWithoutAnAllocation) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> text((u64{1} << 32) - 4, 'a');  // with n, =, quotes, NUL 1 more
+  const FailNthAllocation fault(1);
+  EXPECT_EQ(QuotedAttribute("n", text.text()), nullptr);
+  EXPECT_FALSE(FailNthAllocation::Fired());
 }
 
 }  // namespace

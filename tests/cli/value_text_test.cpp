@@ -11,6 +11,7 @@
 #include "qvxcs/status.h"
 
 #include "support/alloc_fault.h"
+#include "support/long_text.h"
 
 namespace qvx {
 namespace {
@@ -155,6 +156,16 @@ TEST(ValueText, ExportedCallsReachTheSameFunctions) {
   EXPECT_EQ(Taken(PXTNVSAstrToUstrD(nullptr, Units(u"d"), &status)), u"d");
   EXPECT_EQ(PXTNVSUstrToAstr(Units(u"\u00E9"), &status), nullptr);
   EXPECT_EQ(status, SM_STATUS_BUFFER_TOO_SMALL);
+}
+
+TEST(ValueText, ACopyBeyond32BitsIsNullWithoutAnAllocation) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> text(u64{1} << 31, 'a');  // twice as many bytes in 16 bits
+  u32 status = 7;
+  const test::FailNthAllocation fault(1);
+  EXPECT_EQ(NVSuptAstrToUstr(text.text(), &status), nullptr);
+  EXPECT_FALSE(test::FailNthAllocation::Fired());
+  EXPECT_EQ(status, SM_STATUS_NO_MEMORY);
 }
 
 }  // namespace

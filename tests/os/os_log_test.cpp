@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -17,6 +18,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/files.h"
+#include "support/long_text.h"
 
 namespace {
 
@@ -76,6 +78,7 @@ TEST_F(OSLog, AnEventIsLoggedUnderItsSourceWithItsNumber) {
 }
 
 TEST_F(OSLog, TheConnectionIsClosedAfterTheEvent) {
+  closelog();  // also one that an earlier case of this process may have left
   const int before = open("/dev/null", O_RDONLY | O_CLOEXEC);
   close(before);
   ASSERT_EQ(Append(1, 1, u"host", u"text"), 0U);
@@ -176,6 +179,15 @@ TEST(OSLogText, CarriageReturnsBecomeBlanks) {
   qvx::RemoveCarriageReturns(empty);
   EXPECT_STREQ(empty, "");
   qvx::RemoveCarriageReturns(nullptr);
+}
+
+TEST_F(OSLog, ATextBeyond32BitsFailsWithoutAnAllocation) {
+  if (!qvx::test::kHasLongTexts) GTEST_SKIP();
+  const qvx::test::LongText<ustring> text((u64{1} << 32) - 1, 'a');
+  const qvx::test::FailNthAllocation fault(1);
+  EXPECT_EQ(qvx::AppendToOSLog(0, 1, text.text(), Text(u"x")), kFailed);
+  EXPECT_FALSE(qvx::test::FailNthAllocation::Fired());
+  EXPECT_EQ(Received(), kNothing);
 }
 
 }  // namespace

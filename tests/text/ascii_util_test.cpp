@@ -14,6 +14,7 @@
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
 #include "support/locale_guard.h"
+#include "support/long_text.h"
 
 namespace qvx {
 namespace {
@@ -246,6 +247,26 @@ TEST(AsciiUtil, ExportedCallsReachTheSameFunctions) {
   u32 size = sizeof(out);
   EXPECT_EQ(PXTASCIIReplaceSubstr("abc", "b", "X", &size, out), SM_STATUS_SUCCESS);
   EXPECT_STREQ(out, "aXc");
+}
+
+TEST(AsciiUtil, ANodeBeyond32BitsIsNullWithoutAnAllocation) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> half(u64{1} << 31, 'a');
+  astring standing[] = "x";
+  astring* out = standing;
+  const FailNthAllocation fault(1);
+  AppendNode(half.text(), half.text(), &out);
+  EXPECT_FALSE(FailNthAllocation::Fired());
+  EXPECT_EQ(out, nullptr);
+}
+
+TEST(AsciiUtil, AReplacementBeyond32BitsNeedsTheLargestSize) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> half(u64{1} << 31, 'a');
+  u32 size = 8;
+  EXPECT_EQ(ASCIIReplaceSubstr(half.text(), "a", half.text(), &size, nullptr),
+            SM_STATUS_SIZE_REQUIRED);
+  EXPECT_EQ(size, 0xFFFFFFFFu);
 }
 
 }  // namespace

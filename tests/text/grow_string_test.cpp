@@ -3,8 +3,6 @@
 #include "text/grow_string.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstring>
@@ -12,6 +10,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
+#include "support/long_text.h"
 
 namespace qvx {
 namespace {
@@ -46,41 +45,6 @@ std::u16string Wide(const SSUStr& record) {
   EXPECT_EQ(record.text[record.length], 0);
   return text;
 }
-
-// A text of 2 GiB, its terminator counted, that takes little memory: one block, mapped many times.
-class HugeText {
- public:
-  HugeText() {
-    const int block = memfd_create("huge text", MFD_CLOEXEC);
-    const std::string letters(kBlock, 'a');
-    EXPECT_EQ(write(block, letters.data(), kBlock), static_cast<ssize_t>(kBlock));
-    void* const base =
-        mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (base != MAP_FAILED) {
-      text_ = static_cast<astring*>(base);
-      for (size_t at = 0; at < kSize; at += kBlock) {
-        EXPECT_NE(
-            mmap(text_ + at, kBlock, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_FIXED, block, 0),
-            MAP_FAILED);
-      }
-      text_[kSize - 1] = '\0';
-    }
-    close(block);
-  }
-  ~HugeText() {
-    if (text_ != nullptr) munmap(text_, kSize);
-  }
-  HugeText(const HugeText&) = delete;
-  HugeText& operator=(const HugeText&) = delete;
-
-  // Null where the address space has no room for it.
-  [[nodiscard]] const astring* get() const { return text_; }
-
- private:
-  static constexpr size_t kBlock = size_t{1} << 20;
-  static constexpr size_t kSize = size_t{1} << 31;
-  astring* text_ = nullptr;
-};
 
 const ustring* Units(const char16_t* text) { return reinterpret_cast<const ustring*>(text); }
 
@@ -356,6 +320,25 @@ TEST(GrowString, SizesBeyond32BitsAreFailedGrowth) {
   EXPECT_EQ(units[0], 'a');
 }
 
+TEST(GrowString, RoomBeyond32BitsIsRefused) {
+  astring text[] = "abc";
+  SSAStr record = {text, 4, 0xFFFFFFFF};
+  HeapArray<astring> old;
+  EXPECT_EQ(SSAStrMakeRoom(&record, 1, &old), nullptr);
+  EXPECT_EQ(record.text, text);
+  EXPECT_EQ(old, nullptr);
+}
+
+// A quarter more than 0xF0000000 bytes would be beyond 32 bits.
+TEST(GrowString, ACapacityGrowsTo32BitsAtMost) {
+  astring text[] = "abc";
+  SSAStr record = {text, 0xF0000000, 0xF0000000};
+  const FailNthAllocation fault(1);
+  EXPECT_EQ(SSAStrCatAStr(&record, "d"), text);
+  EXPECT_EQ(test::LastAllocationSize(), 0xFFFFFFFFu);
+  EXPECT_EQ(record.capacity, 0xF0000000u);
+}
+
 TEST(GrowString, OwnTextIsAppendedAsIfCopiedFirst) {
   SSAStr moved = Holding(6, "abcde");
   EXPECT_EQ(SSAStrCatAStr(&moved, moved.text + 2), moved.text);
@@ -449,10 +432,12 @@ TEST(GrowString, ConversionWithoutItsBlockGivesNull) {
 }
 
 TEST(GrowString, ConversionThatNeeds4GiBGivesNull) {
-  const HugeText text;
-  if (text.get() == nullptr) GTEST_SKIP() << "no room for a text of 2 GiB";
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> text((u64{1} << 31) - 1, 'a');
   SSUStr record = HoldingWide(8, u"abc");
-  EXPECT_EQ(SSUStrCatAStr(&record, text.get()), nullptr);  // (2^31 - 1) x 2 + 2 bytes
+  const FailNthAllocation fault(1);
+  EXPECT_EQ(SSUStrCatAStr(&record, text.text()), nullptr);  // (2^31 - 1) x 2 + 2 bytes
+  EXPECT_FALSE(FailNthAllocation::Fired()) << "nothing is tried to be allocated";
   EXPECT_EQ(Wide(record), u"abc");
   SSUStrFree(&record);
 }

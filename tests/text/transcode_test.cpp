@@ -14,6 +14,7 @@
 
 #include "tests/reference/text_model.h"
 #include "tests/support/guard_buffer.h"
+#include "tests/support/long_text.h"
 
 namespace qvx {
 namespace {
@@ -427,6 +428,14 @@ TEST(Transcode, HostileBytesBecomeUnitsAsTheModelSays) {
     if (model.status == SM_STATUS_SUCCESS) ++successes;
   }
   EXPECT_GT(successes, kInputs / 10);  // the inputs reach more than their first fault
+}
+
+TEST(Transcode, AResultBeyond32BitsIsTooLargeForAnyBuffer) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> text(u64{1} << 31, 'a');
+  u32 size = 77;
+  EXPECT_EQ(UTF8StrToUCS2Str(nullptr, &size, text.text()), SM_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(size, 77u);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
 #include "support/locale_guard.h"
+#include "support/long_text.h"
 
 namespace {
 
@@ -249,6 +250,14 @@ TEST(UniNumber, ExportedConversionsGiveTheSameAnswers) {
   EXPECT_EQ(Narrow(out), "12");
   EXPECT_EQ(PXTUniSigned32ToStr(out, &size, -1, 10), 0);
   EXPECT_EQ(Narrow(out), "-1");
+}
+
+TEST(UniNumber, ATextWhoseCountIsBeyond32BitsIsZeroWithoutAnAllocation) {
+  if (!qvx::test::kHasLongTexts) GTEST_SKIP();
+  const qvx::test::LongText<ustring> text((u64{1} << 32) - 1, '1');  // and one byte more of room
+  const qvx::test::FailNthAllocation fault(1);
+  EXPECT_EQ(qvx::UniToSigned32(text.text()), 0);
+  EXPECT_FALSE(qvx::test::FailNthAllocation::Fired());
 }
 
 }  // namespace

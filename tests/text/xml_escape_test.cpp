@@ -15,6 +15,7 @@
 #include "tests/reference/text_model.h"
 #include "tests/support/alloc_fault.h"
 #include "tests/support/guard_buffer.h"
+#include "tests/support/long_text.h"
 
 namespace qvx {
 namespace {
@@ -398,6 +399,18 @@ TEST(XmlEscape, HostileUnitsAreBackslashEscapedAsTheModelSays) {
     }
     ASSERT_TRUE(output.FrontUntouched());
   }
+}
+
+// Each quotation mark becomes the six bytes of its entity.
+TEST(XmlEscape, AResultBeyond32BitsIsRefused) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> text((u64{1} << 32) / 6 + 1, '"');
+  u32 size = 77;
+  EXPECT_EQ(UTF8StrToXMLUTF8Str(nullptr, &size, nullptr, text.text()), SM_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(size, 77u);
+  const test::FailNthAllocation fault(1);
+  EXPECT_EQ(SUPTIntfGetXMLUTF8StrFromAStr(text.text(), 1), nullptr);
+  EXPECT_FALSE(test::FailNthAllocation::Fired()) << "nothing is tried to be allocated";
 }
 
 }  // namespace
