@@ -12,6 +12,7 @@
 #include "base/results.h"
 #include "config/file_lines.h"
 #include "config/ini_lines.h"
+#include "config/name_list.h"
 #include "os/file_lock.h"
 #include "os/stdio_file.h"
 
@@ -48,35 +49,6 @@ u32 DeliverValue(std::string_view value, astring* buffer, u32* size) {
   memcpy(buffer, value.data(), value.size());
   buffer[value.size()] = '\0';
   return SM_STATUS_SUCCESS;
-}
-
-struct NameList {
-  astring* buffer;
-  u32 size;
-  u64 total;
-};
-
-NameList BeginList(astring* buffer, u32 size) {
-  buffer[0] = '\0';
-  buffer[1] = '\0';
-  return {buffer, size, 0};
-}
-
-void AddName(NameList* list, std::string_view name) {
-  const u64 before = list->total;
-  list->total += u64{name.size()} + 1;
-  if (list->total > list->size) return;
-  astring* const end = list->buffer + before;
-  memcpy(end, name.data(), name.size());
-  end[name.size()] = '\0';
-  // Deliberate: the NUL that closes the list is not counted, so a list that fills the size exactly
-  // ends one byte past it. Held by IniReader.KeyListEndsOneByteBehindItsTotal.
-  end[name.size() + 1] = '\0';
-}
-
-u32 EndList(const NameList& list, u32* size) {
-  *size = static_cast<u32>(std::min(list.total, kMaxSize));
-  return list.total > list.size ? SM_STATUS_BUFFER_TOO_SMALL : SM_STATUS_SUCCESS;
 }
 
 // The default may be the value buffer itself, or overlap it.
@@ -117,24 +89,24 @@ u32 GetAllKeys(const astring* section, astring* buffer, u32* size, BlockReader* 
       *size < kSmallestList) {
     return SM_STATUS_BAD_ARGUMENT;
   }
-  NameList list = BeginList(buffer, *size);
+  NameList list(buffer, *size);
   if (!*file) return kMinusOne;
   if (const u32 status = FindHeader(section, file)) return status;
   std::string_view line;
   u32 status = NextLineOfSection(file, &line);
   for (; status == SM_STATUS_SUCCESS; status = NextLineOfSection(file, &line)) {
     const IniKey found = KeyOfLine(line);
-    if (found.hasValue && !IsComment(line)) AddName(&list, found.text);
+    if (found.hasValue && !IsComment(line)) list.Add(found.text);
   }
-  if (status != SM_STATUS_KEY_NOT_FOUND || list.total == 0) return status;
-  return EndList(list, size);
+  if (status != SM_STATUS_KEY_NOT_FOUND || list.IsEmpty()) return status;
+  return list.End(size);
 }
 
 u32 GetAllSections(astring* buffer, u32* size, BlockReader* file) {
   if (buffer == nullptr || size == nullptr || file == nullptr || *size < kSmallestList) {
     return SM_STATUS_BAD_ARGUMENT;
   }
-  NameList list = BeginList(buffer, *size);
+  NameList list(buffer, *size);
   if (!*file) return kMinusOne;
   astring name[kNameRoom];
   std::string_view line;
@@ -142,10 +114,10 @@ u32 GetAllSections(astring* buffer, u32* size, BlockReader* file) {
   for (; read == LineRead::kLine; read = NextLine(file, &line)) {
     const u32 status = ParseForSection(line, name);
     if (status == SM_STATUS_BAD_SECTION_HEADER) return status;
-    if (status == SM_STATUS_SUCCESS) AddName(&list, name);
+    if (status == SM_STATUS_SUCCESS) list.Add(name);
   }
   if (read == LineRead::kError) return SM_STATUS_BAD_SECTION_HEADER;
-  return list.total == 0 ? SM_STATUS_SECTION_NOT_FOUND : EndList(list, size);
+  return list.IsEmpty() ? SM_STATUS_SECTION_NOT_FOUND : list.End(size);
 }
 
 u32 ReadINIFileValue_astring(const IniRead& read) {
