@@ -3,7 +3,6 @@
 #include "base/context_lock.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
 #include <atomic>
@@ -17,20 +16,14 @@
 
 namespace {
 
-// Whether another thread is kept waiting for the lock, which it then gets from `release`.
-template <typename Release>
-bool KeepsAnotherOut(u32 handle, Release release) {
-  std::atomic<bool> taken = false;
-  std::thread other([&taken, handle] {
-    PXTLockContext(handle);
-    taken = true;
-    PXTUnLockContext(handle);
-  });
-  usleep(20000);
-  const bool waited = !taken;
-  release();
-  other.join();
-  return waited && taken;
+// Whether another thread waits for the lock, which this one has and then releases.
+bool KeepsAnotherOut(u32 handle) {
+  return qvx::test::WaitsFor(
+      [handle] {
+        PXTLockContext(handle);
+        PXTUnLockContext(handle);
+      },
+      [handle] { PXTUnLockContext(handle); });
 }
 
 TEST(ContextLock, AZeroHandleDoesNothing) {
@@ -40,7 +33,7 @@ TEST(ContextLock, AZeroHandleDoesNothing) {
   PXTLockContext(handle);
   PXTUnLockContext(0);
   PXTFreeContextLock(0);
-  EXPECT_TRUE(KeepsAnotherOut(handle, [handle] { PXTUnLockContext(handle); }));
+  EXPECT_TRUE(KeepsAnotherOut(handle));
   PXTFreeContextLock(handle);
 }
 
@@ -76,6 +69,8 @@ TEST(ContextLock, HandlesInUseDifferAndFreedOnesComeBack) {
 
 TEST(ContextLock, ExcludesTheOtherThreads) {
   const u32 handle = PXTAllocContextLock();
+  PXTLockContext(handle);
+  EXPECT_TRUE(KeepsAnotherOut(handle));
   std::atomic<u32> within = 0;
   std::atomic<u32> meetings = 0;
   qvx::test::InThreads(4, [&](u32) {
@@ -106,7 +101,17 @@ bool UseALock() {
   return true;
 }
 
+// Whether `call` waits while this thread has the table of locks.
+template <typename Call>
+bool WaitsForTheTable(Call call) {
+  qvx::HoldContextLocksForFork();
+  return qvx::test::WaitsFor(call, qvx::EndContextLocksHold);
+}
+
 TEST(ContextLock, ThreadsMakeAndFreeLocksAtOnce) {
+  u32 handle = 0;
+  EXPECT_TRUE(WaitsForTheTable([&handle] { handle = PXTAllocContextLock(); }));
+  EXPECT_TRUE(WaitsForTheTable([handle] { PXTFreeContextLock(handle); }));
   std::atomic<u32> faults = 0;
   qvx::test::InThreads(8, [&faults](u32) {
     for (int round = 0; round < 2000; ++round) {
@@ -118,6 +123,15 @@ TEST(ContextLock, ThreadsMakeAndFreeLocksAtOnce) {
 
 // A process may end, and the library be unloaded, while a thread still creates locks.
 TEST(ContextLock, TheSlotsGoOnlyWhileNoThreadMakesOrHasALock) {
+  const u32 first = PXTAllocContextLock();
+  const u32 second = PXTAllocContextLock();
+  PXTFreeContextLock(first);
+  PXTFreeContextLock(second);
+  qvx::HoldContextLocksForFork();
+  qvx::ReleaseContextLockSlots();
+  qvx::EndContextLocksHold();
+  EXPECT_EQ(PXTAllocContextLock(), second) << "the table is as it was";
+  PXTFreeContextLock(second);
   std::atomic<u32> running = 4;
   std::atomic<u32> faults = 0;
   std::atomic<u32> releases = 0;
@@ -136,16 +150,16 @@ TEST(ContextLock, TheSlotsGoOnlyWhileNoThreadMakesOrHasALock) {
   EXPECT_EQ(faults, 0U);
   // The table starts empty again.
   qvx::ReleaseContextLockSlots();
-  const u32 first = PXTAllocContextLock();
-  EXPECT_EQ(first, 1U);
-  PXTFreeContextLock(first);
+  const u32 again = PXTAllocContextLock();
+  EXPECT_EQ(again, 1U);
+  PXTFreeContextLock(again);
 }
 
 TEST(ContextLock, ALockInUseKeepsTheSlots) {
   const u32 handle = PXTAllocContextLock();
   PXTLockContext(handle);
   qvx::ReleaseContextLockSlots();
-  EXPECT_TRUE(KeepsAnotherOut(handle, [handle] { PXTUnLockContext(handle); }));
+  EXPECT_TRUE(KeepsAnotherOut(handle));
   PXTFreeContextLock(handle);
 }
 

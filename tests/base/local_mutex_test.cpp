@@ -3,14 +3,11 @@
 #include "base/local_mutex.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <thread>
 
 #include "qvxcs/status.h"
 
 #include "support/alloc_fault.h"
+#include "support/threads.h"
 
 namespace {
 
@@ -50,30 +47,24 @@ TEST(LocalMutex, ATimeOutCountsSleepsOfAMillisecond) {
 TEST(LocalMutex, AWaitWithoutLimitEndsWhenTheHolderReleases) {
   const qvx::LocalMutex mutex = qvx::CreateLocalMutex();
   EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -1), 0);
-  std::atomic<bool> taken = false;
-  std::thread other([&taken, mutex] {
-    EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -1), 0);
-    taken = true;
-    EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
-  });
-  usleep(20000);
-  EXPECT_FALSE(taken);
-  EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
-  other.join();
-  EXPECT_TRUE(taken);
+  EXPECT_TRUE(qvx::test::WaitsFor(
+      [mutex] {
+        EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -1), 0);
+        EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
+      },
+      [mutex] { EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0); }));
   qvx::DestroyLocalMutex(mutex);
 }
 
 TEST(LocalMutex, APolledWaitTakesTheMutexAtALaterAttempt) {
   const qvx::LocalMutex mutex = qvx::CreateLocalMutex();
   EXPECT_EQ(qvx::WaitForLocalMutex(mutex, -1), 0);
-  std::thread other([mutex] {
-    EXPECT_EQ(qvx::WaitForLocalMutex(mutex, 60000), 0);
-    EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
-  });
-  usleep(5000);
-  EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
-  other.join();
+  EXPECT_TRUE(qvx::test::WaitsFor(
+      [mutex] {
+        EXPECT_EQ(qvx::WaitForLocalMutex(mutex, 60000), 0);
+        EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0);
+      },
+      [mutex] { EXPECT_EQ(qvx::ReleaseLocalMutex(mutex), 0); }));
   qvx::DestroyLocalMutex(mutex);
 }
 

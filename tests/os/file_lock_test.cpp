@@ -19,6 +19,7 @@
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/processes.h"
+#include "support/threads.h"
 
 namespace {
 
@@ -183,11 +184,6 @@ TEST_F(FileLockTest, APolledWaitTakesTheLockAtALaterAttempt) {
   EXPECT_FALSE(FreeForOthers());
 }
 
-bool Sleeps(pid_t process) {
-  return qvx::test::ReadFile("/proc/" + std::to_string(process) + "/stat").find(") S ") !=
-         std::string::npos;
-}
-
 TEST_F(FileLockTest, AWaitWithoutLimitThatCouldNeverEndIsAnError) {
   const int own = open("/tmp/own", O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   ASSERT_EQ(Request(own, F_SETLK, F_WRLCK, 0, 0), 0);
@@ -203,7 +199,7 @@ TEST_F(FileLockTest, AWaitWithoutLimitThatCouldNeverEndIsAnError) {
   }
   char byte = 0;
   ASSERT_EQ(read(ready[0], &byte, 1), 1);
-  while (!Sleeps(other)) {
+  while (!qvx::test::IsAsleep(other)) {
   }
   EXPECT_EQ(qvx::LockIPCFileRecord(0, -1), -1);
   EXPECT_EQ(close(own), 0);

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <thread>
@@ -17,6 +16,7 @@
 #include "base/context_lock.h"
 #include "support/alloc_fault.h"
 #include "support/heap_use.h"
+#include "support/threads.h"
 #include "tests/text/list_kinds.h"
 
 // What doubly and singly linked lists promise alike. What only one kind does is in its own file.
@@ -118,17 +118,9 @@ TYPED_TEST(List, FreeingAnEntryGivesItsBlockBackAndANullEntryNone) {
 // Whether a delete of a null entry is over while another operation has the list.
 template <typename Kind>
 bool NullDeleteWaits(typename Kind::Header* list) {
-  std::atomic<bool> done = false;
   LockContext(list->lock);
-  std::thread other([&] {
-    Kind::kDelete(list, nullptr);
-    done = true;
-  });
-  usleep(20000);
-  const bool waited = !done;
-  UnLockContext(list->lock);
-  other.join();
-  return waited;
+  return qvx::test::WaitsFor([list] { Kind::kDelete(list, nullptr); },
+                             [list] { UnLockContext(list->lock); });
 }
 
 TYPED_TEST(List, DeletingANullEntryTakesTheListsLock) {
@@ -291,16 +283,20 @@ u32 comparedLock = 0;
 std::atomic<bool> otherGotIn = false;
 bool otherGotInDuringCompare = false;
 std::thread other;
+std::atomic<pid_t> otherId = 0;
 
-// Calls the keys equal, after another thread has had time to take the list's lock.
+// Calls the keys equal, after another thread has taken the list's lock or waits for it.
 template <typename Entry>
 s32 LetAnotherThreadTry(Entry*, Entry*) {
   other = std::thread([] {
+    otherId = gettid();
     qvx::LockContext(comparedLock);
     otherGotIn = true;
     qvx::UnLockContext(comparedLock);
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  while (otherId == 0 || (!otherGotIn && !qvx::test::IsAsleep(otherId))) {
+    std::this_thread::yield();
+  }
   otherGotInDuringCompare = otherGotIn;
   return 0;
 }
@@ -312,6 +308,7 @@ void ExpectCompareUnderTheLock(Insert insert, u32 status) {
   list.Append(1);
   comparedLock = list->lock;
   otherGotIn = false;
+  otherId = 0;
   EXPECT_EQ(insert(list.get(), list.Make(1), LetAnotherThreadTry<typename Kind::Entry>), status);
   other.join();
   EXPECT_FALSE(otherGotInDuringCompare);
@@ -345,29 +342,21 @@ TYPED_TEST(List, EveryOperationWaitsForTheListsLock) {
     Entry* fresh = list.Make(++key);
     const u32 before = list->count;
     qvx::LockContext(list->lock);
-    std::thread waiting([&] { operation(list.get(), fresh); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    EXPECT_EQ(list->count, before) << key;
-    qvx::UnLockContext(list->lock);
-    waiting.join();
+    EXPECT_TRUE(qvx::test::WaitsFor([&] { operation(list.get(), fresh); },
+                                    [&] {
+                                      EXPECT_EQ(list->count, before) << key;
+                                      qvx::UnLockContext(list->lock);
+                                    }))
+        << key;
     EXPECT_NE(list->count, before) << key;
   }
 }
 
 TYPED_TEST(List, FreeingWaitsForAnOperationUnderWay) {
   typename TypeParam::Header* list = TypeParam::kAlloc();
-  std::atomic<bool> freed = false;
   qvx::LockContext(list->lock);
-  const u32 lock = list->lock;
-  std::thread freeing([&] {
-    TypeParam::kFree(list);
-    freed = true;
-  });
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_FALSE(freed);
-  qvx::UnLockContext(lock);
-  freeing.join();
-  EXPECT_TRUE(freed);
+  EXPECT_TRUE(qvx::test::WaitsFor([list] { TypeParam::kFree(list); },
+                                  [lock = list->lock] { qvx::UnLockContext(lock); }));
 }
 
 TYPED_TEST(List, SeveralThreadsMayUseOneList) {
