@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <string>
 #include <thread>
 
@@ -24,6 +25,7 @@
 #include "support/alone.h"
 #include "support/cancelled.h"
 #include "support/files.h"
+#include "support/passing_time.h"
 #include "support/processes.h"
 
 namespace {
@@ -31,6 +33,7 @@ namespace {
 using qvx::test::EndsAfter;
 using qvx::test::LockHolder;
 using qvx::test::LockIsFree;
+using qvx::test::OnSleep;
 using qvx::test::ReadFile;
 
 int OpenDescriptors() {
@@ -66,7 +69,8 @@ class Attached {
 
 QVX_ALONE(Cancel, ALogAppendThatWaitsForTheLockIsDoneFirst) {
   const Attached attached;
-  const LockHolder other(qvx::kIPCFilePath, 50000);
+  LockHolder other(qvx::kIPCFilePath);
+  const OnSleep release([&other](u32) { other.Release(); });
   u32 status = 77;
   EXPECT_TRUE(EndsAfter([&status] {
     status = PXTAppendToXMLLog("/run/cancel.xml", 4, 9, "u", "s", "<D/>", nullptr, 0, 131072);
@@ -106,19 +110,27 @@ QVX_ALONE(Cancel, AKeyValueWriteAndAReadAreDoneFirst) {
 QVX_ALONE(Cancel, AThreadThatWaitsForTheTurnGetsIt) {
   const Attached attached;
   std::atomic<bool> taken = false;
-  std::thread other([&taken] {
+  std::atomic<bool> wanted = false;
+  std::thread other([&] {
     EXPECT_EQ(qvx::TakeThreadsTurn(0), 0);
     taken = true;
-    usleep(50000);
+    while (!wanted) {
+      std::this_thread::yield();
+    }
     qvx::GiveThreadsTurn();
   });
   while (!taken) {
     std::this_thread::yield();
   }
+  const OnSleep want([&wanted](u32 microseconds) {
+    wanted = true;
+    std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
+  });
   u32 status = 77;
   EXPECT_TRUE(EndsAfter(
       [&status] { status = PXTWriteINIPathFileValue("A", "b", 1, "2", 2, "/run/turn.ini", 1); }));
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
+  wanted = true;
   other.join();
 }
 

@@ -3,6 +3,7 @@
 #include "frame/forks.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -27,9 +28,18 @@ namespace {
 using qvx::test::InChild;
 
 // A child that waits for a thread of its parent never ends by itself.
-void EndWhereItHangs() { (void)alarm(10); }
+void EndWhereItHangs() { (void)alarm(60); }
 
-// Another thread, between `take` and `give` while the test forks.
+std::atomic<bool> forking = false;
+
+// Has `forking` set by the next fork, before the library's own work for it. To be called after
+// WatchForks(), because the last one that was registered is called first.
+void NoteForks() {
+  forking = false;
+  ASSERT_EQ(pthread_atfork([] { forking = true; }, nullptr, nullptr), 0);
+}
+
+// Another thread, between `take` and `give` when the test forks, and for a while within the fork.
 template <typename Take, typename Give>
 class AnotherThread {
  public:
@@ -37,6 +47,9 @@ class AnotherThread {
       : thread_([this, take, give] {
           take();
           taken_ = true;
+          while (!forking) {
+            std::this_thread::yield();
+          }
           usleep(50000);
           give();
         }) {
@@ -55,6 +68,7 @@ class AnotherThread {
 
 QVX_ALONE(Forks, AChildMakesContextLocksThoughAnotherThreadWasMakingOne) {
   qvx::WatchForks();
+  NoteForks();
   const AnotherThread maker(qvx::HoldContextLocksForFork, qvx::EndContextLocksHold);
   EXPECT_EQ(InChild([] {
               EndWhereItHangs();
@@ -81,6 +95,7 @@ QVX_ALONE(Forks, AreWatchedOnceHoweverOftenItIsAsked) {
 QVX_ALONE(Forks, AChildWritesAndExitsThoughAnotherThreadHadTheTurn) {
   qvx::test::RequireSandbox();
   ASSERT_EQ(qvx::ModuleInit(), 1);
+  NoteForks();
   const AnotherThread writer([] { EXPECT_EQ(qvx::TakeThreadsTurn(0), 0); }, qvx::GiveThreadsTurn);
   EXPECT_EQ(InChild([] {
               EndWhereItHangs();

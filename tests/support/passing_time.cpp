@@ -37,8 +37,8 @@ OnSleep::~OnSleep() { onSleep = nullptr; }
 bool ActsOnSleep(u32 microseconds) {
   const OnSleep::Action* const action = onSleep;
   if (action == nullptr) return false;
-  pthread_testcancel();  // as a sleep does
   (*action)(microseconds);
+  pthread_testcancel();  // as a sleep does
   return true;
 }
 
