@@ -7,6 +7,7 @@
 #include <sys/syscall.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -20,6 +21,7 @@
 #include "os/file_lock.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
+#include "support/heap_use.h"
 #include "support/processes.h"
 #include "support/refuse_call.h"
 
@@ -280,14 +282,20 @@ TEST(KeyValueLookup, NullArgumentsAndNoEntriesAreNull) {
   EXPECT_EQ(PXTCFGGetKeyValue(entries, 0, "key", 0), nullptr);
 }
 
-// Entries without key or value would crash if they were read.
-TEST(KeyValueLookup, FreeingNullDoesNothing) {
-  EXPECT_EQ(test::InChild([] {
-              PXTCFGFreeKeyValueEntries(nullptr, 0);
-              PXTCFGFreeKeyValueEntries(nullptr, 5);
-              return 3;
-            }),
-            3);
+TEST(KeyValueLookup, FreeingReleasesEachEntryAndTheirBlockAndOfNullNothing) {
+  constexpr size_t kLarge = 8192;
+  const size_t before = test::HeapInUse();
+  auto* const entries = static_cast<PXTKeyValue*>(malloc(kLarge));
+  for (PXTKeyValue* const entry : {entries, entries + 1}) {
+    *entry = {static_cast<astring*>(malloc(kLarge)), static_cast<astring*>(malloc(kLarge))};
+  }
+  const size_t filled = test::HeapInUse();
+  EXPECT_GE(filled, before + 5 * kLarge);
+  PXTCFGFreeKeyValueEntries(nullptr, 0);
+  PXTCFGFreeKeyValueEntries(nullptr, 5);
+  EXPECT_EQ(test::HeapInUse(), filled);
+  PXTCFGFreeKeyValueEntries(entries, 2);
+  EXPECT_EQ(test::HeapInUse(), before);
 }
 
 }  // namespace
