@@ -15,6 +15,8 @@
 
 #include "qvxcs/qvxcs.h"
 
+#include "failure.h"
+
 static const char* LevelInWords(u32 rights) {
   switch (rights & QVX_PRIV_LEVEL) {
     case QVX_PRIV_ADMINISTRATOR:
@@ -53,11 +55,12 @@ int main(int argc, char** argv) {
   }
   setlocale(LC_CTYPE, ""); /* the role map is queried only for names in the locale */
   char password[256];
+  u32 userStatus = SM_STATUS_SUCCESS;
+  u32 secretStatus = SM_STATUS_SUCCESS;
   const int read = ReadLine(password, sizeof(password));
-  ustring* const user = PXTNVSAstrToUstr(argv[1], NULL);
-  ustring* const secret = read ? PXTNVSAstrToUstr(password, NULL) : NULL;
+  ustring* const user = PXTNVSAstrToUstr(argv[1], &userStatus);
+  ustring* const secret = read ? PXTNVSAstrToUstr(password, &secretStatus) : NULL;
   Wipe(password, sizeof(password));
-  const int usable = user != NULL && secret != NULL;
 
   /* Logins use the role map only after a query has opened and read the file. */
   (void)PXTOpenRolemapFile();
@@ -65,8 +68,13 @@ int main(int argc, char** argv) {
   const u32 rights = PXTAuthenticateUser(NULL, user, secret); /* wipes `secret` in any case */
   PXTFreeMem(user);
   PXTFreeMem(secret);
-  if (!usable) {
-    fprintf(stderr, "login: name or password is missing, too long or no UTF-8 text\n");
+  if (!read) {
+    fprintf(stderr, "login: the password is missing or too long\n");
+    return 2;
+  }
+  if (userStatus != SM_STATUS_SUCCESS || secretStatus != SM_STATUS_SUCCESS) {
+    PrintFailure("login", "the name or the password cannot be converted",
+                 userStatus != SM_STATUS_SUCCESS ? userStatus : secretStatus);
     return 2;
   }
   printf("%s: %s%s\n", argv[1], LevelInWords(rights),

@@ -69,25 +69,27 @@ static u32 Authenticate(const char* login, char* password, u32* rights) {
   return status != SM_STATUS_SUCCESS ? status : passwordStatus;
 }
 
-static int PrintAnswer(const char* login, u32 rights) {
+static u32 PrintAnswer(const char* login, u32 rights) {
   void* const answer = PXTXAllocBuf(512, QVX_TRUE);
-  if (answer == NULL) return 0;
+  if (answer == NULL) return SM_STATUS_NO_MEMORY;
   const booln granted = rights != 0;
   const PXTTypedValue hexadecimal = {QVX_TYPE_U32, QVX_BASE_HEXADECIMAL, &rights};
-  const int built =
-      PXTXBufCatBeginNode(answer, "Answer", "command=\"login\"") == SM_STATUS_SUCCESS &&
-      PXTXBufCatNode(answer, "User", NULL, QVX_TYPE_XML_ASTRING, login) == SM_STATUS_SUCCESS &&
-      PXTXBufCatNode(answer, "Granted", NULL, QVX_TYPE_BOOLN, &granted) == SM_STATUS_SUCCESS &&
-      PXTXBufCatNode(answer, "Rights", NULL, QVX_TYPE_TYPED_VALUE, &hexadecimal) ==
-          SM_STATUS_SUCCESS;
-  PXTNVSCatSMStatusNode(answer, 0, NULL);
-  const int closed = PXTXBufCatEndNode(answer, "Answer") == SM_STATUS_SUCCESS;
-  astring* const text = PXTXFreeBufGetContent(answer);
-  if (text != NULL) {
-    printf("%s\n", text);
+  u32 status = PXTXBufCatBeginNode(answer, "Answer", "command=\"login\"");
+  if (status == SM_STATUS_SUCCESS) {
+    status = PXTXBufCatNode(answer, "User", NULL, QVX_TYPE_XML_ASTRING, login);
   }
+  if (status == SM_STATUS_SUCCESS) {
+    status = PXTXBufCatNode(answer, "Granted", NULL, QVX_TYPE_BOOLN, &granted);
+  }
+  if (status == SM_STATUS_SUCCESS) {
+    status = PXTXBufCatNode(answer, "Rights", NULL, QVX_TYPE_TYPED_VALUE, &hexadecimal);
+  }
+  PXTNVSCatSMStatusNode(answer, 0, NULL);
+  if (status == SM_STATUS_SUCCESS) status = PXTXBufCatEndNode(answer, "Answer");
+  astring* const text = PXTXFreeBufGetContent(answer);
+  if (status == SM_STATUS_SUCCESS) puts(text);
   PXTXFreeBufContent(text);
-  return built && closed && text != NULL;
+  return status;
 }
 
 static u32 Record(const char* login, u32 rights) {
@@ -141,8 +143,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   PrintRights(login, rights);
-  if (!PrintAnswer(login, rights)) {
-    fprintf(stderr, "request: the answer could not be made\n");
+  status = PrintAnswer(login, rights);
+  if (status != SM_STATUS_SUCCESS) {
+    PrintFailure("request", "the answer could not be made", status);
     return 2;
   }
   errno = 0;

@@ -27,11 +27,12 @@ check 0 "una: user" login_as una "$good"
 check 0 "root: administrator, superuser" login_as root "$good"
 check 0 "zoë: user" login_as zoë "$good"
 LC_ALL=C check 1 "zoë: no access" login_as zoë "$good"
-unusable="login: name or password is missing, too long or no UTF-8 text"
-check 2 "$unusable" login_as ada "$(printf '%0256d' 0)"
+missing="login: the password is missing or too long"
+unusable="login: the name or the password cannot be converted (SM_STATUS_BAD_DATA)"
+check 2 "$missing" login_as ada "$(printf '%0256d' 0)"
 check 2 "$unusable" login_as ada $'\xff'
 check 2 "$unusable" login_as $'\xff' "$good"
-check 2 "$unusable" login ada </dev/null
+check 2 "$missing" login ada </dev/null
 check 0 "una: user" login una <<<"$good"
 check 0 "una: user" login una < <(printf '%s' "$good")
 check 2 "usage: login USER" login
