@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "text/time_text.h"
 
-#include <cstdio>
 #include <cstring>
 
 #include "qvxcs/status.h"
@@ -15,6 +14,7 @@ namespace {
 
 // A year of five digits makes 25 characters; callers have 26 bytes.
 constexpr u32 kTimeRoom = 26;
+constexpr s64 kLongestYear = 5;
 constexpr time_t kDaylightSavingSeconds = 3600;
 
 constexpr astring kDays[][4] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -27,19 +27,55 @@ bool ToLocalTime(time_t time, struct tm* local) {
   return localtime_r(&time, local) != nullptr;
 }
 
+astring* PutTwoDigits(astring* to, int number, astring before) {
+  *to++ = number < 10 ? before : static_cast<astring>('0' + number / 10);
+  *to++ = static_cast<astring>('0' + number % 10);
+  return to;
+}
+
+astring* PutName(astring* to, const astring (&name)[4]) {
+  memcpy(to, name, 3);
+  to[3] = ' ';
+  return to + 4;
+}
+
+// As "%d" prints it, terminated; false where it is longer than kLongestYear.
+bool PutYear(astring* to, s64 year) {
+  astring text[24];
+  astring* at = text + sizeof(text) - 1;
+  *at = '\0';
+  u64 rest = static_cast<u64>(year < 0 ? -year : year);
+  do {
+    *--at = static_cast<astring>('0' + rest % 10);
+    rest /= 10;
+  } while (rest != 0);
+  if (year < 0) *--at = '-';
+  const auto length = text + sizeof(text) - 1 - at;
+  if (length > kLongestYear) return false;
+  memcpy(to, at, static_cast<size_t>(length) + 1);
+  return true;
+}
+
 }  // namespace
 
 s32 TimeToAStr(astring* out, time_t time) {
   struct tm local = {};
   if (out == nullptr || !ToLocalTime(time, &local)) return -1;
-  // Formatted here, not by asctime_r, which refuses some years and may write beyond 26 bytes.
-  astring text[64];
-  const s64 year = s64{local.tm_year} + 1900;
-  const int length = snprintf(text, sizeof(text), "%s %s %2d %02d:%02d:%02d %lld",
-                              kDays[local.tm_wday], kMonths[local.tm_mon], local.tm_mday,
-                              local.tm_hour, local.tm_min, local.tm_sec, (long long)year);
-  if (length < 0 || length >= static_cast<int>(kTimeRoom)) return -1;
-  memcpy(out, text, static_cast<size_t>(length) + 1);
+  // Formatted here, not by asctime_r, which refuses some years and may write beyond 26 bytes; and
+  // not by snprintf, which takes a third of the time of a log entry.
+  astring text[kTimeRoom];
+  astring* at = PutName(text, kDays[local.tm_wday]);
+  at = PutName(at, kMonths[local.tm_mon]);
+  at = PutTwoDigits(at, local.tm_mday, ' ');
+  *at++ = ' ';
+  at = PutTwoDigits(at, local.tm_hour, '0');
+  *at++ = ':';
+  at = PutTwoDigits(at, local.tm_min, '0');
+  *at++ = ':';
+  at = PutTwoDigits(at, local.tm_sec, '0');
+  *at++ = ' ';
+  if (!PutYear(at, s64{local.tm_year} + 1900)) return -1;
+  memcpy(out, text, strlen(text) + 1);
   return 0;
 }
 
