@@ -2,15 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "config/file_lines.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace qvx {
 namespace {
 
 // The length of the line that the text begins with; 0 when it may go on after the text.
-size_t LineLength(std::string_view text) {
-  const std::string_view piece = text.substr(0, kLineLength);
-  const size_t end = piece.find('\n');
-  if (end != std::string_view::npos) return end + 1;
-  return piece.size() == kLineLength ? kLineLength : 0;
+inline size_t LineLength(std::string_view text) {
+  const size_t searched = std::min(text.size(), kLineLength);
+  const void* const end = memchr(text.data(), '\n', searched);
+  if (end != nullptr) return static_cast<size_t>(static_cast<const char*>(end) - text.data()) + 1;
+  return searched == kLineLength ? kLineLength : 0;
 }
 
 }  // namespace
@@ -24,7 +27,7 @@ LineRead NextLine(BlockReader* file, std::string_view* line) {
     if (file->Failed()) return LineRead::kError;
     length = file->Unread().size();
   }
-  *line = file->Unread().substr(0, length);
+  *line = {file->Unread().data(), length};
   file->Skip(length);
   return length == 0 ? LineRead::kEnd : LineRead::kLine;
 }

@@ -12,14 +12,6 @@
 namespace qvx {
 namespace {
 
-std::string_view SkipBlanks(std::string_view text) {
-  size_t at = 0;
-  while (at < text.size() && (text[at] == ' ' || text[at] == '\t')) {
-    ++at;
-  }
-  return text.substr(at);
-}
-
 // Up to the line end or the first NUL byte.
 std::string_view TextOf(std::string_view line) {
   if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
@@ -44,20 +36,11 @@ u32 ParseForSection(std::string_view line, astring* name) {
 
 bool IsComment(std::string_view line) { return line.starts_with('#') || line.starts_with(';'); }
 
-bool EndsSection(std::string_view line) { return SkipBlanks(line).starts_with('['); }
-
 IniKey KeyOfLine(std::string_view line) {
   const std::string_view text = TextOf(SkipBlanks(line));
   const size_t equals = text.find('=');
   if (equals == std::string_view::npos) return {text, false, {}};
   return {text.substr(0, equals), true, text.substr(equals + 1)};
-}
-
-// Most lines differ in their first characters, which are compared before the line is taken apart.
-bool HasKey(std::string_view line, std::string_view key, IniKey* found) {
-  if (!SkipBlanks(line).starts_with(key)) return false;
-  *found = KeyOfLine(line);
-  return found->text == key;
 }
 
 bool IsUstringOfSize(const void* text, u32 size) {

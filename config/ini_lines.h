@@ -24,8 +24,16 @@ u32 ParseForSection(std::string_view line, astring* name);
 // "#" or ";" in column one.
 bool IsComment(std::string_view line);
 
+// What follows leading spaces and tabs.
+inline std::string_view SkipBlanks(std::string_view text) {
+  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
+    text.remove_prefix(1);
+  }
+  return text;
+}
+
 // A "[" after leading spaces and tabs, closed or not, which ends the section before it.
-bool EndsSection(std::string_view line);
+inline bool EndsSection(std::string_view line) { return SkipBlanks(line).starts_with('['); }
 
 // A line's key: from the first character that is no space or tab to "=", the line end or the end of
 // the text. `value` is what follows the "=", without the line end; a line without "=" has none.
@@ -38,7 +46,12 @@ struct IniKey {
 IniKey KeyOfLine(std::string_view line);
 
 // Whether the line has this key, exact and case-sensitive; `found` is set where it has.
-bool HasKey(std::string_view line, std::string_view key, IniKey* found);
+// Most lines differ in their first characters, which are compared before the line is taken apart.
+inline bool HasKey(std::string_view line, std::string_view key, IniKey* found) {
+  if (!SkipBlanks(line).starts_with(key)) return false;
+  *found = KeyOfLine(line);
+  return found->text == key;
+}
 
 // Whether a value is a text of 16-bit units of exactly this many bytes, its 0 unit included.
 bool IsUstringOfSize(const void* text, u32 size);

@@ -28,6 +28,7 @@ u32 FindHeader(const astring* section, BlockReader* file) {
     const LineRead read = NextLine(file, &line);
     if (read == LineRead::kEnd) return SM_STATUS_SECTION_NOT_FOUND;
     if (read == LineRead::kError) return SM_STATUS_BAD_SECTION_HEADER;
+    if (!EndsSection(line)) continue;
     const u32 status = ParseForSection(line, name);
     if (status == SM_STATUS_BAD_SECTION_HEADER) return status;
     if (status == SM_STATUS_SUCCESS && strcmp(name, section) == 0) return SM_STATUS_SUCCESS;

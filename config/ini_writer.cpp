@@ -80,7 +80,7 @@ u32 FindSection(const astring* section, BlockReader* in, BlockWriter* out) {
     const LineRead read = NextLine(in, &line);
     if (read == LineRead::kEnd) return SM_STATUS_SECTION_NOT_FOUND;
     if (read == LineRead::kError) return SM_STATUS_BAD_SECTION_HEADER;
-    const u32 header = ParseForSection(line, name);
+    const u32 header = EndsSection(line) ? ParseForSection(line, name) : kMinusOne;
     if (header == SM_STATUS_BAD_SECTION_HEADER) return header;
     if (!out->Write(line)) return SM_STATUS_WRITE_FAILED;
     if (header == SM_STATUS_SUCCESS && strcmp(name, section) == 0) return SM_STATUS_SUCCESS;
