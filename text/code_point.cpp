@@ -14,20 +14,6 @@ constexpr u32 kLastUtf8 = 0x7FFFFFFF;
 constexpr u32 kLastUtf16 = 0x10FFFF;
 constexpr u32 kFirstPair = 0x10000;
 
-constexpr XmlEntity kXmlEntities[] = {
-    {'"', "&quot;", 6}, {'&', "&amp;", 5}, {'\'', "&apos;", 6}, {'<', "&lt;", 4}, {'>', "&gt;", 4},
-};
-
-// For each ASCII character its place in the table plus 1; 0 for one that is not there.
-constexpr auto kEntityPlaces = [] {
-  std::array<u8, 128> places{};
-  u8 place = 0;
-  for (const XmlEntity& entity : kXmlEntities) {
-    places[static_cast<u8>(entity.character)] = ++place;
-  }
-  return places;
-}();
-
 // One length of UTF-8: the last code point that it holds, and the lead byte's fixed bits.
 struct Utf8Form {
   u32 last;
@@ -154,11 +140,6 @@ u32 UCS4CharToXMLUTF8Chars(astring* out, u32* size, booln* escaped, u32 codePoin
   *size = entity->length;
   if (escaped != nullptr) *escaped = 1;
   return SM_STATUS_SUCCESS;
-}
-
-const XmlEntity* FindXmlEntity(u32 codePoint) {
-  const u32 place = codePoint < kEntityPlaces.size() ? kEntityPlaces[codePoint] : 0;
-  return place == 0 ? nullptr : &kXmlEntities[place - 1];
 }
 
 }  // namespace qvx

@@ -3,6 +3,8 @@
 #ifndef QVX_TEXT_CODE_POINT_H
 #define QVX_TEXT_CODE_POINT_H
 
+#include <array>
+
 #include "qvxcs/types.h"
 
 namespace qvx {
@@ -37,8 +39,25 @@ struct XmlEntity {
 // The table's characters.
 inline constexpr char kXmlCharacters[] = "\"&'<>";
 
+inline constexpr XmlEntity kXmlEntities[] = {
+    {'"', "&quot;", 6}, {'&', "&amp;", 5}, {'\'', "&apos;", 6}, {'<', "&lt;", 4}, {'>', "&gt;", 4},
+};
+
+// For each ASCII character its place in the table plus 1; 0 for one that is not there.
+inline constexpr auto kEntityPlaces = [] {
+  std::array<u8, 128> places{};
+  u8 place = 0;
+  for (const XmlEntity& entity : kXmlEntities) {
+    places[static_cast<u8>(entity.character)] = ++place;
+  }
+  return places;
+}();
+
 // Null for a character that needs no replacement.
-const XmlEntity* FindXmlEntity(u32 codePoint);
+inline const XmlEntity* FindXmlEntity(u32 codePoint) {
+  const u32 place = codePoint < kEntityPlaces.size() ? kEntityPlaces[codePoint] : 0;
+  return place == 0 ? nullptr : &kXmlEntities[place - 1];
+}
 
 }  // namespace qvx
 
