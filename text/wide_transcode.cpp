@@ -157,11 +157,12 @@ QVX_SHUFFLES Run WidenLatin(ustring* to, size_t room, const astring* from, size_
   ustring piece[kPiece + kUnits];
   size_t gathered = 0;
   Run run;
-  while (run.read + kBytes <= count && run.written + gathered + kBytes <= room) {
+  while (run.read + kBytes <= count) {
     const __m128i bytes = Load(from + run.read);
     const LatinBlock block = LookForLatin(bytes);
     if (block.length == 0) break;
     const u32 ends = block.ends;
+    if (run.written + gathered + static_cast<u32>(__builtin_popcount(ends)) > room) break;
     if (to != nullptr) {
       Store(piece + gathered, LatinUnits(_mm_slli_si128(bytes, 1), ends & 0xFF));
       gathered += static_cast<u32>(__builtin_popcount(ends & 0xFF));
@@ -202,8 +203,7 @@ QVX_SHUFFLES Run NarrowLatin(astring* to, size_t room, const ustring* from, size
   astring piece[kPiece + kBytes];
   size_t gathered = 0;
   Run run;
-  for (; run.read + kUnits <= count && run.written + gathered + kBytes <= room;
-       run.read += kUnits) {
+  for (; run.read + kUnits <= count; run.read += kUnits) {
     const __m128i units = Load(from + run.read);
     const __m128i beyond = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
     if (Mask(_mm_cmpeq_epi16(beyond, _mm_setzero_si128())) != 0xFFFF) break;
@@ -211,6 +211,7 @@ QVX_SHUFFLES Run NarrowLatin(astring* to, size_t room, const ustring* from, size
     const u32 ones = Mask(_mm_packs_epi16(isOne, _mm_setzero_si128()));
     if (ones == 0xFF) break;  // ASCII has a faster loop
     const u32 length = kBytes - static_cast<u32>(__builtin_popcount(ones));
+    if (run.written + gathered + length > room) break;
     if (to == nullptr) {
       run.written += length;
       continue;
