@@ -3,19 +3,18 @@
 
 // Each system call on files of each updating scene fails: with each error alone, and with all that
 // follow; writes also write half of their bytes.
-#include <sys/syscall.h>
-
 #include <cerrno>
 #include <cstring>
 
+#include "torture/fault.h"
 #include "torture/stepper.h"
 #include "torture/torture.h"
 
 namespace qvx::torture {
 namespace {
 
-constexpr int kShort = -1;  // half a write instead of an error
-constexpr int kErrors[] = {ENOSPC, EIO, EINTR, EDQUOT, EACCES, EMFILE, EROFS, ENOLCK, kShort};
+constexpr int kErrors[] = {ENOSPC, EIO, EINTR, EDQUOT, EACCES, EMFILE, EROFS, ENOLCK, kHalf};
+constexpr size_t kErrorCount = sizeof(kErrors) / sizeof(kErrors[0]);
 
 struct Point {
   const Scene* scene;
@@ -24,57 +23,21 @@ struct Point {
   bool fromThenOn;
 };
 
-// The fault, as the stepper's look.
-class Fault {
- public:
-  explicit Fault(const Point& point) : point_(point) {}
-
-  Then operator()(const Stop& stop) {
-    // A lock that never comes is waited for a minute long: its sleeps are left out.
-    if (stop.number == SYS_clock_nanosleep) {
-      if (stop.at == At::kEntry) Refuse(stop);
-      if (stop.at == At::kExit) SetResult(stop, 0);
-      return Then::kGoOn;
-    }
-    if (stop.at == At::kEntry) Entry(stop);
-    if (stop.at == At::kExit && failing_) SetResult(stop, -point_.error);
-    if (stop.at == At::kExit) failing_ = false;
-    return Then::kGoOn;
-  }
-  [[nodiscard]] bool Met() const { return met_; }
-
- private:
-  void Entry(const Stop& stop) {
-    if (!IsFileCall(stop.number) || IsAboutTheLock(stop)) return;
-    ++seen_;
-    if (seen_ < point_.nth || (seen_ > point_.nth && !point_.fromThenOn)) return;
-    met_ = true;
-    if (point_.error == kShort) {
-      if (IsWrite(stop.number) && stop.size > 1) SetSize(stop, stop.size / 2);
-      return;
-    }
-    failing_ = true;
-    if (stop.number != SYS_close) Refuse(stop);  // Linux closes whatever close() says
-  }
-
-  Point point_;
-  unsigned seen_ = 0;
-  bool failing_ = false;
-  bool met_ = false;
-};
-
 std::string Try(const Point& point, bool* met) {
   const Scene& scene = *point.scene;
-  Fault fault(point);
+  Fault fault(point.nth, point.error, point.fromThenOn);
   bool killed = false;
   const auto body = [&]() -> std::string {
     const Judge judge(scene);
     Begin();
-    const bool done = scene.act();
+    const qvx_u32 status = scene.act();
     End();
-    if (std::string wrong = judge.File(done, point.fromThenOn); !wrong.empty()) return wrong;
+    std::string wrong = judge.File(status, point.fromThenOn ? Torn::kYes : Torn::kNo);
+    if (!wrong.empty()) return wrong;
     if (point.fromThenOn) return "";  // nothing could be put back
-    if (std::string wrong = judge.Process(done); !wrong.empty()) return wrong;
+    // What failed may have been the copy's removal.
+    if (scene.kind == Kind::kAppended) (void)unlink(Path("pxtini32.tmp").c_str());
+    if (wrong = judge.Process(status); !wrong.empty()) return wrong;
     return judge.Next();
   };
   std::string wrong = Step(
@@ -83,25 +46,51 @@ std::string Try(const Point& point, bool* met) {
   return wrong;
 }
 
+// False after the last call.
+bool Add(const Point& point, Tally* tally) {
+  bool met = false;
+  const std::string wrong = Try(point, &met);
+  if (!met) return false;
+  tally->Add(wrong, point.scene->name + ", call " + std::to_string(point.nth) + ", " +
+                        (point.error == kHalf ? "half a write" : strerrorname_np(point.error)) +
+                        (point.fromThenOn ? " from then on" : ""));
+  return true;
+}
+
+// Each call with one error, another one than its neighbours'.
+void AddSome(const Scene& scene, unsigned* turn, Tally* tally) {
+  for (unsigned nth = 1;; ++nth) {
+    const int error = kErrors[++*turn % kErrorCount];
+    if (!Add({&scene, nth, error, error != EINTR && *turn % 2 == 0}, tally)) return;
+  }
+}
+
+// In the floor every error alone, and two of them from then on.
+void AddAll(const Scene& scene, Depth depth, Tally* tally) {
+  for (const int error : kErrors) {
+    const bool usual = error == EIO || error == ENOSPC;
+    for (unsigned nth = 1; Add({&scene, nth, error, false}, tally);) {
+      ++nth;
+    }
+    // A call that is interrupted is made again: for ever, if it always is.
+    if (error == EINTR || (depth != Depth::kGoal && !usual)) continue;
+    for (unsigned nth = 1; Add({&scene, nth, error, true}, tally);) {
+      ++nth;
+    }
+  }
+}
+
 }  // namespace
 
-Tally Calls(bool goal) {
-  Tally tally{"system calls that fail"};
-  for (const Scene& scene : UpdatingScenes()) {
-    for (const int error : kErrors) {
-      for (const bool fromThenOn : {false, true}) {
-        // In the short form every error alone, and two of them from then on.
-        if (!goal && fromThenOn && error != EIO && error != ENOSPC) continue;
-        for (unsigned nth = 1;; ++nth) {
-          const Point point = {&scene, nth, error, fromThenOn};
-          bool met = false;
-          const std::string wrong = Try(point, &met);
-          if (!met) break;
-          tally.Add(wrong, std::string(scene.name) + ", call " + std::to_string(nth) + ", " +
-                               (error == kShort ? "half a write" : strerrorname_np(error)) +
-                               (fromThenOn ? " from then on" : ""));
-        }
-      }
+Tally Calls(Depth depth) {
+  const std::vector<Scene> scenes = UpdatingScenes();
+  Tally tally{"system calls fail, in " + std::to_string(scenes.size()) + " operations"};
+  unsigned turn = 0;
+  for (const Scene& scene : scenes) {
+    if (depth == Depth::kSample) {
+      AddSome(scene, &turn, &tally);
+    } else {
+      AddAll(scene, depth, &tally);
     }
   }
   return tally;

@@ -1,12 +1,15 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// Many processes on one log and on one INI file: nothing is lost, each keeps its order.
+// Many processes, with and without threads, on one log and on one INI file: nothing is lost, each
+// keeps its order, no call runs out of time.
 #include <sys/wait.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <thread>
 
 #include "torture/torture.h"
 
@@ -14,6 +17,7 @@ namespace qvx::torture {
 namespace {
 
 constexpr char kLog[] = "/tmp/torture/shared.xml";
+constexpr char kBackup[] = "/tmp/torture/shared.xm_";
 constexpr char kIni[] = "/tmp/torture/shared.ini";
 constexpr qvx_u32 kRoomy = 0x7FFFFFFF;
 
@@ -31,10 +35,10 @@ unsigned InProcesses(unsigned count, Body body) {
   return failed;
 }
 
-bool Write(unsigned writer, unsigned count) {
+bool Write(unsigned writer, unsigned count, qvx_u32 maxSize) {
   for (unsigned at = 0; at < count; ++at) {
     const std::string text = "w" + std::to_string(writer) + "-" + std::to_string(at) + ";";
-    if (PXTAppendToXMLLog(kLog, 4, 7001, "root", "TORTURE", text.c_str(), nullptr, 0, kRoomy) !=
+    if (PXTAppendToXMLLog(kLog, 4, 7001, "root", "TORTURE", text.c_str(), nullptr, 0, maxSize) !=
         SM_STATUS_SUCCESS) {
       return false;
     }
@@ -42,8 +46,8 @@ bool Write(unsigned writer, unsigned count) {
   return true;
 }
 
-std::string LogIsWhole(unsigned writers, unsigned each) {
-  const std::string log = ReadText(kLog);
+// `log`: all entries, in their order.
+std::string LogIsWhole(const std::string& log, unsigned writers, unsigned each) {
   for (unsigned writer = 0; writer < writers; ++writer) {
     size_t from = 0;
     for (unsigned at = 0; at < each; ++at) {
@@ -87,23 +91,81 @@ bool ReadAlong(time_t until) {
   return true;
 }
 
+// 32 processes on one log that is never moved.
+void OneLog(unsigned each, Tally* tally) {
+  constexpr unsigned kWriters = 32;
+  const unsigned failed =
+      InProcesses(kWriters, [each](unsigned at) { return Write(at, each, kRoomy); });
+  tally->Add(failed != 0 ? "a call fails" : LogIsWhole(ReadText(kLog), kWriters, each),
+             "32 processes on one log");
+  tally->points += static_cast<unsigned long>(kWriters) * each - 1;
+}
+
+// The log grows to a little more than its maximum, and is moved once: all is in one of the two.
+void OverAMove(unsigned each, Tally* tally) {
+  constexpr unsigned kWriters = 16;
+  constexpr unsigned kEntrySize = 280;
+  (void)unlink(kLog);
+  (void)unlink(kBackup);
+  const qvx_u32 maxSize = kWriters * each * kEntrySize * 2 / 3;
+  const unsigned failed =
+      InProcesses(kWriters, [each, maxSize](unsigned at) { return Write(at, each, maxSize); });
+  std::string wrong = LogIsWhole(ReadText(kBackup) + ReadText(kLog), kWriters, each);
+  if (ReadText(kBackup) == kNone) wrong = "the log was not moved";
+  tally->Add(failed != 0 ? "a call fails" : wrong, "16 processes over a move to the backup");
+  tally->points += static_cast<unsigned long>(kWriters) * each - 1;
+}
+
+void OneIniFile(unsigned seconds, Tally* tally) {
+  WriteText(kIni, "[s]\nfixed=value\n");
+  const time_t until = time(nullptr) + seconds;
+  const unsigned failed = InProcesses(
+      16, [until](unsigned at) { return at < 8 ? Change(at, until) : ReadAlong(until); });
+  tally->Add(failed == 0 ? "" : std::to_string(failed) + " processes see a wrong value",
+             "8 writers and 8 readers of one INI file");
+}
+
+// Threads of one process: half of them write the log, a quarter each writes and reads the file.
+bool RunThreads(unsigned process, time_t until) {
+  constexpr unsigned kThreads = 8;
+  std::atomic<unsigned> failed = 0;
+  std::vector<std::thread> threads;
+  for (unsigned at = 0; at < kThreads; ++at) {
+    threads.emplace_back([&failed, process, until, at] {
+      const unsigned number = process * kThreads + at;
+      bool right = true;
+      while (at < 4 && right && time(nullptr) < until) {
+        right = Write(number, 1, kRoomy);
+      }
+      if (at == 4 || at == 5) right = Change(number, until);
+      if (at > 5) right = ReadAlong(until);
+      if (!right) ++failed;
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  return failed == 0;
+}
+
+void ProcessesOfThreads(unsigned seconds, Tally* tally) {
+  (void)unlink(kLog);
+  WriteText(kIni, "[s]\nfixed=value\n");
+  const time_t until = time(nullptr) + seconds;
+  const unsigned failed =
+      InProcesses(4, [until](unsigned process) { return RunThreads(process, until); });
+  tally->Add(failed == 0 ? "" : "a call fails, or runs out of time",
+             "4 processes of 8 threads without a pause");
+}
+
 }  // namespace
 
-Tally Contention(bool goal) {
-  Tally tally{"contention of processes"};
-  constexpr unsigned kWriters = 32;
-  const unsigned each = goal ? 5000 : 2000;
-  unsigned failed = InProcesses(kWriters, [each](unsigned at) { return Write(at, each); });
-  std::string wrong = failed == 0 ? LogIsWhole(kWriters, each) : "a call fails";
-  tally.Add(wrong, "32 processes on one log");
-  tally.points += static_cast<unsigned long>(kWriters) * each - 1;
-
-  WriteText(kIni, "[s]\nfixed=value\n");
-  const time_t until = time(nullptr) + (goal ? 60 : 10);
-  failed = InProcesses(
-      16, [until](unsigned at) { return at < 8 ? Change(at, until) : ReadAlong(until); });
-  tally.Add(failed == 0 ? "" : std::to_string(failed) + " processes see a wrong value",
-            "8 writers and 8 readers of one INI file");
+Tally Contention(Depth depth) {
+  Tally tally{"contention of processes and threads"};
+  OneLog(depth == Depth::kGoal ? 5000 : depth == Depth::kFloor ? 2000 : 100, &tally);
+  OverAMove(depth == Depth::kSample ? 50 : 500, &tally);
+  OneIniFile(depth == Depth::kGoal ? 60 : depth == Depth::kFloor ? 10 : 2, &tally);
+  ProcessesOfThreads(depth == Depth::kGoal ? 60 : depth == Depth::kFloor ? 10 : 2, &tally);
   return tally;
 }
 

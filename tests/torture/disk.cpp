@@ -1,9 +1,12 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// The updating scenes on a small disk of their own: full to the last page but 0, 1, 2, ...; without
-// an inode left; read-only; under a file-size limit; without a descriptor left.
+// The updating scenes on a small disk of their own: with 0, 1, 2, ... pages left; without
+// an inode left; read-only; with a file that may not be changed, or only be extended; under a
+// file-size limit, with and without its signal; without a descriptor left.
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 
@@ -17,7 +20,7 @@
 namespace qvx::torture {
 namespace {
 
-constexpr unsigned kPages = 24;
+constexpr unsigned kPages = 48;
 constexpr char kFiller[] = "/tmp/torture/filler";
 
 class SmallDisk {
@@ -55,60 +58,153 @@ void Limit(__rlimit_resource what, rlim_t value) {
 
 // `spoil` runs before the call and `mend` after it; `done` says whether it succeeded.
 template <typename Spoil, typename Mend>
-std::string Try(const Scene& scene, const std::string& options, Spoil spoil, Mend mend,
-                bool* done) {
-  const SmallDisk disk(options);
+std::string TryHere(const Scene& scene, Spoil spoil, Mend mend, bool* done) {
   std::string wrong = InChild([&]() -> std::string {
     const Judge judge(scene);
     spoil();
-    const bool told = scene.act();
+    const qvx_u32 status = scene.act();
     mend();
-    std::string first = judge.File(told, false);
-    if (first.empty()) first = judge.Process(told);
+    std::string first = judge.File(status, Torn::kNo);
+    if (first.empty()) first = judge.Process(status);
     if (first.empty()) first = judge.Next();
-    return (told ? "+" : "-") + first;
+    return (status == SM_STATUS_SUCCESS ? "+" : "-") + first;
   });
   *done = wrong.rfind('+', 0) == 0;
   if (*done || wrong.rfind('-', 0) == 0) wrong.erase(0, 1);
   return wrong;
 }
 
+template <typename Spoil, typename Mend>
+std::string Try(const Scene& scene, const std::string& options, Spoil spoil, Mend mend,
+                bool* done) {
+  const SmallDisk disk(options);
+  return TryHere(scene, spoil, mend, done);
+}
+
+const std::string kSmall = "size=" + std::to_string(kPages * 4096);
+
+void RemoveFiller() { (void)unlink(kFiller); }
+
+// Page by page, until the call succeeds.
+void FullDisk(const Scene& scene, Tally* tally) {
+  bool done = false;
+  for (unsigned room = 0; !done && room <= kPages; ++room) {
+    const std::string wrong = Try(
+        scene, kSmall, [room] { Fill(room); }, RemoveFiller, &done);
+    tally->Add(wrong, scene.name + ", pages left: " + std::to_string(room));
+  }
+}
+
+void NoInode(const Scene& scene, Tally* tally) {
+  bool done = false;
+  tally->Add(Try(
+                 scene, "nr_inodes=4",
+                 [] {
+                   for (const char* name : {"1", "2", "3"}) {
+                     close(open((kFiller + std::string(name)).c_str(), O_CREAT | O_CLOEXEC, 0600));
+                   }
+                 },
+                 [] {
+                   for (const char* name : {"1", "2", "3"}) {
+                     (void)unlink((kFiller + std::string(name)).c_str());
+                   }
+                 },
+                 &done),
+             scene.name + ", no inode left");
+}
+
+void ReadOnly(const Scene& scene, Tally* tally) {
+  bool done = false;
+  tally->Add(Try(
+                 scene, kSmall, [] { Remount(MS_RDONLY); }, [] { Remount(0); }, &done),
+             scene.name + ", read-only");
+}
+
+void LimitedSize(const Scene& scene, Tally* tally) {
+  bool done = false;
+  for (const rlim_t size : {0, 1, 100, 1000, 4096, 10000}) {
+    tally->Add(Try(
+                   scene, kSmall,
+                   [size] {
+                     (void)signal(SIGXFSZ, SIG_IGN);
+                     Limit(RLIMIT_FSIZE, size);
+                   },
+                   [] { Limit(RLIMIT_FSIZE, RLIM_INFINITY); }, &done),
+               scene.name + ", file-size limit " + std::to_string(size));
+  }
+}
+
+// The limit's signal ends the process: what is left is judged by another one.
+void DeadlySize(const Scene& scene, Tally* tally) {
+  for (const rlim_t size : {1, 1000}) {
+    const SmallDisk disk(kSmall);
+    Judge judge(scene);
+    (void)InChild([&scene, size] {
+      Limit(RLIMIT_CORE, 0);
+      Limit(RLIMIT_FSIZE, size);
+      (void)scene.act();
+      return std::string();
+    });
+    std::string wrong = judge.File(SM_STATUS_FAILURE, Torn::kYes);
+    if (wrong.empty()) {
+      wrong = InChild([&judge] {
+        judge.BeginHere();
+        return judge.Next();
+      });
+    }
+    tally->Add(wrong, scene.name + ", deadly file-size limit " + std::to_string(size));
+  }
+}
+
+// From the first descriptor on, until the call succeeds.
+void NoDescriptor(const Scene& scene, Tally* tally) {
+  bool done = false;
+  for (rlim_t most = 3; !done && most < 24; ++most) {
+    const std::string wrong = Try(
+        scene, kSmall, [most] { Limit(RLIMIT_NOFILE, most); }, [] { Limit(RLIMIT_NOFILE, 1024); },
+        &done);
+    tally->Add(wrong, scene.name + ", descriptors " + std::to_string(most));
+  }
+}
+
+void SetFlag(const char* path, int flag) {
+  const int file = open(path, O_RDONLY | O_CLOEXEC);
+  if (file < 0) return;  // nothing is there yet
+  if (ioctl(file, FS_IOC_SETFLAGS, &flag) != 0) abort();
+  close(file);
+}
+
+void Flagged(const Scene& scene, Tally* tally) {
+  struct Flag {
+    const char* name;
+    int flag;
+  };
+  for (const Flag& each : {Flag{"immutable", FS_IMMUTABLE_FL}, Flag{"append-only", FS_APPEND_FL}}) {
+    bool done = false;
+    const SmallDisk disk(kSmall);
+    tally->Add(
+        TryHere(
+            scene, [&] { SetFlag(scene.path, each.flag); }, [&] { SetFlag(scene.path, 0); }, &done),
+        scene.name + ", " + each.name);
+  }
+}
+
 }  // namespace
 
-Tally Disk(bool /*goal*/) {
-  Tally tally{"disks that are full, limits"};
-  const std::string pages = "size=" + std::to_string(kPages * 4096);
+Tally Disk(Depth depth) {
+  Tally tally{"full and closed disks, limits"};
+  unsigned turn = 0;
   for (const Scene& scene : UpdatingScenes()) {
     if (strncmp(scene.path, kPlace, strlen(kPlace)) != 0) continue;
-    bool done = false;
-    for (unsigned room = 0; !done && room <= kPages; ++room) {
-      const std::string wrong = Try(
-          scene, pages, [room] { Fill(room); }, [] { (void)unlink(kFiller); }, &done);
-      tally.Add(wrong, std::string(scene.name) + ", pages left: " + std::to_string(room));
-    }
-    tally.Add(Try(
-                  scene, "nr_inodes=3", [] { WriteText(kFiller, ""); },
-                  [] { (void)unlink(kFiller); }, &done),
-              std::string(scene.name) + ", no inode left");
-    tally.Add(Try(
-                  scene, pages, [] { Remount(MS_RDONLY); }, [] { Remount(0); }, &done),
-              std::string(scene.name) + ", read-only");
-    for (const rlim_t size : {0, 1, 100, 1000, 4096}) {
-      tally.Add(Try(
-                    scene, pages,
-                    [size] {
-                      (void)signal(SIGXFSZ, SIG_IGN);
-                      Limit(RLIMIT_FSIZE, size);
-                    },
-                    [] { Limit(RLIMIT_FSIZE, RLIM_INFINITY); }, &done),
-                std::string(scene.name) + ", file-size limit " + std::to_string(size));
-    }
-    for (const rlim_t most : {3, 4, 5, 6}) {
-      tally.Add(Try(
-                    scene, pages, [most] { Limit(RLIMIT_NOFILE, most); },
-                    [] { Limit(RLIMIT_NOFILE, 1024); }, &done),
-                std::string(scene.name) + ", descriptors " + std::to_string(most));
-    }
+    const bool all = depth != Depth::kSample;
+    ++turn;
+    if (all || turn % 3 == 0) FullDisk(scene, &tally);
+    if (all || turn % 3 == 1) NoDescriptor(scene, &tally);
+    if (all || turn % 3 == 2) LimitedSize(scene, &tally);
+    NoInode(scene, &tally);
+    ReadOnly(scene, &tally);
+    DeadlySize(scene, &tally);
+    Flagged(scene, &tally);
   }
   return tally;
 }

@@ -1,13 +1,12 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
-#include <dirent.h>
+
+// What is right after a call, whatever happened within it.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
 
 #include "torture/torture.h"
@@ -17,19 +16,19 @@ namespace {
 
 constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc";
 constexpr char kClosingTag[] = "</EventLog>";
+constexpr mode_t kFileMode = 01664;
+constexpr qvx_u32 kMinusOne = 0xFFFFFFFF;
 
-std::vector<std::string> Names(const char* folder) {
-  std::vector<std::string> names;
-  DIR* const open = opendir(folder);
-  if (open == nullptr) return names;
-  for (const dirent* entry; (entry = readdir(open)) != nullptr;) {
-    names.emplace_back(entry->d_name);
+// Without the role map's, which stays open until it is read whole.
+int Descriptors() {
+  int count = 0;
+  for (const std::string& name : Names("/proc/self/fd")) {
+    char target[256] = "";
+    (void)!readlink(("/proc/self/fd/" + name).c_str(), target, sizeof(target) - 1);
+    if (strstr(target, "qvxrolemap") == nullptr) ++count;
   }
-  closedir(open);
-  return names;
+  return count;
 }
-
-int Descriptors() { return static_cast<int>(Names("/proc/self/fd").size()); }
 
 unsigned Count(const std::string& text, const char* word) {
   unsigned count = 0;
@@ -37,6 +36,12 @@ unsigned Count(const std::string& text, const char* word) {
     ++count;
   }
   return count;
+}
+unsigned EntryCount(const std::string& log) { return Count(log, "</LogEntry>"); }
+// Without those that the library writes of its own, of a log that it begins.
+unsigned CallersEntries(const std::string& log) {
+  return EntryCount(log) - Count(log, "<Description>Log was cleared<") -
+         Count(log, "<Description>Log backup created<");
 }
 
 // Another process tries it: closing a descriptor of the lock file would end this one's hold.
@@ -53,129 +58,156 @@ bool LockIsFree() {
   return waitpid(child, &status, 0) == child && status == 0;
 }
 
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
 bool WellFormed(const std::string& log) {
-  return log.rfind("<?xml", 0) == 0 && Count(log, "<EventLog>") == 1 &&
-         Count(log, kClosingTag) == 1 && Count(log, "<LogEntry>") == Count(log, "</LogEntry>") &&
+  return StartsWith(log, "<?xml") && Count(log, "<EventLog>") == 1 &&
+         Count(log, kClosingTag) == 1 && Count(log, "<LogEntry>") == EntryCount(log) &&
          log.compare(log.size() - strlen(kClosingTag), std::string::npos, kClosingTag) == 0;
 }
 
 // The entries alone: what every later log begins with.
 std::string Entries(const std::string& log) { return log.substr(0, log.rfind(kClosingTag)); }
 
-}  // namespace
+// The backup's name: the path with its last character replaced.
+std::string BackupOf(const std::string& path) { return path.substr(0, path.size() - 1) + "_"; }
 
-std::string Path(const char* name) { return std::string(kPlace) + "/" + name; }
-
-std::string ReadText(const std::string& path) {
-  FILE* const file = fopen(path.c_str(), "rbe");
-  if (file == nullptr) return "(none)";
-  std::string text;
-  char piece[65536];
-  for (size_t got = 0; (got = fread(piece, 1, sizeof(piece), file)) != 0;) {
-    text.append(piece, got);
-  }
-  (void)fclose(file);
-  return text;
+bool HasItsMode(const char* path) {
+  struct stat seen = {};
+  return stat(path, &seen) != 0 || (seen.st_mode & 07777) == kFileMode;
 }
 
-void WriteText(const std::string& path, const std::string& text) {
-  FILE* const file = fopen(path.c_str(), "wbe");
-  if (file == nullptr || fwrite(text.data(), 1, text.size(), file) != text.size() ||
-      fclose(file) != 0) {
-    perror(path.c_str());
-    _exit(3);
-  }
+std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+// A failed change may leave its copy, which the next change replaces: one that broke off after the
+// copy was made, as these statuses tell. None leaves any other file.
+bool MayStay(const std::string& name, qvx_u32 status) {
+  const bool broken = status == SM_STATUS_WRITE_FAILED || status == SM_STATUS_FILE_DELETE_FAILED ||
+                      status == SM_STATUS_FILE_CREATE_FAILED || status == kMinusOne;
+  if (name == "pxtini32.tmp") return broken || status == SM_STATUS_BAD_SECTION_HEADER;
+  return name == "pxtcfg32.tmp" && (broken || status == SM_STATUS_NO_MEMORY);
 }
 
-void MakePlace() {
-  (void)mkdir(kPlace, 0755);
+// The files of the scene itself.
+std::vector<std::string> OwnNames() {
+  std::vector<std::string> own;
   for (const std::string& name : Names(kPlace)) {
-    (void)unlink(Path(name.c_str()).c_str());
+    if (!StartsWith(name, "pxt")) own.push_back(name);
   }
+  return own;
 }
+
+std::string TextOf(const std::string& file) { return file == kNone ? "" : file; }
+
+std::string Shown(const std::string& text) { return text.substr(0, 300); }
+
+}  // namespace
 
 Judge::Judge(const Scene& scene) : scene_(&scene) {
   MakePlace();
   scene.prepare();
-  if (scene.kind == Kind::kWhole) {
-    (void)InChild([&] { return std::string(scene.act() ? "" : "fails without a fault"); });
+  if (scene.kind == Kind::kWhole || scene.kind == Kind::kAppended) {
+    (void)InChild([&] { return std::string(scene.act() == 0 ? "" : "fails without a fault"); });
     after_ = ReadText(scene.path);
+    names_ = OwnNames();
     MakePlace();
     scene.prepare();
   }
   if (scene.path != nullptr) before_ = ReadText(scene.path);
-  descriptors_ = Descriptors();
+  for (const std::string& name : OwnNames()) {
+    names_.push_back(name);
+  }
+  if (scene.path != nullptr) names_.push_back(NameOf(scene.path));
+  if (scene.kind == Kind::kMoved) names_.push_back(NameOf(BackupOf(scene.path)));
+  BeginHere();
 }
 
-std::string Judge::File(bool done, bool torn) const {
-  if (scene_->kind == Kind::kPure) return "";
-  const std::string now = ReadText(scene_->path);
-  if (scene_->kind == Kind::kWhole) {
-    if (now == after_) return "";
-    if (now != before_) return "the file is neither old nor new: " + now.substr(0, 300);
-    return done ? "reported as done, but the file is the old one" : "";
+void Judge::BeginHere() { descriptors_ = Descriptors(); }
+
+std::string Judge::WholeFile(const std::string& now, qvx_u32 status, Torn torn) const {
+  const bool done = status == SM_STATUS_SUCCESS;
+  if (done) return now == after_ ? "" : "reported as done, but the file is: " + Shown(now);
+  if (now == before_ || (torn == Torn::kYes && now == after_)) return "";
+  const bool part = StartsWith(now, TextOf(before_)) && StartsWith(after_, now);
+  if (scene_->kind == Kind::kAppended && torn == Torn::kYes && part) return "";
+  // Without room for a copy the file is made in place, and stays empty where its line finds no
+  // room.
+  const bool tried = status == SM_STATUS_WRITE_FAILED || status == SM_STATUS_FILE_OPEN_FAILED;
+  if (before_ == kNone && now.empty()) return tried ? "" : "made empty";
+  if (now == after_) return "reported as failed, but done";
+  return "the file is neither old nor new: " + Shown(now);
+}
+
+std::string Judge::Log(const std::string& now, bool done, Torn torn) const {
+  const std::string earlier = Entries(TextOf(before_));
+  // A move that failed may have been made with the next call.
+  const bool moved =
+      scene_->kind == Kind::kMoved && StartsWith(ReadText(BackupOf(scene_->path)), earlier);
+  if (!moved && !StartsWith(now, earlier))
+    return "an earlier entry is not as it was: " + Shown(now);
+  const unsigned entries = moved ? 0 : CallersEntries(before_);
+  if (done && !WellFormed(now)) return "reported as done, but not well-formed: " + Shown(now);
+  if (done && CallersEntries(now) <= entries) return "reported as done, but no entry is there";
+  if (!done && torn == Torn::kNo && CallersEntries(now) > entries) {
+    return "reported as failed, but the entry is there";
   }
-  const bool earlier = before_ == "(none)" || now.rfind(Entries(before_), 0) == 0;
-  if (!earlier) return "an earlier entry is not as it was: " + now.substr(0, 300);
-  const unsigned entries = Count(before_, "</LogEntry>");
-  if (done && !WellFormed(now)) return "reported as done, but not well-formed: " + now;
-  if (done && Count(now, "</LogEntry>") <= entries)
-    return "reported as done, but no entry is there";
-  if (!done && !torn && Count(now, "</LogEntry>") > entries) return "not reported, but it is there";
   return "";
 }
 
-std::string Judge::Process(bool done) const {
+std::string Judge::ClearedLog(const std::string& now, bool done, Torn torn) const {
+  const bool begun = WellFormed(now) && EntryCount(now) == 1 && now != before_;
+  if (done) return begun ? "" : "reported as done, but the log is: " + Shown(now);
+  if (now == before_ || now == kNone || now.empty()) return "";
+  return torn == Torn::kYes && !StartsWith(now, Entries(before_)) ? "" : "left: " + Shown(now);
+}
+
+std::string Judge::File(qvx_u32 status, Torn torn) const {
+  if (scene_->kind == Kind::kPure) return "";
+  const bool done = status == SM_STATUS_SUCCESS;
+  const std::string now = ReadText(scene_->path);
+  if (scene_->kind == Kind::kCleared) return ClearedLog(now, done, torn);
+  if (scene_->kind == Kind::kLog || scene_->kind == Kind::kMoved) return Log(now, done, torn);
+  return WholeFile(now, status, torn);
+}
+
+std::string Judge::Process(qvx_u32 status) const {
   if (Descriptors() != descriptors_) {
     return "descriptors: " + std::to_string(descriptors_) + " before, " +
            std::to_string(Descriptors()) + " after";
   }
   if (!LockIsFree()) return "the lock is still held";
-  // A call that failed may leave its copy; the next one clears it away.
   for (const std::string& name : Names(kPlace)) {
-    if (done && name.rfind("pxt", 0) == 0) return "a temporary file is left: " + name;
+    if (std::find(names_.begin(), names_.end(), name) != names_.end()) continue;
+    if (!MayStay(name, status)) return name + " is left after status " + std::to_string(status);
   }
   return "";
 }
 
+// What a call after the fault may find that it cannot put right, as its description says.
+bool Judge::IsBeyondMending(qvx_u32 status) const {
+  const std::string now = ReadText(scene_->path);
+  // A missing log cannot be cleared.
+  if (scene_->kind == Kind::kCleared) return now == kNone && status == kMinusOne;
+  // A line that was cut takes up the next one.
+  return scene_->kind == Kind::kAppended && now != after_ && StartsWith(now, TextOf(before_));
+}
+
+// Whether a call that succeeds always writes the file.
+bool Judge::IsUpdate() const {
+  return scene_->kind != Kind::kPure && scene_->kind != Kind::kCleared;
+}
+
 std::string Judge::Next() const {
   if (!scene_->again) return "";
-  if (!scene_->act()) return "the next call fails";
-  const std::string wrong = File(true, true);
-  return wrong.empty() ? Process(true) : wrong;
-}
-
-void Tally::Add(const std::string& wrong, const std::string& where) {
-  ++points;
-  if (wrong.empty()) return;
-  ++failed;
-  if (failed <= 20) printf("  %s: %s\n", where.c_str(), wrong.c_str());
-}
-
-std::string RunChild(void (*body)(void*, int), void* context) {
-  int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) abort();
-  (void)fflush(nullptr);
-  const pid_t child = fork();
-  if (child < 0) abort();
-  if (child == 0) {
-    close(ends[0]);
-    alarm(100);
-    body(context, ends[1]);
-    _exit(0);
-  }
-  close(ends[1]);
-  std::string wrong;
-  char piece[4096];
-  for (ssize_t got = 0; (got = read(ends[0], piece, sizeof(piece))) > 0;) {
-    wrong.append(piece, static_cast<size_t>(got));
-  }
-  close(ends[0]);
-  int status = 0;
-  (void)waitpid(child, &status, 0);
-  if (WIFSIGNALED(status)) return "ended by signal " + std::to_string(WTERMSIG(status));
-  if (WEXITSTATUS(status) != 0) return "left with " + std::to_string(WEXITSTATUS(status));
-  return wrong;
+  const qvx_u32 status = scene_->act();
+  if (scene_->path != nullptr && IsBeyondMending(status)) return Process(status);
+  if (status != SM_STATUS_SUCCESS) return "the next call fails: " + std::to_string(status);
+  // A mode that cannot be set is no fault; now it can.
+  if (IsUpdate() && !HasItsMode(scene_->path)) return "the mode is another";
+  const std::string wrong = File(SM_STATUS_SUCCESS, Torn::kYes);
+  return wrong.empty() ? Process(SM_STATUS_SUCCESS) : wrong;
 }
 
 }  // namespace qvx::torture

@@ -24,19 +24,28 @@ class Killer {
     if (stop.at == At::kExit) return Then::kKill;
     if (point_.when == When::kBefore) return Then::kKill;
     if (point_.when == When::kWithin) {
-      if (!IsWrite(stop.number) || stop.size < 2) return Then::kKill;
-      SetSize(stop, stop.size / 2);
+      if (!IsWrite(stop.number)) return Then::kKill;
+      const Span span = SpanOf(stop);
+      const unsigned long part = PartOf(span);
+      if (part == 0 || part >= span.size) return Then::kKill;
+      CutWrite(stop, part);
     }
     return Then::kGoOn;
   }
 
  private:
+  // A kill cuts a write only where it goes from one page of the file to the next.
+  static unsigned long PartOf(const Span& span) {
+    constexpr unsigned long kPage = 4096;
+    return span.offset == 0 ? span.size / 2 : kPage - span.offset % kPage;
+  }
+
   Point point_;
 };
 
 // What is wrong; `killed` is false after the last call.
 std::string Try(const Scene& scene, const Point& point, bool* killed) {
-  const Judge judge(scene);
+  Judge judge(scene);
   Killer killer(point);
   const auto body = [&scene]() -> std::string {
     Begin();
@@ -47,24 +56,36 @@ std::string Try(const Scene& scene, const Point& point, bool* killed) {
   std::string wrong = Step(
       body, [&killer](const Stop& stop) { return killer(stop); }, killed);
   if (!*killed) return wrong;
-  // An entry may be cut within its write; what was there before it may not.
-  if (wrong = judge.File(false, true); !wrong.empty()) return wrong;
-  return InChild([&judge] { return judge.Next(); });
+  // What was not reported may be cut within its write; what was there before it may not.
+  if (wrong = judge.File(SM_STATUS_FAILURE, Torn::kYes); !wrong.empty()) return wrong;
+  return InChild([&judge] {
+    judge.BeginHere();
+    return judge.Next();
+  });
+}
+
+constexpr const char* kNames[] = {"before", "within", "after"};
+
+// False after the last call.
+bool Add(const Scene& scene, const Point& point, Tally* tally) {
+  bool killed = false;
+  const std::string wrong = Try(scene, point, &killed);
+  if (!killed) return false;
+  tally->Add(wrong, scene.name + ", " + kNames[static_cast<int>(point.when)] + " call " +
+                        std::to_string(point.nth));
+  return true;
 }
 
 }  // namespace
 
-Tally Kills(bool /*goal*/) {
+Tally Kills(Depth depth) {
   Tally tally{"kills before, within, after a call"};
+  const unsigned step = depth == Depth::kSample ? 3 : 1;
   for (const Scene& scene : UpdatingScenes()) {
     for (const When when : {When::kBefore, When::kWithin, When::kAfter}) {
-      for (unsigned nth = 1;; ++nth) {
-        bool killed = false;
-        const std::string wrong = Try(scene, {nth, when}, &killed);
-        if (!killed) break;
-        static const char* const kNames[] = {"before", "within", "after"};
-        tally.Add(wrong, std::string(scene.name) + ", " + kNames[static_cast<int>(when)] +
-                             " call " + std::to_string(nth));
+      unsigned nth = 1 + (depth == Depth::kSample ? static_cast<unsigned>(when) : 0);
+      while (Add(scene, {nth, when}, &tally)) {
+        nth += step;
       }
     }
   }

@@ -8,9 +8,9 @@
 
 namespace qvx::torture {
 
-Tally LongRun(bool goal) {
+Tally LongRun(Depth depth) {
   Tally tally{"long run of mixed calls"};
-  const unsigned calls = goal ? 1000000 : 50000;
+  const unsigned calls = depth == Depth::kGoal ? 1000000 : depth == Depth::kFloor ? 50000 : 3000;
   const std::string wrong = InChild([calls]() -> std::string {
     (void)alarm(0);
     const std::vector<Scene> scenes = AllScenes();
@@ -19,13 +19,14 @@ Tally LongRun(bool goal) {
       if (scene.again) mixed.push_back(&scene);
     }
     long before = 0;
-    const Judge judge({"", Kind::kPure, nullptr, [] {}, [] { return true; }});
+    const Scene nothing = {"", Kind::kPure, nullptr, [] {}, [] { return qvx_u32{0}; }};
+    const Judge judge(nothing);
     std::minstd_rand random(1);
     for (unsigned round = 0; round < 3; ++round) {
       for (const Scene* scene : mixed) {
         MakePlace();
         scene->prepare();
-        if (!scene->act()) return std::string(scene->name) + " fails";
+        if (scene->act() != 0) return scene->name + " fails";
       }
       before = LiveBlocks();
     }
@@ -33,13 +34,14 @@ Tally LongRun(bool goal) {
       const Scene& scene = *mixed[random() % mixed.size()];
       if (call % 50 == 0) MakePlace();
       scene.prepare();
-      if (!scene.act()) return std::string(scene.name) + " fails at call " + std::to_string(call);
+      if (scene.act() != 0) return scene.name + " fails at call " + std::to_string(call);
     }
     if (LiveBlocks() != before) {
       return "blocks: " + std::to_string(before) + " before, " + std::to_string(LiveBlocks()) +
              " after";
     }
-    return judge.Process(true);
+    MakePlace();
+    return judge.Process(SM_STATUS_SUCCESS);
   });
   tally.Add(wrong, "mixed calls");
   tally.points = calls;

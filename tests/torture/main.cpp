@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
 
-// torture --floor|--goal PART ...: runs the parts and prints a line of the table for each. Exit
-// status 1 when a point failed, or when a part tried none.
+// torture --sample|--floor|--goal PART ...: runs the parts, prints what goes wrong as it happens,
+// and in the end a table with a line for each. Exit status 1 when a point failed, or when a part
+// tried none.
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -14,16 +15,18 @@ namespace {
 
 struct Part {
   const char* name;
-  qvx::torture::Tally (*run)(bool goal);
+  qvx::torture::Tally (*run)(qvx::torture::Depth depth);
 };
 
 constexpr Part kParts[] = {
     {"allocations", qvx::torture::Allocations},
     {"calls", qvx::torture::Calls},
     {"kills", qvx::torture::Kills},
+    {"power", qvx::torture::PowerCut},
     {"disk", qvx::torture::Disk},
     {"contention", qvx::torture::Contention},
     {"long", qvx::torture::LongRun},
+    {"secrets", qvx::torture::Secrets},
 };
 
 const Part* Find(const char* name) {
@@ -31,6 +34,24 @@ const Part* Find(const char* name) {
     if (strcmp(part.name, name) == 0) return &part;
   }
   return nullptr;
+}
+
+struct Option {
+  const char* name;
+  qvx::torture::Depth depth;
+};
+
+constexpr Option kOptions[] = {{"--sample", qvx::torture::Depth::kSample},
+                               {"--floor", qvx::torture::Depth::kFloor},
+                               {"--goal", qvx::torture::Depth::kGoal}};
+
+// A line of the table, and whether it is a good one. A sample may leave out what the machine does
+// not have.
+bool Print(const qvx::torture::Tally& tally, qvx::torture::Depth depth, time_t begin) {
+  if (!tally.possible && depth == qvx::torture::Depth::kSample) return true;
+  printf("| %-46s | %8lu | %6lu | %5ld s |\n", tally.what.c_str(), tally.points, tally.failed,
+         static_cast<long>(time(nullptr) - begin));
+  return tally.failed == 0 && tally.points != 0;
 }
 
 }  // namespace
@@ -41,25 +62,17 @@ int main(int argc, char** argv) {
     return 2;
   }
   setlinebuf(stdout);  // children must find nothing in it
-  bool goal = false;
-  bool bad = false;
+  auto depth = qvx::torture::Depth::kFloor;
+  bool good = true;
   for (int at = 1; at < argc; ++at) {
-    if (strcmp(argv[at], "--goal") == 0 || strcmp(argv[at], "--floor") == 0) {
-      goal = strcmp(argv[at], "--goal") == 0;
-      continue;
+    for (const Option& option : kOptions) {
+      if (strcmp(argv[at], option.name) == 0) depth = option.depth;
     }
     const Part* const part = Find(argv[at]);
-    if (part == nullptr) {
-      fprintf(stderr, "torture: no part %s\n", argv[at]);
-      return 2;
-    }
+    if (part == nullptr) continue;
     const time_t begin = time(nullptr);
     qvx::torture::MakePlace();
-    const qvx::torture::Tally tally = part->run(goal);
-    printf("| %-34s | %8lu | %6lu | %5ld s |\n", tally.what, tally.points, tally.failed,
-           static_cast<long>(time(nullptr) - begin));
-    (void)fflush(stdout);
-    bad = bad || tally.failed != 0 || tally.points == 0;
+    good = Print(part->run(depth), depth, begin) && good;
   }
-  return bad ? 1 : 0;
+  return good ? 0 : 1;
 }

@@ -26,12 +26,12 @@ constexpr long kBegin = 500001;
 constexpr long kEnd = 500002;
 
 constexpr unsigned kFileCalls[] = {
-    SYS_open,   SYS_openat,   SYS_read,       SYS_pread64, SYS_write,     SYS_pwrite64,
-    SYS_writev, SYS_close,    SYS_lseek,      SYS_fsync,   SYS_fdatasync, SYS_ftruncate,
-    SYS_rename, SYS_renameat, SYS_renameat2,  SYS_unlink,  SYS_unlinkat,  SYS_chmod,
-    SYS_fchmod, SYS_fchmodat, SYS_chown,      SYS_fchown,  SYS_fcntl,     SYS_stat,
-    SYS_fstat,  SYS_lstat,    SYS_newfstatat, SYS_mkdir,   SYS_rmdir,     SYS_access,
-    SYS_socket};
+    SYS_open,      SYS_openat,  SYS_read,     SYS_pread64,    SYS_write,  SYS_pwrite64,
+    SYS_writev,    SYS_pwritev, SYS_close,    SYS_lseek,      SYS_fsync,  SYS_fdatasync,
+    SYS_ftruncate, SYS_rename,  SYS_renameat, SYS_renameat2,  SYS_unlink, SYS_unlinkat,
+    SYS_chmod,     SYS_fchmod,  SYS_fchmodat, SYS_chown,      SYS_fchown, SYS_fcntl,
+    SYS_stat,      SYS_fstat,   SYS_lstat,    SYS_newfstatat, SYS_mkdir,  SYS_rmdir,
+    SYS_access,    SYS_socket};
 
 user_regs_struct Registers(pid_t child) {
   user_regs_struct registers = {};
@@ -41,6 +41,15 @@ user_regs_struct Registers(pid_t child) {
 
 void SetRegisters(pid_t child, const user_regs_struct& registers) {
   if (ptrace(PTRACE_SETREGS, child, nullptr, &registers) != 0) abort();
+}
+
+unsigned long Peek(const Stop& stop, unsigned long place) {
+  return static_cast<unsigned long>(ptrace(PTRACE_PEEKDATA, stop.child, place, nullptr));
+}
+
+// Where the length of a part of pwritev() is noted: parts are pairs of an address and a length.
+unsigned long LengthOfPart(const user_regs_struct& registers, unsigned part) {
+  return registers.rsi + 16UL * part + 8;
 }
 
 std::string ReadAll(int file) {
@@ -55,6 +64,7 @@ std::string ReadAll(int file) {
 
 [[noreturn]] void Child(const std::function<std::string()>& body, int out) {
   if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0 || raise(SIGSTOP) != 0) _exit(9);
+  (void)alarm(60);
   const std::string wrong = body();
   (void)!write(out, wrong.data(), wrong.size());
   _exit(0);
@@ -69,16 +79,28 @@ bool IsFileCall(unsigned number) {
   return std::find(std::begin(kFileCalls), std::end(kFileCalls), number) != std::end(kFileCalls);
 }
 
-bool IsWrite(unsigned number) { return number == SYS_write || number == SYS_pwrite64; }
+bool IsWrite(unsigned number) { return number == SYS_write || number == SYS_pwritev; }
+
+namespace {
+
+bool IsLockCall(const Stop& stop, short type) {
+  if (stop.number != SYS_fcntl) return false;
+  const user_regs_struct registers = Registers(stop.child);
+  if (registers.rsi != F_SETLK && registers.rsi != F_SETLKW) return false;
+  const long record = ptrace(PTRACE_PEEKDATA, stop.child, registers.rdx, nullptr);
+  return static_cast<short>(record) == type;
+}
+
+}  // namespace
+
+bool TakesTheLock(const Stop& stop) {
+  return IsLockCall(stop, F_WRLCK) || IsLockCall(stop, F_RDLCK);
+}
 
 bool IsAboutTheLock(const Stop& stop) {
-  const user_regs_struct registers = Registers(stop.child);
-  if (stop.number == SYS_fcntl) {
-    const long record = ptrace(PTRACE_PEEKDATA, stop.child, registers.rdx, nullptr);
-    return (registers.rsi == F_SETLK || registers.rsi == F_SETLKW) &&
-           static_cast<short>(record) == F_UNLCK;
-  }
+  if (IsLockCall(stop, F_UNLCK)) return true;
   if (stop.number != SYS_fstat && stop.number != SYS_newfstatat) return false;
+  const user_regs_struct registers = Registers(stop.child);
   const std::string link = "/proc/" + std::to_string(stop.child) + "/fd/" +
                            std::to_string(static_cast<int>(registers.rdi));
   char path[256] = "";
@@ -98,10 +120,29 @@ void SetResult(const Stop& stop, long result) {
   SetRegisters(stop.child, registers);
 }
 
-void SetSize(const Stop& stop, unsigned long size) {
+Span SpanOf(const Stop& stop) {
+  const user_regs_struct registers = Registers(stop.child);
+  if (stop.number == SYS_write) return {registers.rdx, 0};
+  Span span = {0, registers.r10};
+  for (unsigned part = 0; part < registers.rdx; ++part) {
+    span.size += Peek(stop, LengthOfPart(registers, part));
+  }
+  return span;
+}
+
+void CutWrite(const Stop& stop, unsigned long size) {
   user_regs_struct registers = Registers(stop.child);
-  registers.rdx = size;
-  SetRegisters(stop.child, registers);
+  if (stop.number == SYS_write) {
+    registers.rdx = size;
+    return SetRegisters(stop.child, registers);
+  }
+  unsigned part = 0;
+  for (unsigned long left = size; part < registers.rdx; ++part) {
+    const unsigned long place = LengthOfPart(registers, part);
+    const unsigned long length = Peek(stop, place);
+    if (length > left && ptrace(PTRACE_POKEDATA, stop.child, place, left) != 0) abort();
+    left -= std::min(length, left);
+  }
 }
 
 std::string Step(const std::function<std::string()>& body,
@@ -119,7 +160,7 @@ std::string Step(const std::function<std::string()>& body,
     abort();
   }
   bool inside = false;
-  Stop stop = {child, 0, At::kExit, 0, 0};
+  Stop stop = {child, 0, At::kExit, 0};
   long signal = 0;
   while (ptrace(inside || stop.nth == 0 ? PTRACE_SYSCALL : PTRACE_CONT, child, nullptr, signal) ==
              0 &&
@@ -131,10 +172,7 @@ std::string Step(const std::function<std::string()>& body,
     }
     const user_regs_struct registers = Registers(child);
     stop.at = stop.at == At::kExit ? At::kEntry : At::kExit;
-    if (stop.at == At::kEntry) {
-      stop.number = static_cast<unsigned>(registers.orig_rax);
-      stop.size = registers.rdx;
-    }
+    if (stop.at == At::kEntry) stop.number = static_cast<unsigned>(registers.orig_rax);
     if (stop.number == kBegin) inside = true;
     if (stop.number == kEnd) {
       inside = false;

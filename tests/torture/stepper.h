@@ -17,8 +17,7 @@ struct Stop {
   pid_t child;
   unsigned nth;  // the call's number, from 1
   At at;
-  unsigned number;     // the system call
-  unsigned long size;  // its third argument
+  unsigned number;  // the system call
 };
 
 enum class Then { kGoOn, kKill };
@@ -30,8 +29,14 @@ void End();
 // Instead of the call nothing is done: it fails with `error` (0: it returns 0).
 void Refuse(const Stop& stop);
 void SetResult(const Stop& stop, long result);
-// A write writes less.
-void SetSize(const Stop& stop, unsigned long size);
+// What a write is about to write, and the place in the file that it was given (0 without one).
+struct Span {
+  unsigned long size = 0;
+  unsigned long offset = 0;
+};
+Span SpanOf(const Stop& stop);
+// It writes less.
+void CutWrite(const Stop& stop, unsigned long size);
 
 // Runs `body` in a child until it ends or `look` says to kill it. Returns what the child said was
 // wrong; `killed` is set where it was killed.
@@ -44,6 +49,8 @@ bool IsWrite(unsigned number);
 // Whether the call asks which file the lock's descriptor is, or releases the lock. Both fail on
 // no real system, and what they guard cannot be seen then.
 bool IsAboutTheLock(const Stop& stop);
+// Whether the call asks for the lock.
+bool TakesTheLock(const Stop& stop);
 
 }  // namespace qvx::torture
 

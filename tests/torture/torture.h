@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,29 +19,49 @@ namespace qvx::torture {
 inline constexpr char kPlace[] = "/tmp/torture";
 
 enum class Kind {
-  kPure,   // no file
-  kWhole,  // a file that is old or new as a whole
-  kLog,    // a log whose earlier entries stay
+  kPure,      // no file
+  kWhole,     // a file that is old or new as a whole
+  kAppended,  // a file that is extended in place: a kill may leave a part of what is added
+  kLog,       // a log whose earlier entries stay
+  kMoved,     // a log whose earlier entries stay, in the log or in its backup
+  kCleared,   // a log that is begun anew
 };
 
 struct Scene {
-  const char* name;
-  Kind kind;
-  const char* path;    // of its file, or null
-  void (*prepare)();   // puts the file in place
-  bool (*act)();       // the calls; whether they report success
-  bool again = true;   // a later call in the same process is right whatever happened before
-  bool update = true;  // it writes
+  std::string name;
+  Kind kind = Kind::kPure;
+  const char* path = nullptr;    // of its file
+  void (*prepare)() = nullptr;   // puts the file in place
+  std::function<qvx_u32()> act;  // the calls; their status
+  bool again = true;  // a later call in the same process is right whatever happened before
 };
 
-// All scenes, and those that write to files.
+std::vector<Scene> UpdatingScenes();  // those that change files
+std::vector<Scene> ReadingScenes();
+std::vector<Scene> PathScenes();
+std::vector<Scene> ValueScenes();
+std::vector<Scene> AccessScenes();
 std::vector<Scene> AllScenes();
-std::vector<Scene> UpdatingScenes();
+// A login by PAM, and its password.
+Scene LoginScene();
+inline constexpr size_t kSecretLength = 11;
+// Whether the password begins here, in characters of so many bytes.
+bool IsSecret(const unsigned char* bytes, size_t width);
+
+// For scenes: a status of what has none, and whether a text came, which is freed.
+inline qvx_u32 Status(bool done) { return done ? SM_STATUS_SUCCESS : SM_STATUS_FAILURE; }
+inline bool Came(void* text) {
+  const bool came = text != nullptr;
+  PXTFreeMem(text);
+  return came;
+}
 
 // Files.
 std::string Path(const char* name);
-std::string ReadText(const std::string& path);  // "(none)" for a missing file
+inline constexpr char kNone[] = "(none)";
+std::string ReadText(const std::string& path);  // kNone for a missing file
 void WriteText(const std::string& path, const std::string& text);
+std::vector<std::string> Names(const char* folder);
 void MakePlace();  // empty, with the folders that the scenes need
 
 // The heap of this process: allocations are counted, and one may fail.
@@ -50,23 +71,35 @@ void FailNoAllocation();
 bool AllocationFailed();  // since FailAllocation
 long LiveBlocks();
 
+// Whether the process may have been kept from putting things back: it was killed, or every call
+// after the first fault failed, too.
+enum class Torn { kNo, kYes };
+
 // A scene's files before, and what is right after it.
 class Judge {
  public:
   explicit Judge(const Scene& scene);
-  // What is wrong with the file, or nothing. `done`: what the calls reported. `torn`: whether an
-  // entry that is not reported may be there, because the process could not take it back.
-  [[nodiscard]] std::string File(bool done, bool torn) const;
-  // What is wrong in this process after the calls: descriptors, lock, temporary files.
-  [[nodiscard]] std::string Process(bool done) const;
+  // From here on this process is judged, which began with the descriptors that it has now.
+  void BeginHere();
+  // What is wrong with the file after this status, or nothing.
+  [[nodiscard]] std::string File(qvx_u32 status, Torn torn) const;
+  // What is wrong in this process after the calls: descriptors, lock, files left over.
+  [[nodiscard]] std::string Process(qvx_u32 status) const;
   // Calls the scene again, without a fault: its report and file must be right.
   [[nodiscard]] std::string Next() const;
 
  private:
+  [[nodiscard]] std::string WholeFile(const std::string& now, qvx_u32 status, Torn torn) const;
+  [[nodiscard]] std::string Log(const std::string& now, bool done, Torn torn) const;
+  [[nodiscard]] bool IsUpdate() const;
+  [[nodiscard]] bool IsBeyondMending(qvx_u32 status) const;
+  [[nodiscard]] std::string ClearedLog(const std::string& now, bool done, Torn torn) const;
+
   const Scene* scene_;
   std::string before_;
   std::string after_;
-  int descriptors_;
+  std::vector<std::string> names_;
+  int descriptors_ = 0;
 };
 
 // Runs `body` in a child; returns what it says is wrong, or how it died.
@@ -74,19 +107,25 @@ template <typename Body>
 std::string InChild(Body body);
 
 struct Tally {
-  const char* what;
+  std::string what;
   unsigned long points = 0;
   unsigned long failed = 0;
+  bool possible = true;  // on this machine
   void Add(const std::string& wrong, const std::string& where);
 };
 
-// The parts. `goal` asks for the long form.
-Tally Allocations(bool goal);
-Tally Calls(bool goal);
-Tally Kills(bool goal);
-Tally Disk(bool goal);
-Tally Contention(bool goal);
-Tally LongRun(bool goal);
+// How much is tried: some points of each kind, most, all.
+enum class Depth { kSample, kFloor, kGoal };
+
+// The parts.
+Tally Allocations(Depth depth);
+Tally Calls(Depth depth);
+Tally Kills(Depth depth);
+Tally PowerCut(Depth depth);
+Tally Disk(Depth depth);
+Tally Contention(Depth depth);
+Tally LongRun(Depth depth);
+Tally Secrets(Depth depth);
 
 std::string RunChild(void (*body)(void*, int), void* context);
 
