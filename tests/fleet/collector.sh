@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: Copyright The libqvxcs authors
+# SPDX-License-Identifier: MIT
+# The collector, in its sandbox: a bridge for the hosts' links, and rsyslog with the example's file.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+[ -e /run/qvx-sandbox ] || exit 1
+echo collector >/proc/sys/kernel/hostname
+ip link set lo up
+ip link add hosts type bridge
+ip addr add 192.0.2.1/24 dev hosts
+ip link set hosts up
+mount -t tmpfs tmpfs /var
+mkdir -p /var/log/qvxctl /var/spool/rsyslog
+mount --bind "$QVX_FLEET/arrived" /var/log/qvxctl
+printf 'global(workDirectory="/var/spool/rsyslog")\n' >/run/rsyslog.conf
+cat examples/fleet/rsyslog-collector.conf >>/run/rsyslog.conf
+touch "$QVX_FLEET/collector.up"
+exec rsyslogd -n -f /run/rsyslog.conf -i NONE
