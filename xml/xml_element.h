@@ -25,9 +25,9 @@ struct Element {
 Element ElementOf(void* buffer, const astring* name, const astring* attributes);
 
 // Each writes the element at the end of its buffer. SM_STATUS_NO_MEMORY when it would not fit even
-// an empty buffer; a buffer that cannot grow for want of memory stays as it is.
+// an empty buffer; without memory to grow the buffer stays as it is.
 
-// As one piece, the value as it stands or as decimal digits.
+// As one piece, the value unchanged or as decimal digits.
 u32 CatWhole(const Element& element, const astring* text, size_t length);
 u32 CatDecimal(const Element& element, const Decimal& number);
 // Opening tag, value and closing tag, each a separate piece.
