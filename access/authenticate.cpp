@@ -12,24 +12,17 @@
 #include "access/secret_text.h"
 #include "access/user_rights.h"
 #include "text/transcode.h"
+#include "text/unit_scan.h"
 
 namespace qvx {
 namespace {
-
-u64 UnitsOf(const ustring* text) {
-  u64 units = 0;
-  while (text[units] != 0) {
-    ++units;
-  }
-  return units;
-}
 
 // The converter stores its NUL unchecked, so the room has one byte more than is offered.
 // Deliberate: the room is counted in 16-bit units, so a text with more than one byte beyond them
 // does not fit and its login is refused. Held by
 // Authenticate.ANameWithTwoTwoByteCharactersIsRefused.
 bool ToUTF8(const ustring* text, SecretText* out) {
-  const u64 units = UnitsOf(text);
+  const u64 units = UnitCount(text);
   if (units >= UINT32_MAX || !out->Alloc(units + 2)) return false;
   u32 size = static_cast<u32>(units + 1);
   return UCS2StrToUTF8Str(out->Get(), &size, text) == SM_STATUS_SUCCESS;
@@ -73,7 +66,7 @@ u32 OSAuthenticateUser(const ustring* domain, const ustring* userName, ustring* 
     rights = QVX_PRIV_NONE;
   }
   if (password != nullptr) {
-    explicit_bzero(password, static_cast<size_t>(UnitsOf(password)) * sizeof(ustring));
+    explicit_bzero(password, static_cast<size_t>(UnitCount(password)) * sizeof(ustring));
   }
   return rights;
 }

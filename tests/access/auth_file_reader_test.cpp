@@ -7,13 +7,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <chrono>
-#include <thread>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
+#include "support/threads.h"
 #include "tests/access/accounts.h"
 
 namespace qvx {
@@ -280,19 +280,8 @@ TEST(AuthFileReader, EveryOperationWaitsForTheReadersLock) {
       [] { Reader().StopReading(); },
   };
   for (const Operation operation : operations) {
-    std::atomic<bool> done{false};
-    std::thread waiting;
-    {
-      const ZarnSupport::ZarnCriticalSection section(Reader());
-      waiting = std::thread([operation, &done] {
-        operation();
-        done = true;
-      });
-      std::this_thread::sleep_for(std::chrono::milliseconds(30));
-      EXPECT_FALSE(done);
-    }
-    waiting.join();
-    EXPECT_TRUE(done);
+    std::optional<ZarnSupport::ZarnCriticalSection> section(std::in_place, Reader());
+    EXPECT_TRUE(test::WaitsFor(operation, [&section] { section.reset(); }));
   }
 }
 

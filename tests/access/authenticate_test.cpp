@@ -12,6 +12,7 @@
 #include "frame/module.h"
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
+#include "support/long_text.h"
 #include "support/processes.h"
 #include "tests/access/accounts.h"
 #include "tests/access/memory_scan.h"
@@ -287,6 +288,18 @@ TEST_F(AuthenticateMemory, NoCopyIsLeftWhereAMessageFailsTheConversation) {
                         "auth required " + module + " password info\naccount required " + module);
   EXPECT_EQ(LogInBob(false), 0u);
   ExpectNowhere();
+}
+
+TEST(AuthenticateSize, ANameBeyond32BitsIsRefusedWithoutAnAllocation) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<ustring> name((u64{1} << 32) - 1, 'a');
+  Units secret = Text(kPassword);
+  {
+    const test::FailNthAllocation fault(1);
+    EXPECT_EQ(PXTAuthenticateUser(nullptr, name.text(), secret.data()), 0u);
+    EXPECT_FALSE(test::FailNthAllocation::Fired());
+  }
+  EXPECT_EQ(secret, Units(secret.size(), 0));
 }
 
 }  // namespace

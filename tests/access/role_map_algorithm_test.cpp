@@ -6,17 +6,17 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <clocale>
 #include <memory>
 #include <new>
-#include <thread>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "access/role_map_error.h"
 #include "frame/module.h"
 #include "support/alloc_fault.h"
+#include "support/threads.h"
 #include "tests/access/accounts.h"
 
 namespace qvx {
@@ -322,18 +322,9 @@ TEST_F(RoleMapAlgorithm, OtherRecordsHaveNoEffectWhileInitialized) {
 
 TEST_F(RoleMapAlgorithm, TheMapsAreBuiltUnderTheirLock) {
   const Records records({L"bob * user"});
-  std::atomic<bool> built{false};
-  std::thread builder;
-  {
-    const ZarnSupport::ZarnCriticalSection section(Algorithm());
-    builder = std::thread([&records, &built] {
-      Algorithm().Initialize(records.list);
-      built = true;
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    EXPECT_FALSE(built);
-  }
-  builder.join();
+  std::optional<ZarnSupport::ZarnCriticalSection> section(std::in_place, Algorithm());
+  EXPECT_TRUE(test::WaitsFor([&records] { Algorithm().Initialize(records.list); },
+                             [&section] { section.reset(); }));
   EXPECT_EQ(Ask(L"bob", L"srv1"), 0x1u);
 }
 

@@ -19,9 +19,11 @@
 
 namespace qvx::test {
 
-// Whether a thread or another process sleeps, as it does while it waits for a lock.
+// Whether a thread or another process sleeps, as it does while it waits for a lock. A process that
+// has ended counts as asleep, so that nobody waits for it in vain.
 inline bool IsAsleep(pid_t id) {
-  return ReadFile("/proc/" + std::to_string(id) + "/stat").find(") S ") != std::string::npos;
+  const std::string status = ReadFile("/proc/" + std::to_string(id) + "/stat");
+  return status.find(") S ") != std::string::npos || status.find(") Z ") != std::string::npos;
 }
 
 // Whether `call`, in a thread of its own, waits until `release` has been called. It has `release`

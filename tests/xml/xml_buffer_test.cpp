@@ -16,6 +16,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
+#include "support/long_text.h"
 
 namespace qvx {
 namespace {
@@ -554,6 +555,24 @@ TEST(XmlBuffer, ExportedCallsBuildADocument) {
   ASSERT_NE(text, nullptr);
   EXPECT_EQ(std::string(text), std::string(kStylesheet) + "<A x=\"1\"><B>b</B><C/></A>");
   PXTXFreeBufContent(text);
+}
+
+// Opening and closing tag have the name, so each form of element is larger than any buffer.
+TEST(XmlBuffer, ElementsBeyond32BitsAreRefused) {
+  if (!test::kHasLongTexts) GTEST_SKIP();
+  const test::LongText<astring> name(u64{1} << 31, 'n');
+  Buffer buffer;
+  const u64 number = 1;
+  const auto refuses = [](auto call) {
+    const FailNthAllocation fault(1);
+    return call() == SM_STATUS_NO_MEMORY && !FailNthAllocation::Fired();
+  };
+  ASSERT_TRUE(refuses([&] { return PXMBufCatNode(buffer.get(), name.text(), nullptr, 1, "v"); }));
+  ASSERT_TRUE(
+      refuses([&] { return PXMBufCatNode(buffer.get(), name.text(), nullptr, 9, &number); }));
+  ASSERT_TRUE(refuses([&] { return PXMBufCatBeginNode(buffer.get(), name.text(), nullptr); }));
+  ASSERT_TRUE(refuses([&] { return PXMBufCatEndNode(buffer.get(), name.text()); }));
+  EXPECT_EQ(buffer.Text(), "");
 }
 
 }  // namespace

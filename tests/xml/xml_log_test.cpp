@@ -18,6 +18,7 @@
 #include "frame/module.h"
 #include "support/alloc_fault.h"
 #include "support/immutable.h"
+#include "support/threads.h"
 #include "xml/log_files.h"
 
 namespace qvx {
@@ -301,11 +302,13 @@ TEST(XmlLog, WaitForTheLockGivesUpAfterAMinuteOfAttempts) {
 TEST(XmlLog, TheClosingTagIsLookedForUnderTheLock) {
   Attach();
   WriteFile(kLog, LogOf("one"));
-  const test::LockHolder other(kIPCFilePath, 400000);
+  test::LockHolder other(kIPCFilePath);
   const pid_t child = fork();
   if (child == 0) _exit(static_cast<int>(Append(kLog, 1, "d")));
-  usleep(100000);  // the child waits for the lock by now
+  while (!test::IsAsleep(child)) {
+  }
   WriteFile(kLog, LogOf("one" + std::string(500, 't') + "two"));
+  other.Kill();  // a release would wait for the child, which inherited its pipe
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
