@@ -7,8 +7,8 @@
 
 namespace qvx {
 
-u32 NVSuptASCIIToXVal(const astring* text, s32 type, void* out);
-u32 NVSuptNVPValToXVal(s32 count, astring** vector, const astring* name, s32 type, void* out);
+u32 NVSuptASCIIToXVal(const astring* text, s32 code, void* out);
+u32 NVSuptNVPValToXVal(s32 count, astring** vector, const astring* name, s32 code, void* out);
 astring* NVSuptXValToASCII(s32 code, const void* value);
 
 }  // namespace qvx

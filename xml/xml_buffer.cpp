@@ -37,36 +37,28 @@ u32 CatText(const Element& element, const Value& value) {
 }
 
 u32 CatNumber(const Element& element, const Value& value) {
-  if (value.format == 0 || value.format == 10) {
+  if (value.format == 0 || value.format == QVX_BASE_DECIMAL) {
     return CatDecimal(element, DecimalOf(value.type, value.at));
   }
-  if (value.format != 16) return SM_STATUS_INVALID_PARAMETER;
+  if (value.format != QVX_BASE_HEXADECIMAL) return SM_STATUS_INVALID_PARAMETER;
   astring text[kValueTextRoom];
   return CatWhole(element, text, PutHexadecimal(text, value.type, value.at));
 }
 
-u32 CatBooln(const Element& element, const Value& value) {
+u32 CatOnePiece(const Element& element, const Value& value) {
   astring text[kValueTextRoom];
-  return CatWhole(element, text, PutBooln(text, value.at));
+  return CatWhole(element, text, value.type.put(text, value.type, value.at));
 }
 
-u32 CatLongNumber(const Element& element, const Value& value) {
+u32 CatInPieces(const Element& element, const Value& value) {
   astring text[kValueTextRoom];
-  return CatPieces(element, text, PutDecimal(text, value.type, value.at));
+  return CatPieces(element, text, value.type.put(text, value.type, value.at));
 }
 
-u32 CatDouble(const Element& element, const Value& value) {
-  astring text[kValueTextRoom];
-  return CatPieces(element, text, PutDouble(text, value.at));
-}
-
+// Deliberate: time 0 is written "-1" like the times before it; it means "no time". Held by
+// XmlBuffer.TimesBelowOneAreMinusOne.
 u32 CatTime(const Element& element, const Value& value) {
-  astring text[kValueTextRoom] = "-1";
-  u32 length = 2;
-  // Deliberate: time 0 is written "-1" like the times before it; it means "no time". Held by
-  // XmlBuffer.TimesBelowOneAreMinusOne.
-  if (LoadValue<s32>(value.at) >= 1) length = PutTime(text, value.at);
-  return CatPieces(element, text, length);
+  return LoadValue<s32>(value.at) >= 1 ? CatInPieces(element, value) : CatPieces(element, "-1", 2);
 }
 
 u32 CatWideText(const Element& element, const Value& value) {
@@ -117,9 +109,9 @@ u32 Refuse(const Element&, const Value&) { return SM_STATUS_INVALID_PARAMETER; }
 
 // In the order of ValueForm.
 constexpr u32 (*kCatForm[])(const Element&, const Value&) = {
-    Refuse,        CatText,   CatWideText,   CatBooln,       CatNumber,
-    CatLongNumber, CatDouble, CatTime,       CatTextRecord,  CatWideTextRecord,
-    CatBeginTag,   CatEndTag, CatTypedValue, CatEscapedText, CatEscapedWideText};
+    Refuse,      CatText,       CatWideText,    CatOnePiece,       CatNumber,
+    CatInPieces, CatTime,       CatTextRecord,  CatWideTextRecord, CatBeginTag,
+    CatEndTag,   CatTypedValue, CatEscapedText, CatEscapedWideText};
 
 }  // namespace
 
@@ -148,11 +140,11 @@ astring* PXMFreeBuf(void* buffer, u16 mode) {
 void PXMFreeBufContent(astring* text) { FreeMem(text); }
 
 u32 PXMBufCatBeginNode(void* buffer, const astring* name, const astring* attributes) {
-  return PXMBufCatNode(buffer, name, attributes, 18, nullptr);
+  return PXMBufCatNode(buffer, name, attributes, QVX_TYPE_BEGIN, nullptr);
 }
 
 u32 PXMBufCatEndNode(void* buffer, const astring* name) {
-  return PXMBufCatNode(buffer, name, nullptr, 19, nullptr);
+  return PXMBufCatNode(buffer, name, nullptr, QVX_TYPE_END, nullptr);
 }
 
 u32 PXMBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes) {

@@ -5,45 +5,16 @@
 #include <array>
 #include <cstring>
 
+#include "qvxcs/cli_value.h"
+#include "qvxcs/status.h"
+#include "qvxcs/xml_buffer.h"
+
 #include "base/unaligned.h"
 #include "text/number_text.h"
 #include "text/time_text.h"
 
 namespace qvx {
 namespace {
-
-// Deliberate: the codes are numbered with gaps, and the gaps are refused; the codes are shared with
-// the calling programs and never change. Held by XmlValue.GapsInTheNumberingHaveNoForm.
-constexpr ValueType kValueTypes[kValueTypeCount] = {
-    {ValueForm::kNone, 0, false},             // 0
-    {ValueForm::kText, 0, false},             // 1
-    {ValueForm::kWideText, 0, false},         // 2
-    {ValueForm::kNone, 0, false},             // 3
-    {ValueForm::kBooln, 0, false},            // 4
-    {ValueForm::kNumber, 4, false},           // 5
-    {ValueForm::kNone, 0, false},             // 6
-    {ValueForm::kNumber, 4, true},            // 7
-    {ValueForm::kNone, 0, false},             // 8
-    {ValueForm::kLongNumber, 8, false},       // 9
-    {ValueForm::kNone, 0, false},             // 10
-    {ValueForm::kLongNumber, 8, true},        // 11
-    {ValueForm::kNone, 0, false},             // 12
-    {ValueForm::kDouble, 0, false},           // 13
-    {ValueForm::kNone, 0, false},             // 14
-    {ValueForm::kTime, 0, false},             // 15
-    {ValueForm::kTextRecord, 0, false},       // 16
-    {ValueForm::kWideTextRecord, 0, false},   // 17
-    {ValueForm::kBeginTag, 0, false},         // 18
-    {ValueForm::kEndTag, 0, false},           // 19
-    {ValueForm::kNumber, 1, false},           // 20
-    {ValueForm::kNumber, 1, true},            // 21
-    {ValueForm::kNumber, 2, false},           // 22
-    {ValueForm::kNumber, 2, true},            // 23
-    {ValueForm::kNone, 0, false},             // 24
-    {ValueForm::kTypedValue, 0, false},       // 25
-    {ValueForm::kEscapedText, 0, false},      // 26
-    {ValueForm::kEscapedWideText, 0, false},  // 27
-};
 
 // "%.8f" of the largest double is longer; the text kept is at most this long.
 constexpr u32 kDoubleCharacters = 31;
@@ -128,16 +99,114 @@ u32 PutHexDigits(astring* out, u32 value) {
   return length;
 }
 
-}  // namespace
-
-const ValueType& ValueTypeOf(s32 code) {
-  return kValueTypes[code >= 0 && static_cast<u32>(code) < kValueTypeCount ? code : 0];
-}
-
-u32 PutBooln(astring* out, const void* value) {
+u32 PutBooln(astring* out, const ValueType&, const void* value) {
   const bool isTrue = LoadValue<booln>(value) == 1;
   memcpy(out, isTrue ? "true" : "false", isTrue ? 5 : 6);
   return isTrue ? 4 : 5;
+}
+
+u32 PutDouble(astring* out, const ValueType&, const void* value) {
+  // DoubleToASCII treats the length of the text already in the buffer as its room, NUL included.
+  memset(out, ' ', kDoubleCharacters + 1);
+  out[kDoubleCharacters + 1] = '\0';
+  DoubleToASCII(out, LoadValue<d64>(value));
+  return static_cast<u32>(strlen(out));
+}
+
+// Local time of a 32-bit count of seconds; the empty text when it cannot be broken down.
+u32 PutTime(astring* out, const ValueType&, const void* value) {
+  out[0] = '\0';
+  if (TimeToAStr(out, LoadValue<s32>(value)) != 0) out[0] = '\0';
+  return static_cast<u32>(strlen(out));
+}
+
+u32 TakeText(const astring* text, const ValueType&, void* out) {
+  StoreValue(out, text);
+  return SM_STATUS_SUCCESS;
+}
+
+u32 TakeBooln(const astring* text, const ValueType&, void* out) {
+  u32 status = 0;
+  StoreValue(out, ASCIIToBoolnV(text, &status));
+  return status;
+}
+
+u32 TakeDouble(const astring* text, const ValueType&, void* out) {
+  StoreValue(out, ASCIIToDouble(text));
+  return SM_STATUS_SUCCESS;
+}
+
+// Deliberate: the narrow numbers are read as 32-bit ones and cut to their width, without a check of
+// their range. Held by ValueConvert.NarrowNumbersAreCutToTheirWidth.
+u64 ReadNumber(const astring* text, const ValueType& type, u32* status) {
+  constexpr u32 kBase = QVX_BASE_DECIMAL;
+  if (type.bytes <= 4) {
+    return type.isSigned ? static_cast<u32>(ASCIIToSigned32VT(text, kBase, status))
+                         : ASCIIToUnSigned32VT(text, kBase, status);
+  }
+  return type.isSigned ? static_cast<u64>(ASCIIToSigned64VT(text, kBase, status))
+                       : ASCIIToUnSigned64VT(text, kBase, status);
+}
+
+u32 TakeNumber(const astring* text, const ValueType& type, void* out) {
+  u32 status = 0;
+  const u64 number = ReadNumber(text, type, &status);
+  memcpy(out, &number, type.bytes);  // the low bytes come first
+  return status;
+}
+
+// Deliberate: thousandths are divided toward zero and kept to the range of 32 bits, yet stored in
+// 64. Held by ValueConvert.ThousandthsAreDividedTowardZero.
+u32 TakeThousandths(const astring* text, const ValueType&, void* out) {
+  u32 status = 0;
+  const s64 whole = ASCIIToSigned64VT(text, QVX_BASE_DECIMAL, &status) / 1000;
+  if (whole < INT32_MIN || whole > INT32_MAX) return SM_STATUS_INVALID_PARAMETER;
+  StoreValue(out, whole);
+  return status;
+}
+
+constexpr ValueType Only(ValueForm form) { return {form, nullptr, nullptr, 0, false}; }
+
+constexpr ValueType Integer(ValueForm form, u8 bytes, bool isSigned) {
+  return {form, PutDecimal, TakeNumber, bytes, isSigned};
+}
+
+// Deliberate: the codes are numbered with gaps, and the gaps are refused; the codes are shared with
+// the calling programs and never change. Held by XmlValue.GapsInTheNumberingHaveNoForm.
+constexpr auto kValueTypes = [] {
+  // A new type is one line here and its code in the public header.
+  using Form = ValueForm;
+  std::array<ValueType, QVX_TYPE_THOUSANDTHS + 1> types = {};
+  types[QVX_TYPE_ASTRING] = {Form::kText, nullptr, TakeText, 0, false};
+  types[QVX_TYPE_USTRING] = Only(Form::kWideText);
+  types[QVX_TYPE_BOOLN] = {Form::kWhole, PutBooln, TakeBooln, 0, false};
+  types[QVX_TYPE_U8] = Integer(Form::kNumber, 1, false);
+  types[QVX_TYPE_S8] = Integer(Form::kNumber, 1, true);
+  types[QVX_TYPE_U16] = Integer(Form::kNumber, 2, false);
+  types[QVX_TYPE_S16] = Integer(Form::kNumber, 2, true);
+  types[QVX_TYPE_U32] = Integer(Form::kNumber, 4, false);
+  types[QVX_TYPE_S32] = Integer(Form::kNumber, 4, true);
+  types[QVX_TYPE_U64] = Integer(Form::kPieces, 8, false);
+  types[QVX_TYPE_S64] = Integer(Form::kPieces, 8, true);
+  types[QVX_TYPE_D64] = {Form::kPieces, PutDouble, TakeDouble, 0, false};
+  types[QVX_TYPE_TIME] = {Form::kTime, PutTime, nullptr, 0, false};
+  types[QVX_TYPE_SSASTR] = Only(Form::kTextRecord);
+  types[QVX_TYPE_SSUSTR] = Only(Form::kWideTextRecord);
+  types[QVX_TYPE_BEGIN] = Only(Form::kBeginTag);
+  types[QVX_TYPE_END] = Only(Form::kEndTag);
+  types[QVX_TYPE_TYPED_VALUE] = Only(Form::kTypedValue);
+  types[QVX_TYPE_XML_ASTRING] = Only(Form::kEscapedText);
+  types[QVX_TYPE_XML_USTRING] = Only(Form::kEscapedWideText);
+  types[QVX_TYPE_THOUSANDTHS] = {Form::kNone, nullptr, TakeThousandths, 0, false};
+  return types;
+}();
+
+}  // namespace
+
+const ValueType& ValueTypeOf(s32 code) {
+  return kValueTypes[code >= 0 && static_cast<u32>(code) < kValueTypes.size()
+                         ? static_cast<u32>(code)
+                         : 0];
 }
 
 Decimal DecimalOf(const ValueType& type, const void* value) {
@@ -169,20 +238,6 @@ u32 PutHexadecimal(astring* out, const ValueType& type, const void* value) {
   if (number == 0) return PutHexDigits(out, 0);
   memcpy(out, "0x", 2);
   return 2 + PutHexDigits(out + 2, number);
-}
-
-u32 PutDouble(astring* out, const void* value) {
-  // DoubleToASCII treats the length of the text already in the buffer as its room, NUL included.
-  memset(out, ' ', kDoubleCharacters + 1);
-  out[kDoubleCharacters + 1] = '\0';
-  DoubleToASCII(out, LoadValue<d64>(value));
-  return static_cast<u32>(strlen(out));
-}
-
-u32 PutTime(astring* out, const void* value) {
-  out[0] = '\0';
-  if (TimeToAStr(out, LoadValue<s32>(value)) != 0) out[0] = '\0';
-  return static_cast<u32>(strlen(out));
 }
 
 }  // namespace qvx

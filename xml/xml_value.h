@@ -12,16 +12,15 @@
 
 namespace qvx {
 
-// How the value of a type code is read.
+// How the XML buffer writes the value of a type code.
 enum class ValueForm : u8 {
-  kNone,  // a gap in the numbering, or a code outside it
+  kNone,  // not at all: a gap in the numbering, a code outside it, or a type only read from text
   kText,
   kWideText,
-  kBooln,
-  kNumber,
-  kLongNumber,
-  kDouble,
-  kTime,
+  kWhole,   // its element in one piece
+  kNumber,  // the same, in the base that the caller asks for
+  kPieces,  // tags and value one after another
+  kTime,    // the same, and "-1" below 1
   kTextRecord,
   kWideTextRecord,
   kBeginTag,
@@ -31,13 +30,19 @@ enum class ValueForm : u8 {
   kEscapedWideText,
 };
 
+// All that the library knows of a type code; the table is in xml_value.cpp.
 struct ValueType {
+  // Writes the value's terminated text into kValueTextRoom bytes and returns its length.
+  using Put = u32 (*)(astring* out, const ValueType& type, const void* value);
+  // Reads the value from a text, by a status of its conversion.
+  using Take = u32 (*)(const astring* text, const ValueType& type, void* out);
+
   ValueForm form;
-  u8 bytes;  // width of a number in memory; 0 for the other forms
+  Put put;    // null: the value is a text, or has none
+  Take take;  // null: not read from text
+  u8 bytes;   // width of an integer in memory
   bool isSigned;
 };
-
-constexpr u32 kValueTypeCount = 28;
 
 const ValueType& ValueTypeOf(s32 code);
 
@@ -87,15 +92,11 @@ astring* PutDecimal(astring* to, const Decimal& number);
 // Room for the text of any number, boolean or time, its NUL included.
 constexpr u32 kValueTextRoom = 64;
 
-// Each writes a terminated text into kValueTextRoom bytes and returns its length.
-u32 PutBooln(astring* out, const void* value);
+// Each writes as ValueType::Put does.
 u32 PutDecimal(astring* out, const ValueType& type, const void* value);
 u32 PutDecimalNumber(astring* out, s64 number);
 // The low 32 bits of a sign-extended number, as "%#x" prints them.
 u32 PutHexadecimal(astring* out, const ValueType& type, const void* value);
-u32 PutDouble(astring* out, const void* value);
-// Local time of a 32-bit count of seconds; the empty text when it cannot be broken down.
-u32 PutTime(astring* out, const void* value);
 
 }  // namespace qvx
 

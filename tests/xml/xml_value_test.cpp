@@ -5,7 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
+
+#include "qvxcs/status.h"
+#include "qvxcs/xml_buffer.h"
 
 #include "support/guard_buffer.h"
 
@@ -32,9 +36,9 @@ std::string TextOf(T value, PutText put) {
 }
 
 template <typename T>
-std::string Decimal(s32 code, T value) {
-  return TextOf(value, [code](astring* out, const void* from) {
-    return PutDecimal(out, ValueTypeOf(code), from);
+std::string Text(s32 code, T value) {
+  return TextOf(value, [&type = ValueTypeOf(code)](astring* out, const void* from) {
+    return type.put(out, type, from);
   });
 }
 
@@ -52,12 +56,12 @@ TEST(XmlValue, EachCodeHasItsForm) {
   } rows[] = {
       {1, ValueForm::kText},
       {2, ValueForm::kWideText},
-      {4, ValueForm::kBooln},
+      {4, ValueForm::kWhole},
       {5, ValueForm::kNumber},
       {7, ValueForm::kNumber},
-      {9, ValueForm::kLongNumber},
-      {11, ValueForm::kLongNumber},
-      {13, ValueForm::kDouble},
+      {9, ValueForm::kPieces},
+      {11, ValueForm::kPieces},
+      {13, ValueForm::kPieces},
       {15, ValueForm::kTime},
       {16, ValueForm::kTextRecord},
       {17, ValueForm::kWideTextRecord},
@@ -82,22 +86,38 @@ TEST(XmlValue, GapsInTheNumberingHaveNoForm) {
   }
 }
 
+// A type is written and read back by its one row: what `put` writes, `take` reads into the same
+// bytes, and into no others.
+TEST(XmlValue, WhatATypeWritesItReadsBack) {
+  const u8 bytes[] = {0xD6, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};  // -42, and its narrow forms
+  for (const s32 code : {QVX_TYPE_U8, QVX_TYPE_S8, QVX_TYPE_U16, QVX_TYPE_S16, QVX_TYPE_U32,
+                         QVX_TYPE_S32, QVX_TYPE_U64, QVX_TYPE_S64}) {
+    const ValueType& type = ValueTypeOf(code);
+    astring text[kValueTextRoom];
+    (void)type.put(text, type, bytes);
+    GuardBuffer<u8> back(type.bytes);
+    EXPECT_EQ(type.take(text, type, back.data()), SM_STATUS_SUCCESS) << code;
+    EXPECT_EQ(memcmp(back.data(), bytes, type.bytes), 0) << code;
+    EXPECT_TRUE(back.FrontUntouched()) << code;
+  }
+}
+
 TEST(XmlValue, NumbersAreDecimalOverTheirWholeRange) {
-  EXPECT_EQ(Decimal(5, u32{0}), "0");
-  EXPECT_EQ(Decimal(5, u32{0xFFFFFFFF}), "4294967295");
-  EXPECT_EQ(Decimal(7, s32{INT32_MAX}), "2147483647");
-  EXPECT_EQ(Decimal(7, s32{INT32_MIN}), "-2147483648");
-  EXPECT_EQ(Decimal(9, u64{UINT64_MAX}), "18446744073709551615");
-  EXPECT_EQ(Decimal(9, u64{1000}), "1000");
-  EXPECT_EQ(Decimal(11, s64{INT64_MAX}), "9223372036854775807");
-  EXPECT_EQ(Decimal(11, s64{INT64_MIN}), "-9223372036854775808");
-  EXPECT_EQ(Decimal(11, s64{-10}), "-10");
-  EXPECT_EQ(Decimal(20, u8{255}), "255");
-  EXPECT_EQ(Decimal(21, s8{-128}), "-128");
-  EXPECT_EQ(Decimal(21, s8{127}), "127");
-  EXPECT_EQ(Decimal(22, u16{65535}), "65535");
-  EXPECT_EQ(Decimal(23, s16{-32768}), "-32768");
-  EXPECT_EQ(Decimal(23, s16{32767}), "32767");
+  EXPECT_EQ(Text(5, u32{0}), "0");
+  EXPECT_EQ(Text(5, u32{0xFFFFFFFF}), "4294967295");
+  EXPECT_EQ(Text(7, s32{INT32_MAX}), "2147483647");
+  EXPECT_EQ(Text(7, s32{INT32_MIN}), "-2147483648");
+  EXPECT_EQ(Text(9, u64{UINT64_MAX}), "18446744073709551615");
+  EXPECT_EQ(Text(9, u64{1000}), "1000");
+  EXPECT_EQ(Text(11, s64{INT64_MAX}), "9223372036854775807");
+  EXPECT_EQ(Text(11, s64{INT64_MIN}), "-9223372036854775808");
+  EXPECT_EQ(Text(11, s64{-10}), "-10");
+  EXPECT_EQ(Text(20, u8{255}), "255");
+  EXPECT_EQ(Text(21, s8{-128}), "-128");
+  EXPECT_EQ(Text(21, s8{127}), "127");
+  EXPECT_EQ(Text(22, u16{65535}), "65535");
+  EXPECT_EQ(Text(23, s16{-32768}), "-32768");
+  EXPECT_EQ(Text(23, s16{32767}), "32767");
 }
 
 TEST(XmlValue, HexadecimalIsLowerCaseWithAPrefixExceptForZero) {
@@ -118,32 +138,33 @@ TEST(XmlValue, HexadecimalExtendsTheSignTo32Bits) {
 }
 
 TEST(XmlValue, OnlyOneIsTrue) {
-  EXPECT_EQ(TextOf(booln{1}, PutBooln), "true");
-  EXPECT_EQ(TextOf(booln{0}, PutBooln), "false");
-  EXPECT_EQ(TextOf(booln{2}, PutBooln), "false");
-  EXPECT_EQ(TextOf(booln{0x101}, PutBooln), "false");
+  EXPECT_EQ(Text(QVX_TYPE_BOOLN, booln{1}), "true");
+  EXPECT_EQ(Text(QVX_TYPE_BOOLN, booln{0}), "false");
+  EXPECT_EQ(Text(QVX_TYPE_BOOLN, booln{2}), "false");
+  EXPECT_EQ(Text(QVX_TYPE_BOOLN, booln{0x101}), "false");
 }
 
 TEST(XmlValue, DoublesHaveEightPlaces) {
-  EXPECT_EQ(TextOf(d64{0}, PutDouble), "0.00000000");
-  EXPECT_EQ(TextOf(d64{1.5}, PutDouble), "1.50000000");
-  EXPECT_EQ(TextOf(d64{-0.125}, PutDouble), "-0.12500000");
+  EXPECT_EQ(Text(QVX_TYPE_D64, d64{0}), "0.00000000");
+  EXPECT_EQ(Text(QVX_TYPE_D64, d64{1.5}), "1.50000000");
+  EXPECT_EQ(Text(QVX_TYPE_D64, d64{-0.125}), "-0.12500000");
 }
 
 TEST(XmlValue, DoublesAreCutAtThirtyOneCharacters) {
   // 2 to the 73rd is 9444732965739290427392: 22 digits, point and 8 places are just 31.
-  EXPECT_EQ(TextOf(d64{9444732965739290427392.0}, PutDouble), "9444732965739290427392.00000000");
+  EXPECT_EQ(Text(QVX_TYPE_D64, d64{9444732965739290427392.0}), "9444732965739290427392.00000000");
   // 2 to the 80th has three digits more.
-  EXPECT_EQ(TextOf(d64{1208925819614629174706176.0}, PutDouble), "1208925819614629174706176.00000");
-  EXPECT_EQ(TextOf(d64{1e300}, PutDouble).size(), 31u);
+  EXPECT_EQ(Text(QVX_TYPE_D64, d64{1208925819614629174706176.0}),
+            "1208925819614629174706176.00000");
+  EXPECT_EQ(Text(QVX_TYPE_D64, d64{1e300}).size(), 31u);
 }
 
 TEST(XmlValue, TimesAreLocalTimes) {
   ASSERT_EQ(setenv("TZ", "UTC0", 1), 0);
-  EXPECT_EQ(TextOf(s32{1}, PutTime), "Thu Jan  1 00:00:01 1970");
-  EXPECT_EQ(TextOf(s32{-1}, PutTime), "Wed Dec 31 23:59:59 1969");
+  EXPECT_EQ(Text(QVX_TYPE_TIME, s32{1}), "Thu Jan  1 00:00:01 1970");
+  EXPECT_EQ(Text(QVX_TYPE_TIME, s32{-1}), "Wed Dec 31 23:59:59 1969");
   ASSERT_EQ(setenv("TZ", "XXX-2", 1), 0);  // two hours east
-  EXPECT_EQ(TextOf(s32{INT32_MAX}, PutTime), "Tue Jan 19 05:14:07 2038");
+  EXPECT_EQ(Text(QVX_TYPE_TIME, s32{INT32_MAX}), "Tue Jan 19 05:14:07 2038");
 }
 
 }  // namespace
