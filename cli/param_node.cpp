@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "qvxcs/grow_string.h"
 #include "qvxcs/status.h"
+#include "qvxcs/xml_buffer.h"
 
 #include "base/results.h"
 #include "cli/value_convert.h"
@@ -16,38 +16,13 @@ namespace qvx {
 namespace {
 
 constexpr u32 kFirstCapacity = 256;
-constexpr s32 kSigned32 = 7;
-
-// A growable text that notices a failed append, which the record shows only by its length.
-class AttributeText {
- public:
-  AttributeText() { (void)SSAStrAlloc(&record_, kFirstCapacity); }
-  ~AttributeText() { SSAStrFree(&record_); }
-  AttributeText(const AttributeText&) = delete;
-  AttributeText& operator=(const AttributeText&) = delete;
-
-  explicit operator bool() const { return record_.text != nullptr; }
-  bool whole() const { return record_.length == expected_; }
-  const astring* text() const { return record_.text; }
-
-  void Cat(const astring* piece) {
-    expected_ += strlen(piece);
-    (void)SSAStrCatAStr(&record_, piece);
-  }
-
- private:
-  SSAStr record_ = {};
-  u64 expected_ = 0;
-};
 
 // Deliberate: a value whose text cannot be made is left out as if it had not been given. Held by
 // ParamNode.ValueWithoutTextIsLeftOut.
-void CatValue(AttributeText* attributes, const astring* opening, s32 type, const void* value) {
-  if (value == nullptr) return;
+bool CatValue(GrowText* attributes, const astring* opening, s32 type, const void* value) {
+  if (value == nullptr) return true;
   const HeapArray<astring> text(NVSuptXValToASCII(type, value));
-  if (!text) return;
-  attributes->Cat(opening);
-  attributes->Cat(text.get());
+  return !text || (attributes->Cat(opening) && attributes->Cat(text.get()));
 }
 
 }  // namespace
@@ -72,25 +47,23 @@ u32 NVSuptBufCatSetCmdParam(void* buffer, const astring* name, const void* oldVa
   if (value == nullptr && (oldValue == nullptr || newValue == nullptr)) {
     return SM_STATUS_INVALID_PARAMETER;
   }
-  AttributeText attributes;
+  GrowText attributes(kFirstCapacity);
   if (!attributes) return SM_STATUS_NO_MEMORY;
-  attributes.Cat("name=\"");
-  attributes.Cat(name);
-  CatValue(&attributes, "\" oldval=\"", type, oldValue);
-  CatValue(&attributes, "\" newval=\"", type, newValue);
-  CatValue(&attributes, "\" value=\"", type, value);
-  attributes.Cat("\"");
+  const bool whole = attributes.Cat("name=\"") && attributes.Cat(name) &&
+                     CatValue(&attributes, "\" oldval=\"", type, oldValue) &&
+                     CatValue(&attributes, "\" newval=\"", type, newValue) &&
+                     CatValue(&attributes, "\" value=\"", type, value) && attributes.Cat("\"");
   // Deliberate: the call succeeds whether or not the element could be appended; an element whose
   // attributes could not be grown completely is skipped. Held by
   // ParamNode.AppendWithoutMemorySucceedsAndWritesNothing.
-  if (attributes.whole()) (void)PXMBufCatEmptyNode(buffer, "Parameter", attributes.text());
+  if (whole) (void)PXMBufCatEmptyNode(buffer, "Parameter", attributes.Text());
   return SM_STATUS_SUCCESS;
 }
 
 void NVSuptCatSMStatusNode(void* buffer, s32 status, const astring* message) {
   HeapArray<astring> attribute;
   if (message != nullptr) attribute = QuotedAttribute("mssg", message);
-  (void)PXMBufCatNode(buffer, "SMStatus", attribute.get(), kSigned32, &status);
+  (void)PXMBufCatNode(buffer, "SMStatus", attribute.get(), QVX_TYPE_S32, &status);
 }
 
 }  // namespace qvx

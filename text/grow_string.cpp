@@ -65,17 +65,16 @@ void Release(Record* record) {
   *record = Record{};
 }
 
+// False when the record cannot grow; it then keeps its text.
 template <typename Unit, typename Record>
-Unit* Append(Record* record, const Unit* added, u64 count) {
+bool Append(Record* record, const Unit* added, u64 count) {
   const u64 needed = (u64{record->length} + count + 1) * sizeof(Unit);
-  // Deliberate: a record that cannot grow keeps its text, and the call returns that text as after a
-  // success; only the unchanged length shows it. Held by GrowString.FailedGrowthLeavesTheOldText.
-  if (needed > kMaxSize) return record->text;
+  if (needed > kMaxSize) return false;
   if (needed > record->capacity) {
     const u32 capacity = GrownCapacity(record->capacity, static_cast<u32>(needed));
     const u64 within = OffsetWithin(record->text, record->capacity, added);
     Unit* const grown = ReAllocText(record->text, capacity);
-    if (grown == nullptr) return record->text;
+    if (grown == nullptr) return false;
     if (within < record->capacity) {
       added = reinterpret_cast<const Unit*>(reinterpret_cast<const u8*>(grown) + within);
     }
@@ -85,6 +84,14 @@ Unit* Append(Record* record, const Unit* added, u64 count) {
   memcpy(record->text + record->length, added, static_cast<size_t>(count) * sizeof(Unit));
   record->length += static_cast<u32>(count);
   record->text[record->length] = 0;
+  return true;
+}
+
+// Deliberate: a record that cannot grow keeps its text, and the call returns that text as after a
+// success; only the unchanged length shows it. Held by GrowString.FailedGrowthLeavesTheOldText.
+template <typename Unit, typename Record>
+Unit* AppendAndReturn(Record* record, const Unit* added, u64 count) {
+  (void)Append(record, added, count);
   return record->text;
 }
 
@@ -108,12 +115,6 @@ void SSAStrFree(SSAStr* record) { Release(record); }
 
 void SSUStrFree(SSUStr* record) { Release(record); }
 
-astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count) {
-  if (record == nullptr || record->text == nullptr) return nullptr;
-  if (text == nullptr) return record->text;
-  return Append(record, text, count);
-}
-
 astring* SSAStrMakeRoom(SSAStr* record, u64 count, HeapArray<astring>* old) {
   if (record->text == nullptr) return nullptr;
   const u64 needed = u64{record->length} + count + 1;
@@ -130,13 +131,15 @@ astring* SSAStrMakeRoom(SSAStr* record, u64 count, HeapArray<astring>* old) {
 }
 
 astring* SSAStrCatAStr(SSAStr* record, const astring* text) {
-  return SSAStrCatChars(record, text, text == nullptr ? 0 : strlen(text));
+  if (record == nullptr || record->text == nullptr) return nullptr;
+  if (text == nullptr) return record->text;
+  return AppendAndReturn(record, text, strlen(text));
 }
 
 ustring* SSUStrCatUStr(SSUStr* record, const ustring* text) {
   if (record == nullptr || record->text == nullptr) return nullptr;
   if (text == nullptr) return record->text;
-  return Append(record, text, UnitCount(text));
+  return AppendAndReturn(record, text, UnitCount(text));
 }
 
 astring* SSAStrCatUStr(SSAStr* record, const ustring* text) {
@@ -160,6 +163,10 @@ ustring* SSUStrCatAStr(SSUStr* record, const astring* text) {
   u32 size = static_cast<u32>(length);  // in units; the terminator's unit is held back
   if (UTF8StrToUCS2Str(units.get(), &size, text) != 0) return record->text;
   return SSUStrCatUStr(record, units.get());
+}
+
+bool GrowText::Cat(std::string_view added) {
+  return record_.text != nullptr && Append(&record_, added.data(), added.size());
 }
 
 }  // namespace qvx

@@ -3,6 +3,8 @@
 #ifndef QVX_TEXT_GROW_STRING_H
 #define QVX_TEXT_GROW_STRING_H
 
+#include <string_view>
+
 #include "qvxcs/grow_string.h"
 #include "qvxcs/types.h"
 
@@ -19,9 +21,6 @@ ustring* SSUStrCatUStr(SSUStr* record, const ustring* text);
 astring* SSAStrCatUStr(SSAStr* record, const ustring* text);
 ustring* SSUStrCatAStr(SSUStr* record, const astring* text);
 
-// SSAStrCatAStr for a text whose length is known; `text` need not be terminated.
-astring* SSAStrCatChars(SSAStr* record, const astring* text, u64 count);
-
 // Makes room for `count` characters and their NUL after the record's text, by the growth rule.
 // Returns the place for them, null when the record cannot grow. The caller that fills it sets the
 // length and the NUL. When the text moves, its block stays in `old`, unless another is kept there;
@@ -33,6 +32,24 @@ inline bool SSAStrHasRoom(const SSAStr& record, u64 count) {
   return record.text != nullptr && count < record.capacity &&
          record.length + count < record.capacity;
 }
+
+// A growable text that frees itself; empty without enough memory.
+class GrowText {
+ public:
+  explicit GrowText(u32 capacity) { (void)SSAStrAlloc(&record_, capacity); }
+  ~GrowText() { SSAStrFree(&record_); }
+  GrowText(const GrowText&) = delete;
+  GrowText& operator=(const GrowText&) = delete;
+
+  explicit operator bool() const { return record_.text != nullptr; }
+  // False when the text could not grow; it then stays as it was.
+  [[nodiscard]] bool Cat(std::string_view added);
+  [[nodiscard]] const astring* Text() const { return record_.text; }
+  [[nodiscard]] u32 Length() const { return record_.length; }
+
+ private:
+  SSAStr record_ = {};
+};
 
 }  // namespace qvx
 

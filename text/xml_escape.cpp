@@ -21,23 +21,6 @@ namespace {
 
 constexpr u32 kEscapeRoom = 6144;
 
-// A growable string that frees itself.
-struct EscapedText {
-  SSAStr record{};
-
-  EscapedText() = default;
-  EscapedText(const EscapedText&) = delete;
-  EscapedText& operator=(const EscapedText&) = delete;
-  ~EscapedText() { SSAStrFree(&record); }
-};
-
-// An append reports nothing: only the length shows that it worked.
-bool Append(SSAStr* record, const astring* piece) {
-  const u32 before = record->length;
-  SSAStrCatAStr(record, piece);
-  return record->length != before;
-}
-
 constexpr s32 kLongestEscape = sizeof "\\uffff" - 1;
 
 // Writes a unit's escaped form, at most kLongestEscape bytes, and returns the place after it.
@@ -74,15 +57,14 @@ astring* Escape(astring* to, ustring unit) {
 }
 
 // Appends what the text escapes to, gathered into pieces.
-bool AppendEscaped(SSAStr* record, const ustring* text) {
+bool CatEscaped(GrowText* result, const ustring* text) {
   astring piece[256];
   while (*text != 0) {
     astring* to = piece;
     while (*text != 0 && std::end(piece) - to > kLongestEscape) {
       to = Escape(to, *text++);
     }
-    *to = '\0';
-    if (!Append(record, piece)) return false;
+    if (!result->Cat({piece, static_cast<size_t>(to - piece)})) return false;
   }
   return true;
 }
@@ -142,17 +124,16 @@ u32 UnicodeToEscape(astring* out, u32* size, const ustring* text) {
   // Deliberate: the other converters return a different status for a null text.
   // Held by XmlEscape.ANullTextToEscapeIsABadArgument.
   if (text == nullptr) return SM_STATUS_BAD_ARGUMENT;
-  EscapedText result;
-  if (SSAStrAlloc(&result.record, kEscapeRoom) == nullptr) return kMinusOne;
-  if (!AppendEscaped(&result.record, text)) return kMinusOne;
-  const u32 needed = result.record.length + 1;
+  GrowText result(kEscapeRoom);
+  if (!result || !CatEscaped(&result, text)) return kMinusOne;
+  const u32 needed = result.Length() + 1;
   if (size != nullptr) {
     const u32 room = std::exchange(*size, needed);
     // Deliberate: the status is the same without an output, so a query passes a size of 0 and
     // expects this status. Held by XmlEscape.AnEscapeSizeQueryPassesZeroAndIsTooSmall.
     if (needed > room) return SM_STATUS_BUFFER_TOO_SMALL;
   }
-  if (out != nullptr) memcpy(out, result.record.text, needed);
+  if (out != nullptr) memcpy(out, result.Text(), needed);
   return SM_STATUS_SUCCESS;
 }
 

@@ -357,15 +357,37 @@ TEST(GrowString, OwnTextIsAppendedAsIfCopiedFirst) {
   SSUStrFree(&wide);
 }
 
-TEST(GrowString, CharactersOfAKnownCountNeedNoTerminator) {
-  SSAStr record = Holding(8, "a");
-  GuardBuffer<astring> text(3);
-  memcpy(text.data(), "bcd", 3);
-  EXPECT_EQ(SSAStrCatChars(&record, text.data(), 3), record.text);
-  EXPECT_STREQ(record.text, "abcd");
-  EXPECT_EQ(SSAStrCatChars(&record, text.data(), 0), record.text);
-  EXPECT_EQ(record.length, 4u);
-  SSAStrFree(&record);
+TEST(GrowText, CharactersOfAKnownCountNeedNoTerminator) {
+  GrowText text(4);
+  ASSERT_TRUE(text);
+  GuardBuffer<astring> added(3);
+  memcpy(added.data(), "bcd", 3);
+  EXPECT_TRUE(text.Cat("a"));
+  EXPECT_TRUE(text.Cat({added.data(), 3}));
+  EXPECT_TRUE(text.Cat({added.data(), 0}));
+  EXPECT_STREQ(text.Text(), "abcd");
+  EXPECT_EQ(text.Length(), 4u);
+}
+
+TEST(GrowText, AnAppendThatCannotGrowIsFalseAndLeavesTheText) {
+  GrowText text(4);
+  ASSERT_TRUE(text.Cat("abc"));
+  bool appended = true;
+  {
+    const FailNthAllocation fail(1);
+    appended = text.Cat("d");
+  }
+  EXPECT_FALSE(appended);
+  EXPECT_STREQ(text.Text(), "abc");
+  EXPECT_EQ(text.Length(), 3u);
+}
+
+TEST(GrowText, WithoutMemoryItIsEmptyAndTakesNothing) {
+  const FailNthAllocation fail(1);
+  GrowText text(4);
+  EXPECT_FALSE(text);
+  EXPECT_FALSE(text.Cat(""));
+  EXPECT_EQ(text.Text(), nullptr);
 }
 
 TEST(GrowString, SixteenBitTextIsAppendedAsUtf8) {
