@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "qvxcs/access.h"
 
@@ -20,15 +21,30 @@ astring* pam_servicename = g_defaultServiceName;
 namespace qvx {
 namespace {
 
-// The answers so far, passwords among them.
-void DiscardResponses(pam_response* responses, int count) {
-  for (int at = 0; at < count; ++at) {
-    if (responses[at].resp == nullptr) continue;
-    explicit_bzero(responses[at].resp, strlen(responses[at].resp));
-    free(responses[at].resp);
+// The answers so far, passwords among them: wiped and freed unless they are released.
+class Responses {
+ public:
+  explicit Responses(int count)
+      : list_(static_cast<pam_response*>(calloc(static_cast<size_t>(count), sizeof(*list_)))),
+        count_(count) {}
+  ~Responses() {
+    for (int at = 0; list_ != nullptr && at < count_; ++at) {
+      const HeapArray<astring> answer(list_[at].resp);
+      if (answer) explicit_bzero(answer.get(), strlen(answer.get()));
+    }
+    free(list_);
   }
-  free(responses);
-}
+  Responses(const Responses&) = delete;
+  Responses& operator=(const Responses&) = delete;
+
+  explicit operator bool() const { return list_ != nullptr; }
+  pam_response* Get() { return list_; }
+  pam_response* Release() { return std::exchange(list_, nullptr); }
+
+ private:
+  pam_response* list_;
+  int count_;
+};
 
 // Null for a message that is no prompt.
 const astring* AnswerTo(const pam_message* message, const PamAnswers& answers) {
@@ -61,14 +77,11 @@ bool AnswerAll(int count, const pam_message** messages, pam_response* responses,
 int auth_pam_talker(int count, const pam_message** messages, pam_response** responses, void* data) {
   if (responses == nullptr || messages == nullptr || data == nullptr) return PAM_CONV_ERR;
   if (count < 1 || count > PAM_MAX_NUM_MSG) return PAM_CONV_ERR;
-  auto* answered =
-      static_cast<pam_response*>(calloc(static_cast<size_t>(count), sizeof(pam_response)));
-  if (answered == nullptr) return PAM_CONV_ERR;
-  if (!AnswerAll(count, messages, answered, *static_cast<const PamAnswers*>(data))) {
-    DiscardResponses(answered, count);
-    return PAM_CONV_ERR;
-  }
-  *responses = answered;
+  Responses answered(count);
+  if (!answered) return PAM_CONV_ERR;
+  const PamAnswers& answers = *static_cast<const PamAnswers*>(data);
+  if (!AnswerAll(count, messages, answered.Get(), answers)) return PAM_CONV_ERR;
+  *responses = answered.Release();
   return PAM_SUCCESS;
 }
 

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "qvxcs/xml_buffer.h"
 #include "qvxcs/xml_log.h"
@@ -102,12 +103,12 @@ class FaultReport {
  private:
   // Without enough memory there is no entry.
   void Append() const {
-    void* buffer = PXMAllocBuf(kDescriptionRoom, 0);
-    if (buffer == nullptr) return;
-    (void)NVSuptBufCatSetCmdParam(buffer, "line", nullptr, nullptr, line_, QVX_TYPE_XML_ASTRING);
-    astring* description = PXMFreeBuf(buffer, 1);
-    (void)SUPTIntfAppendToCmdLog(id_, "root", "QVXSERVER", description, kFaultEntryType);
-    PXMFreeBufContent(description);
+    XmlBuffer buffer = AllocXmlBuffer(kDescriptionRoom);
+    if (!buffer) return;
+    (void)NVSuptBufCatSetCmdParam(buffer.get(), "line", nullptr, nullptr, line_,
+                                  QVX_TYPE_XML_ASTRING);
+    const HeapArray<astring> description(ReleaseContent(std::move(buffer)));
+    (void)SUPTIntfAppendToCmdLog(id_, "root", "QVXSERVER", description.get(), kFaultEntryType);
   }
 
   s32 id_ = 0;

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <utility>
 
 #include "qvxcs/grow_string.h"
@@ -20,20 +19,11 @@
 #include "xml/xml_buffer.h"
 
 namespace qvx {
-
 namespace {
-
-constexpr u16 kDiscard = 0;
-constexpr u16 kKeepText = 1;
 
 // A block is examined while it is still in the processor's cache.
 constexpr u32 kReadBlock = 256 * 1024;
 constexpr u32 kAroundContent = sizeof "<Content></Content><SMStatus>-1</SMStatus>";
-
-struct XmlBufferDeleter {
-  void operator()(void* buffer) const { (void)PXMFreeBuf(buffer, kDiscard); }
-};
-using XmlBuffer = std::unique_ptr<void, XmlBufferDeleter>;
 
 // The size of a regular file, 0 for a file with nothing to show: missing, empty, or so large that
 // the answer would be beyond 32 bits.
@@ -98,7 +88,7 @@ bool CatFile(SSAStr* buffer, const Descriptor& file, u32 size) {
 
 astring* TakeText(XmlBuffer buffer, s32 status) {
   NVSuptCatSMStatusNode(buffer.get(), status, nullptr);
-  return PXMFreeBuf(buffer.release(), kKeepText);
+  return ReleaseContent(std::move(buffer));
 }
 
 }  // namespace
@@ -109,7 +99,7 @@ astring* CmdGetXMLLogContent(const astring* path) {
   const Descriptor file = OpenLogToShow(path);
   if (!file && errno == ENOMEM) return nullptr;
   // Makes room for the whole answer first, so that no later append can fail.
-  XmlBuffer buffer(PXMAllocBuf(file ? size + kAroundContent : kAroundContent, 0));
+  XmlBuffer buffer = AllocXmlBuffer(file ? size + kAroundContent : kAroundContent);
   if (!buffer) return nullptr;
   if (!file) return TakeText(std::move(buffer), -1);
   SSAStr* const record = static_cast<SSAStr*>(buffer.get());

@@ -8,6 +8,7 @@
 #include "qvxcs/types.h"
 
 #include "base/context_lock.h"
+#include "base/heap.h"
 
 namespace qvx {
 
@@ -26,12 +27,10 @@ class ListGuard {
 // A header with its lock and no entries; null when either cannot be made.
 template <typename List>
 List* AllocList() {
-  List* list = static_cast<List*>(malloc(sizeof(List)));
-  if (list == nullptr) return nullptr;
-  *list = List{AllocContextLock(), nullptr, nullptr, 0};
-  if (list->lock != 0) return list;
-  free(list);
-  return nullptr;
+  HeapArray<List> list = AllocArray<List>(1);
+  if (!list) return nullptr;
+  list[0] = List{AllocContextLock(), nullptr, nullptr, 0};
+  return list[0].lock == 0 ? nullptr : list.release();
 }
 
 // Waits for the operation under way, if any; entries still in the list are left alone.

@@ -128,7 +128,7 @@ astring* PXMFreeBuf(void* buffer, u16 mode) {
   if (buffer == nullptr) return nullptr;
   SSAStr* record = static_cast<SSAStr*>(buffer);
   astring* content = nullptr;
-  if (mode == 1) {
+  if (mode == kGetContent) {
     content = record->text;
     *record = SSAStr{};
   }

@@ -3,6 +3,8 @@
 #ifndef QVX_XML_XML_BUFFER_H
 #define QVX_XML_XML_BUFFER_H
 
+#include <memory>
+
 #include "qvxcs/types.h"
 
 namespace qvx {
@@ -15,9 +17,22 @@ u32 PXMBufCatBeginNode(void* buffer, const astring* name, const astring* attribu
 u32 PXMBufCatEndNode(void* buffer, const astring* name);
 u32 PXMBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes);
 
-// Frees the buffer. With mode 1 its text is returned and the caller owns it; otherwise the result
-// is null.
+// Frees the buffer. With kGetContent its text is returned and the caller owns it; otherwise the
+// result is null.
+inline constexpr u16 kDiscardContent = 0;
+inline constexpr u16 kGetContent = 1;
 astring* PXMFreeBuf(void* buffer, u16 mode);
+
+// A buffer that frees itself.
+struct XmlBufferDeleter {
+  void operator()(void* buffer) const { (void)PXMFreeBuf(buffer, kDiscardContent); }
+};
+using XmlBuffer = std::unique_ptr<void, XmlBufferDeleter>;
+inline XmlBuffer AllocXmlBuffer(u32 initialSize) { return XmlBuffer(PXMAllocBuf(initialSize, 0)); }
+// Frees it and hands its text to the caller.
+inline astring* ReleaseContent(XmlBuffer buffer) {
+  return PXMFreeBuf(buffer.release(), kGetContent);
+}
 
 // `format` is the radix of the numbers of up to 32 bits (0, 10, 16) and the number of escaping
 // passes of the escaped texts (below 1: one pass); the other types ignore it.

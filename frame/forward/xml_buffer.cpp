@@ -7,9 +7,9 @@
 void* PXTXAllocBuf(u32 initialSize, booln stylesheet) {
   return qvx::PXMAllocBuf(initialSize, stylesheet);
 }
-astring* PXTXFreeBuf(void* buffer) { return qvx::PXMFreeBuf(buffer, 0); }
+astring* PXTXFreeBuf(void* buffer) { return qvx::PXMFreeBuf(buffer, qvx::kDiscardContent); }
 astring* PXTXFreeBufGetContent(void* buffer) {
-  return buffer == nullptr ? nullptr : qvx::PXMFreeBuf(buffer, 1);
+  return buffer == nullptr ? nullptr : qvx::PXMFreeBuf(buffer, qvx::kGetContent);
 }
 void PXTXFreeBufContent(astring* text) { qvx::PXMFreeBufContent(text); }
 u32 PXTXBufCatNode(void* buffer, const astring* name, const astring* attributes, s32 type,
