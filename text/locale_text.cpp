@@ -17,8 +17,8 @@ namespace {
 constexpr u32 kEnglishUnitedStates = 1033;
 constexpr size_t kFault = static_cast<size_t>(-1);
 
-// Each unit widened by itself, terminator included; empty without enough memory.
-HeapArray<wchar_t> Widened(const ustring* text) {
+// A wide character of each unit, terminator included; empty without enough memory.
+HeapArray<wchar_t> WideOfUnits(const ustring* text) {
   const u64 units = UnitCount(text) + 1;
   auto wide = AllocArray<wchar_t>(units);
   if (!wide) return wide;
@@ -58,7 +58,7 @@ u32 UnicodeToASCII(astring* out, u32* size, const ustring* text) {
     return SM_STATUS_SUCCESS;
   }
   if (size == nullptr) return kMinusOne;
-  const auto wide = Widened(text);
+  const auto wide = WideOfUnits(text);
   if (!wide) return kMinusOne;
   const wchar_t* from = wide.get();
   mbstate_t state{};

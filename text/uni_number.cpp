@@ -30,10 +30,10 @@ HeapArray<astring> Narrow(const ustring* text) {
   return narrow;
 }
 
-// Widens a number's text into the caller's room. `size` counts bytes both ways; what does not fit
-// is cut so that the terminator does. The converter stores its terminator after the units that it
-// is offered, so it is never offered the last one.
-s32 WidenInto(ustring* out, u32* size, const astring* text) {
+// Puts a number's text into the caller's room as 16-bit units. `size` counts bytes both ways; what
+// does not fit is cut so that the terminator does. The converter stores its terminator after the
+// units that it is offered, so it is never offered the last one.
+s32 PutUnits(ustring* out, u32* size, const astring* text) {
   u32 needed = 0;
   if (ASCIIToUnicode(nullptr, &needed, text) != SM_STATUS_SUCCESS || needed < 2) return -1;
   if (out == nullptr || *size < 2) {
@@ -88,7 +88,7 @@ s32 UniDoubleToStr(ustring* out, u32* size, d64 value, s32 precision) {
   if (!text) return -1;
   const int written = snprintf(text.get(), static_cast<size_t>(room), "%.*f", precision, value);
   if (written != length) return -1;
-  return WidenInto(out, size, text.get());
+  return PutUnits(out, size, text.get());
 }
 
 s32 UniUnSigned32ToStr(ustring* out, u32* size, u32 value, s32 base) {
@@ -97,7 +97,7 @@ s32 UniUnSigned32ToStr(ustring* out, u32* size, u32 value, s32 base) {
   // Held by UniNumber.TextsOf32BitNumbersKeepThreeCharacters.
   astring text[4] = "";
   ltostr(text, value, base);
-  return WidenInto(out, size, text);
+  return PutUnits(out, size, text);
 }
 
 s32 UniSigned32ToStr(ustring* out, u32* size, s32 value, s32 base) {

@@ -6,6 +6,9 @@
 #include "text/transcode.h"
 #include "text/xml_escape.h"
 
+// The names with "ASCII" and "Local" are UTF-8 converters too. The internal functions of these four
+// names (text/locale_text.h) use the locale's encoding; the library calls them for its own texts.
+
 u32 PXTUCS2StrToUTF8Str(astring* out, u32* size, const ustring* text) {
   return qvx::UCS2StrToUTF8Str(out, size, text);
 }
