@@ -12,9 +12,11 @@ namespace qvx {
 using LocalMutex = pthread_mutex_t*;
 
 LocalMutex CreateLocalMutex();
+void DestroyLocalMutex(LocalMutex mutex);
+
+// An internal service without a caller in the library, held by its tests.
 s32 WaitForLocalMutex(LocalMutex mutex, s32 timeout);
 s32 ReleaseLocalMutex(LocalMutex mutex);
-void DestroyLocalMutex(LocalMutex mutex);
 
 }  // namespace qvx
 

@@ -16,8 +16,8 @@ PXTKeyValue* CFGGetKeyValueEntries(const astring* name, u16 installFlag, u32* co
 
 // One pass over the file. Without an array, and a count of 0, it counts the entries and always
 // returns -1; with one it stores at most `*count` entries, reports how many there are, and fails
-// with nothing stored when the file holds more. An internal function without a caller in the
-// library, covered by its tests: CFGGetKeyValueEntries reads the file once.
+// with nothing stored when the file holds more. CFGGetKeyValueEntries reads the file once instead.
+// An internal service without a caller in the library, held by its tests.
 u32 PopulateKeyValueEntries(const astring* path, PXTKeyValue* entries, u32* count);
 
 }  // namespace qvx

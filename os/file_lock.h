@@ -11,6 +11,7 @@ namespace qvx {
 extern u32 hGFileLock;
 
 u32 CreateGlobalMutex(u32 name);
+// An internal service without a caller in the library, held by its tests.
 u32 OpenGlobalMutex(u32 name);
 s32 WaitForGlobalMutex(u32 handle, s32 timeout);
 s32 ReleaseGlobalMutex(u32 handle);

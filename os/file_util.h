@@ -26,8 +26,8 @@ u32 DelDir(const astring* path);
 // SM_STATUS_FILE_DELETE_FAILED: the target is missing, a directory or protected.
 // SM_STATUS_FILE_CREATE_FAILED: the source could not be moved. SM_STATUS_WRITE_FAILED: the source's
 // data could not be flushed to disk.
-// An internal function without a caller in the library, covered by its tests: writers finish a copy
-// through the descriptor that wrote it and call MoveInPlace.
+// Writers finish a copy through the descriptor that wrote it and call MoveInPlace.
+// An internal service without a caller in the library, held by its tests.
 u32 ReplaceFile(const astring* target, const astring* source);
 
 // Only the move, of a finished copy over a target that the caller has already opened.

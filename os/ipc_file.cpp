@@ -28,8 +28,6 @@ struct FileId {
 constinit std::atomic<int> ipcFile{kClosed};
 // The file that was opened under this number.
 FileId ipcFileId = {};
-// Its size at the last check.
-s64 ipcFileSize = 0;
 
 Descriptor OpenLockFile() {
   Descriptor file = OpenDescriptor(kIPCFilePath, O_RDWR | O_CREAT | O_NONBLOCK, 0664);
@@ -42,7 +40,6 @@ s32 OpenAnew() {
   struct stat status = {};
   if (!file || fstat(file.Number(), &status) != 0 || !S_ISREG(status.st_mode)) return -1;
   ipcFileId = {status.st_dev, status.st_ino};
-  ipcFileSize = status.st_size;
   ipcFile = file.Release();
   return 0;
 }
@@ -53,7 +50,6 @@ bool IsStillOurs() {
   struct stat status = {};
   if (ipcFile == kClosed || fstat(ipcFile, &status) != 0) return false;
   if (status.st_dev != ipcFileId.device || status.st_ino != ipcFileId.inode) return false;
-  ipcFileSize = status.st_size;
   return true;
 }
 
@@ -117,7 +113,5 @@ s32 UnlockIPCFileRecord() {
 }
 
 s32 IPCFileDescriptor() { return ipcFile; }
-
-s64 IPCFileSize() { return ipcFileSize; }
 
 }  // namespace qvx

@@ -16,9 +16,6 @@ s32 CloseIPCFile();
 s32 LockIPCFileRecord(u32 handle, s32 timeout);
 s32 UnlockIPCFileRecord();
 s32 IPCFileDescriptor();
-// The size seen by the check before the last request; it costs the holder of the lock no system
-// call.
-s64 IPCFileSize();
 
 }  // namespace qvx
 

@@ -5,6 +5,7 @@
 
 #include "qvxcs/types.h"
 
+// An internal service without a caller in the library, held by its tests.
 namespace qvx {
 
 s32 CreateSemaphore(s32 key, u32 initial);

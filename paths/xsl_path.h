@@ -13,10 +13,12 @@ astring* SUPTIntfGetXSLPathLocale(const astring* product, const astring* dir, co
 
 // root / "template" / locale / dir / file in at most 255 characters; with `mustExist` null when
 // there is no such file.
+// An internal service without a caller in the library, held by its tests.
 astring* SIGetXSLPath(const astring* root, const astring* dir, const astring* file,
                       const astring* locale, booln withTemplate, booln mustExist);
 
 // As above for a locale ll_CC, which is looked up as ll/CC, then as ll.
+// An internal service without a caller in the library, held by its tests.
 astring* SIGetXSLPathLocalePermutate(const astring* root, const astring* dir, const astring* file,
                                      const astring* locale, booln withTemplate, booln mustExist);
 

@@ -14,6 +14,7 @@ s32 AStrnicmp(const astring* first, const astring* second, u32 count);
 u32 ASCIIReplaceSubstr(const astring* text, const astring* find, const astring* replace, u32* size,
                        astring* out);
 
+// An internal service without a caller in the library, held by its tests.
 astring* strupr(astring* text);
 astring* strlwr(astring* text);
 u32 strToUpperCase(astring* text);

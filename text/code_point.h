@@ -27,6 +27,7 @@ u32 UTF16CharsToUCS4Char(u32* codePoint, const ustring* in);
 
 // As UCS4CharToUTF8Chars, but a character of the XML table becomes its entity and sets `*escaped`
 // (may be null). An entity is followed by a NUL that `*size` does not count: allow one byte more.
+// An internal service without a caller in the library, held by its tests.
 u32 UCS4CharToXMLUTF8Chars(astring* out, u32* size, booln* escaped, u32 codePoint);
 
 // A character that XML text cannot hold as it is, and its replacement.

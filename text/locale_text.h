@@ -22,6 +22,7 @@ u32 UnicodeToLocal(astring* out, u32* size, const ustring* text);
 // the terminator is written one unit past the room: offer one unit less than is allocated. A null
 // output or a size of 0 only measures.
 u32 ASCIIToUnicode(ustring* out, u32* size, const astring* text);
+// An internal service without a caller in the library, held by its tests.
 u32 LocalToUnicode(ustring* out, u32* size, const astring* text);
 
 }  // namespace qvx

@@ -25,7 +25,9 @@ void Signed64ToASCII(astring* out, s64 value);
 void DoubleToASCII(astring* out, d64 value);
 void BoolnToASCII(astring* out, booln value);
 
+// An internal service without a caller in the library, held by its tests.
 s32 hexToDecimalConvert(astring character);
+
 void ltostr(astring* out, u32 value, s32 base);
 void dec2bin(astring* out, u32 value);
 void strrev(astring* text);

@@ -20,6 +20,7 @@ astring* GetAStrParamValueByAStrName(s32 count, astring** entries, const astring
 ustring* GetUStrParamValueByUStrName(s32 count, ustring** entries, const ustring* name,
                                      booln ignoreCase);
 
+// An internal service without a caller in the library, held by its tests.
 u32 GetAStrParamNameLen(const astring* entry);
 u32 GetUStrParamNameLen(const ustring* entry);
 

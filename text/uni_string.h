@@ -29,7 +29,6 @@ void Uni_strncpy(ustring* destination, const ustring* source, u32 count);
 void Uni_strcat(ustring* destination, const ustring* source);
 void Uni_strncat(ustring* destination, const ustring* source, u32 count);
 s32 Uni_strcmp(const ustring* first, const ustring* second);
-s32 Uni_memcmp(const ustring* first, const ustring* second, u32 count);
 s32 Uni_strncasecmp(const ustring* first, const ustring* second, s32 count);
 ustring* Uni_strchr(const ustring* string, ustring unit);
 ustring* Uni_strstr(const ustring* string, const ustring* pattern);
@@ -40,6 +39,9 @@ ustring* Uni_strtok(ustring* string, const ustring* delimiters);
 ustring* Uni_strset(ustring* string, ustring unit);
 void Uni_strnset(ustring* string, ustring unit, u32 count);
 ustring* Uni_strrev(ustring* string);
+
+// An internal service without a caller in the library, held by its tests.
+s32 Uni_memcmp(const ustring* first, const ustring* second, u32 count);
 
 }  // namespace qvx
 

@@ -9,7 +9,8 @@ namespace ZarnSupport {
 
 // Splits a wide text at every separator character. Nothing is skipped: adjacent separators have an
 // empty token between them, a leading or trailing one has an empty token beside it, and the empty
-// text is one empty token. No caller in the library; held by its tests.
+// text is one empty token.
+// An internal service without a caller in the library, held by its tests.
 class ZarnTokenizer {
  public:
   ZarnTokenizer(const std::wstring& text, const std::wstring& separators);

@@ -153,15 +153,6 @@ TEST_F(IPCFile, AnUnlockOrACloseNeverTouchesTheHostsFile) {
   EXPECT_EQ(close(number_), 0);
 }
 
-TEST_F(IPCFile, ItsSizeIsThatAtTheLastRequest) {
-  EXPECT_EQ(qvx::LockIPCFileRecord(0, 0), 0);
-  EXPECT_EQ(qvx::IPCFileSize(), 0);
-  ASSERT_EQ(truncate(qvx::kIPCFilePath, 77), 0);
-  EXPECT_EQ(qvx::LockIPCFileRecord(0, 0), 0);
-  EXPECT_EQ(qvx::IPCFileSize(), 77);
-  ASSERT_EQ(truncate(qvx::kIPCFilePath, 0), 0);
-}
-
 TEST_F(IPCFile, AfterTheCloseNothingIsOpenedAnew) {
   EXPECT_EQ(qvx::CloseIPCFile(), 0);
   EXPECT_EQ(qvx::LockIPCFileRecord(0, -1), -1);
