@@ -17,6 +17,7 @@
 #include "base/heap.h"
 #include "base/results.h"
 #include "os/block_writer.h"
+#include "os/file_id.h"
 #include "os/stdio_file.h"
 
 namespace qvx {
@@ -65,8 +66,7 @@ u32 AppendInPlace(Descriptor file, off_t oldSize, std::string_view text) {
 // Whether a copy may take the place of the file: the path is no link, and the file's only name.
 bool IsOnlyName(const astring* path, const struct stat& file) {
   struct stat named = {};
-  return lstat(path, &named) == 0 && named.st_dev == file.st_dev && named.st_ino == file.st_ino &&
-         named.st_nlink == 1;
+  return lstat(path, &named) == 0 && FileIdOf(named) == FileIdOf(file) && named.st_nlink == 1;
 }
 
 bool IsTaken(const astring* path) {

@@ -21,7 +21,8 @@
 namespace qvx::ctl {
 namespace {
 
-struct FileId {
+// A file as the system lists its locks; os/file_id.h has one as stat shows it.
+struct LockedFile {
   unsigned major;
   unsigned minor;
   unsigned long long inode;
@@ -29,7 +30,7 @@ struct FileId {
 
 // The device of a mount as the system's lists name it: file systems with volumes or layers show
 // another one to stat. False where the list does not have the mount.
-bool FindMountDevice(unsigned long long mount, FileId* id) {
+bool FindMountDevice(unsigned long long mount, LockedFile* id) {
   std::ifstream list("/proc/self/mountinfo");
   for (std::string line; std::getline(list, line);) {
     unsigned long long number = 0;
@@ -44,12 +45,12 @@ bool FindMountDevice(unsigned long long mount, FileId* id) {
   return false;
 }
 
-FileId IdOf(const char* path) {
+LockedFile IdOf(const char* path) {
   struct statx status {};
   if (statx(AT_FDCWD, path, AT_STATX_SYNC_AS_STAT, STATX_INO | STATX_MNT_ID, &status) != 0) {
     throw SystemFailure(path, errno);
   }
-  FileId id{status.stx_dev_major, status.stx_dev_minor, status.stx_ino};
+  LockedFile id{status.stx_dev_major, status.stx_dev_minor, status.stx_ino};
   if ((status.stx_mask & STATX_MNT_ID) != 0) (void)FindMountDevice(status.stx_mnt_id, &id);
   return id;
 }
@@ -105,7 +106,7 @@ std::string StartOf(pid_t process) {
 }
 
 // "1: POSIX  ADVISORY  WRITE 123 08:01:456 0 EOF", with "->" before the kind of one that waits.
-bool ParseLock(const std::string& line, const FileId& wanted, LockHolder* holder) {
+bool ParseLock(const std::string& line, const LockedFile& wanted, LockHolder* holder) {
   std::istringstream words(line);
   std::string word;
   words >> word >> word;
@@ -115,7 +116,7 @@ bool ParseLock(const std::string& line, const FileId& wanted, LockHolder* holder
   std::string mode;
   std::string file;
   if (!(words >> advisory >> mode >> holder->process >> file) || word != "POSIX") return false;
-  FileId id{};
+  LockedFile id{};
   if (sscanf(file.c_str(), "%x:%x:%llu", &id.major, &id.minor, &id.inode) != 3) return false;
   holder->writes = mode == "WRITE";
   return id.major == wanted.major && id.minor == wanted.minor && id.inode == wanted.inode;
@@ -124,7 +125,7 @@ bool ParseLock(const std::string& line, const FileId& wanted, LockHolder* holder
 }  // namespace
 
 std::vector<LockHolder> FindLockHolders() {
-  const FileId wanted = IdOf(kIPCFilePath);
+  const LockedFile wanted = IdOf(kIPCFilePath);
   std::ifstream list("/proc/locks");
   if (!list) throw SystemFailure("/proc/locks", errno);
   std::vector<LockHolder> holders;

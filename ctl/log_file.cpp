@@ -29,8 +29,7 @@ LogFile::LogFile(Descriptor file, const std::string& path) : path_(path), file_(
   if (fstat(file_.Number(), &status) != 0) throw SystemFailure(path, errno);
   if (!S_ISREG(status.st_mode))
     throw SystemFailure(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-  device_ = status.st_dev;
-  inode_ = status.st_ino;
+  id_ = FileIdOf(status);
 }
 
 std::unique_ptr<LogFile> LogFile::OpenIfThere(const std::string& path) {
@@ -52,13 +51,11 @@ u64 LogFile::Size() const {
   return static_cast<u64>(status.st_size);
 }
 
-bool LogFile::IsSameFile(const LogFile& other) const {
-  return device_ == other.device_ && inode_ == other.inode_;
-}
+bool LogFile::IsSameFile(const LogFile& other) const { return id_ == other.id_; }
 
 bool LogFile::IsAt(const std::string& path) const {
   struct stat status {};
-  return stat(path.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
+  return stat(path.c_str(), &status) == 0 && FileIdOf(status) == id_;
 }
 
 std::string LogFile::Key() const {

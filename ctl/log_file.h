@@ -11,6 +11,7 @@
 
 #include "ctl/log_reader.h"
 #include "os/descriptor.h"
+#include "os/file_id.h"
 
 namespace qvx::ctl {
 
@@ -41,8 +42,7 @@ class LogFile : public LogReader::Source {
 
   std::string path_;
   Descriptor file_;
-  dev_t device_ = 0;
-  ino_t inode_ = 0;
+  FileId id_ = {};
 };
 
 std::string MarkOf(const std::string& text);

@@ -12,16 +12,12 @@
 #include "base/layout.h"
 #include "base/poll_wait.h"
 #include "os/descriptor.h"
+#include "os/file_id.h"
 
 namespace qvx {
 namespace {
 
 constexpr int kClosed = -1;
-
-struct FileId {
-  dev_t device;
-  ino_t inode;
-};
 
 // One descriptor in a process, opened once: closing any other descriptor of the file would drop
 // the record lock.
@@ -39,7 +35,7 @@ s32 OpenAnew() {
   Descriptor file = OpenLockFile();
   struct stat status = {};
   if (!file || fstat(file.Number(), &status) != 0 || !S_ISREG(status.st_mode)) return -1;
-  ipcFileId = {status.st_dev, status.st_ino};
+  ipcFileId = FileIdOf(status);
   ipcFile = file.Release();
   return 0;
 }
@@ -48,9 +44,7 @@ s32 OpenAnew() {
 // the system may have given it to another file, which is the host's and is left alone.
 bool IsStillOurs() {
   struct stat status = {};
-  if (ipcFile == kClosed || fstat(ipcFile, &status) != 0) return false;
-  if (status.st_dev != ipcFileId.device || status.st_ino != ipcFileId.inode) return false;
-  return true;
+  return ipcFile != kClosed && fstat(ipcFile, &status) == 0 && FileIdOf(status) == ipcFileId;
 }
 
 int SetRecord(int command, short type) {

@@ -37,8 +37,7 @@ KeptDescriptor::KeptDescriptor(Descriptor opened) {
   struct stat status = {};
   if (!opened || fstat(opened.Number(), &status) != 0 || !S_ISREG(status.st_mode)) return;
   descriptor_ = std::move(opened);
-  device_ = status.st_dev;
-  inode_ = status.st_ino;
+  id_ = FileIdOf(status);
   SetKept(Number(), true);
 }
 
@@ -50,14 +49,13 @@ KeptDescriptor::~KeptDescriptor() {
 
 KeptDescriptor& KeptDescriptor::operator=(KeptDescriptor&& other) noexcept {
   std::swap(descriptor_, other.descriptor_);
-  std::swap(device_, other.device_);
-  std::swap(inode_, other.inode_);
+  std::swap(id_, other.id_);
   return *this;
 }
 
 bool KeptDescriptor::IsOurs() const {
   struct stat status = {};
-  return fstat(Number(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
+  return fstat(Number(), &status) == 0 && FileIdOf(status) == id_;
 }
 
 bool IsKeptDescriptor(int number) {

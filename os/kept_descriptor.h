@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 #include "os/descriptor.h"
+#include "os/file_id.h"
 
 namespace qvx {
 
@@ -29,8 +30,7 @@ class KeptDescriptor {
 
  private:
   Descriptor descriptor_;
-  dev_t device_ = 0;
-  ino_t inode_ = 0;
+  FileId id_ = {};
 };
 
 // Whether the library keeps this descriptor: code that closes the process's descriptors by number

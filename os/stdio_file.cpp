@@ -13,6 +13,8 @@
 #include <cstring>
 #include <utility>
 
+#include "os/file_id.h"
+
 namespace qvx {
 namespace {
 
@@ -68,15 +70,11 @@ FilePtr StreamOver(Descriptor file, const astring* mode) {
   return stream;
 }
 
-bool IsSameFile(const struct stat& one, const struct stat& other) {
-  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
 // False when the name belongs to `replaced` itself, whatever other names it has.
 bool ClearName(const astring* path, const struct stat* replaced) {
   struct stat old = {};
   if (lstat(path, &old) != 0) return true;
-  if (replaced != nullptr && IsSameFile(old, *replaced)) return false;
+  if (replaced != nullptr && FileIdOf(old) == FileIdOf(*replaced)) return false;
   (void)unlink(path);
   return true;
 }

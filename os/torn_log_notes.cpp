@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "os/torn_log_notes.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>

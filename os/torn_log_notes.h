@@ -3,23 +3,11 @@
 #ifndef QVX_OS_TORN_LOG_NOTES_H
 #define QVX_OS_TORN_LOG_NOTES_H
 
-#include <sys/stat.h>
-
 #include "qvxcs/types.h"
 
+#include "os/file_id.h"
+
 namespace qvx {
-
-// Identifies a file, whatever its names.
-struct FileId {
-  u64 device;
-  u64 inode;
-};
-
-inline bool operator==(const FileId& one, const FileId& other) {
-  return one.device == other.device && one.inode == other.inode;
-}
-
-inline FileId FileIdOf(const struct stat& status) { return {status.st_dev, status.st_ino}; }
 
 // What a log looked like before a write that a kill could cut: the write begins at `offset`, where
 // the closing tag is, and ends at `end`. `sum` is SumOf the bytes that it writes before the first

@@ -8,7 +8,7 @@
 #include "qvxcs/types.h"
 
 #include "os/descriptor.h"
-#include "os/torn_log_notes.h"
+#include "os/file_id.h"
 
 namespace qvx {
 

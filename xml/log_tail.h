@@ -5,6 +5,7 @@
 
 #include "qvxcs/types.h"
 
+#include "os/torn_log_notes.h"
 #include "xml/log_entry.h"
 #include "xml/log_file.h"
 
