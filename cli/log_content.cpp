@@ -16,6 +16,7 @@
 #include "base/results.h"
 #include "cli/param_node.h"
 #include "os/descriptor.h"
+#include "os/uninterrupted.h"
 #include "xml/xml_buffer.h"
 
 namespace qvx {
@@ -48,8 +49,8 @@ Descriptor OpenLogToShow(const astring* path) {
 s64 ReadText(const Descriptor& file, astring* text, u32 size, bool* hasNul) {
   u32 used = 0;
   while (used < size) {
-    const ssize_t got = read(file.Number(), text + used, std::min(size - used, kReadBlock));
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got = Uninterrupted(
+        [&] { return read(file.Number(), text + used, std::min(size - used, kReadBlock)); });
     if (got < 0) return -1;
     if (got == 0) break;
     *hasNul = *hasNul || memchr(text + used, '\0', static_cast<size_t>(got)) != nullptr;

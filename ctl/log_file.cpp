@@ -11,6 +11,7 @@
 #include <cstdio>
 
 #include "ctl/output.h"
+#include "os/uninterrupted.h"
 
 namespace qvx::ctl {
 namespace {
@@ -40,7 +41,7 @@ std::unique_ptr<LogFile> LogFile::OpenIfThere(const std::string& path) {
 
 size_t LogFile::Read(u64 offset, char* room, size_t size) {
   const ssize_t got =
-      TEMP_FAILURE_RETRY(pread(file_.Number(), room, size, static_cast<off_t>(offset)));
+      Uninterrupted([&] { return pread(file_.Number(), room, size, static_cast<off_t>(offset)); });
   if (got < 0) throw SystemFailure(path_, errno);
   return static_cast<size_t>(got);
 }

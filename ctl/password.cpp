@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "ctl/output.h"
+#include "os/uninterrupted.h"
 
 namespace qvx::ctl {
 namespace {
@@ -57,7 +58,7 @@ Password::Password(const std::string& prompt) {
   size_t length = 0;
   for (;; ++length) {
     char byte = 0;
-    const ssize_t got = TEMP_FAILURE_RETRY(read(STDIN_FILENO, &byte, 1));
+    const ssize_t got = Uninterrupted([&byte] { return read(STDIN_FILENO, &byte, 1); });
     if (got < 0) throw SystemFailure("password", errno);
     if (got == 0 && length == 0) throw Failure(kUnknown, "password: none was given");
     if (got == 0 || byte == '\n') break;

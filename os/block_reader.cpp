@@ -4,8 +4,9 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstring>
+
+#include "os/uninterrupted.h"
 
 namespace qvx {
 
@@ -14,10 +15,8 @@ bool BlockReader::ReadOn() {
   end_ -= begin_;
   memmove(block_.get(), block_.get() + begin_, end_);
   begin_ = 0;
-  ssize_t count = 0;
-  do {
-    count = read(file_, block_.get() + end_, kBlock - end_);
-  } while (count < 0 && errno == EINTR);
+  const ssize_t count =
+      Uninterrupted([this] { return read(file_, block_.get() + end_, kBlock - end_); });
   if (count > 0) {
     end_ += static_cast<size_t>(count);
     return true;

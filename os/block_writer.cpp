@@ -4,15 +4,15 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstring>
+
+#include "os/uninterrupted.h"
 
 namespace qvx {
 
 bool WriteAll(int file, std::string_view text) {
   while (!text.empty()) {
-    const ssize_t count = write(file, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
+    const ssize_t count = Uninterrupted([&] { return write(file, text.data(), text.size()); });
     if (count <= 0) return false;
     text.remove_prefix(static_cast<size_t>(count));
   }

@@ -13,6 +13,7 @@
 #include "base/poll_wait.h"
 #include "os/descriptor.h"
 #include "os/file_id.h"
+#include "os/uninterrupted.h"
 
 namespace qvx {
 namespace {
@@ -65,8 +66,7 @@ int RequestRecord(int command, short type) {
 // A file opened read-only refuses the exclusive lock with EBADF: the shared one is taken instead.
 s32 WaitForRecord() {
   short type = F_WRLCK;
-  while (RequestRecord(F_SETLKW, type) != 0) {
-    if (errno == EINTR) continue;
+  while (Uninterrupted([type] { return RequestRecord(F_SETLKW, type); }) != 0) {
     if (errno != EBADF || type == F_RDLCK) return -1;
     type = F_RDLCK;
   }
@@ -100,10 +100,7 @@ s32 LockIPCFileRecord([[maybe_unused]] u32 handle, s32 timeout) {
 s32 UnlockIPCFileRecord() {
   // Closing the descriptor has already ended the hold.
   if (ipcFile != kClosed && !IsStillOurs()) return 0;
-  while (SetRecord(F_SETLKW, F_UNLCK) != 0) {
-    if (errno != EINTR) return -1;
-  }
-  return 0;
+  return Uninterrupted([] { return SetRecord(F_SETLKW, F_UNLCK); }) == 0 ? 0 : -1;
 }
 
 s32 IPCFileDescriptor() { return ipcFile; }

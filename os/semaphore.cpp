@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "base/poll_wait.h"
+#include "os/uninterrupted.h"
 
 namespace qvx {
 namespace {
@@ -44,11 +45,7 @@ int Operate(s32 handle, short amount, short flags) {
 }
 
 s32 OperateUninterrupted(s32 handle, short amount, short flags) {
-  int result = 0;
-  do {
-    result = Operate(handle, amount, flags);
-  } while (result != 0 && errno == EINTR);
-  return result == 0 ? 0 : kFailed;
+  return Uninterrupted([=] { return Operate(handle, amount, flags); }) == 0 ? 0 : kFailed;
 }
 
 // Callers treat identifier 0 as a failure, so the set is made again while a placeholder keeps the

@@ -6,11 +6,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 #include <cstring>
 
 #include "os/ipc_file.h"
+#include "os/uninterrupted.h"
 
 namespace qvx {
 namespace {
@@ -43,10 +43,8 @@ bool MayHaveTornLogNotes() {
 
 TornLogNotes::TornLogNotes() {
   NoteFile file;
-  ssize_t got = 0;
-  do {
-    got = pread(IPCFileDescriptor(), &file, sizeof(file), 0);
-  } while (got < 0 && errno == EINTR);
+  const ssize_t got =
+      Uninterrupted([&file] { return pread(IPCFileDescriptor(), &file, sizeof(file), 0); });
   if (got <= 0) return;
   stored_ = static_cast<u64>(got);
   if (got == sizeof(file)) ++stored_;  // there may be more
@@ -94,10 +92,8 @@ bool TornLogNotes::Store() {
     NoteFile file;
     memcpy(file.magic, kMagic, sizeof(kMagic));
     memcpy(file.notes, notes_, count_ * sizeof(TornLogNote));
-    ssize_t put = 0;
-    do {
-      put = pwrite(lockFile, &file, static_cast<size_t>(length), 0);
-    } while (put < 0 && errno == EINTR);
+    const ssize_t put =
+        Uninterrupted([&] { return pwrite(lockFile, &file, static_cast<size_t>(length), 0); });
     if (put != static_cast<ssize_t>(length)) {
       stored_ = std::max(stored_, length);  // what was written is cut off again
       return false;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "os/file_util.h"
+#include "os/uninterrupted.h"
 
 namespace qvx {
 namespace {
@@ -42,15 +43,6 @@ LogFile LogOver(Descriptor descriptor) {
   }
   if (PermissionsOf(status) != kFileMode) (void)fchmod(descriptor.Number(), kFileMode);
   return {std::move(descriptor), FileIdOf(status), status.st_size};
-}
-
-template <typename Call>
-ssize_t Uninterrupted(Call call) {
-  ssize_t result = 0;
-  do {
-    result = call();
-  } while (result < 0 && errno == EINTR);
-  return result;
 }
 
 }  // namespace
