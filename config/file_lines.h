@@ -5,13 +5,17 @@
 
 #include <string_view>
 
+#include "qvxcs/types.h"
+
 #include "os/block_reader.h"
 
 // The lines of INI files and of key=value files.
 namespace qvx {
 
 // One read returns at most this many characters; a longer line is seen as several lines.
-inline constexpr size_t kLineLength = 8449;
+inline constexpr u32 kLineLength = 8449;
+// Room for what is made of a line.
+inline constexpr u32 kLineRoom = kLineLength + 2;
 
 enum class LineRead { kLine, kEnd, kError };
 

@@ -5,6 +5,7 @@
 
 #include <string_view>
 
+#include "qvxcs/ini_file.h"
 #include "qvxcs/types.h"
 
 // The line rules that the INI reader and the INI writer share. They see a line up to its first NUL
@@ -14,8 +15,9 @@ namespace qvx {
 // Section names are cut at 255 characters.
 inline constexpr u32 kNameRoom = 256;
 
-// The type codes; those from kFirstFixed on have a fixed size: booln, u32, s32, u64, s64, d64.
-enum IniType : s32 { kAstring = 1, kUstring = 2, kBinary = 3, kFirstFixed = 4, kLastFixed = 9 };
+// The types of fixed size.
+inline constexpr s32 kFirstFixed = QVX_INI_BOOLN;
+inline constexpr s32 kLastFixed = QVX_INI_D64;
 
 // The name of a header line, cut to fit 256 bytes; -1 with an empty name for a line that is no
 // header, or SM_STATUS_BAD_SECTION_HEADER for a "[" without its "]".

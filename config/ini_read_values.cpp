@@ -11,6 +11,7 @@
 #include "base/layout.h"
 #include "base/results.h"
 #include "base/unaligned.h"
+#include "config/file_lines.h"
 #include "config/ini_lines.h"
 #include "config/ini_reader.h"
 #include "paths/install_path.h"
@@ -22,18 +23,19 @@ namespace qvx {
 namespace {
 
 constexpr u32 kTextRoom = 8193;
-// The longest line, and its NUL.
-constexpr u32 kBytesTextRoom = 8451;
 
 bool IsComplete(const IniRead& read) {
   return read.section != nullptr && read.key != nullptr && read.value != nullptr &&
          read.size != nullptr && read.path != nullptr && *read.size != 0;
 }
 
-u32 ReadText(const IniRead& read, astring* text, u32 room) {
+// The value's text in the place of the value, without a default.
+u32 ReadText(IniRead read, astring* text, u32 room) {
   if (text == nullptr) return kMinusOne;
-  return ReadINIFileValue_astring(
-      {read.section, read.key, text, &room, nullptr, 0, read.path, read.lockFlag});
+  read.value = text;
+  read.size = &room;
+  read.defaultValue = nullptr;
+  return ReadINIFileValue_astring(read);
 }
 
 // The conversions of the types of fixed size. Values of callers may be unaligned.
@@ -148,9 +150,9 @@ u32 DeliverBytes(const IniRead& read, const astring* bytes, u32 count) {
 
 u32 ReadBinary(const IniRead& read) {
   if (!IsComplete(read)) return SM_STATUS_BAD_ARGUMENT;
-  const HeapArray<astring> text = AllocArray<astring>(kBytesTextRoom);
+  const HeapArray<astring> text = AllocArray<astring>(kLineRoom);
   u32 count = 0;
-  u32 status = ReadText(read, text.get(), kBytesTextRoom);
+  u32 status = ReadText(read, text.get(), kLineRoom);
   if (status == SM_STATUS_SUCCESS) {
     status = ParseBytes(text.get(), &count);
   }
@@ -171,25 +173,28 @@ u32 ReadUstring(const IniRead& read) {
   return ReadBinary(read);
 }
 
+u32 ReadValue(const IniRead& read, s32 type) {
+  if (type >= kFirstFixed && type <= kLastFixed) {
+    return ReadFixed(read, kFixedTypes[type - kFirstFixed]);
+  }
+  switch (type) {
+    case QVX_INI_ASTRING:
+      return ReadINIFileValue_astring(read);
+    case QVX_INI_USTRING:
+      return ReadUstring(read);
+    case QVX_INI_BINARY:
+      return ReadBinary(read);
+    default:
+      return SM_STATUS_BAD_ARGUMENT;
+  }
+}
+
 }  // namespace
 
 u32 ReadINIPathFileValue(const astring* section, const astring* key, s32 type, void* value,
                          u32* size, const void* defaultValue, u32 defaultSize, const astring* path,
                          booln lockFlag) {
-  const IniRead read = {section, key, value, size, defaultValue, defaultSize, path, lockFlag};
-  if (type >= kFirstFixed && type <= kLastFixed) {
-    return ReadFixed(read, kFixedTypes[type - kFirstFixed]);
-  }
-  switch (type) {
-    case kAstring:
-      return ReadINIFileValue_astring(read);
-    case kUstring:
-      return ReadUstring(read);
-    case kBinary:
-      return ReadBinary(read);
-    default:
-      return SM_STATUS_BAD_ARGUMENT;
-  }
+  return ReadValue({section, key, value, size, defaultValue, defaultSize, path, lockFlag}, type);
 }
 
 u32 ProductIniFilePath(const astring* fileName, astring (&path)[kIniPathRoom]) {
@@ -208,8 +213,7 @@ u32 SUPTIntfReadINIFileValue(const astring* section, const astring* key, s32 typ
                              const astring* fileName, booln lockFlag) {
   astring path[kIniPathRoom];
   if (const u32 status = ProductIniFilePath(fileName, path)) return status;
-  return ReadINIPathFileValue(section, key, type, value, size, defaultValue, defaultSize, path,
-                              lockFlag);
+  return ReadValue({section, key, value, size, defaultValue, defaultSize, path, lockFlag}, type);
 }
 
 }  // namespace qvx

@@ -25,23 +25,10 @@ constexpr u32 kByteText = 5;
 // The greatest double has 309 digits before the point.
 constexpr u32 kNumberRoom = 352;
 
-// A write as the caller requested it.
-struct Write {
-  const astring* section;
-  const astring* key;
-  const void* value;
-  s32 size;
-  const astring* path;
-  booln lockFlag;
-};
-
-u32 WriteText(const Write& write, const astring* text, s32 size) {
-  return WriteINIFileValue_astring(
-      {write.section, write.key, text, size, write.path, write.lockFlag});
-}
-
-u32 WriteAstring(const Write& write) {
-  return WriteText(write, static_cast<const astring*>(write.value), write.size);
+u32 WriteText(IniWrite write, const astring* text, s32 size) {
+  write.value = text;
+  write.size = size;
+  return WriteINIFileValue_astring(write);
 }
 
 // The texts of the types of fixed size. Values of callers may be unaligned.
@@ -78,7 +65,7 @@ constexpr FixedType kFixedTypes[] = {
 };
 static_assert(sizeof(kFixedTypes) / sizeof(kFixedTypes[0]) == kLastFixed - kFirstFixed + 1);
 
-u32 WriteFixed(const Write& write, const FixedType& type) {
+u32 WriteFixed(const IniWrite& write, const FixedType& type) {
   if (write.value == nullptr) return SM_STATUS_BAD_ARGUMENT;
   if (write.size < type.bytes) return SM_STATUS_DATA_TOO_LARGE;
   NumberText text;
@@ -95,7 +82,7 @@ void FormatBytes(const u8* bytes, u32 count, astring* text) {
 }
 
 // A block whose list is longer than a value may be is refused by the text writer, never cut.
-u32 WriteBytes(const Write& write) {
+u32 WriteBytes(const IniWrite& write) {
   const u32 count = static_cast<u32>(write.size);
   const HeapArray<astring> text = AllocArray<astring>(u64{count} * kByteText + 1);
   if (!text) return kMinusOne;
@@ -104,17 +91,17 @@ u32 WriteBytes(const Write& write) {
 }
 
 // The size is checked before the names, as that of a value is.
-u32 DeleteKey(const Write& write) {
+u32 DeleteKey(const IniWrite& write) {
   return write.size == 0 ? WriteText(write, nullptr, 0) : SM_STATUS_DATA_TOO_LARGE;
 }
 
-u32 WriteBinary(const Write& write) {
+u32 WriteBinary(const IniWrite& write) {
   if (write.value == nullptr) return DeleteKey(write);
   if (write.size < 1 || write.size > kMostBytes) return SM_STATUS_DATA_TOO_LARGE;
   return WriteBytes(write);
 }
 
-u32 WriteUstring(const Write& write) {
+u32 WriteUstring(const IniWrite& write) {
   if (write.value == nullptr) return DeleteKey(write);
   if (write.size < 1 || write.size > kMostBytes ||
       !IsUstringOfSize(write.value, static_cast<u32>(write.size))) {
@@ -123,24 +110,27 @@ u32 WriteUstring(const Write& write) {
   return WriteBytes(write);
 }
 
-}  // namespace
-
-u32 WriteINIPathFileValue(const astring* section, const astring* key, s32 type, const void* value,
-                          s32 size, const astring* path, booln lockFlag) {
-  const Write write = {section, key, value, size, path, lockFlag};
+u32 WriteValue(const IniWrite& write, s32 type) {
   if (type >= kFirstFixed && type <= kLastFixed) {
     return WriteFixed(write, kFixedTypes[type - kFirstFixed]);
   }
   switch (type) {
-    case kAstring:
-      return WriteAstring(write);
-    case kUstring:
+    case QVX_INI_ASTRING:
+      return WriteINIFileValue_astring(write);
+    case QVX_INI_USTRING:
       return WriteUstring(write);
-    case kBinary:
+    case QVX_INI_BINARY:
       return WriteBinary(write);
     default:
       return SM_STATUS_BAD_ARGUMENT;
   }
+}
+
+}  // namespace
+
+u32 WriteINIPathFileValue(const astring* section, const astring* key, s32 type, const void* value,
+                          s32 size, const astring* path, booln lockFlag) {
+  return WriteValue({section, key, value, size, path, lockFlag}, type);
 }
 
 u32 SUPTIntfWriteINIFileValue(const astring* section, const astring* key, s32 type,
@@ -148,7 +138,7 @@ u32 SUPTIntfWriteINIFileValue(const astring* section, const astring* key, s32 ty
                               booln lockFlag) {
   astring path[kIniPathRoom];
   if (const u32 status = ProductIniFilePath(fileName, path)) return status;
-  return WriteINIPathFileValue(section, key, type, value, size, path, lockFlag);
+  return WriteValue({section, key, value, size, path, lockFlag}, type);
 }
 
 }  // namespace qvx

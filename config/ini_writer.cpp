@@ -123,7 +123,8 @@ u32 WriteINIFileValue_astring(const IniWrite& write) {
   if (!IsName(write.section) || !IsName(write.key) || write.path == nullptr) {
     return SM_STATUS_BAD_ARGUMENT;
   }
-  if (!SizeMatches(write.value, write.size)) return SM_STATUS_DATA_TOO_LARGE;
+  const auto* const value = static_cast<const astring*>(write.value);
+  if (!SizeMatches(value, write.size)) return SM_STATUS_DATA_TOO_LARGE;
   // Deliberate: the copy of a file in "/" is in the working directory, as for a file without a
   // directory; the key=value writer makes it in "/". Held by
   // IniWriter.AFileInTheRootDirectoryHasItsCopyInTheWorkingDirectory.
@@ -136,7 +137,7 @@ u32 WriteINIFileValue_astring(const IniWrite& write) {
   if (!tmpPath) return kMinusOne;
   const FileLockGuard lock(write.lockFlag);
   if (!lock) return SM_STATUS_LOCK_FAILED;
-  return UpdateValue(write.section, write.key, write.value, write.path, tmpPath.get());
+  return UpdateValue(write.section, write.key, value, write.path, tmpPath.get());
 }
 
 }  // namespace qvx

@@ -18,17 +18,17 @@ u32 FindKeyUpdateValue(const astring* key, const astring* value, BlockReader* in
 u32 UpdateValue(const astring* section, const astring* key, const astring* value,
                 const astring* path, const astring* tmpPath);
 
-// A write of text as the caller requested it.
+// A write as the caller requested it.
 struct IniWrite {
   const astring* section;
   const astring* key;
-  const astring* value;
+  const void* value;
   s32 size;
   const astring* path;
   booln lockFlag;
 };
 
-// Sets or deletes one key; every typed writer ends here.
+// Sets or deletes one key, whose value is a text; every typed writer ends here.
 u32 WriteINIFileValue_astring(const IniWrite& write);
 
 }  // namespace qvx

@@ -12,8 +12,7 @@ namespace qvx {
 
 // The rules that the reader and the writer of key=value files share.
 
-// A line's buffer, and the room for a file's path.
-inline constexpr size_t kKeyValueLineRoom = 8451;
+// The room for a file's path.
 inline constexpr size_t kKeyValuePathRoom = 257;
 
 // Removes from a line that has a "=" the blanks around the key and the "=", those inside the key,
@@ -23,7 +22,7 @@ void CFGEntryRemoveWhiteSpaceAndDQuotes(astring* line);
 // Cleans the line and ends its key at the "="; the value, or null when the line is no entry.
 astring* SplitKeyValueLine(astring* line);
 
-// The same for a line of a file, cleaned in a buffer of kKeyValueLineRoom, which then begins with
+// The same for a line of a file, cleaned in a buffer of kLineRoom, which then begins with
 // the key.
 const astring* SplitKeyValueLine(std::string_view line, astring* cleaned);
 

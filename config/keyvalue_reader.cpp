@@ -49,7 +49,7 @@ u32 TakeEntries(const astring* path, Take take) {
   if (!opened) return kMinusOne;
   BlockReader file(opened.Number());
   if (!file) return SM_STATUS_NO_MEMORY;
-  astring key[kKeyValueLineRoom];
+  astring key[kLineRoom];
   std::string_view line;
   LineRead read = NextLine(&file, &line);
   for (; read == LineRead::kLine; read = NextLine(&file, &line)) {

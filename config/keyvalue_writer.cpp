@@ -37,7 +37,7 @@ bool WritePair(BlockWriter* out, const PXTKeyValue* pair) {
 
 // Whether the line is an entry of the key.
 bool IsEntryOf(const astring* key, std::string_view line) {
-  astring cleaned[kKeyValueLineRoom];
+  astring cleaned[kLineRoom];
   return SplitKeyValueLine(line, cleaned) != nullptr && strcmp(cleaned, key) == 0;
 }
 
@@ -74,7 +74,7 @@ u32 SetKeyValueEntry(const astring* path, const PXTKeyValue* pair, u32 index) {
     return SM_STATUS_INVALID_PARAMETER;
   }
   // "=", the line end and the NUL.
-  if (u64{strlen(pair->key)} + strlen(pair->value) + 3 > kKeyValueLineRoom) {
+  if (u64{strlen(pair->key)} + strlen(pair->value) + 3 > kLineRoom) {
     return SM_STATUS_DATA_TOO_LARGE;
   }
   const HeapArray<astring> directory = DirectoryOf(path);

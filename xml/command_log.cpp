@@ -73,7 +73,7 @@ void ReadConfiguredMaxSize(u32* size) {
   const Descriptor opened = OpenRegular(path, O_RDONLY, &seen);
   BlockReader file(opened.Number());
   if (!opened || !file) return;
-  astring key[kKeyValueLineRoom];
+  astring key[kLineRoom];
   std::string_view line;
   while (NextLine(&file, &line) == LineRead::kLine) {
     const astring* const value = SplitKeyValueLine(line, key);

@@ -90,7 +90,7 @@ TEST_F(IniReadValues, TextsAreDeliveredAsTheyAre) {
   GivenText("abc");
   astring value[4];
   u32 size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kAstring, value, &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_ASTRING, value, &size, nullptr, 0, kPath, 0),
             SM_STATUS_SUCCESS);
   EXPECT_STREQ(value, "abc");
   EXPECT_EQ(size, 4u);
@@ -181,20 +181,21 @@ TEST_F(IniReadValues, AnotherWordGivesTheBoolnsDefault) {
 }
 
 TEST_F(IniReadValues, BytesAreHexadecimalNumbersBetweenCommas) {
-  EXPECT_BYTES(BytesOf(kBinary, "0x01,0xAB", 2), SM_STATUS_SUCCESS, 2, "\x01\xAB");
-  EXPECT_BYTES(BytesOf(kBinary, "1,aB, 0Xff,\t7", 9), SM_STATUS_SUCCESS, 4, "\x01\xAB\xFF\x07");
-  EXPECT_BYTES(BytesOf(kBinary, "0x41 rest,0x42rest,43", 9), SM_STATUS_SUCCESS, 3, "ABC");
-  EXPECT_BYTES(BytesOf(kBinary, "+41,-0,0000000042", 9), SM_STATUS_SUCCESS, 3,
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "0x01,0xAB", 2), SM_STATUS_SUCCESS, 2, "\x01\xAB");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "1,aB, 0Xff,\t7", 9), SM_STATUS_SUCCESS, 4,
+               "\x01\xAB\xFF\x07");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "0x41 rest,0x42rest,43", 9), SM_STATUS_SUCCESS, 3, "ABC");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "+41,-0,0000000042", 9), SM_STATUS_SUCCESS, 3,
                std::string("A\0B", 3));
-  EXPECT_BYTES(BytesOf(kBinary, "0x41\r", 9), SM_STATUS_SUCCESS, 1, "A");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "0x41\r", 9), SM_STATUS_SUCCESS, 1, "A");
 }
 
 TEST_F(IniReadValues, BytesEndQuietlyAtAPieceThatIsNoNumber) {
-  EXPECT_BYTES(BytesOf(kBinary, "0x01,zz,0x02", 9), SM_STATUS_SUCCESS, 1, "\x01");
-  EXPECT_BYTES(BytesOf(kBinary, "0x01,,0x02", 9), SM_STATUS_SUCCESS, 1, "\x01");
-  EXPECT_BYTES(BytesOf(kBinary, "0x01,", 9), SM_STATUS_SUCCESS, 1, "\x01");
-  EXPECT_BYTES(BytesOf(kBinary, "", 9), SM_STATUS_SUCCESS, 0, "");
-  EXPECT_BYTES(BytesOf(kBinary, " ,0x01", 9), SM_STATUS_SUCCESS, 0, "");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "0x01,zz,0x02", 9), SM_STATUS_SUCCESS, 1, "\x01");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "0x01,,0x02", 9), SM_STATUS_SUCCESS, 1, "\x01");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "0x01,", 9), SM_STATUS_SUCCESS, 1, "\x01");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "", 9), SM_STATUS_SUCCESS, 0, "");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, " ,0x01", 9), SM_STATUS_SUCCESS, 0, "");
 }
 
 TEST_F(IniReadValues, BytesAbove255AreTooLarge) {
@@ -202,13 +203,15 @@ TEST_F(IniReadValues, BytesAbove255AreTooLarge) {
     GivenText(text);
     GuardBuffer<u8> value(4);
     u32 size = 4;
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value.data(), &size, nullptr, 0, kPath, 0),
-              SM_STATUS_DATA_TOO_LARGE)
+    EXPECT_EQ(
+        ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, nullptr, 0, kPath, 0),
+        SM_STATUS_DATA_TOO_LARGE)
         << text;
     EXPECT_EQ(size, 0u) << text;
     size = 4;
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value.data(), &size, "dd", 2, kPath, 0),
-              SM_STATUS_DATA_TOO_LARGE)
+    EXPECT_EQ(
+        ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, "dd", 2, kPath, 0),
+        SM_STATUS_DATA_TOO_LARGE)
         << text;
     EXPECT_EQ(size, 2u) << text;
     EXPECT_EQ(memcmp(value.data(), "dd", 2), 0) << text;
@@ -221,8 +224,8 @@ TEST_F(IniReadValues, BytesBeforeOneTooLargeAreStored) {
     GuardBuffer<u8> value(room);
     u32 size = room;
     const u32 standInSize = static_cast<u32>(strlen(standIn));
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value.data(), &size, standIn, standInSize,
-                                   kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, standIn,
+                                   standInSize, kPath, 0),
               SM_STATUS_DATA_TOO_LARGE);
     EXPECT_EQ(size, standInSize);
     EXPECT_TRUE(value.UntouchedFrom(room < 3 ? room : 3));
@@ -238,19 +241,19 @@ TEST_F(IniReadValues, ADefaultInTheRoomOutlastsBytesBeforeOneTooLarge) {
   GivenText("41,42,43,100");
   astring value[] = "de..";
   u32 size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value, &size, value, 2, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value, &size, value, 2, kPath, 0),
             SM_STATUS_DATA_TOO_LARGE);
   EXPECT_EQ(size, 2u);
   EXPECT_STREQ(value, "deC.");
 }
 
 TEST_F(IniReadValues, BytesThatDoNotFitAreCounted) {
-  EXPECT_BYTES(BytesOf(kBinary, "41,42,43", 2), SM_STATUS_BUFFER_TOO_SMALL, 3, "AB");
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, "41,42,43", 2), SM_STATUS_BUFFER_TOO_SMALL, 3, "AB");
   // A fault past the end of the room is also found.
   GivenText("41,42,43,100");
   u8 value[2];
   u32 size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value, &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value, &size, nullptr, 0, kPath, 0),
             SM_STATUS_DATA_TOO_LARGE);
   EXPECT_EQ(size, 0u);
 }
@@ -259,7 +262,7 @@ TEST_F(IniReadValues, BytesThatDoNotFitGetNoDefault) {
   GivenText("41,42,43");
   GuardBuffer<u8> value(2);
   u32 size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, value.data(), &size, "dd", 2, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, "dd", 2, kPath, 0),
             SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 3u);
   EXPECT_EQ(memcmp(value.data(), "AB", 2), 0);
@@ -269,17 +272,17 @@ TEST_F(IniReadValues, DefaultBytesAreCutToTheRoom) {
   GivenText("41");
   GuardBuffer<u8> value(2);
   u32 size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", kBinary, value.data(), &size, "def", 3, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "def", 3, kPath, 0),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 2u);
   EXPECT_EQ(memcmp(value.data(), "de", 2), 0);
   size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", kBinary, value.data(), &size, "x", 1, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "x", 1, kPath, 0),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 1u);
   EXPECT_EQ(value[0], 'x');
   size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", kBinary, value.data(), &size, "x", 0, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "x", 0, kPath, 0),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 0u);
 }
@@ -292,13 +295,13 @@ TEST_F(IniReadValues, LongestLineOfBytesIsRead) {
   }
   text += "0";
   const std::string expected = std::string(2815, '\x01') + std::string(1, '\0');
-  EXPECT_BYTES(BytesOf(kBinary, text, 2816), SM_STATUS_SUCCESS, 2816, expected);
+  EXPECT_BYTES(BytesOf(QVX_INI_BINARY, text, 2816), SM_STATUS_SUCCESS, 2816, expected);
 }
 
 TEST_F(IniReadValues, UstringsAreTheirBytes) {
   const std::string bytes("A\0\0\0", 4);
-  EXPECT_BYTES(BytesOf(kUstring, "0x41,0x00,0x00,0x00", 4), SM_STATUS_SUCCESS, 4, bytes);
-  EXPECT_BYTES(BytesOf(kUstring, "0x41,0x00,0x00,0x00", 3), SM_STATUS_BUFFER_TOO_SMALL, 4,
+  EXPECT_BYTES(BytesOf(QVX_INI_USTRING, "0x41,0x00,0x00,0x00", 4), SM_STATUS_SUCCESS, 4, bytes);
+  EXPECT_BYTES(BytesOf(QVX_INI_USTRING, "0x41,0x00,0x00,0x00", 3), SM_STATUS_BUFFER_TOO_SMALL, 4,
                bytes.substr(0, 3));
 }
 
@@ -309,16 +312,16 @@ TEST_F(IniReadValues, UstringDefaultMustBeATextOfItsSize) {
   for (const u32 wrong : {0u, 1u, 2u, 4u, 5u, 7u}) {
     GuardBuffer<u8> value(10);
     u32 size = 10;
-    EXPECT_EQ(
-        ReadINIPathFileValue("A", "x", kUstring, value.data(), &size, given + 1, wrong, kPath, 0),
-        SM_STATUS_BAD_ARGUMENT)
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_USTRING, value.data(), &size, given + 1, wrong,
+                                   kPath, 0),
+              SM_STATUS_BAD_ARGUMENT)
         << wrong;
     EXPECT_EQ(size, 10u);
     EXPECT_TRUE(value.UntouchedFrom(0));
   }
   u8 value[10];
   u32 size = 10;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", kUstring, value, &size, given + 1, 6, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_USTRING, value, &size, given + 1, 6, kPath, 0),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 6u);
   EXPECT_EQ(memcmp(value, "A\0B\0\0\0", 6), 0);
@@ -413,7 +416,7 @@ TEST_F(IniReadValues, DefaultMayBeTheValueItself) {
   GivenText("100");
   u8 bytes[4] = {1, 2, 3, 4};
   u32 size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, bytes, &size, bytes, 3, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, bytes, &size, bytes, 3, kPath, 0),
             SM_STATUS_DATA_TOO_LARGE);
   EXPECT_EQ(size, 3u);
   EXPECT_EQ(memcmp(bytes, "\1\2\3\4", 4), 0);
@@ -437,7 +440,7 @@ TEST_F(IniReadValues, LockedFilesGiveTheTypedDefaults) {
   EXPECT_EQ(value, 5u);
   u8 byte = 0;
   size = 1;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kBinary, &byte, &size, "d", 1, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, &byte, &size, "d", 1, kPath, 0),
             SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(byte, 'd');
 }
@@ -458,8 +461,8 @@ TEST_F(IniReadValues, TypedReadsNeedEveryPointer) {
     u32 size = 8;
     const auto read = [&](const char* section, const char* key, void* to, u32* room,
                           const char* path) {
-      return ReadINIPathFileValue(section, key, type, to, room, type == kUstring ? nullptr : &given,
-                                  8, path, 0);
+      return ReadINIPathFileValue(section, key, type, to, room,
+                                  type == QVX_INI_USTRING ? nullptr : &given, 8, path, 0);
     };
     EXPECT_EQ(read(nullptr, "y", value.data(), &size, kPath), SM_STATUS_BAD_ARGUMENT) << type;
     EXPECT_EQ(read("A", nullptr, value.data(), &size, kPath), SM_STATUS_BAD_ARGUMENT) << type;

@@ -72,9 +72,9 @@ class IniWriteValues : public testing::Test {
 };
 
 TEST_F(IniWriteValues, TextsAreWrittenAsTheyAre) {
-  EXPECT_EQ(TextOf(kAstring, " a=b; ", 7), " a=b; ");
-  EXPECT_EQ(StatusOf(kAstring, "abc", 3), SM_STATUS_DATA_TOO_LARGE);
-  EXPECT_EQ(StatusOf(kAstring, "abc", 5), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(TextOf(QVX_INI_ASTRING, " a=b; ", 7), " a=b; ");
+  EXPECT_EQ(StatusOf(QVX_INI_ASTRING, "abc", 3), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(StatusOf(QVX_INI_ASTRING, "abc", 5), SM_STATUS_DATA_TOO_LARGE);
 }
 
 TEST_F(IniWriteValues, OnlyExactly1IsTrue) {
@@ -107,16 +107,16 @@ TEST_F(IniWriteValues, DoublesHaveEightPlacesAndNoExponent) {
 
 TEST_F(IniWriteValues, BytesAreTwoUpperCaseDigitsEach) {
   const u8 bytes[] = {0x0A, 0xFF};
-  EXPECT_EQ(TextOf(kBinary, bytes, 2), "0x0A,0xFF");
-  EXPECT_EQ(TextOf(kBinary, bytes, 1), "0x0A");
+  EXPECT_EQ(TextOf(QVX_INI_BINARY, bytes, 2), "0x0A,0xFF");
+  EXPECT_EQ(TextOf(QVX_INI_BINARY, bytes, 1), "0x0A");
 }
 
 TEST_F(IniWriteValues, UstringsAreTheirBytesWithTheNulUnit) {
   const ustring text[] = {'A', 0};
-  EXPECT_EQ(TextOf(kUstring, text, 4), "0x41,0x00,0x00,0x00");
+  EXPECT_EQ(TextOf(QVX_INI_USTRING, text, 4), "0x41,0x00,0x00,0x00");
   const ustring wide[] = {0x20AC, 0};
-  EXPECT_EQ(TextOf(kUstring, wide, 4), "0xAC,0x20,0x00,0x00");
-  EXPECT_EQ(TextOf(kUstring, text + 1, 2), "0x00,0x00");
+  EXPECT_EQ(TextOf(QVX_INI_USTRING, wide, 4), "0xAC,0x20,0x00,0x00");
+  EXPECT_EQ(TextOf(QVX_INI_USTRING, text + 1, 2), "0x00,0x00");
 }
 
 TEST_F(IniWriteValues, UstringSizeMustBeTwiceTheLengthPlus2) {
@@ -125,17 +125,17 @@ TEST_F(IniWriteValues, UstringSizeMustBeTwiceTheLengthPlus2) {
   text[1] = 'B';
   text[2] = 0;
   for (const s32 size : {4, 5, 2, 1, 0, -1, -4, -2147483647 - 1, 2049, 2147483647}) {
-    EXPECT_EQ(StatusOf(kUstring, text.data(), size), SM_STATUS_DATA_TOO_LARGE) << size;
+    EXPECT_EQ(StatusOf(QVX_INI_USTRING, text.data(), size), SM_STATUS_DATA_TOO_LARGE) << size;
   }
   const ustring longer[] = {'A', 0, 0, 0};
-  EXPECT_EQ(StatusOf(kUstring, longer, 6), SM_STATUS_DATA_TOO_LARGE);
-  EXPECT_EQ(StatusOf(kUstring, text.data(), 6), SM_STATUS_SUCCESS);
+  EXPECT_EQ(StatusOf(QVX_INI_USTRING, longer, 6), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(StatusOf(QVX_INI_USTRING, text.data(), 6), SM_STATUS_SUCCESS);
 }
 
 TEST_F(IniWriteValues, BlocksOutside1To2048BytesAreTooLarge) {
   const std::vector<u8> bytes(2049, 1);
   for (const s32 size : {2049, 2147483647, 0, -1, -2147483647 - 1}) {
-    EXPECT_EQ(StatusOf(kBinary, bytes.data(), size), SM_STATUS_DATA_TOO_LARGE) << size;
+    EXPECT_EQ(StatusOf(QVX_INI_BINARY, bytes.data(), size), SM_STATUS_DATA_TOO_LARGE) << size;
   }
 }
 
@@ -147,14 +147,14 @@ TEST_F(IniWriteValues, ListsLongerThanAValueAreRefusedNeverCut) {
     expected += "0x01,";
   }
   expected.pop_back();
-  EXPECT_EQ(TextOf(kBinary, bytes.data(), 1638), expected);
-  EXPECT_EQ(StatusOf(kBinary, bytes.data(), 1639), SM_STATUS_DATA_TOO_LARGE);
-  EXPECT_EQ(StatusOf(kBinary, bytes.data(), 2048), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(TextOf(QVX_INI_BINARY, bytes.data(), 1638), expected);
+  EXPECT_EQ(StatusOf(QVX_INI_BINARY, bytes.data(), 1639), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(StatusOf(QVX_INI_BINARY, bytes.data(), 2048), SM_STATUS_DATA_TOO_LARGE);
   std::vector<ustring> text(1024, 'A');
   text[1023] = 0;
-  EXPECT_EQ(StatusOf(kUstring, text.data(), 2048), SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(StatusOf(QVX_INI_USTRING, text.data(), 2048), SM_STATUS_DATA_TOO_LARGE);
   text[818] = 0;
-  EXPECT_EQ(StatusOf(kUstring, text.data(), 1638), SM_STATUS_SUCCESS);
+  EXPECT_EQ(StatusOf(QVX_INI_USTRING, text.data(), 1638), SM_STATUS_SUCCESS);
 }
 
 TEST_F(IniWriteValues, FixedTypesNeedTheirSizeAtLeast) {
@@ -202,7 +202,9 @@ TEST_F(IniWriteValues, NamesAreRequiredOfEveryType) {
   const std::string longName(256, 'n');
   for (s32 type = 1; type <= 9; ++type) {
     // An empty text, an empty 16-bit text, one byte, or a number.
-    const s32 size = type == kAstring || type == kBinary ? 1 : type == kUstring ? 2 : 8;
+    const s32 size = type == QVX_INI_ASTRING || type == QVX_INI_BINARY ? 1
+                     : type == QVX_INI_USTRING                         ? 2
+                                                                       : 8;
     const auto write = [&](const char* section, const char* key, const char* path) {
       return WriteINIPathFileValue(section, key, type, &value, size, path, 0);
     };
@@ -225,9 +227,9 @@ TEST_F(IniWriteValues, UnknownTypesAreBadArguments) {
 TEST_F(IniWriteValues, LockIsTakenByEveryType) {
   const test::LockHolder holder;
   const u64 value = 0;
-  EXPECT_EQ(StatusOf(kAstring, "", 1), SM_STATUS_LOCK_FAILED);
-  EXPECT_EQ(StatusOf(kUstring, &value, 2), SM_STATUS_LOCK_FAILED);
-  EXPECT_EQ(StatusOf(kBinary, &value, 1), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(StatusOf(QVX_INI_ASTRING, "", 1), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(StatusOf(QVX_INI_USTRING, &value, 2), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(StatusOf(QVX_INI_BINARY, &value, 1), SM_STATUS_LOCK_FAILED);
   for (const auto& each : kFixed) {
     EXPECT_EQ(StatusOf(each.type, &value, 8), SM_STATUS_LOCK_FAILED);
   }
@@ -236,7 +238,7 @@ TEST_F(IniWriteValues, LockIsTakenByEveryType) {
 TEST_F(IniWriteValues, WithoutMemoryTheStatusIsMinusOne) {
   const u64 value = 0;
   for (s32 type = 2; type <= 9; ++type) {
-    const s32 size = type == kUstring ? 2 : 8;
+    const s32 size = type == QVX_INI_USTRING ? 2 : 8;
     const u32 met = test::FailEachAllocation(
         [&] { return WriteINIPathFileValue("A", "x", type, &value, size, kPath, 0); },
         [](u32 status) {
