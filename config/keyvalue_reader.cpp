@@ -20,7 +20,6 @@
 namespace qvx {
 namespace {
 
-constexpr u16 kWait = 1;
 constexpr u64 kFirstCapacity = 16;
 
 void FreeEntries(PXTKeyValue* entries, u64 count) {
@@ -42,7 +41,7 @@ bool StoreEntry(PXTKeyValue* entry, const astring* key, const astring* value) {
 // SM_STATUS_NO_MEMORY when `take` returns false.
 template <typename Take>
 u32 TakeEntries(const astring* path, Take take) {
-  const FileLockGuard lock(kWait);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   struct stat seen = {};
   const Descriptor opened = OpenRegular(path, O_RDONLY, &seen);

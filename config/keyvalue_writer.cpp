@@ -21,7 +21,6 @@
 namespace qvx {
 namespace {
 
-constexpr u16 kWait = 1;
 constexpr astring kTemporaryName[] = "pxtcfg32.tmp";
 
 // Differs on purpose from DirectoryPart, which the INI writer uses: the part is empty for a file in
@@ -83,7 +82,7 @@ u32 SetKeyValueEntry(const astring* path, const PXTKeyValue* pair, u32 index) {
   if (!temporary) return SM_STATUS_NO_MEMORY;
   if (HasDirectoryPart(path) && CreateDir(directory.get()) != 0) return kMinusOne;
 
-  const FileLockGuard lock(kWait);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   struct stat seen = {};
   const Descriptor file = OpenRegular(path, O_RDONLY, &seen);

@@ -81,7 +81,7 @@ LogDamage ExamineLog(const std::string& path) {
 
 void RepairLog(const std::string& path, const LogDamage& seen) {
   hGFileLock = CreateGlobalMutex(static_cast<u32>(CreateIPCName(kFileLockOffset)));
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) throw CallFailure("log repair", path, SM_STATUS_LOCK_FAILED, 0);
   if (ExamineLog(path) != seen) throw Failure(kNo, path + ": has changed meanwhile; look again");
   Descriptor file = OpenDescriptor(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOFOLLOW);

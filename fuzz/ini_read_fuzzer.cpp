@@ -46,7 +46,7 @@ u32 Ask(const IniQuestion& question, void* value, u32* size) {
   return PXTReadINIPathFileValue(question.section ? section.data() : nullptr,
                                  question.key ? key.data() : nullptr, question.type, value, size,
                                  question.standIn ? defaultValue.data() : nullptr,
-                                 static_cast<u32>(standIn.size()), kPath, 1);
+                                 static_cast<u32>(standIn.size()), kPath, QVX_LOCK_WAIT);
 }
 
 void Check(const std::string& file, const IniQuestion& question, u8 fill) {

@@ -66,7 +66,8 @@ u32 Make(const IniChange& change) {
   if (change.value) std::copy(change.value->begin(), change.value->end(), bytes.data());
   const astring* const value = IsText(change) ? text.data() : bytes.data();
   return PXTWriteINIPathFileValue(section.data(), key.data(), change.type,
-                                  change.value ? value : nullptr, change.size, kPath, 1);
+                                  change.value ? value : nullptr, change.size, kPath,
+                                  QVX_LOCK_WAIT);
 }
 
 void Check(const IniOutcome& expected, u32 status) {

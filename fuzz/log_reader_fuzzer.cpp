@@ -9,6 +9,7 @@
 
 #include "ctl/log_reader.h"
 #include "fuzz/fuzz_support.h"
+#include "tests/ctl/text_source.h"
 
 namespace {
 
@@ -16,17 +17,7 @@ using qvx::ctl::LogPart;
 using qvx::ctl::LogReader;
 using qvx::fuzz::Input;
 using qvx::fuzz::Require;
-
-class TextSource : public LogReader::Source {
- public:
-  size_t Read(u64 offset, char* room, size_t size) override {
-    if (offset >= text.size()) return 0;
-    const size_t got = std::min(size, text.size() - static_cast<size_t>(offset));
-    memcpy(room, text.data() + offset, got);
-    return got;
-  }
-  std::string text;
-};
+using qvx::test::TextSource;
 
 // Reads on to the current end.
 void ReadOn(TextSource* source, LogReader* reader, std::vector<std::string>* entries) {

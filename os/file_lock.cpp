@@ -11,10 +11,9 @@ u32 hGFileLock = 0;
 
 namespace {
 
-constexpr u16 kPatient = 1;
 constexpr s32 kPatientAttempts = 60000;
 
-s32 SleepsOf(u16 wait) { return wait == kPatient ? kPatientAttempts : 0; }
+s32 SleepsOf(u16 wait) { return wait == QVX_LOCK_WAIT ? kPatientAttempts : 0; }
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #ifndef QVX_OS_FILE_LOCK_H
 #define QVX_OS_FILE_LOCK_H
 
+#include "qvxcs/ini_file.h"
 #include "qvxcs/types.h"
 
 namespace qvx {
@@ -22,7 +23,7 @@ void DestroyGlobalMutex();
 // Held by FileLockTest.TheInnerReleaseOfANestedHoldEndsTheOuterOne.
 //
 // It serialises file work between the suite's processes.
-// A wait flag of 1 tries up to 60,000 times, 1 ms apart; any other value tries once.
+// QVX_LOCK_WAIT tries up to 60,000 times, 1 ms apart; any other value tries once.
 u32 FileLock(u16 wait);
 s32 FileUnlock();
 

@@ -58,7 +58,7 @@ bool ParseMaxSize(const astring* number, u32* size) {
   u32 status = SM_STATUS_SUCCESS;
   // Deliberate: the conversion accepts a sign, so "-5" is the size 4,294,967,291.
   // Held by CommandLog.NegativeMaximumWrapsAround.
-  const u32 value = ASCIIToUnSigned32VT(number, 10, &status);
+  const u32 value = ASCIIToUnSigned32VT(number, QVX_BASE_DECIMAL, &status);
   if (status != SM_STATUS_SUCCESS || IsBeyond32Bits(number)) return false;
   *size = value;
   return true;
@@ -119,7 +119,7 @@ u32 SUPTIntfClearCmdLog(const astring* user, const astring* source) {
 u32 SUPTIntfGetCmdLogSize(u32* size) {
   if (size == nullptr) return SM_STATUS_INVALID_PARAMETER;
   *size = 0;
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   // Deliberate: making a missing log takes the lock again, and that release ends this hold too; the
   // size is then read unlocked. Held by CommandLog.SizeOfAMissingLogIsReadUnlocked.
@@ -130,7 +130,7 @@ u32 SUPTIntfGetCmdLogSize(u32* size) {
 
 u32 SUPTIntfGetCmdLogMaxSize(u32* size) {
   if (size == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   *size = cmdLogMaxSize.load();
   ReadConfiguredMaxSize(size);
@@ -141,7 +141,7 @@ u32 SUPTIntfSetCmdLogMaxSize(s32 size) {
   // Deliberate: the call only restores the default; other sizes are set in the properties file.
   // Held by CommandLog.OnlyTheDefaultMaximumCanBeSet.
   if (size != static_cast<s32>(kDefaultMaxLogSize)) return SM_STATUS_INVALID_PARAMETER;
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   cmdLogMaxSize.store(kDefaultMaxLogSize);
   return SM_STATUS_SUCCESS;
@@ -150,7 +150,7 @@ u32 SUPTIntfSetCmdLogMaxSize(s32 size) {
 void InitCmdMaxLogSize() {
   u32 size = kDefaultMaxLogSize;
   (void)SUPTIntfGetCmdLogMaxSize(&size);
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (lock) ReadConfiguredMaxSize(&size);
   // Deliberate: the value that was read is dropped; each append reads the properties file again,
   // and the module's value is the default that it falls back to. Held by

@@ -58,7 +58,7 @@ u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
   u32 room = kBackupNameRoom;
   if (const u32 status = GetBackupXMLLogPathFileName(path, backup.get(), &room)) return status;
   if (strcmp(path, backup.get()) == 0) return kMinusOne;
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   // Another process may have moved the log since it was measured: then the existing backup holds
   // its entries and must not be deleted for a new, short log.

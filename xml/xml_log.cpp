@@ -22,8 +22,6 @@ namespace qvx {
 
 namespace {
 
-constexpr u16 kWait = 1;
-
 bool HasHead(const LogLook& look) { return look.regular && look.size >= kLogHeadLength; }
 
 // Mends the log where a kill within a noted write has cut it.
@@ -34,7 +32,7 @@ void MendNoted(LogFile* log, TornLogNotes* notes) {
 
 // Mends the log in a separate hold of the lock.
 void MendLogAt(const astring* path) {
-  const FileLockGuard lock(kWait);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return;
   TornLogNotes notes;
   const LogLook look = LookAtLog(path);
@@ -75,7 +73,7 @@ u32 WriteAndClose(const astring* path, LogFile log, const LogAddition& addition)
 }
 
 u32 WriteEntry(const astring* path, const LogEntry& entry) {
-  const FileLockGuard lock(kWait);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   LogFile log = OpenLog(path);
   if (!log) return kMinusOne;
@@ -145,7 +143,7 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
 
 u32 DeleteLogFile(const astring* path) {
   if (path == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  const FileLockGuard lock(kWait);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
   const LogLook look = LookAtLog(path);
   SetLogMode(path, look);

@@ -96,66 +96,70 @@ class AskedOfTheSystem : public testing::Test {
 };
 
 TEST_F(AskedOfTheSystem, OfTheSuperuserOnlyTheAccount) {
-  EXPECT_EQ(AskedFor("root", 0x40007), (Asked{.accounts = 1})) << "by the built-in lines";
+  EXPECT_EQ(AskedFor("root", u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR}), (Asked{.accounts = 1}))
+      << "by the built-in lines";
   Load("root 192.0.2.7,*.lab user\n+wheel 192.0.2.7 user\n* 192.0.2.7 user\n");
-  EXPECT_EQ(AskedFor("root", 0x40007), (Asked{.accounts = 1}));
+  EXPECT_EQ(AskedFor("root", u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR}), (Asked{.accounts = 1}));
 }
 
 TEST_F(AskedOfTheSystem, OfAUserWithALineTheGroupsOnlyWhereGroup0CanRaiseTheLine) {
   Load("alice * user\n+wheel * administrator\n");
-  EXPECT_EQ(AskedFor("alice", 0x1), (Asked{.accounts = 1, .groupLists = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_USER), (Asked{.accounts = 1, .groupLists = 1}));
 }
 
 TEST_F(AskedOfTheSystem, OfAUserWithAPowerUsersLineNoGroups) {
   Load("alice * poweruser\n+wheel * administrator\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1}));
 }
 
 TEST_F(AskedOfTheSystem, OfAUserWithoutALineTheNamesOfTheGroups) {
   Load("+wheel * poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1, .groupLists = 1, .groupNames = 2}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER),
+            (Asked{.accounts = 1, .groupLists = 1, .groupNames = 2}));
 }
 
 TEST_F(AskedOfTheSystem, NoGroupsWhereTheMapNamesNone) {
   Load("* * poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1}));
 }
 
 TEST_F(AskedOfTheSystem, NoGroupsWhereTheirLinesAreForOtherHosts) {
   Load("+wheel elsewhere administrator\n* * poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1}));
 }
 
 TEST_F(AskedOfTheSystem, NoMoreNamesOnceTheGreatestGrantIsReached) {
   Load("+users * poweruser\n+audit * user\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1, .groupLists = 1, .groupNames = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER),
+            (Asked{.accounts = 1, .groupLists = 1, .groupNames = 1}));
 }
 
 TEST_F(AskedOfTheSystem, TheGroupListIsAskedForOnceForMapAndSystem) {
   Load("+wheel * user\n");
-  EXPECT_EQ(AskedFor("alice", 0x1), (Asked{.accounts = 1, .groupLists = 1, .groupNames = 2}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_USER),
+            (Asked{.accounts = 1, .groupLists = 1, .groupNames = 2}));
 }
 
 TEST_F(AskedOfTheSystem, TheAddressesOnlyWhereAnEntryIsOne) {
   Load("alice 999,1.2.3,a:b,srv1,* poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1}));
   Load("bob 192.0.2.7 user\n* srv:1,* poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1}));
 }
 
 TEST_F(AskedOfTheSystem, TheAddressesOnceForAUsersEntry) {
   Load("alice 192.0.2.7,192.0.2.8,::7,* poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1, .addresses = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1, .addresses = 1}));
 }
 
 TEST_F(AskedOfTheSystem, TheAddressesOnceForAnEntryOfAnyone) {
   Load("* 2001:db8::7,* poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1, .addresses = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1, .addresses = 1}));
 }
 
 TEST_F(AskedOfTheSystem, TheDomainOnlyWhereAnEntryIsOne) {
   Load("alice *.lab,* poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3), (Asked{.accounts = 1, .domains = 1}));
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER), (Asked{.accounts = 1, .domains = 1}));
 }
 
 // A user with this many groups is looked up only in the few that the map names, and found at once.
@@ -163,7 +167,7 @@ TEST_F(AskedOfTheSystem, OfHundredsOfGroupsOnlyTheOneThatTheMapNames) {
   for (u32 at = 0; at < 120; ++at)
     test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
   Load("+g119 * poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3),
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER),
             (Asked{.accounts = 1, .groupLists = 2, .groupNames = 1, .groupsByName = 1}));
 }
 
@@ -174,7 +178,7 @@ TEST_F(AskedOfTheSystem, OfHundredsOfGroupsASecondGroupOfTheNameIsFoundToo) {
     test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
   test::AddGroup("twice", 7999, "alice");
   Load("+twice * poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3).groupsByName, 1);
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER).groupsByName, 1);
 }
 
 // A group has two names: the system returns the first, so the second grants nothing.
@@ -183,7 +187,7 @@ TEST_F(AskedOfTheSystem, OfHundredsOfGroupsASecondNameOfAGroupIsNone) {
     test::AddGroup("g" + std::to_string(at), 8000 + at, "alice");
   test::AddGroup("second", 8000);
   Load("+second * administrator\n* * poweruser\n");
-  EXPECT_EQ(AskedFor("alice", 0x3).groupsByName, 1);
+  EXPECT_EQ(AskedFor("alice", QVX_PRIV_POWERUSER).groupsByName, 1);
 }
 
 u32 StopsOf(u32 logins) {

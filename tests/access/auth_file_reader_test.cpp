@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "qvxcs/access.h"
+
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
 #include "support/threads.h"
@@ -239,13 +241,15 @@ TEST(AuthFileReader, AnotherTimeIsReadAgainAndTheMapsAreRebuilt) {
   algorithm.Initialize(Reader().GetRecords());
   QVXRole query{L"alice", L"here", 0};
   algorithm.GetUserPrivileges(query);
-  EXPECT_EQ(query.privileges, 0x7u);
+  EXPECT_EQ(query.privileges, QVX_PRIV_ADMINISTRATOR);
 }
 
 TEST(AuthFileReader, DefaultRecordsAreThreeBuiltInLinesOfOneEntryEach) {
   const std::deque<QVAuthFileRecord*>& records = Reader().GetDefaultRecords();
   ASSERT_EQ(LineNumbers(records), (Lines{0, 0, 0}));
-  const QVXRole expected[] = {{L"root", L"*", 0x7}, {L"+root", L"*", 0x3}, {L"*", L"*", 0x1}};
+  const QVXRole expected[] = {{L"root", L"*", QVX_PRIV_ADMINISTRATOR},
+                              {L"+root", L"*", QVX_PRIV_POWERUSER},
+                              {L"*", L"*", QVX_PRIV_USER}};
   for (size_t at = 0; at < 3; ++at) {
     const QVXRole role = OnlyRoleOf(*records[at]);
     EXPECT_EQ(role.user, expected[at].user);

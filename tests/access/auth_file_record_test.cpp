@@ -7,6 +7,8 @@
 #include <clocale>
 #include <vector>
 
+#include "qvxcs/access.h"
+
 #include "access/role_map_error.h"
 
 namespace qvx {
@@ -45,18 +47,18 @@ int FaultOf(const std::wstring& line, unsigned long expectedLine = 23) {
 
 TEST(AuthFileRecord, PairsEachUserWithEachHostUserByUser) {
   EXPECT_EQ(EntriesOf(L"root,+wheel   *.lab,srv1  PowerUser"),
-            (Entries{{L"root", L"*.lab", 0x3},
-                     {L"root", L"srv1", 0x3},
-                     {L"+wheel", L"*.lab", 0x3},
-                     {L"+wheel", L"srv1", 0x3}}));
+            (Entries{{L"root", L"*.lab", QVX_PRIV_POWERUSER},
+                     {L"root", L"srv1", QVX_PRIV_POWERUSER},
+                     {L"+wheel", L"*.lab", QVX_PRIV_POWERUSER},
+                     {L"+wheel", L"srv1", QVX_PRIV_POWERUSER}}));
 }
 
 TEST(AuthFileRecord, RoleWordsGiveTheirMasksInAnyCase) {
-  EXPECT_EQ(EntriesOf(L"a * administrator"), (Entries{{L"a", L"*", 0x7}}));
-  EXPECT_EQ(EntriesOf(L"a * poweruser"), (Entries{{L"a", L"*", 0x3}}));
-  EXPECT_EQ(EntriesOf(L"a * user"), (Entries{{L"a", L"*", 0x1}}));
-  EXPECT_EQ(EntriesOf(L"ROOT * ADMINISTRATOR"), (Entries{{L"ROOT", L"*", 0x7}}));
-  EXPECT_EQ(EntriesOf(L"a * UsEr"), (Entries{{L"a", L"*", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"a * administrator"), (Entries{{L"a", L"*", QVX_PRIV_ADMINISTRATOR}}));
+  EXPECT_EQ(EntriesOf(L"a * poweruser"), (Entries{{L"a", L"*", QVX_PRIV_POWERUSER}}));
+  EXPECT_EQ(EntriesOf(L"a * user"), (Entries{{L"a", L"*", QVX_PRIV_USER}}));
+  EXPECT_EQ(EntriesOf(L"ROOT * ADMINISTRATOR"), (Entries{{L"ROOT", L"*", QVX_PRIV_ADMINISTRATOR}}));
+  EXPECT_EQ(EntriesOf(L"a * UsEr"), (Entries{{L"a", L"*", QVX_PRIV_USER}}));
 }
 
 TEST(AuthFileRecord, FewerThanThreeFieldsIsAMissingField) {
@@ -87,47 +89,54 @@ TEST(AuthFileRecord, TheFaultIsSeenBeforeAnyEntryIsMade) {
 }
 
 TEST(AuthFileRecord, WhatFollowsTheRoleIsNotRead) {
-  EXPECT_EQ(EntriesOf(L"root * user extra words"), (Entries{{L"root", L"*", 0x1}}));
-  EXPECT_EQ(EntriesOf(L"root * user\t# note"), (Entries{{L"root", L"*", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"root * user extra words"), (Entries{{L"root", L"*", QVX_PRIV_USER}}));
+  EXPECT_EQ(EntriesOf(L"root * user\t# note"), (Entries{{L"root", L"*", QVX_PRIV_USER}}));
 }
 
 TEST(AuthFileRecord, AdjacentCommasKeepTheEmptyNameBetweenThem) {
-  EXPECT_EQ(EntriesOf(L"a,,b * user"),
-            (Entries{{L"a", L"*", 0x1}, {L"", L"*", 0x1}, {L"b", L"*", 0x1}}));
-  EXPECT_EQ(EntriesOf(L",a h, user"),
-            (Entries{{L"", L"h", 0x1}, {L"", L"", 0x1}, {L"a", L"h", 0x1}, {L"a", L"", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"a,,b * user"), (Entries{{L"a", L"*", QVX_PRIV_USER},
+                                                {L"", L"*", QVX_PRIV_USER},
+                                                {L"b", L"*", QVX_PRIV_USER}}));
+  EXPECT_EQ(EntriesOf(L",a h, user"), (Entries{{L"", L"h", QVX_PRIV_USER},
+                                               {L"", L"", QVX_PRIV_USER},
+                                               {L"a", L"h", QVX_PRIV_USER},
+                                               {L"a", L"", QVX_PRIV_USER}}));
 }
 
 TEST(AuthFileRecord, SeveralBlanksOfBothKindsAreOneSeparator) {
-  EXPECT_EQ(EntriesOf(L"a \t \tb\t\t  user"), (Entries{{L"a", L"b", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"a \t \tb\t\t  user"), (Entries{{L"a", L"b", QVX_PRIV_USER}}));
 }
 
 TEST(AuthFileRecord, RoleWordsAreFoldedFromAToZWhateverTheLocale) {
   for (const char* locale : {"tr_TR.UTF-8", "az_AZ.UTF-8", "tr_TR.ISO-8859-9", "C"}) {
     ASSERT_NE(setlocale(LC_ALL, locale), nullptr) << locale;
-    EXPECT_EQ(EntriesOf(L"root * ADMINISTRATOR"), (Entries{{L"root", L"*", 0x7}})) << locale;
-    EXPECT_EQ(EntriesOf(L"root * PowerUser"), (Entries{{L"root", L"*", 0x3}})) << locale;
+    EXPECT_EQ(EntriesOf(L"root * ADMINISTRATOR"),
+              (Entries{{L"root", L"*", QVX_PRIV_ADMINISTRATOR}}))
+        << locale;
+    EXPECT_EQ(EntriesOf(L"root * PowerUser"), (Entries{{L"root", L"*", QVX_PRIV_POWERUSER}}))
+        << locale;
     EXPECT_EQ(FaultOf(L"root * adm\u0131n\u0131strator"), RoleInvalidRole) << locale;
   }
 }
 
 TEST(AuthFileRecord, HostsAreFoldedByTheTableOfTheLocale) {
   ASSERT_NE(setlocale(LC_ALL, "tr_TR.ISO-8859-9"), nullptr);
-  EXPECT_EQ(EntriesOf(L"root SRVI user"), (Entries{{L"root", L"srv\u00FD", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"root SRVI user"), (Entries{{L"root", L"srv\u00FD", QVX_PRIV_USER}}));
   ASSERT_NE(setlocale(LC_ALL, "C"), nullptr);
-  EXPECT_EQ(EntriesOf(L"root SRVI user"), (Entries{{L"root", L"srvi", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"root SRVI user"), (Entries{{L"root", L"srvi", QVX_PRIV_USER}}));
 }
 
 TEST(AuthFileRecord, HostsBecomeLowerCaseUsersDoNot) {
   EXPECT_EQ(EntriesOf(L"Alice,+Wheel SRV1,*.Example user"),
-            (Entries{{L"Alice", L"srv1", 0x1},
-                     {L"Alice", L"*.example", 0x1},
-                     {L"+Wheel", L"srv1", 0x1},
-                     {L"+Wheel", L"*.example", 0x1}}));
+            (Entries{{L"Alice", L"srv1", QVX_PRIV_USER},
+                     {L"Alice", L"*.example", QVX_PRIV_USER},
+                     {L"+Wheel", L"srv1", QVX_PRIV_USER},
+                     {L"+Wheel", L"*.example", QVX_PRIV_USER}}));
 }
 
 TEST(AuthFileRecord, NamesWithDomainsAreOrdinaryNames) {
-  EXPECT_EQ(EntriesOf(L"u@d,D\\v * user"), (Entries{{L"u@d", L"*", 0x1}, {L"D\\v", L"*", 0x1}}));
+  EXPECT_EQ(EntriesOf(L"u@d,D\\v * user"),
+            (Entries{{L"u@d", L"*", QVX_PRIV_USER}, {L"D\\v", L"*", QVX_PRIV_USER}}));
 }
 
 TEST(AuthFileRecord, ARoleBeginsEmptyAndWithoutPrivileges) {

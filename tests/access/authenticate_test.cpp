@@ -66,9 +66,9 @@ class Authenticate : public ::testing::Test {
 };
 
 TEST_F(Authenticate, TheRightPasswordGivesTheUsersRights) {
-  EXPECT_EQ(LogIn(nullptr, u"alice", kPassword), 0x1u);
-  EXPECT_EQ(LogIn(nullptr, u"member", kPassword), 0x3u);
-  EXPECT_EQ(LogIn(nullptr, u"toor", kPassword), 0x40007u);
+  EXPECT_EQ(LogIn(nullptr, u"alice", kPassword), QVX_PRIV_USER);
+  EXPECT_EQ(LogIn(nullptr, u"member", kPassword), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(LogIn(nullptr, u"toor", kPassword), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
 }
 
 TEST_F(Authenticate, AWrongEmptyOrUnknownLoginIsRefused) {
@@ -87,12 +87,12 @@ TEST_F(Authenticate, NullNamesAndPasswordsAreRefused) {
 }
 
 TEST_F(Authenticate, ADomainIsJoinedToTheLogin) {
-  EXPECT_EQ(LogIn(u"lab", u"alice", kPassword), 0x1u);
+  EXPECT_EQ(LogIn(u"lab", u"alice", kPassword), QVX_PRIV_USER);
   EXPECT_EQ(LogIn(u"other", u"alice", kPassword), 0u) << "alice@other is unknown";
 }
 
 TEST_F(Authenticate, AnEmptyDomainIsADomain) {
-  EXPECT_EQ(LogIn(u"", u"alice", kPassword), 0x1u);
+  EXPECT_EQ(LogIn(u"", u"alice", kPassword), QVX_PRIV_USER);
   EXPECT_EQ(LogIn(u"", u"member", kPassword), 0u) << "member@ is unknown";
 }
 
@@ -100,7 +100,7 @@ TEST_F(Authenticate, ADomainLoginIsJudgedOnItsDomainAsHost) {
   test::WriteRoleMap("alice *.lab.x poweruser\n");
   ASSERT_EQ(PXTOpenRolemapFile(), 0u);
   (void)PXTGetRightsUsingRolemap();
-  EXPECT_EQ(LogIn(u"lab", u"alice", kPassword), 0x3u);
+  EXPECT_EQ(LogIn(u"lab", u"alice", kPassword), QVX_PRIV_POWERUSER);
   EXPECT_EQ(LogIn(nullptr, u"alice", kPassword), 0u);
 }
 
@@ -109,7 +109,7 @@ TEST_F(Authenticate, AMessageThatPamSendsFailsTheLogin) {
   test::WritePamService("qvauth", "auth required " + module + " info\naccount required " + module);
   EXPECT_EQ(LogIn(nullptr, u"alice", kPassword), 0u);
   test::WritePamService("qvauth", "auth required " + module + "\naccount required " + module);
-  EXPECT_EQ(LogIn(nullptr, u"alice", kPassword), 0x1u);
+  EXPECT_EQ(LogIn(nullptr, u"alice", kPassword), QVX_PRIV_USER);
 }
 
 TEST_F(Authenticate, WithoutAServiceThePasswordIsWipedAllTheSame) {
@@ -122,16 +122,16 @@ TEST_F(Authenticate, ANameWithTwoTwoByteCharactersIsRefused) {
   test::AddUser("ren\xC3\xA9", 7010, 7100, hash);
   test::AddUser("ren\xC3\xA9\xC3\xA9", 7011, 7100, hash);
   ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
-  EXPECT_EQ(LogIn(nullptr, u"ren\u00E9", kPassword), 0x1u);
+  EXPECT_EQ(LogIn(nullptr, u"ren\u00E9", kPassword), QVX_PRIV_USER);
   EXPECT_EQ(LogIn(nullptr, u"ren\u00E9\u00E9", kPassword), 0u);
-  EXPECT_EQ(Authorize(nullptr, u"ren\u00E9"), 0x1u);
+  EXPECT_EQ(Authorize(nullptr, u"ren\u00E9"), QVX_PRIV_USER);
   EXPECT_EQ(Authorize(nullptr, u"ren\u00E9\u00E9"), 0u);
 }
 
 TEST_F(Authenticate, APasswordWithOneTwoByteCharacterFits) {
   test::AddUser("bob", 7010, 7100, test::Hash("p\xC3\xA9z"));
   test::AddUser("eve", 7011, 7100, test::Hash("p\xC3\xA9\xC3\xA9z"));
-  EXPECT_EQ(LogIn(nullptr, u"bob", u"p\u00E9z"), 0x1u);
+  EXPECT_EQ(LogIn(nullptr, u"bob", u"p\u00E9z"), QVX_PRIV_USER);
   EXPECT_EQ(LogIn(nullptr, u"eve", u"p\u00E9\u00E9z"), 0u);
 }
 
@@ -172,22 +172,22 @@ TEST_F(Authenticate, WithoutMemoryTheLoginIsRefusedAndThePasswordWiped) {
         return PXTAuthenticateUser(domain.data(), name.data(), secret.data());
       },
       [&](u32 rights) {
-        EXPECT_TRUE(rights == 0 || rights == 0x1) << rights;
+        EXPECT_TRUE(rights == 0 || rights == QVX_PRIV_USER) << rights;
         EXPECT_EQ(secret, Units(secret.size(), 0));
       });
   EXPECT_GE(met, 4u);
 }
 
 TEST_F(Authenticate, AuthorizingAsksForNoPassword) {
-  EXPECT_EQ(Authorize(nullptr, u"alice"), 0x1u);
-  EXPECT_EQ(Authorize(nullptr, u"member"), 0x3u);
-  EXPECT_EQ(Authorize(nullptr, u"toor"), 0x40007u);
-  EXPECT_EQ(Authorize(nullptr, u"nobody-here"), 0x1u) << "the built-in line for anyone";
+  EXPECT_EQ(Authorize(nullptr, u"alice"), QVX_PRIV_USER);
+  EXPECT_EQ(Authorize(nullptr, u"member"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(Authorize(nullptr, u"toor"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
+  EXPECT_EQ(Authorize(nullptr, u"nobody-here"), QVX_PRIV_USER) << "the built-in line for anyone";
   EXPECT_EQ(Authorize(nullptr, nullptr), 0u);
 }
 
 TEST_F(Authenticate, AuthorizingTakesAnEmptyDomainAsNoneAndRefusesOthers) {
-  EXPECT_EQ(Authorize(u"", u"toor"), 0x40007u);
+  EXPECT_EQ(Authorize(u"", u"toor"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
   EXPECT_EQ(Authorize(u"lab", u"toor"), 0u);
   EXPECT_EQ(Authorize(u"lab", nullptr), 0u);
 }
@@ -196,16 +196,16 @@ TEST_F(Authenticate, AuthorizingWithoutMemoryGrantsNoMore) {
   const Units name = Text(u"alice");
   const u32 met = test::FailEachAllocation(
       [&name] { return PXTAuthorizeUser(nullptr, name.data()); },
-      [](u32 rights) { EXPECT_TRUE(rights == 0 || rights == 0x1) << rights; });
+      [](u32 rights) { EXPECT_TRUE(rights == 0 || rights == QVX_PRIV_USER) << rights; });
   // The name, the role map reader, and the text that it searches for.
   EXPECT_GE(met, 3u);
-  EXPECT_EQ(Authorize(nullptr, u"alice"), 0x1u);
+  EXPECT_EQ(Authorize(nullptr, u"alice"), QVX_PRIV_USER);
 }
 
 TEST_F(Authenticate, AuthorizingLeavesTheCallersNameAlone) {
   const Units name = Text(u"lab\\alice");
   const Units standing = name;
-  EXPECT_EQ(PXTAuthorizeUser(nullptr, name.data()), 0x1u);
+  EXPECT_EQ(PXTAuthorizeUser(nullptr, name.data()), QVX_PRIV_USER);
   EXPECT_EQ(name, standing);
 }
 
@@ -273,7 +273,7 @@ TEST_F(AuthenticateMemory, TheScanFindsAPlantedCopyOnHeapAndStack) {
 }
 
 TEST_F(AuthenticateMemory, NoCopyOfAnAcceptedPasswordIsLeft) {
-  EXPECT_EQ(LogInBob(false), 0x1u);
+  EXPECT_EQ(LogInBob(false), QVX_PRIV_USER);
   ExpectNowhere();
 }
 

@@ -16,6 +16,7 @@
 #include "qvxcs/access.h"
 #include "qvxcs/command_log.h"
 #include "qvxcs/status.h"
+#include "qvxcs/xml_log.h"
 
 #include "frame/module.h"
 #include "support/sanitizers.h"
@@ -133,7 +134,8 @@ TEST(Growth, TenThousandLogEntriesLeaveNothingBehind) {
   // The log moves to its backup at its default maximum size, and that happens here.
   ExpectNoGrowth([](u32 at) {
     return PXTAppendToCmdLog(static_cast<s32>(5001 + at % 1999), "a user & friends", "SOURCE",
-                             "<Parameter name=\"a\" value=\"b\"/>", 4) == SM_STATUS_SUCCESS;
+                             "<Parameter name=\"a\" value=\"b\"/>",
+                             QVX_LOG_INFORMATION) == SM_STATUS_SUCCESS;
   });
   EXPECT_TRUE(test::Exists("/etc/cim/zarn/plinthos/var/log/vexilon/qvcmdlog.xm_"));
 }

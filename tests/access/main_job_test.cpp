@@ -85,7 +85,8 @@ Outcome Request() {
   outcome.wiped =
       std::all_of(std::begin(password), std::end(password), [](ustring unit) { return unit == 0; });
   outcome.answered = BuildAnswer("alice & friends");
-  outcome.recorded = PXTAppendToCmdLog(5001, "alice", "REQUEST", "text", 4);
+  outcome.recorded =
+      PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "alice", "REQUEST", "text", QVX_LOG_INFORMATION);
   astring* const path = PXTGetCmdLogPathFileName();
   PXTFreeMem(PXTCmdGetXMLLogContent(path));
   PXTFreeMem(path);
@@ -93,8 +94,8 @@ Outcome Request() {
 }
 
 bool IsGranted(const Outcome& outcome) {
-  return outcome.process == 0x7 && outcome.rights == 0x3 && outcome.answered &&
-         outcome.recorded == SM_STATUS_SUCCESS;
+  return outcome.process == QVX_PRIV_ADMINISTRATOR && outcome.rights == QVX_PRIV_POWERUSER &&
+         outcome.answered && outcome.recorded == SM_STATUS_SUCCESS;
 }
 
 // Each new modification time makes the next request read the role map again.
@@ -127,7 +128,8 @@ enum Finding { kNotWiped = 1, kRaised = 2, kLockHeld = 4, kLeaked = 8, kLost = 1
 int Judge(const Outcome& outcome) {
   int findings = outcome.wiped ? 0 : kNotWiped;
   const bool withinRights =
-      (outcome.process == 0x7 || outcome.process == 0x0) && outcome.rights <= 3;
+      (outcome.process == QVX_PRIV_ADMINISTRATOR || outcome.process == QVX_PRIV_NONE) &&
+      outcome.rights <= 3;
   findings |= withinRights ? 0 : kRaised;
   return findings | (test::LockIsFree() ? 0 : kLockHeld);
 }
@@ -242,7 +244,7 @@ u32 WrongAnswers(u32 thread) {
 
 TEST_F(MainJob, EightThreadsLogInAtOnce) {
   ASSERT_EQ(PXTOpenRolemapFile(), 0u);
-  ASSERT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  ASSERT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
   std::atomic<u32> wrong{0};
   std::vector<std::thread> threads;
   for (u32 at = 0; at < 8; ++at) {
@@ -355,16 +357,16 @@ class MainJobNames : public MainJob {
     test::AddUser(kFaceLogin, 7004, 7100, test::Hash(kPassword));
     test::WriteRoleMap("+users * poweruser\n");
     ASSERT_EQ(PXTOpenRolemapFile(), 0u);
-    ASSERT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+    ASSERT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
     ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
   }
 };
 
 TEST_F(MainJobNames, ANameOfMarkupLogsInByItsConvertedText) {
-  EXPECT_EQ(LogIn(kMarkup), 0x3u);
-  EXPECT_EQ(PXTAuthorizeUser(nullptr, kMarkup), 0x3u);
+  EXPECT_EQ(LogIn(kMarkup), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(PXTAuthorizeUser(nullptr, kMarkup), QVX_PRIV_POWERUSER);
   ASSERT_NE(setlocale(LC_ALL, "C"), nullptr);
-  EXPECT_EQ(LogIn(kMarkup), 0x0u) << "a locale without its letter knows no such user";
+  EXPECT_EQ(LogIn(kMarkup), QVX_PRIV_NONE) << "a locale without its letter knows no such user";
 }
 
 TEST_F(MainJobNames, ANameOfMarkupIsEscapedInTheAnswer) {
@@ -377,8 +379,9 @@ TEST_F(MainJobNames, ANameOfMarkupIsEscapedInTheAnswer) {
 }
 
 TEST_F(MainJobNames, ANameOfMarkupIsEscapedInTheLogAndItsContent) {
-  ASSERT_EQ(LogIn(kMarkup), 0x3u);
-  EXPECT_EQ(PXTAppendToCmdLog(5001, kMarkupLogin, "\"<&>'", ParameterOf(kMarkup).c_str(), 4),
+  ASSERT_EQ(LogIn(kMarkup), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, kMarkupLogin, "\"<&>'",
+                              ParameterOf(kMarkup).c_str(), QVX_LOG_INFORMATION),
             SM_STATUS_SUCCESS);
   EXPECT_TRUE(test::IsWellFormed(test::kCommandLog));
   const std::string content = LogContent();
@@ -394,14 +397,15 @@ TEST_F(MainJobNames, ANameOfMarkupIsEscapedInTheLogAndItsContent) {
 
 // Nine bytes for three units do not fit the login's buffer; the XML has room for all.
 TEST_F(MainJobNames, ANameThatBeginsWithAPairIsRefusedAndShownWithThePairTwice) {
-  EXPECT_EQ(LogIn(kFace), 0x0u);
-  EXPECT_EQ(PXTAuthorizeUser(nullptr, kFace), 0x0u);
+  EXPECT_EQ(LogIn(kFace), QVX_PRIV_NONE);
+  EXPECT_EQ(PXTAuthorizeUser(nullptr, kFace), QVX_PRIV_NONE);
   const std::string login = LoginOf(kFace);
   EXPECT_EQ(login, kFaceLogin);
   const std::string answer = AnswerTo(kFace, login);
   EXPECT_EQ(answer, ExpectedAnswer(kFaceEscaped));
   EXPECT_EQ(Parsed(answer, "/Answer/User"), kFaceLogin);
-  EXPECT_EQ(PXTAppendToCmdLog(5002, login.c_str(), "WEB", ParameterOf(kFace).c_str(), 4),
+  EXPECT_EQ(PXTAppendToCmdLog(5002, login.c_str(), "WEB", ParameterOf(kFace).c_str(),
+                              QVX_LOG_INFORMATION),
             SM_STATUS_SUCCESS);
   const std::string content = LogContent();
   EXPECT_EQ(content,
@@ -412,8 +416,8 @@ TEST_F(MainJobNames, ANameThatBeginsWithAPairIsRefusedAndShownWithThePairTwice) 
 }
 
 TEST_F(MainJobNames, ANameThatBeginsWithHalfAPairIsRefusedAndLeftOut) {
-  EXPECT_EQ(LogIn(kHalf), 0x0u);
-  EXPECT_EQ(PXTAuthorizeUser(nullptr, kHalf), 0x0u);
+  EXPECT_EQ(LogIn(kHalf), QVX_PRIV_NONE);
+  EXPECT_EQ(PXTAuthorizeUser(nullptr, kHalf), QVX_PRIV_NONE);
   EXPECT_EQ(LoginOf(kHalf), "status " + std::to_string(SM_STATUS_BAD_DATA));
   void* const answer = PXTXAllocBuf(16, 0);
   EXPECT_EQ(PXTXBufCatBeginNode(answer, "Answer", nullptr), SM_STATUS_SUCCESS);
@@ -423,7 +427,8 @@ TEST_F(MainJobNames, ANameThatBeginsWithHalfAPairIsRefusedAndLeftOut) {
   const std::string text = Taken(answer);
   EXPECT_EQ(text, "<Answer><Name></Name></Answer>");
   EXPECT_EQ(ParameterOf(kHalf), "<Parameter name=\"user\"/>");
-  EXPECT_EQ(PXTAppendToCmdLog(5003, "?", "WEB", ParameterOf(kHalf).c_str(), 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTAppendToCmdLog(5003, "?", "WEB", ParameterOf(kHalf).c_str(), QVX_LOG_INFORMATION),
+            SM_STATUS_SUCCESS);
   const std::string content = LogContent();
   EXPECT_EQ(content,
             ExpectedContent(test::EntryOf(4, 5003, "?", "WEB", "<Parameter name=\"user\"/>")));

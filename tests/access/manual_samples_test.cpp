@@ -53,7 +53,7 @@ TEST(ManualRoleMap, SampleHasNoFault) {
 
 TEST(ManualRoleMap, RootAndAliceAdminister) {
   Load("example");
-  EXPECT_EQ(RightsOf(u"root"), 0x40007u);
+  EXPECT_EQ(RightsOf(u"root"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
   EXPECT_EQ(RightsOf(u"alice"), 7u);
 }
 

@@ -41,9 +41,11 @@ class MaskRights : public ::testing::Test {
 
 TEST_F(MaskRights, AnAdministratorIsReturnedWithoutReadingAFile) {
   ASSERT_EQ(unlink(kIniFile), 0);
-  EXPECT_EQ(Mask(7), 7u);
-  EXPECT_EQ(Mask(0x40007), 0x40007u);
-  EXPECT_EQ(PXTMaskProgramRights(0x40007, nullptr, nullptr, nullptr), 0x40007u);
+  EXPECT_EQ(Mask(QVX_PRIV_ADMINISTRATOR), QVX_PRIV_ADMINISTRATOR);
+  EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR),
+            u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
+  EXPECT_EQ(PXTMaskProgramRights(QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR, nullptr, nullptr, nullptr),
+            u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
   EXPECT_EQ(reason, kNoReason);
 }
 
@@ -64,12 +66,12 @@ TEST_F(MaskRights, OnlyExactlyTrueOverrides) {
 
 TEST_F(MaskRights, AUserKeepsItsRightsOnlyWithMaskThree) {
   OemFile("accessmask=3\n");
-  EXPECT_EQ(Mask(0x40001), 0x40001u);
+  EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_USER), u32{QVX_PRIV_ROOT | QVX_PRIV_USER});
   EXPECT_EQ(reason, kNoReason);
   for (const char* mask : {"0", "1", "2", "4", "7", "-1"}) {
     OemFile(std::string("accessmask=") + mask + "\n");
-    EXPECT_EQ(Mask(0x40001), 0x40000u) << mask;
-    EXPECT_EQ(reason, 1001u) << mask;
+    EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_USER), QVX_PRIV_ROOT) << mask;
+    EXPECT_EQ(reason, QVX_MASKED_USER) << mask;
   }
 }
 
@@ -79,19 +81,25 @@ TEST_F(MaskRights, APowerUserIsCutToTheMasksLowBitsOnlyUpToOne) {
     u32 level;
     u32 reason;
   };
-  const Case cases[] = {{"0", 0, 1002},       {"1", 1, kNoReason},  {"2", 3, kNoReason},
-                        {"3", 3, kNoReason},  {"7", 3, kNoReason},  {"-1", 3, kNoReason},
-                        {"-2", 2, kNoReason}, {"-3", 1, kNoReason}, {"-4", 0, 1002}};
+  const Case cases[] = {{"0", 0, QVX_MASKED_POWERUSER},
+                        {"1", 1, kNoReason},
+                        {"2", 3, kNoReason},
+                        {"3", 3, kNoReason},
+                        {"7", 3, kNoReason},
+                        {"-1", 3, kNoReason},
+                        {"-2", 2, kNoReason},
+                        {"-3", 1, kNoReason},
+                        {"-4", 0, QVX_MASKED_POWERUSER}};
   for (const Case& one : cases) {
     OemFile(std::string("accessmask=") + one.mask + "\n");
-    EXPECT_EQ(Mask(0x40003), 0x40000u + one.level) << one.mask;
+    EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_POWERUSER), QVX_PRIV_ROOT + one.level) << one.mask;
     EXPECT_EQ(reason, one.reason) << one.mask;
   }
 }
 
 TEST_F(MaskRights, OtherLevelsStay) {
   OemFile("accessmask=0\n");
-  for (const u32 rights : {0u, 2u, 5u, 0x40000u, 0x107u})
+  for (const u32 rights : {0u, 2u, 5u, u32{QVX_PRIV_ROOT}, 0x107u})
     EXPECT_EQ(Mask(rights), rights);
   EXPECT_EQ(reason, kNoReason);
 }
@@ -99,23 +107,23 @@ TEST_F(MaskRights, OtherLevelsStay) {
 TEST_F(MaskRights, AMaskThatIsNoNumberIsZero) {
   OemFile("accessmask=all\n");
   EXPECT_EQ(Mask(3), 0u);
-  EXPECT_EQ(reason, 1002u);
+  EXPECT_EQ(reason, QVX_MASKED_POWERUSER);
 }
 
 TEST_F(MaskRights, AMissingMaskIsNoAccessWithoutAReason) {
   OemFile("other=1\n");
-  EXPECT_EQ(Mask(0x40001), 0u);
-  EXPECT_EQ(Mask(0x40003), 0u);
+  EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_USER), 0u);
+  EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_POWERUSER), 0u);
   EXPECT_EQ(reason, kNoReason);
 }
 
 TEST_F(MaskRights, AMissingOemOrFileIsNoAccess) {
-  EXPECT_EQ(Mask(0x40001), 0u) << "the OEM's file is missing";
+  EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_USER), 0u) << "the OEM's file is missing";
   test::WriteFile(kIniFile, "[OEM]\nother=acme\n");
   OemFile("accessmask=3\n");
-  EXPECT_EQ(Mask(0x40001), 0u) << "the OEM has no name";
+  EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_USER), 0u) << "the OEM has no name";
   ASSERT_EQ(unlink(kIniFile), 0);
-  EXPECT_EQ(Mask(0x40001), 0u) << "the product's file is missing";
+  EXPECT_EQ(Mask(QVX_PRIV_ROOT | QVX_PRIV_USER), 0u) << "the product's file is missing";
   EXPECT_EQ(reason, kNoReason);
 }
 
@@ -139,8 +147,10 @@ TEST_F(MaskRights, NullTextsAreNoAccess) {
 
 TEST_F(MaskRights, ANullReasonIsNotStored) {
   OemFile("accessmask=0\n");
-  EXPECT_EQ(PXTMaskProgramRights(0x40001, "svc", "qvprod.ini", nullptr), 0x40000u);
-  EXPECT_EQ(PXTMaskProgramRights(0x40003, "svc", "qvprod.ini", nullptr), 0x40000u);
+  EXPECT_EQ(PXTMaskProgramRights(QVX_PRIV_ROOT | QVX_PRIV_USER, "svc", "qvprod.ini", nullptr),
+            QVX_PRIV_ROOT);
+  EXPECT_EQ(PXTMaskProgramRights(QVX_PRIV_ROOT | QVX_PRIV_POWERUSER, "svc", "qvprod.ini", nullptr),
+            QVX_PRIV_ROOT);
 }
 
 TEST_F(MaskRights, ThePrefixBeginsTheOemFilesName) {
@@ -152,8 +162,10 @@ TEST_F(MaskRights, ThePrefixBeginsTheOemFilesName) {
 TEST_F(MaskRights, WithoutMemoryNothingIsRaised) {
   OemFile("accessmask=3\n");
   const u32 met = test::FailEachAllocation(
-      [this] { return Mask(0x40001); },
-      [](u32 rights) { EXPECT_TRUE(rights == 0 || rights == 0x40001) << rights; });
+      [this] { return Mask(QVX_PRIV_ROOT | QVX_PRIV_USER); },
+      [](u32 rights) {
+        EXPECT_TRUE(rights == 0 || rights == u32{QVX_PRIV_ROOT | QVX_PRIV_USER}) << rights;
+      });
   EXPECT_GE(met, 3u);
 }
 

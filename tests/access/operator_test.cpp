@@ -91,21 +91,21 @@ class Operator : public ::testing::Test {
 
 TEST_F(Operator, HasTheRightsOfAUserOfItsOwn) {
   AsAlice([] {
-    EXPECT_EQ(PXTGetProcessRights(), 0x1u);
+    EXPECT_EQ(PXTGetProcessRights(), QVX_PRIV_USER);
     astring* const name = PXTGetProcessUser();
     EXPECT_STREQ(name, "alice");
     PXTFreeMem(name);
     const ustring alice[] = {'a', 'l', 'i', 'c', 'e', 0};
     const ustring root[] = {'r', 'o', 'o', 't', 0};
-    EXPECT_EQ(PXTAuthorizeUser(nullptr, alice), 0x1u);
-    EXPECT_EQ(PXTAuthorizeUser(nullptr, root), 0x40007u);
+    EXPECT_EQ(PXTAuthorizeUser(nullptr, alice), QVX_PRIV_USER);
+    EXPECT_EQ(PXTAuthorizeUser(nullptr, root), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
   });
 }
 
 TEST_F(Operator, TheBuiltInLinesStandInForARoleMapThatItMayNotRead) {
   AsAlice([] {
     EXPECT_EQ(PXTOpenRolemapFile(), 0u);
-    EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x1u) << "not the administrator of the file";
+    EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_USER) << "not the administrator of the file";
   });
   EXPECT_EQ(test::ReadFile(test::kCommandLog), kLogText) << "it may not write that either";
 }
@@ -118,7 +118,7 @@ TEST_F(Operator, ItsRoleMapFaultIsLoggedWhereTheLogIsItsGroups) {
   EXPECT_EQ(LogCount("<LogEntry>"), 1u);
   AsAlice([] {
     EXPECT_EQ(PXTOpenRolemapFile(), 0u);
-    EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x1u);
+    EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_USER);
   });
   EXPECT_EQ(LogCount("<ID>5912</ID>"), 2u);
   EXPECT_EQ(LogCount("<ID>5914</ID>"), 1u) << "0x171A: the query finds no records";
@@ -130,7 +130,7 @@ TEST_F(Operator, ReadsSettingsUnderASharedLock) {
     char value[16] = {};
     u32 size = sizeof(value);
     EXPECT_EQ(PXTReadINIPathFileValue("first", "key", kText, value, &size, nullptr, 0,
-                                      (kIniFolder + "a.ini").c_str(), 1),
+                                      (kIniFolder + "a.ini").c_str(), QVX_LOCK_WAIT),
               SM_STATUS_SUCCESS);
     EXPECT_STREQ(value, "value");
     EXPECT_EQ(size, 6u);
@@ -147,16 +147,16 @@ TEST_F(Operator, AFileThatItMayNotReadIsAnOpenFailure) {
     const std::string path = kIniFolder + "secret.ini";
     char text[16] = "untouched";
     u32 size = sizeof(text);
-    EXPECT_EQ(
-        PXTReadINIPathFileValue("first", "key", kText, text, &size, "default", 8, path.c_str(), 1),
-        SM_STATUS_FILE_OPEN_FAILED);
+    EXPECT_EQ(PXTReadINIPathFileValue("first", "key", kText, text, &size, "default", 8,
+                                      path.c_str(), QVX_LOCK_WAIT),
+              SM_STATUS_FILE_OPEN_FAILED);
     EXPECT_STREQ(text, "untouched");
     EXPECT_EQ(size, 16u);
     u32 number = 0;
     size = sizeof(number);
     const u32 standard = 9;
     EXPECT_EQ(PXTReadINIPathFileValue("first", "number", kNumber, &number, &size, &standard, 4,
-                                      path.c_str(), 1),
+                                      path.c_str(), QVX_LOCK_WAIT),
               SM_STATUS_FILE_OPEN_FAILED);
     EXPECT_EQ(number, 9u);
     EXPECT_EQ(size, 4u);
@@ -168,13 +168,13 @@ TEST_F(Operator, WritesNoSettings) {
     for (const char* name : {"a.ini", "secret.ini", "new.ini"}) {
       for (const char* section : {"first", "new"}) {
         EXPECT_EQ(PXTWriteINIPathFileValue(section, "key", kText, "other", 6,
-                                           (kIniFolder + name).c_str(), 1),
+                                           (kIniFolder + name).c_str(), QVX_LOCK_WAIT),
                   SM_STATUS_FILE_OPEN_FAILED)
             << name << section;
       }
     }
     EXPECT_EQ(PXTWriteINIPathFileValue("first", "key", kText, "other", 6,
-                                       (kIniFolder + "folder/a.ini").c_str(), 1),
+                                       (kIniFolder + "folder/a.ini").c_str(), QVX_LOCK_WAIT),
               kFailed)
         << "the folder cannot be made";
     astring key[] = "key";
@@ -193,9 +193,11 @@ TEST_F(Operator, WritesNoSettings) {
 
 TEST_F(Operator, ReadsTheLogAndCannotChangeIt) {
   AsAlice([] {
-    EXPECT_EQ(PXTAppendToCmdLog(5001, "alice", "test", "text", 4), kFailed);
+    EXPECT_EQ(PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "alice", "test", "text", QVX_LOG_INFORMATION),
+              kFailed);
     EXPECT_EQ(PXTClearCmdLog("alice", "test"), kFailed);
-    EXPECT_EQ(PXTAppendToXMLLog(test::kCommandLog, 4, 1, "alice", "test", "text", nullptr, 0, 1),
+    EXPECT_EQ(PXTAppendToXMLLog(test::kCommandLog, QVX_LOG_INFORMATION, 1, "alice", "test", "text",
+                                nullptr, 0, 1),
               kFailed)
         << "the backup fails quietly, the append does not";
     u32 size = 0;
@@ -216,7 +218,8 @@ TEST_F(Operator, AMissingLogStaysMissing) {
   ASSERT_EQ(unlink(test::kCommandLog), 0);
   AsAlice([] {
     EXPECT_EQ(PXTGetCmdLogPathFileName(), nullptr);
-    EXPECT_EQ(PXTAppendToCmdLog(5001, "alice", "test", "text", 4), kFailed);
+    EXPECT_EQ(PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "alice", "test", "text", QVX_LOG_INFORMATION),
+              kFailed);
     EXPECT_EQ(PXTForceXMLLogExists(test::kCommandLog, "alice", "test"), kFailed);
   });
   EXPECT_FALSE(test::Exists(test::kCommandLog));
@@ -230,9 +233,9 @@ TEST_F(Operator, LogsInOnlyItself) {
     ustring right[] = {'W', 'o', 'n', 'd', 'e', 'r', '-', '1', 'a', 'n', 'd', 0};
     ustring wrong[] = {'w', 'o', 'n', 'd', 'e', 'r', 0};
     ustring builder[] = {'B', 'u', 'i', 'l', 'd', 'e', 'r', '-', '2', 0};
-    EXPECT_EQ(PXTAuthenticateUser(nullptr, alice, right), 0x1u);
-    EXPECT_EQ(PXTAuthenticateUser(nullptr, alice, wrong), 0x0u);
-    EXPECT_EQ(PXTAuthenticateUser(nullptr, bob, builder), 0x0u);
+    EXPECT_EQ(PXTAuthenticateUser(nullptr, alice, right), QVX_PRIV_USER);
+    EXPECT_EQ(PXTAuthenticateUser(nullptr, alice, wrong), QVX_PRIV_NONE);
+    EXPECT_EQ(PXTAuthenticateUser(nullptr, bob, builder), QVX_PRIV_NONE);
     EXPECT_EQ(right[0] + right[10] + builder[0] + builder[8], 0) << "wiped";
   });
 }

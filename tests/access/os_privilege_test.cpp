@@ -8,6 +8,8 @@
 
 #include <vector>
 
+#include "qvxcs/access.h"
+
 #include "access/role.h"
 #include "base/heap.h"
 #include "support/alloc_fault.h"
@@ -77,14 +79,14 @@ TEST(OsPrivilege, TheSystemKnowsSuperuserMembersOfGroupZeroAndOthers) {
   test::AddUser("member", 7002, 7002);
   test::AddUser("primary", 7003, 0);
   test::WriteFile("/etc/group", "root:x:0:member\nstaff:x:50:alice,member\n");
-  EXPECT_EQ(GetOSPrivilege("root"), 0x7u);
-  EXPECT_EQ(GetOSPrivilege("toor"), 0x7u);
-  EXPECT_EQ(GetOSPrivilege("alice"), 0x1u);
-  EXPECT_EQ(GetOSPrivilege("member"), 0x3u);
-  EXPECT_EQ(GetOSPrivilege("primary"), 0x3u);
-  EXPECT_EQ(GetOSPrivilege("nobody-here"), 0x0u);
-  EXPECT_EQ(GetOSPrivilege(""), 0x0u);
-  EXPECT_EQ(GetOSPrivilege(nullptr), 0x0u);
+  EXPECT_EQ(GetOSPrivilege("root"), QVX_PRIV_ADMINISTRATOR);
+  EXPECT_EQ(GetOSPrivilege("toor"), QVX_PRIV_ADMINISTRATOR);
+  EXPECT_EQ(GetOSPrivilege("alice"), QVX_PRIV_USER);
+  EXPECT_EQ(GetOSPrivilege("member"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(GetOSPrivilege("primary"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(GetOSPrivilege("nobody-here"), QVX_PRIV_NONE);
+  EXPECT_EQ(GetOSPrivilege(""), QVX_PRIV_NONE);
+  EXPECT_EQ(GetOSPrivilege(nullptr), QVX_PRIV_NONE);
 }
 
 TEST(OsPrivilege, ManyGroupsAreAllSeen) {
@@ -95,7 +97,7 @@ TEST(OsPrivilege, ManyGroupsAreAllSeen) {
     groups += "g" + std::to_string(at) + ":x:" + std::to_string(8000 + at) + ":alice\n";
   }
   test::WriteFile("/etc/group", groups + "root:x:0:alice\n");
-  EXPECT_EQ(GetOSPrivilege("alice"), 0x3u);
+  EXPECT_EQ(GetOSPrivilege("alice"), QVX_PRIV_POWERUSER);
 }
 
 // Its answers with each allocation failing in turn: the account's entry, then the group list.
@@ -110,8 +112,8 @@ TEST(OsPrivilege, WithoutMemoryForTheGroupListAMemberOfGroupZeroIsAUser) {
   test::OnlyRoot();
   test::AddUser("member", 7002, 7002);
   test::WriteFile("/etc/group", "root:x:0:member\n");
-  EXPECT_EQ(PrivilegesWithoutMemory("member"), (std::vector<u32>{0x0, 0x1}));
-  EXPECT_EQ(PrivilegesWithoutMemory("root"), (std::vector<u32>{0x0}));
+  EXPECT_EQ(PrivilegesWithoutMemory("member"), (std::vector<u32>{QVX_PRIV_NONE, QVX_PRIV_USER}));
+  EXPECT_EQ(PrivilegesWithoutMemory("root"), (std::vector<u32>{QVX_PRIV_NONE}));
 }
 
 TEST(OsPrivilege, GroupsAreThoseThatListTheUserCaseKept) {

@@ -68,9 +68,9 @@ TEST_F(Restart, BetweenOpenAndQueryTheRoleMapIsReadAndNoUpload) {
   (void)PXTOpenRolemapFile();
   RestartTheService();
   const int upload = OpenUpload("alice,mallory * administrator\n");
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u) << "root's, by the system";
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
-  EXPECT_EQ(RightsOf("mallory"), 0x0u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR) << "root's, by the system";
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
+  EXPECT_EQ(RightsOf("mallory"), QVX_PRIV_NONE);
   EXPECT_FALSE(IsLogged("QVXSERVER"));
   ExpectOpen(upload);
 }
@@ -80,7 +80,7 @@ TEST_F(Restart, BetweenOpenAndQueryAFaultlessRoleMapIsNotLost) {
   (void)PXTOpenRolemapFile();
   RestartTheService();
   (void)PXTGetRightsUsingRolemap();
-  EXPECT_EQ(RightsOf("alice"), 0x3u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_POWERUSER);
   EXPECT_FALSE(IsLogged("QVXSERVER"));
 }
 
@@ -90,11 +90,11 @@ TEST_F(Restart, AfterAFaultyLineTheNextQueryReadsOnInTheRoleMap) {
   (void)PXTOpenRolemapFile();
   (void)PXTGetRightsUsingRolemap();
   ASSERT_TRUE(IsLogged("5915"));
-  ASSERT_EQ(RightsOf("alice"), 0x1u) << "the built-in lines stand in";
+  ASSERT_EQ(RightsOf("alice"), QVX_PRIV_USER) << "the built-in lines stand in";
   RestartTheService();
   const int upload = OpenUpload("alice * nothing\n" + comment + "mallory * administrator\n");
   (void)PXTGetRightsUsingRolemap();
-  EXPECT_EQ(RightsOf("mallory"), 0x1u) << "the maps in force stay";
+  EXPECT_EQ(RightsOf("mallory"), QVX_PRIV_USER) << "the maps in force stay";
   EXPECT_FALSE(IsLogged("5914")) << "the role map is not taken for one without lines";
   ExpectOpen(upload);
 }
@@ -108,7 +108,7 @@ TEST_F(Restart, AHostsFileUnderTheRoleMapsNumberIsNeverRead) {
   const int upload = OpenUpload("alice,mallory * administrator\n");
   ASSERT_EQ(upload, lowest);
   (void)PXTGetRightsUsingRolemap();
-  EXPECT_EQ(RightsOf("mallory"), 0x1u) << "the built-in lines stand in";
+  EXPECT_EQ(RightsOf("mallory"), QVX_PRIV_USER) << "the built-in lines stand in";
   EXPECT_TRUE(IsLogged("5914"));
   ExpectOpen(upload);
 }

@@ -421,7 +421,9 @@ void ExpectLogins(const Records& records, const ModelMachine& machine, const std
     const u32 bySystem = RightsOfSystem(login.first);
     const u32 both = byMap == 0 ? 0 : std::max(byMap, bySystem);
     std::string text = login.text;
-    ASSERT_EQ(qvx::get_user_rights(text.data()), bySystem == 7 ? 0x40007 : both) << login.text;
+    ASSERT_EQ(qvx::get_user_rights(text.data()),
+              bySystem == 7 ? u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR} : both)
+        << login.text;
   }
 }
 

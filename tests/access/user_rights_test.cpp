@@ -74,7 +74,7 @@ TEST_F(UserRights, OpenAnswersZeroAndLeavesAFaultToTheQuery) {
   WriteRoleMap("# note\n\nroot * admin\n");
   EXPECT_EQ(PXTOpenRolemapFile(), 0u);
   EXPECT_EQ(FaultEntries(), 0u);
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u) << "the built-in lines stand in";
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR) << "the built-in lines stand in";
   EXPECT_EQ(FaultEntries(), 1u);
   EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"3\"/>"), 1u);
   EXPECT_EQ(LogCount("5915"), 1u) << "0x171B, an invalid role";
@@ -93,7 +93,7 @@ TEST_F(UserRights, AMissingFileIsLoggedByTheOpenAndByTheQuery) {
   EXPECT_EQ(FaultEntries(), 1u);
   EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"0\"/>"), 1u);
   EXPECT_EQ(LogCount("5912"), 1u) << "0x1718, a failed open";
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
   EXPECT_EQ(FaultEntries(), 2u);
 }
 
@@ -106,10 +106,10 @@ TEST_F(UserRights, AWrongModeIsLogged) {
 TEST_F(UserRights, AConflictIsLoggedWithItsLineAndTheDefaultsStandIn) {
   WriteRoleMap("alice h user\nalice h user\n");
   (void)PXTOpenRolemapFile();
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
   EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"2\"/>"), 1u);
   EXPECT_EQ(LogCount("5916"), 1u) << "0x171C, a conflict";
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
 }
 
 TEST_F(UserRights, LinesInForceOutlastTheirFile) {
@@ -117,20 +117,20 @@ TEST_F(UserRights, LinesInForceOutlastTheirFile) {
   ASSERT_EQ(chmod(test::kRoleMap, 0644), 0);
   EXPECT_EQ(PXTOpenRolemapFile(), 0u);
   EXPECT_EQ(FaultEntries(), 1u);
-  EXPECT_EQ(RightsOf("alice"), 0x3u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_POWERUSER);
   ASSERT_EQ(unlink(test::kRoleMap), 0);
   EXPECT_EQ(PXTOpenRolemapFile(), 0u);
   EXPECT_EQ(FaultEntries(), 2u);
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
   EXPECT_EQ(FaultEntries(), 2u) << "the query has records";
-  EXPECT_EQ(RightsOf("alice"), 0x3u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_POWERUSER);
 }
 
 TEST_F(UserRights, AConflictIsMendedByACorrectedFile) {
   Load("alice h user\nalice h user\n");
   ASSERT_EQ(FaultEntries(), 1u);
   Load("alice * poweruser\n", 2000000);
-  EXPECT_EQ(RightsOf("alice"), 0x3u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_POWERUSER);
   EXPECT_EQ(FaultEntries(), 1u);
 }
 
@@ -138,31 +138,31 @@ TEST_F(UserRights, AFaultWithinALineIsNotMendedByACorrectedFile) {
   Load("alice * nothing\n");
   ASSERT_EQ(FaultEntries(), 1u);
   Load("alice * poweruser\n", 2000000);
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
   EXPECT_EQ(LogCount("5914"), 1u) << "0x171A, no records";
 }
 
 TEST_F(UserRights, AFaultThatCannotBeLoggedChangesNothingElse) {
   ASSERT_EQ(system("rm -r /etc/cim/zarn/plinthos/var/log"), 0);
   EXPECT_EQ(PXTOpenRolemapFile(), 0u);
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
 }
 
 TEST_F(UserRights, TheProcessUserHasTheFilesGrantWithoutTheRootBit) {
   Load("root * poweruser\n");
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x3u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_POWERUSER);
 }
 
 TEST_F(UserRights, TheProcessUserIsJudgedOnThisHostInLowerCase) {
   ASSERT_EQ(sethostname("QVXTest", 7), 0);
   Load("root *.qvxtest user\nroot * administrator\n");
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x1u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_USER);
 }
 
 TEST_F(UserRights, ASuperuserWithoutAGrantIsAnAdministratorAllTheSame) {
   Load("alice * user\n");
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u);
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
 }
 
 TEST_F(UserRights, OfTheSystemsAnswersOnlyTheSuperusersIsTakenForTheProcess) {
@@ -185,10 +185,10 @@ TEST_F(UserRights, AProcessWithoutAUserNameHasNoRights) {
 
 TEST_F(UserRights, LoginsAloneUseTheBuiltInLines) {
   WriteRoleMap("alice * administrator\n");
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
-  EXPECT_EQ(RightsOf("member"), 0x3u);
-  EXPECT_EQ(RightsOf("root"), 0x40007u);
-  EXPECT_EQ(RightsOf("nobody-here"), 0x1u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
+  EXPECT_EQ(RightsOf("member"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(RightsOf("root"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
+  EXPECT_EQ(RightsOf("nobody-here"), QVX_PRIV_USER);
   EXPECT_EQ(FaultEntries(), 0u);
 }
 
@@ -196,99 +196,100 @@ TEST_F(UserRights, ANullLoginHasNoRights) { EXPECT_EQ(get_user_rights(nullptr), 
 
 TEST_F(UserRights, MapsOfTheFileInForceAnswerLoginsToo) {
   Load("alice * administrator\n");
-  EXPECT_EQ(RightsOf("alice"), 0x7u);
-  EXPECT_EQ(RightsOf("member"), 0x0u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_ADMINISTRATOR);
+  EXPECT_EQ(RightsOf("member"), QVX_PRIV_NONE);
 }
 
 TEST_F(UserRights, ALoginBetweenOpenAndQueryLeavesTheDefaultsUntilTheTimeChanges) {
   WriteRoleMap("alice * administrator\n");
   (void)PXTOpenRolemapFile();
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
   (void)PXTGetRightsUsingRolemap();
-  EXPECT_EQ(RightsOf("alice"), 0x1u) << "the maps of the defaults are in force";
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER) << "the maps of the defaults are in force";
   (void)PXTOpenRolemapFile();
   (void)PXTGetRightsUsingRolemap();
-  EXPECT_EQ(RightsOf("alice"), 0x1u) << "an unchanged time changes nothing";
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER) << "an unchanged time changes nothing";
   Load("alice * administrator\n", 2000000);
-  EXPECT_EQ(RightsOf("alice"), 0x7u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_ADMINISTRATOR);
 }
 
 TEST_F(UserRights, ARoleMapThatGrantsNothingLeavesOnlyTheSuperuser) {
   Load("nobody-here h user\n");
-  EXPECT_EQ(RightsOf("alice"), 0x0u);
-  EXPECT_EQ(RightsOf("member"), 0x0u);
-  EXPECT_EQ(RightsOf("root"), 0x40007u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_NONE);
+  EXPECT_EQ(RightsOf("member"), QVX_PRIV_NONE);
+  EXPECT_EQ(RightsOf("root"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
 }
 
 TEST_F(UserRights, TheGreaterOfRoleMapAndSystemIsTaken) {
   Load("member,alice * user\n");
-  EXPECT_EQ(RightsOf("member"), 0x3u) << "by group 0";
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(RightsOf("member"), QVX_PRIV_POWERUSER) << "by group 0";
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
   Load("member * administrator\n", 2000000);
-  EXPECT_EQ(RightsOf("member"), 0x7u);
+  EXPECT_EQ(RightsOf("member"), QVX_PRIV_ADMINISTRATOR);
 }
 
 TEST_F(UserRights, TheSuperuserIsAboveTheRoleMap) {
   Load("root * user\n");
-  EXPECT_EQ(RightsOf("root"), 0x40007u);
+  EXPECT_EQ(RightsOf("root"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
 }
 
 // Without IP support there is no host name, as before the library is attached.
 TEST(UserRightsOfAnUnknownHost, APlainLoginIsOnTheEmptyHost) {
   test::OnlyRoot();
   Load("alice *.elsewhere poweruser\nalice * user\n");
-  EXPECT_EQ(RightsOf("alice"), 0x3u) << "the empty host is in every pattern";
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_POWERUSER) << "the empty host is in every pattern";
 }
 
 TEST_F(UserRights, AnAtSignPartsUserAndHost) {
   Load("alice *.lab.x poweruser\nalice * user\n");
-  EXPECT_EQ(RightsOf("alice@LAB"), 0x3u);
-  EXPECT_EQ(RightsOf("alice@else"), 0x1u);
-  EXPECT_EQ(RightsOf("alice@@lab"), 0x3u) << "separators in a row are one";
-  EXPECT_EQ(RightsOf("@alice@lab@rest"), 0x3u) << "leading ones are skipped, a third token unread";
+  EXPECT_EQ(RightsOf("alice@LAB"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(RightsOf("alice@else"), QVX_PRIV_USER);
+  EXPECT_EQ(RightsOf("alice@@lab"), QVX_PRIV_POWERUSER) << "separators in a row are one";
+  EXPECT_EQ(RightsOf("@alice@lab@rest"), QVX_PRIV_POWERUSER)
+      << "leading ones are skipped, a third token unread";
 }
 
 TEST_F(UserRights, ALoginThatEndsInAnAtSignIsOnTheEmptyHost) {
   Load("alice *.lab.x poweruser\nalice * user\n");
-  EXPECT_EQ(RightsOf("alice@"), 0x3u) << "the empty host is in every pattern";
+  EXPECT_EQ(RightsOf("alice@"), QVX_PRIV_POWERUSER) << "the empty host is in every pattern";
 }
 
 TEST_F(UserRights, ABackslashPartsDomainAndUser) {
   Load("alice *.lab.x poweruser\nalice * user\n");
-  EXPECT_EQ(RightsOf("LAB\\alice"), 0x3u);
-  EXPECT_EQ(RightsOf("else\\alice"), 0x1u);
+  EXPECT_EQ(RightsOf("LAB\\alice"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(RightsOf("else\\alice"), QVX_PRIV_USER);
 }
 
 TEST_F(UserRights, TheAtSignIsSoughtBeforeTheBackslash) {
   Load("lab\\alice *.srv poweruser\n");
-  EXPECT_EQ(RightsOf("lab\\alice@srv"), 0x3u);
+  EXPECT_EQ(RightsOf("lab\\alice@srv"), QVX_PRIV_POWERUSER);
 }
 
 TEST_F(UserRights, ADomainWithoutAUserIsTheEmptyUser) {
   Load(",x *.lab.x poweruser\n");
-  EXPECT_EQ(RightsOf("LAB\\"), 0x3u);
-  EXPECT_EQ(RightsOf("else\\"), 0x0u);
+  EXPECT_EQ(RightsOf("LAB\\"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(RightsOf("else\\"), QVX_PRIV_NONE);
 }
 
 TEST_F(UserRights, ALoneCommaNamesTheEmptyUserTwiceWhichIsAConflict) {
   Load("alice * administrator\n, h user\n");
   EXPECT_EQ(LogCount("<Parameter name=\"line\" value=\"2\"/>"), 1u);
-  EXPECT_EQ(RightsOf("alice"), 0x1u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_USER);
 }
 
 TEST_F(UserRights, ALoginOfSeparatorsOnlyIsNobodyOnTheEmptyHost) {
   Load(",x *.lab.x poweruser\n");
-  EXPECT_EQ(RightsOf("@@"), 0x3u);
-  EXPECT_EQ(RightsOf("\\"), 0x3u);
+  EXPECT_EQ(RightsOf("@@"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(RightsOf("\\"), QVX_PRIV_POWERUSER);
 }
 
 TEST_F(UserRights, TheSystemIsAskedOfTheDomainOfADomainLogin) {
   Load("alice,root * user\n");
-  EXPECT_EQ(RightsOf("root\\alice"), 0x40007u);
-  EXPECT_EQ(RightsOf("ROOT\\alice"), 0x1u) << "as written, case kept";
-  EXPECT_EQ(RightsOf("lab\\root"), 0x1u);
-  EXPECT_EQ(RightsOf("root@lab"), 0x40007u);
-  EXPECT_EQ(RightsOf("@root@lab"), 0x1u) << "the text still begins with its separator";
+  EXPECT_EQ(RightsOf("root\\alice"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
+  EXPECT_EQ(RightsOf("ROOT\\alice"), QVX_PRIV_USER) << "as written, case kept";
+  EXPECT_EQ(RightsOf("lab\\root"), QVX_PRIV_USER);
+  EXPECT_EQ(RightsOf("root@lab"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR});
+  EXPECT_EQ(RightsOf("@root@lab"), QVX_PRIV_USER) << "the text still begins with its separator";
 }
 
 TEST_F(UserRights, TheLoginIsSplitInPlace) {
@@ -299,44 +300,46 @@ TEST_F(UserRights, TheLoginIsSplitInPlace) {
 
 TEST_F(UserRights, APlainLoginIsOnThisHost) {
   Load("alice *.qvxtest.x poweruser\nalice * user\n");
-  EXPECT_EQ(RightsOf("alice"), 0x3u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_POWERUSER);
 }
 
 TEST_F(UserRights, ALoginThatCannotBeWidenedHasNoRoleMapRights) {
   ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
-  EXPECT_EQ(RightsOf("a\xFFlice"), 0x0u);
-  EXPECT_EQ(RightsOf("root@\xFF"), 0x40007u) << "the superuser is the system's affair";
-  EXPECT_EQ(RightsOf("alice@\xFF"), 0x0u);
+  EXPECT_EQ(RightsOf("a\xFFlice"), QVX_PRIV_NONE);
+  EXPECT_EQ(RightsOf("root@\xFF"), u32{QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR})
+      << "the superuser is the system's affair";
+  EXPECT_EQ(RightsOf("alice@\xFF"), QVX_PRIV_NONE);
 }
 
 TEST_F(UserRights, AThisHostThatCannotBeWidenedGrantsNothing) {
   ASSERT_NE(setlocale(LC_ALL, "C.UTF-8"), nullptr);
   ASSERT_EQ(sethostname("qvx\xFF", 4), 0);
-  EXPECT_EQ(RightsOf("alice"), 0x0u);
-  EXPECT_EQ(RightsOf("alice@h"), 0x1u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_NONE);
+  EXPECT_EQ(RightsOf("alice@h"), QVX_PRIV_USER);
   Load("root * user\n");
-  EXPECT_EQ(PXTGetRightsUsingRolemap(), 0x7u) << "what the system says, not the role map";
+  EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR)
+      << "what the system says, not the role map";
 }
 
 TEST_F(UserRights, UnderALatinLocaleABytePastAsciiIsALetterOfTheName) {
   ASSERT_NE(setlocale(LC_ALL, "en_GB.ISO-8859-1"), nullptr);
   ASSERT_EQ(sethostname("qvx\xE9", 4), 0);
-  EXPECT_EQ(RightsOf("\xE9lodie"), 0x1u);
-  EXPECT_EQ(RightsOf("alice@\xE9"), 0x1u);
+  EXPECT_EQ(RightsOf("\xE9lodie"), QVX_PRIV_USER);
+  EXPECT_EQ(RightsOf("alice@\xE9"), QVX_PRIV_USER);
 }
 
 TEST_F(UserRights, UnderATurkishLocaleARoleInCapitalsIsARole) {
   ASSERT_NE(setlocale(LC_ALL, "tr_TR.UTF-8"), nullptr);
   Load("alice * ADMINISTRATOR\n");
   EXPECT_EQ(FaultEntries(), 0u);
-  EXPECT_EQ(RightsOf("alice"), 0x7u);
+  EXPECT_EQ(RightsOf("alice"), QVX_PRIV_ADMINISTRATOR);
 }
 
 TEST_F(UserRights, UnderATurkishLocaleHostsAreFoldedAlikeOnBothSides) {
   ASSERT_NE(setlocale(LC_ALL, "tr_TR.ISO-8859-9"), nullptr);
   Load("alice *.LIB.x poweruser\nalice * user\n");
-  EXPECT_EQ(RightsOf("alice@LIB"), 0x3u);
-  EXPECT_EQ(RightsOf("alice@lib"), 0x1u) << "the small letter is another one";
+  EXPECT_EQ(RightsOf("alice@LIB"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(RightsOf("alice@lib"), QVX_PRIV_USER) << "the small letter is another one";
 }
 
 TEST_F(UserRights, WithoutMemoryNothingIsThrownAndNothingExtraGranted) {
@@ -346,11 +349,13 @@ TEST_F(UserRights, WithoutMemoryNothingIsThrownAndNothingExtraGranted) {
         (void)PXTOpenRolemapFile();
         return PXTGetRightsUsingRolemap();
       },
-      [](u32 rights) { EXPECT_TRUE(rights == 0x0 || rights == 0x7) << rights; });
+      [](u32 rights) {
+        EXPECT_TRUE(rights == QVX_PRIV_NONE || rights == QVX_PRIV_ADMINISTRATOR) << rights;
+      });
 }
 
 // In separate processes, because a file is read only once. A later login gets what the whole file
-// or the built-in lines grant: 0x1 at most for both users.
+// or the built-in lines grant: QVX_PRIV_USER at most for both users.
 u32 MetWithoutMemory(const std::string& roleMap) {
   WriteRoleMap(roleMap);
   constexpr int kWidened = 1;
@@ -365,7 +370,8 @@ u32 MetWithoutMemory(const std::string& roleMap) {
         fired = test::FailNthAllocation::Fired();
       }
       (void)PXTGetRightsUsingRolemap();
-      const bool within = RightsOf("alice") <= 0x1 && RightsOf("mallory") <= 0x1;
+      const bool within =
+          RightsOf("alice") <= QVX_PRIV_USER && RightsOf("mallory") <= QVX_PRIV_USER;
       return (within ? 0 : kWidened) | (fired ? 0 : kFinished);
     });
     EXPECT_EQ(findings & ~kFinished, 0) << "allocation " << nth;
@@ -489,7 +495,7 @@ TEST_F(UserRights, AFaultThatWaitsForTheLogHoldsUpNoLogin) {
   std::atomic<u32> logins{0};
   std::thread login([&logins] {
     for (u32 turn = 0; turn < 50; ++turn) {
-      logins += RightsOf("alice@h") == 0x1 ? 1 : 0;
+      logins += RightsOf("alice@h") == QVX_PRIV_USER ? 1 : 0;
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
   });
@@ -511,7 +517,7 @@ TEST_F(UserRights, LoginsOfSeveralThreadsAreSafe) {
   for (size_t at = 0; at < wrong.size(); ++at) {
     threads.emplace_back([&wrong, at] {
       for (u32 turn = 0; turn < 100; ++turn) {
-        if (RightsOf("alice@lab") != 0x3) ++wrong[at];
+        if (RightsOf("alice@lab") != QVX_PRIV_POWERUSER) ++wrong[at];
       }
     });
   }
@@ -535,7 +541,8 @@ int AskBehindTheLibrarysExitHandlers() {
     _exit(opened != 0 ? 1 : byMap != 0 ? 2 : byLogin != 0 ? 3 : 0);
   });
   Load("root * poweruser\nalice * poweruser\n");
-  const bool granted = OSGetRightsUsingRolemap() == 0x3 && RightsOf("alice") == 0x3;
+  const bool granted =
+      OSGetRightsUsingRolemap() == QVX_PRIV_POWERUSER && RightsOf("alice") == QVX_PRIV_POWERUSER;
   exit(granted ? 4 : 5);
 }
 
@@ -551,7 +558,7 @@ TEST_F(UserRights, AProcessMayExitWhileThreadsLogIn) {
         std::thread([] {
           for (;;) {
             try {
-              if (RightsOf("alice@lab") != 0x3) _exit(1);
+              if (RightsOf("alice@lab") != QVX_PRIV_POWERUSER) _exit(1);
             } catch (const std::exception&) {
               // the process ends
             }

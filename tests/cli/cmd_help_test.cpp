@@ -8,6 +8,8 @@
 #include <cstring>
 #include <string>
 
+#include "qvxcs/xml_buffer.h"
+
 #include "support/alloc_fault.h"
 #include "xml/xml_buffer.h"
 
@@ -21,7 +23,7 @@ char gSeen[256];
 
 astring* TextFrom(const astring* text) {
   void* const buffer = PXMAllocBuf(0, 0);
-  (void)PXMBufCatNode(buffer, "h", nullptr, 1, text);
+  (void)PXMBufCatNode(buffer, "h", nullptr, QVX_TYPE_ASTRING, text);
   return PXMFreeBuf(buffer, 1);
 }
 

@@ -9,6 +9,7 @@
 #include "qvxcs/cli_value.h"
 #include "qvxcs/grow_string.h"
 #include "qvxcs/status.h"
+#include "qvxcs/xml_buffer.h"
 
 #include "support/alloc_fault.h"
 #include "support/heap_use.h"
@@ -59,20 +60,20 @@ TEST(ParamNode, AttributesStandInTheOrderOldNewValue) {
 
 TEST(ParamNode, WithoutAValueBothOthersAreRequired) {
   Buffer buffer;
-  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "Speed", &kOld, nullptr, nullptr, 5),
+  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "Speed", &kOld, nullptr, nullptr, QVX_TYPE_U32),
             SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, &kNew, nullptr, 5),
+  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, &kNew, nullptr, QVX_TYPE_U32),
             SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, nullptr, nullptr, 5),
+  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, nullptr, nullptr, QVX_TYPE_U32),
             SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(buffer.Text(), "");
 }
 
 TEST(ParamNode, NullBufferOrNameIsAnInvalidParameter) {
   Buffer buffer;
-  EXPECT_EQ(NVSuptBufCatSetCmdParam(nullptr, "Speed", nullptr, nullptr, &kValue, 5),
+  EXPECT_EQ(NVSuptBufCatSetCmdParam(nullptr, "Speed", nullptr, nullptr, &kValue, QVX_TYPE_U32),
             SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), nullptr, nullptr, nullptr, &kValue, 5),
+  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), nullptr, nullptr, nullptr, &kValue, QVX_TYPE_U32),
             SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(buffer.Text(), "");
 }
@@ -80,23 +81,26 @@ TEST(ParamNode, NullBufferOrNameIsAnInvalidParameter) {
 TEST(ParamNode, ValueWithoutTextIsLeftOut) {
   EXPECT_EQ(ParamOf(&kOld, &kNew, &kValue, 3), "<Parameter name=\"Speed\"/>");
   const char16_t wide[] = u"\u00E9";
-  EXPECT_EQ(ParamOf(u"a", wide, u"c", 2), "<Parameter name=\"Speed\" oldval=\"a\" value=\"c\"/>");
+  EXPECT_EQ(ParamOf(u"a", wide, u"c", QVX_TYPE_USTRING),
+            "<Parameter name=\"Speed\" oldval=\"a\" value=\"c\"/>");
 }
 
 TEST(ParamNode, OnlyTheEscapedTypesAreEscaped) {
-  EXPECT_EQ(ParamOf(nullptr, nullptr, "<\"", 1), "<Parameter name=\"Speed\" value=\"<\"\"/>");
-  EXPECT_EQ(ParamOf(nullptr, nullptr, "<\"", 26),
+  EXPECT_EQ(ParamOf(nullptr, nullptr, "<\"", QVX_TYPE_ASTRING),
+            "<Parameter name=\"Speed\" value=\"<\"\"/>");
+  EXPECT_EQ(ParamOf(nullptr, nullptr, "<\"", QVX_TYPE_XML_ASTRING),
             "<Parameter name=\"Speed\" value=\"&lt;&quot;\"/>");
-  EXPECT_EQ(ParamOf(nullptr, nullptr, u"&", 27), "<Parameter name=\"Speed\" value=\"&amp;\"/>");
+  EXPECT_EQ(ParamOf(nullptr, nullptr, u"&", QVX_TYPE_XML_USTRING),
+            "<Parameter name=\"Speed\" value=\"&amp;\"/>");
   Buffer buffer;
-  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "a<b", nullptr, nullptr, &kValue, 5),
+  EXPECT_EQ(NVSuptBufCatSetCmdParam(buffer.get(), "a<b", nullptr, nullptr, &kValue, QVX_TYPE_U32),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "<Parameter name=\"a<b\" value=\"30\"/>");
 }
 
 TEST(ParamNode, TextsOutgrowTheFirstBlock) {
   const std::string text(1000, 'v');
-  EXPECT_EQ(ParamOf(text.c_str(), "n", nullptr, 1),
+  EXPECT_EQ(ParamOf(text.c_str(), "n", nullptr, QVX_TYPE_ASTRING),
             "<Parameter name=\"Speed\" oldval=\"" + text + "\" newval=\"n\"/>");
 }
 
@@ -105,7 +109,8 @@ TEST(ParamNode, WithoutMemoryToBeginIsNoMemory) {
   u32 status = 0;
   {
     const FailNthAllocation fault(1);
-    status = NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, nullptr, &kValue, 5);
+    status =
+        NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, nullptr, &kValue, QVX_TYPE_U32);
   }
   EXPECT_EQ(status, SM_STATUS_NO_MEMORY);
   EXPECT_EQ(buffer.Text(), "");
@@ -116,7 +121,7 @@ TEST(ParamNode, ValueWithoutMemoryForItsTextIsLeftOut) {
   u32 status = 7;
   {
     const FailNthAllocation fault(2);
-    status = NVSuptBufCatSetCmdParam(buffer.get(), "Speed", &kOld, &kNew, nullptr, 5);
+    status = NVSuptBufCatSetCmdParam(buffer.get(), "Speed", &kOld, &kNew, nullptr, QVX_TYPE_U32);
   }
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "<Parameter name=\"Speed\" newval=\"20\"/>");
@@ -129,7 +134,8 @@ TEST(ParamNode, AppendWithoutMemorySucceedsAndWritesNothing) {
     u32 status = 7;
     {
       const FailNthAllocation fault(nth);
-      status = NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, nullptr, text.c_str(), 1);
+      status = NVSuptBufCatSetCmdParam(buffer.get(), "Speed", nullptr, nullptr, text.c_str(),
+                                       QVX_TYPE_ASTRING);
     }
     EXPECT_EQ(status, SM_STATUS_SUCCESS) << nth;
     EXPECT_EQ(buffer.Text(), "") << nth;
@@ -169,9 +175,9 @@ TEST(ParamNode, StatusForANullBufferLeavesNothingAllocatedAndOneForABufferIsWrit
 
 TEST(ParamNode, ExportedCallsReachTheSameFunctions) {
   Buffer buffer;
-  EXPECT_EQ(PXTNVSBufCatSetCmdParam(buffer.get(), "N", nullptr, nullptr, &kValue, 5),
+  EXPECT_EQ(PXTNVSBufCatSetCmdParam(buffer.get(), "N", nullptr, nullptr, &kValue, QVX_TYPE_U32),
             SM_STATUS_SUCCESS);
-  EXPECT_EQ(PXTNVSBufCatSetCmdParam(buffer.get(), "N", &kOld, nullptr, nullptr, 5),
+  EXPECT_EQ(PXTNVSBufCatSetCmdParam(buffer.get(), "N", &kOld, nullptr, nullptr, QVX_TYPE_U32),
             SM_STATUS_INVALID_PARAMETER);
   PXTNVSCatSMStatusNode(buffer.get(), 1, "m");
   EXPECT_EQ(buffer.Text(), "<Parameter name=\"N\" value=\"30\"/><SMStatus mssg=\"m\">1</SMStatus>");

@@ -13,6 +13,7 @@
 #include "qvxcs/status.h"
 #include "qvxcs/xml_buffer.h"
 
+#include "base/results.h"
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
 
@@ -21,8 +22,6 @@ namespace {
 
 using test::FailNthAllocation;
 using test::GuardBuffer;
-
-constexpr u32 kMinusOne = 0xFFFFFFFF;
 
 template <typename T>
 struct Read {
@@ -66,65 +65,67 @@ const ustring* Units(const char16_t* text) { return reinterpret_cast<const ustri
 
 TEST(ValueConvert, TextIsStoredAsItsPointer) {
   const astring text[] = "any";
-  ExpectRead<const astring*>(1, text, text);
+  ExpectRead<const astring*>(QVX_TYPE_ASTRING, text, text);
 }
 
 TEST(ValueConvert, EachTypeIsReadInDecimal) {
-  ExpectRead<booln>(4, "TRUE", 1);
-  ExpectRead<booln>(4, "false", 0);
-  ExpectRead<u32>(5, "4294967295", 4294967295u);
-  ExpectRead<s32>(7, "-2147483648", INT32_MIN);
-  ExpectRead<u64>(9, "18446744073709551615", UINT64_MAX);
-  ExpectRead<s64>(11, "-9223372036854775808", INT64_MIN);
-  ExpectRead<d64>(13, "-1.5", -1.5);
-  ExpectRead<u8>(20, "255", 255);
-  ExpectRead<s8>(21, "-128", -128);
-  ExpectRead<u16>(22, "65535", 65535);
-  ExpectRead<s16>(23, "-32768", -32768);
+  ExpectRead<booln>(QVX_TYPE_BOOLN, "TRUE", 1);
+  ExpectRead<booln>(QVX_TYPE_BOOLN, "false", 0);
+  ExpectRead<u32>(QVX_TYPE_U32, "4294967295", 4294967295u);
+  ExpectRead<s32>(QVX_TYPE_S32, "-2147483648", INT32_MIN);
+  ExpectRead<u64>(QVX_TYPE_U64, "18446744073709551615", UINT64_MAX);
+  ExpectRead<s64>(QVX_TYPE_S64, "-9223372036854775808", INT64_MIN);
+  ExpectRead<d64>(QVX_TYPE_D64, "-1.5", -1.5);
+  ExpectRead<u8>(QVX_TYPE_U8, "255", 255);
+  ExpectRead<s8>(QVX_TYPE_S8, "-128", -128);
+  ExpectRead<u16>(QVX_TYPE_U16, "65535", 65535);
+  ExpectRead<s16>(QVX_TYPE_S16, "-32768", -32768);
 }
 
 TEST(ValueConvert, NarrowNumbersAreCutToTheirWidth) {
-  ExpectRead<u8>(20, "256", 0);
-  ExpectRead<u8>(20, "511", 255);
-  ExpectRead<s8>(21, "128", -128);
-  ExpectRead<s8>(21, "-129", 127);
-  ExpectRead<u16>(22, "65537", 1);
-  ExpectRead<s16>(23, "32768", -32768);
+  ExpectRead<u8>(QVX_TYPE_U8, "256", 0);
+  ExpectRead<u8>(QVX_TYPE_U8, "511", 255);
+  ExpectRead<s8>(QVX_TYPE_S8, "128", -128);
+  ExpectRead<s8>(QVX_TYPE_S8, "-129", 127);
+  ExpectRead<u16>(QVX_TYPE_U16, "65537", 1);
+  ExpectRead<s16>(QVX_TYPE_S16, "32768", -32768);
 }
 
 TEST(ValueConvert, NumbersBeyond32BitsKeepTheirLow32Bits) {
-  ExpectRead<u32>(5, "4294967297", 1);
-  ExpectRead<s32>(7, "4294967295", -1);
+  ExpectRead<u32>(QVX_TYPE_U32, "4294967297", 1);
+  ExpectRead<s32>(QVX_TYPE_S32, "4294967295", -1);
 }
 
 TEST(ValueConvert, TextThatIsNoNumberStoresZeroWithTheStatus) {
-  ExpectRead<booln>(4, "yes", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<u32>(5, "12x", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<s32>(7, "", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<u64>(9, "0x1F", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<s64>(11, "1.5", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<u8>(20, "x", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<s8>(21, "x", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<u16>(22, "x", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<s16>(23, "x", 0, SM_STATUS_INVALID_PARAMETER);
-  ExpectRead<s64>(99, "x", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<booln>(QVX_TYPE_BOOLN, "yes", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<u32>(QVX_TYPE_U32, "12x", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<s32>(QVX_TYPE_S32, "", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<u64>(QVX_TYPE_U64, "0x1F", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<s64>(QVX_TYPE_S64, "1.5", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<u8>(QVX_TYPE_U8, "x", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<s8>(QVX_TYPE_S8, "x", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<u16>(QVX_TYPE_U16, "x", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<s16>(QVX_TYPE_S16, "x", 0, SM_STATUS_INVALID_PARAMETER);
+  ExpectRead<s64>(QVX_TYPE_THOUSANDTHS, "x", 0, SM_STATUS_INVALID_PARAMETER);
 }
 
-TEST(ValueConvert, DoublesHaveNoFault) { ExpectRead<d64>(13, "x", 0.0); }
+TEST(ValueConvert, DoublesHaveNoFault) { ExpectRead<d64>(QVX_TYPE_D64, "x", 0.0); }
 
 TEST(ValueConvert, ThousandthsAreDividedTowardZero) {
-  ExpectRead<s64>(99, "2500", 2);
-  ExpectRead<s64>(99, "-2500", -2);
-  ExpectRead<s64>(99, "999", 0);
-  ExpectRead<s64>(99, "-999", 0);
-  ExpectRead<s64>(99, "2147483647999", INT32_MAX);
-  ExpectRead<s64>(99, "-2147483648999", INT32_MIN);
+  ExpectRead<s64>(QVX_TYPE_THOUSANDTHS, "2500", 2);
+  ExpectRead<s64>(QVX_TYPE_THOUSANDTHS, "-2500", -2);
+  ExpectRead<s64>(QVX_TYPE_THOUSANDTHS, "999", 0);
+  ExpectRead<s64>(QVX_TYPE_THOUSANDTHS, "-999", 0);
+  ExpectRead<s64>(QVX_TYPE_THOUSANDTHS, "2147483647999", INT32_MAX);
+  ExpectRead<s64>(QVX_TYPE_THOUSANDTHS, "-2147483648999", INT32_MIN);
 }
 
 TEST(ValueConvert, ThousandthsBeyond32BitsStoreNothing) {
   for (const astring* text : {"9999999999999", "2147483648000", "-2147483649000"}) {
     GuardBuffer<u8> out(8);
-    EXPECT_EQ(NVSuptASCIIToXVal(text, 99, out.data()), SM_STATUS_INVALID_PARAMETER) << text;
+    EXPECT_EQ(NVSuptASCIIToXVal(text, QVX_TYPE_THOUSANDTHS, out.data()),
+              SM_STATUS_INVALID_PARAMETER)
+        << text;
     EXPECT_TRUE(out.UntouchedFrom(0)) << text;
   }
 }
@@ -140,16 +141,16 @@ TEST(ValueConvert, OtherTypesAreBadArguments) {
 
 TEST(ValueConvert, NullOutputIsInvalidAndNullTextIsMinusOne) {
   u32 value = 7;
-  EXPECT_EQ(NVSuptASCIIToXVal("1", 5, nullptr), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptASCIIToXVal(nullptr, 5, nullptr), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptASCIIToXVal(nullptr, 5, &value), kMinusOne);
+  EXPECT_EQ(NVSuptASCIIToXVal("1", QVX_TYPE_U32, nullptr), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptASCIIToXVal(nullptr, QVX_TYPE_U32, nullptr), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptASCIIToXVal(nullptr, QVX_TYPE_U32, &value), kMinusOne);
   EXPECT_EQ(NVSuptASCIIToXVal(nullptr, 3, &value), kMinusOne);
   EXPECT_EQ(value, 7u);
 }
 
 TEST(ValueConvert, ValuesAreStoredAtAnyAddress) {
   GuardBuffer<u8> out(9);
-  EXPECT_EQ(NVSuptASCIIToXVal("258", 9, out.data()), SM_STATUS_SUCCESS);
+  EXPECT_EQ(NVSuptASCIIToXVal("258", QVX_TYPE_U64, out.data()), SM_STATUS_SUCCESS);
   u64 value = 0;
   memcpy(&value, out.data(), sizeof(value));
   EXPECT_EQ(value, 258u);
@@ -163,9 +164,10 @@ TEST(ValueConvert, NamedValueIsReadFromTheVector) {
   astring fourth[] = "empty=";
   astring* vector[] = {first, nullptr, second, third, fourth};
   u32 value = 0;
-  EXPECT_EQ(NVSuptNVPValToXVal(5, vector, "speed", 5, &value), SM_STATUS_SUCCESS);
+  EXPECT_EQ(NVSuptNVPValToXVal(5, vector, "speed", QVX_TYPE_U32, &value), SM_STATUS_SUCCESS);
   EXPECT_EQ(value, 12u);
-  EXPECT_EQ(NVSuptNVPValToXVal(5, vector, "empty", 5, &value), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptNVPValToXVal(5, vector, "empty", QVX_TYPE_U32, &value),
+            SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(value, 0u);
   EXPECT_EQ(NVSuptNVPValToXVal(5, vector, "speed", 3, &value), SM_STATUS_BAD_ARGUMENT);
 }
@@ -174,46 +176,53 @@ TEST(ValueConvert, NameThatIsNotInTheVectorIsAnInvalidParameter) {
   astring entry[] = "speed=12";
   astring* vector[] = {entry};
   u32 value = 7;
-  EXPECT_EQ(NVSuptNVPValToXVal(1, vector, "Speed", 5, &value), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptNVPValToXVal(1, vector, "Speed", QVX_TYPE_U32, &value),
+            SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(NVSuptNVPValToXVal(1, vector, "spee", 3, &value), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptNVPValToXVal(0, vector, "speed", 5, &value), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptNVPValToXVal(-1, vector, "speed", 5, &value), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptNVPValToXVal(1, nullptr, "speed", 5, &value), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptNVPValToXVal(1, vector, nullptr, 5, &value), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(NVSuptNVPValToXVal(1, vector, "speed", 5, nullptr), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptNVPValToXVal(0, vector, "speed", QVX_TYPE_U32, &value),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptNVPValToXVal(-1, vector, "speed", QVX_TYPE_U32, &value),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptNVPValToXVal(1, nullptr, "speed", QVX_TYPE_U32, &value),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptNVPValToXVal(1, vector, nullptr, QVX_TYPE_U32, &value),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(NVSuptNVPValToXVal(1, vector, "speed", QVX_TYPE_U32, nullptr),
+            SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(value, 7u);
 }
 
 TEST(ValueConvert, EachTypeBecomesText) {
-  EXPECT_EQ(Taken(NVSuptXValToASCII(1, "a<b")), "a<b");
-  EXPECT_EQ(Taken(NVSuptXValToASCII(1, "")), "");
-  EXPECT_EQ(Taken(NVSuptXValToASCII(2, Units(u"wide"))), "wide");
-  EXPECT_EQ(TextOf(4, booln{1}), "true");
-  EXPECT_EQ(TextOf(4, booln{2}), "false");
-  EXPECT_EQ(TextOf(5, u32{4294967295}), "4294967295");
-  EXPECT_EQ(TextOf(7, s32{INT32_MIN}), "-2147483648");
-  EXPECT_EQ(TextOf(9, u64{UINT64_MAX}), "18446744073709551615");
-  EXPECT_EQ(TextOf(11, s64{INT64_MIN}), "-9223372036854775808");
-  EXPECT_EQ(TextOf(13, d64{-1.5}), "-1.50000000");
-  EXPECT_EQ(TextOf(13, d64{1208925819614629174706176.0}), "1208925819614629174706176.00000");
-  EXPECT_EQ(TextOf(20, u8{0xFF}), "255");
-  EXPECT_EQ(TextOf(21, u8{0xFF}), "-1");
-  EXPECT_EQ(TextOf(22, u16{0xFFFF}), "65535");
-  EXPECT_EQ(TextOf(23, u16{0xFFFE}), "-2");
-  EXPECT_EQ(Taken(NVSuptXValToASCII(26, "a&b")), "a&amp;b");
-  EXPECT_EQ(Taken(NVSuptXValToASCII(27, Units(u"\u00E9<"))), "\xC3\xA9&lt;");
+  EXPECT_EQ(Taken(NVSuptXValToASCII(QVX_TYPE_ASTRING, "a<b")), "a<b");
+  EXPECT_EQ(Taken(NVSuptXValToASCII(QVX_TYPE_ASTRING, "")), "");
+  EXPECT_EQ(Taken(NVSuptXValToASCII(QVX_TYPE_USTRING, Units(u"wide"))), "wide");
+  EXPECT_EQ(TextOf(QVX_TYPE_BOOLN, booln{1}), "true");
+  EXPECT_EQ(TextOf(QVX_TYPE_BOOLN, booln{2}), "false");
+  EXPECT_EQ(TextOf(QVX_TYPE_U32, u32{4294967295}), "4294967295");
+  EXPECT_EQ(TextOf(QVX_TYPE_S32, s32{INT32_MIN}), "-2147483648");
+  EXPECT_EQ(TextOf(QVX_TYPE_U64, u64{UINT64_MAX}), "18446744073709551615");
+  EXPECT_EQ(TextOf(QVX_TYPE_S64, s64{INT64_MIN}), "-9223372036854775808");
+  EXPECT_EQ(TextOf(QVX_TYPE_D64, d64{-1.5}), "-1.50000000");
+  EXPECT_EQ(TextOf(QVX_TYPE_D64, d64{1208925819614629174706176.0}),
+            "1208925819614629174706176.00000");
+  EXPECT_EQ(TextOf(QVX_TYPE_U8, u8{0xFF}), "255");
+  EXPECT_EQ(TextOf(QVX_TYPE_S8, u8{0xFF}), "-1");
+  EXPECT_EQ(TextOf(QVX_TYPE_U16, u16{0xFFFF}), "65535");
+  EXPECT_EQ(TextOf(QVX_TYPE_S16, u16{0xFFFE}), "-2");
+  EXPECT_EQ(Taken(NVSuptXValToASCII(QVX_TYPE_XML_ASTRING, "a&b")), "a&amp;b");
+  EXPECT_EQ(Taken(NVSuptXValToASCII(QVX_TYPE_XML_USTRING, Units(u"\u00E9<"))), "\xC3\xA9&lt;");
 }
 
 TEST(ValueConvert, TimeZeroIsATime) {
   ASSERT_EQ(setenv("TZ", "UTC0", 1), 0);
-  EXPECT_EQ(TextOf(15, s32{0}), "Thu Jan  1 00:00:00 1970");
-  EXPECT_EQ(TextOf(15, s32{-1}), "Wed Dec 31 23:59:59 1969");
-  EXPECT_EQ(TextOf(15, s32{INT32_MAX}), "Tue Jan 19 03:14:07 2038");
+  EXPECT_EQ(TextOf(QVX_TYPE_TIME, s32{0}), "Thu Jan  1 00:00:00 1970");
+  EXPECT_EQ(TextOf(QVX_TYPE_TIME, s32{-1}), "Wed Dec 31 23:59:59 1969");
+  EXPECT_EQ(TextOf(QVX_TYPE_TIME, s32{INT32_MAX}), "Tue Jan 19 03:14:07 2038");
 }
 
 TEST(ValueConvert, ATextBecomesACopyOfItsOwn) {
   astring text[] = "abc";
-  astring* const copy = NVSuptXValToASCII(1, text);
+  astring* const copy = NVSuptXValToASCII(QVX_TYPE_ASTRING, text);
   ASSERT_NE(copy, nullptr);
   text[0] = 'x';
   EXPECT_STREQ(copy, "abc");
@@ -237,14 +246,14 @@ TEST(ValueConvert, NullValueHasNoText) {
 }
 
 TEST(ValueConvert, TextThatCannotBeConvertedIsNull) {
-  EXPECT_EQ(NVSuptXValToASCII(2, Units(u"\u00E9")), nullptr);
+  EXPECT_EQ(NVSuptXValToASCII(QVX_TYPE_USTRING, Units(u"\u00E9")), nullptr);
   const ustring unpaired[] = {0xD800, 0};
-  EXPECT_EQ(NVSuptXValToASCII(27, unpaired), nullptr);
+  EXPECT_EQ(NVSuptXValToASCII(QVX_TYPE_XML_USTRING, unpaired), nullptr);
 }
 
 TEST(ValueConvert, TextWithoutMemoryIsNull) {
   const u64 number = 1;
-  (void)TextOf(15, s32{1});  // the C library's own allocations for the time zone
+  (void)TextOf(QVX_TYPE_TIME, s32{1});  // the C library's own allocations for the time zone
   for (const s32 type : {1, 2, 4, 5, 7, 9, 11, 13, 15, 20, 21, 22, 23, 26, 27}) {
     astring* text = nullptr;
     {
@@ -260,11 +269,11 @@ TEST(ValueConvert, ExportedCallsReachTheSameFunctions) {
   astring entry[] = "speed=12";
   astring* vector[] = {entry};
   u32 value = 0;
-  EXPECT_EQ(PXTNVSASCIIToXVal("11", 5, &value), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTNVSASCIIToXVal("11", QVX_TYPE_U32, &value), SM_STATUS_SUCCESS);
   EXPECT_EQ(value, 11u);
-  EXPECT_EQ(PXTNVSNVPValToXVal(1, vector, "speed", 5, &value), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTNVSNVPValToXVal(1, vector, "speed", QVX_TYPE_U32, &value), SM_STATUS_SUCCESS);
   EXPECT_EQ(value, 12u);
-  EXPECT_EQ(Taken(PXTNVSXValToASCII(5, &value)), "12");
+  EXPECT_EQ(Taken(PXTNVSXValToASCII(QVX_TYPE_U32, &value)), "12");
 }
 
 }  // namespace

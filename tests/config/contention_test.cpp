@@ -72,7 +72,7 @@ bool Writer(u32 writer, Shared* shared) {
   for (u32 round = 0; round < kWrites; ++round) {
     const std::string value = ValueOf(round);
     good &= PXTWriteINIPathFileValue("shared", key.c_str(), kText, value.c_str(), kValueLength + 1,
-                                     kPath, 1) == SM_STATUS_SUCCESS;
+                                     kPath, QVX_LOCK_WAIT) == SM_STATUS_SUCCESS;
   }
   ++shared->writersDone;
   return good;
@@ -82,7 +82,7 @@ bool ReadsWholeValue(u32 writer) {
   char value[kValueLength + 2] = {};
   u32 size = sizeof(value);
   return PXTReadINIPathFileValue("shared", KeyOf(writer).c_str(), kText, value, &size, nullptr, 0,
-                                 kPath, 1) == SM_STATUS_SUCCESS &&
+                                 kPath, QVX_LOCK_WAIT) == SM_STATUS_SUCCESS &&
          size == kValueLength + 1 && IsOneLetter(value);
 }
 

@@ -36,7 +36,7 @@ constexpr uid_t kUser = 1234;
 constexpr gid_t kGroup = 4321;
 
 u32 WriteIni(const char* section, const char* path = kIniFile) {
-  return PXTWriteINIPathFileValue(section, "key", kText, "value", 6, path, 1);
+  return PXTWriteINIPathFileValue(section, "key", kText, "value", 6, path, QVX_LOCK_WAIT);
 }
 
 u32 SetPair() {

@@ -32,7 +32,7 @@ constexpr char kPath[] = "/tmp/d/a.ini";
 constexpr s32 kText = 1;
 
 u32 WriteIni(const char* section, const char* value) {
-  return PXTWriteINIPathFileValue(section, "key", kText, value, 2, kPath, 1);
+  return PXTWriteINIPathFileValue(section, "key", kText, value, 2, kPath, QVX_LOCK_WAIT);
 }
 
 u32 SetPair() {

@@ -10,6 +10,7 @@
 #include "qvxcs/ini_file.h"
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "config/ini_lines.h"
 #include "frame/module.h"
 #include "support/alloc_fault.h"
@@ -17,24 +18,18 @@
 #include "support/guard_buffer.h"
 #include "support/processes.h"
 #include "support/small_disk.h"
+#include "tests/config/ini_fixed_types.h"
 
 namespace qvx {
 namespace {
 
 using test::GuardBuffer;
+using test::kFixed;
 using test::LockHolder;
 using test::LockIsFree;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/a.ini";
-constexpr u32 kMinusOne = 0xFFFFFFFF;
-
-enum : s32 { kBooln = 4, kU32, kS32, kU64, kS64, kD64 };
-
-constexpr struct {
-  s32 type;
-  u32 bytes;
-} kFixed[] = {{kBooln, 2}, {kU32, 4}, {kS32, 4}, {kU64, 8}, {kS64, 8}, {kD64, 8}};
 
 // Writes '[A]' with this text under "x".
 void GivenText(const std::string& text) { WriteFile(kPath, "[A]\nx=" + text + "\n"); }
@@ -49,7 +44,7 @@ class IniReadValues : public testing::Test {
     GivenText(text);
     T value = 77;
     u32 size = 100;
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", type, &value, &size, nullptr, 0, kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", type, &value, &size, nullptr, 0, kPath, QVX_LOCK_TRY),
               SM_STATUS_SUCCESS)
         << text;
     EXPECT_EQ(size, 100u) << text;
@@ -67,7 +62,7 @@ class IniReadValues : public testing::Test {
     GuardBuffer<u8> value(room);
     u32 size = room;
     const u32 status =
-        ReadINIPathFileValue("A", "x", type, value.data(), &size, nullptr, 0, kPath, 0);
+        ReadINIPathFileValue("A", "x", type, value.data(), &size, nullptr, 0, kPath, QVX_LOCK_TRY);
     const u32 stored = size < room ? size : room;
     EXPECT_TRUE(value.UntouchedFrom(stored));
     return {status, size, std::string(reinterpret_cast<char*>(value.data()), stored)};
@@ -90,7 +85,8 @@ TEST_F(IniReadValues, TextsAreDeliveredAsTheyAre) {
   GivenText("abc");
   astring value[4];
   u32 size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_ASTRING, value, &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_ASTRING, value, &size, nullptr, 0, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_SUCCESS);
   EXPECT_STREQ(value, "abc");
   EXPECT_EQ(size, 4u);
@@ -100,68 +96,71 @@ TEST_F(IniReadValues, PortOfTheNetSectionIs8080) {
   WriteFile(kPath, "[Net]\nport=8080\n");
   u32 value = 0;
   u32 size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("Net", "port", kU32, &value, &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("Net", "port", QVX_INI_U32, &value, &size, nullptr, 0, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(value, 8080u);
   EXPECT_EQ(size, 4u);
-  EXPECT_EQ(ReadINIPathFileValue("Net", "Port", kU32, &value, &size, nullptr, 0, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("Net", "Port", QVX_INI_U32, &value, &size, nullptr, 0, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_KEY_NOT_FOUND);
 }
 
 TEST_F(IniReadValues, NumbersOf32BitsKeepTheLowBits) {
-  EXPECT_EQ(NumberOf<u32>(kU32, "0"), 0u);
-  EXPECT_EQ(NumberOf<u32>(kU32, "4294967295"), 4294967295u);
-  EXPECT_EQ(NumberOf<u32>(kU32, "4294967298"), 2u);
-  EXPECT_EQ(NumberOf<u32>(kU32, "-1"), 4294967295u);
-  EXPECT_EQ(NumberOf<u32>(kU32, " \t+12 rest"), 12u);
-  EXPECT_EQ(NumberOf<s32>(kS32, "-2147483648"), -2147483647 - 1);
-  EXPECT_EQ(NumberOf<s32>(kS32, "2147483647"), 2147483647);
-  EXPECT_EQ(NumberOf<s32>(kS32, "4294967295"), -1);
-  EXPECT_EQ(NumberOf<s32>(kS32, "-4294967298"), -2);
+  EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, "0"), 0u);
+  EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, "4294967295"), 4294967295u);
+  EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, "4294967298"), 2u);
+  EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, "-1"), 4294967295u);
+  EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, " \t+12 rest"), 12u);
+  EXPECT_EQ(NumberOf<s32>(QVX_INI_S32, "-2147483648"), -2147483647 - 1);
+  EXPECT_EQ(NumberOf<s32>(QVX_INI_S32, "2147483647"), 2147483647);
+  EXPECT_EQ(NumberOf<s32>(QVX_INI_S32, "4294967295"), -1);
+  EXPECT_EQ(NumberOf<s32>(QVX_INI_S32, "-4294967298"), -2);
 }
 
 TEST_F(IniReadValues, NumbersBeyond64BitsAreRead) {
   const std::string digits(400, '9');
-  for (const s32 type : {kU32, kS32, kU64, kS64}) {
+  for (const s32 type : {QVX_INI_U32, QVX_INI_S32, QVX_INI_U64, QVX_INI_S64}) {
     GivenText(digits);
     u64 value = 0;
     u32 size = 8;
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", type, &value, &size, nullptr, 0, kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", type, &value, &size, nullptr, 0, kPath, QVX_LOCK_TRY),
               SM_STATUS_SUCCESS);
   }
 }
 
 TEST_F(IniReadValues, NumbersOf64BitsAreWhole) {
-  EXPECT_EQ(NumberOf<u64>(kU64, "18446744073709551615"), 18446744073709551615u);
-  EXPECT_EQ(NumberOf<u64>(kU64, " 42x"), 42u);
-  EXPECT_EQ(NumberOf<u64>(kU64, "-42"), 0u);
-  EXPECT_EQ(NumberOf<s64>(kS64, "-9223372036854775808"), -9223372036854775807 - 1);
-  EXPECT_EQ(NumberOf<s64>(kS64, "  -42"), -42);
+  EXPECT_EQ(NumberOf<u64>(QVX_INI_U64, "18446744073709551615"), 18446744073709551615u);
+  EXPECT_EQ(NumberOf<u64>(QVX_INI_U64, " 42x"), 42u);
+  EXPECT_EQ(NumberOf<u64>(QVX_INI_U64, "-42"), 0u);
+  EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, "-9223372036854775808"), -9223372036854775807 - 1);
+  EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, "  -42"), -42);
 }
 
 TEST_F(IniReadValues, DoublesAreReadAsTheCLibraryReadsThem) {
-  EXPECT_EQ(NumberOf<d64>(kD64, "1.50000000"), 1.5);
-  EXPECT_EQ(NumberOf<d64>(kD64, "-2.5e3 km"), -2500.0);
+  EXPECT_EQ(NumberOf<d64>(QVX_INI_D64, "1.50000000"), 1.5);
+  EXPECT_EQ(NumberOf<d64>(QVX_INI_D64, "-2.5e3 km"), -2500.0);
 }
 
 TEST_F(IniReadValues, TextsThatAreNoNumbersAreNotReported) {
-  EXPECT_EQ(NumberOf<u32>(kU32, "eighty"), 0u);
-  EXPECT_EQ(NumberOf<s32>(kS32, ""), 0);
-  EXPECT_EQ(NumberOf<u64>(kU64, "x1"), 0u);
-  EXPECT_EQ(NumberOf<s64>(kS64, "-"), 0);
-  EXPECT_EQ(NumberOf<d64>(kD64, "pi"), 0.0);
+  EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, "eighty"), 0u);
+  EXPECT_EQ(NumberOf<s32>(QVX_INI_S32, ""), 0);
+  EXPECT_EQ(NumberOf<u64>(QVX_INI_U64, "x1"), 0u);
+  EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, "-"), 0);
+  EXPECT_EQ(NumberOf<d64>(QVX_INI_D64, "pi"), 0.0);
 }
 
 TEST_F(IniReadValues, OnlyTheSpaceEndsTheWordOfABooln) {
-  EXPECT_EQ(NumberOf<booln>(kBooln, "true yes"), 1);
-  EXPECT_EQ(NumberOf<booln>(kBooln, "  False"), 0);
-  EXPECT_EQ(NumberOf<booln>(kBooln, "TRUE"), 1);
-  EXPECT_EQ(NumberOf<booln>(kBooln, "fAlSe "), 0);
+  EXPECT_EQ(NumberOf<booln>(QVX_INI_BOOLN, "true yes"), 1);
+  EXPECT_EQ(NumberOf<booln>(QVX_INI_BOOLN, "  False"), 0);
+  EXPECT_EQ(NumberOf<booln>(QVX_INI_BOOLN, "TRUE"), 1);
+  EXPECT_EQ(NumberOf<booln>(QVX_INI_BOOLN, "fAlSe "), 0);
   for (const char* text : {"on", "", "   ", "TRUE\r", "TRUE\t", "TRU", "TRUEST", "1", "\ttrue"}) {
     GivenText(text);
     booln value = 77;
     u32 size = 2;
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", kBooln, &value, &size, nullptr, 0, kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BOOLN, &value, &size, nullptr, 0, kPath,
+                                   QVX_LOCK_TRY),
               SM_STATUS_DATA_TOO_LARGE)
         << text;
     EXPECT_EQ(size, 0u) << text;
@@ -174,8 +173,9 @@ TEST_F(IniReadValues, AnotherWordGivesTheBoolnsDefault) {
   booln value = 77;
   const booln given = 1;
   u32 size = 50;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kBooln, &value, &size, &given, 2, kPath, 0),
-            SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_BOOLN, &value, &size, &given, 2, kPath, QVX_LOCK_TRY),
+      SM_STATUS_DATA_TOO_LARGE);
   EXPECT_EQ(value, 1);
   EXPECT_EQ(size, 2u);
 }
@@ -203,15 +203,15 @@ TEST_F(IniReadValues, BytesAbove255AreTooLarge) {
     GivenText(text);
     GuardBuffer<u8> value(4);
     u32 size = 4;
-    EXPECT_EQ(
-        ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, nullptr, 0, kPath, 0),
-        SM_STATUS_DATA_TOO_LARGE)
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, nullptr, 0, kPath,
+                                   QVX_LOCK_TRY),
+              SM_STATUS_DATA_TOO_LARGE)
         << text;
     EXPECT_EQ(size, 0u) << text;
     size = 4;
-    EXPECT_EQ(
-        ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, "dd", 2, kPath, 0),
-        SM_STATUS_DATA_TOO_LARGE)
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, "dd", 2, kPath,
+                                   QVX_LOCK_TRY),
+              SM_STATUS_DATA_TOO_LARGE)
         << text;
     EXPECT_EQ(size, 2u) << text;
     EXPECT_EQ(memcmp(value.data(), "dd", 2), 0) << text;
@@ -225,7 +225,7 @@ TEST_F(IniReadValues, BytesBeforeOneTooLargeAreStored) {
     u32 size = room;
     const u32 standInSize = static_cast<u32>(strlen(standIn));
     EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, standIn,
-                                   standInSize, kPath, 0),
+                                   standInSize, kPath, QVX_LOCK_TRY),
               SM_STATUS_DATA_TOO_LARGE);
     EXPECT_EQ(size, standInSize);
     EXPECT_TRUE(value.UntouchedFrom(room < 3 ? room : 3));
@@ -241,8 +241,9 @@ TEST_F(IniReadValues, ADefaultInTheRoomOutlastsBytesBeforeOneTooLarge) {
   GivenText("41,42,43,100");
   astring value[] = "de..";
   u32 size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value, &size, value, 2, kPath, 0),
-            SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value, &size, value, 2, kPath, QVX_LOCK_TRY),
+      SM_STATUS_DATA_TOO_LARGE);
   EXPECT_EQ(size, 2u);
   EXPECT_STREQ(value, "deC.");
 }
@@ -253,8 +254,9 @@ TEST_F(IniReadValues, BytesThatDoNotFitAreCounted) {
   GivenText("41,42,43,100");
   u8 value[2];
   u32 size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value, &size, nullptr, 0, kPath, 0),
-            SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value, &size, nullptr, 0, kPath, QVX_LOCK_TRY),
+      SM_STATUS_DATA_TOO_LARGE);
   EXPECT_EQ(size, 0u);
 }
 
@@ -262,7 +264,8 @@ TEST_F(IniReadValues, BytesThatDoNotFitGetNoDefault) {
   GivenText("41,42,43");
   GuardBuffer<u8> value(2);
   u32 size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, "dd", 2, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, value.data(), &size, "dd", 2, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 3u);
   EXPECT_EQ(memcmp(value.data(), "AB", 2), 0);
@@ -272,17 +275,20 @@ TEST_F(IniReadValues, DefaultBytesAreCutToTheRoom) {
   GivenText("41");
   GuardBuffer<u8> value(2);
   u32 size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "def", 3, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "def", 3, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 2u);
   EXPECT_EQ(memcmp(value.data(), "de", 2), 0);
   size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "x", 1, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "x", 1, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 1u);
   EXPECT_EQ(value[0], 'x');
   size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "x", 0, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_BINARY, value.data(), &size, "x", 0, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 0u);
 }
@@ -313,7 +319,7 @@ TEST_F(IniReadValues, UstringDefaultMustBeATextOfItsSize) {
     GuardBuffer<u8> value(10);
     u32 size = 10;
     EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_USTRING, value.data(), &size, given + 1, wrong,
-                                   kPath, 0),
+                                   kPath, QVX_LOCK_TRY),
               SM_STATUS_BAD_ARGUMENT)
         << wrong;
     EXPECT_EQ(size, 10u);
@@ -321,7 +327,8 @@ TEST_F(IniReadValues, UstringDefaultMustBeATextOfItsSize) {
   }
   u8 value[10];
   u32 size = 10;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_USTRING, value, &size, given + 1, 6, kPath, 0),
+  EXPECT_EQ(ReadINIPathFileValue("A", "y", QVX_INI_USTRING, value, &size, given + 1, 6, kPath,
+                                 QVX_LOCK_TRY),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(size, 6u);
   EXPECT_EQ(memcmp(value, "A\0B\0\0\0", 6), 0);
@@ -333,7 +340,8 @@ TEST_F(IniReadValues, FixedTypesRefuseLessThanTheirSize) {
     GuardBuffer<u8> value(each.bytes - 1);
     const u64 given = 1;
     u32 size = each.bytes - 1;
-    EXPECT_EQ(ReadINIPathFileValue("A", "y", each.type, value.data(), &size, &given, 8, kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "y", each.type, value.data(), &size, &given, 8, kPath,
+                                   QVX_LOCK_TRY),
               SM_STATUS_BAD_ARGUMENT)
         << each.type;
     EXPECT_EQ(size, each.bytes - 1);
@@ -344,17 +352,18 @@ TEST_F(IniReadValues, FixedTypesRefuseLessThanTheirSize) {
 TEST_F(IniReadValues, FixedTypesWriteJustTheirBytesWhereverTheyLie) {
   GivenText("0");
   for (const auto& each : kFixed) {
-    if (each.type == kBooln) continue;
+    if (each.type == QVX_INI_BOOLN) continue;
     // The room ends at an inaccessible page and begins at an odd address.
     GuardBuffer<u8> value(each.bytes + 1);
     u32 size = each.bytes;
-    EXPECT_EQ(
-        ReadINIPathFileValue("A", "x", each.type, value.data() + 1, &size, nullptr, 0, kPath, 0),
-        SM_STATUS_SUCCESS);
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", each.type, value.data() + 1, &size, nullptr, 0, kPath,
+                                   QVX_LOCK_TRY),
+              SM_STATUS_SUCCESS);
     EXPECT_EQ(memcmp(value.data() + 1, "\0\0\0\0\0\0\0\0", each.bytes), 0) << each.type;
     EXPECT_EQ(value[0], GuardBuffer<u8>::kGuard);
     GuardBuffer<u8> end(each.bytes);
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", each.type, end.data(), &size, nullptr, 0, kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", each.type, end.data(), &size, nullptr, 0, kPath,
+                                   QVX_LOCK_TRY),
               SM_STATUS_SUCCESS);
   }
 }
@@ -365,15 +374,15 @@ TEST_F(IniReadValues, FixedDefaultsStandInForEveryFailure) {
   for (const auto& each : kFixed) {
     GuardBuffer<u8> value(10);
     u32 size = 10;
-    EXPECT_EQ(
-        ReadINIPathFileValue("A", "y", each.type, value.data(), &size, given + 1, 8, kPath, 0),
-        SM_STATUS_KEY_NOT_FOUND);
+    EXPECT_EQ(ReadINIPathFileValue("A", "y", each.type, value.data(), &size, given + 1, 8, kPath,
+                                   QVX_LOCK_TRY),
+              SM_STATUS_KEY_NOT_FOUND);
     EXPECT_EQ(size, each.bytes);
     EXPECT_EQ(memcmp(value.data(), given + 1, each.bytes), 0);
     EXPECT_TRUE(value.UntouchedFrom(each.bytes));
     size = 10;
     EXPECT_EQ(ReadINIPathFileValue("A", "x", each.type, value.data(), &size, given + 1, each.bytes,
-                                   "/tmp/missing", 0),
+                                   "/tmp/missing", QVX_LOCK_TRY),
               SM_STATUS_FILE_OPEN_FAILED);
     EXPECT_EQ(size, each.bytes);
   }
@@ -386,11 +395,12 @@ TEST_F(IniReadValues, FixedTypesWithoutAUsableDefaultSetTheSizeTo0) {
     GuardBuffer<u8> value(8);
     u32 size = 8;
     EXPECT_EQ(ReadINIPathFileValue("A", "y", each.type, value.data(), &size, &given, each.bytes - 1,
-                                   kPath, 0),
+                                   kPath, QVX_LOCK_TRY),
               SM_STATUS_KEY_NOT_FOUND);
     EXPECT_EQ(size, 0u);
     size = 8;
-    EXPECT_EQ(ReadINIPathFileValue("A", "y", each.type, value.data(), &size, nullptr, 8, kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "y", each.type, value.data(), &size, nullptr, 8, kPath,
+                                   QVX_LOCK_TRY),
               SM_STATUS_KEY_NOT_FOUND);
     EXPECT_EQ(size, 0u);
     EXPECT_TRUE(value.UntouchedFrom(0));
@@ -403,7 +413,8 @@ TEST_F(IniReadValues, DefaultMayOverlapTheValue) {
     for (const u32 at : {0u, 1u, 2u}) {
       u8 bytes[10] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
       u32 size = 8;
-      EXPECT_EQ(ReadINIPathFileValue("A", "k", type, bytes + at, &size, bytes + 1, 8, kPath, 0),
+      EXPECT_EQ(ReadINIPathFileValue("A", "k", type, bytes + at, &size, bytes + 1, 8, kPath,
+                                     QVX_LOCK_TRY),
                 SM_STATUS_KEY_NOT_FOUND);
       EXPECT_EQ(size, 8u);
       const u8 expected[] = {1, 2, 3, 4, 5, 6, 7, 8};
@@ -416,16 +427,19 @@ TEST_F(IniReadValues, DefaultMayBeTheValueItself) {
   GivenText("100");
   u8 bytes[4] = {1, 2, 3, 4};
   u32 size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, bytes, &size, bytes, 3, kPath, 0),
-            SM_STATUS_DATA_TOO_LARGE);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_BINARY, bytes, &size, bytes, 3, kPath, QVX_LOCK_TRY),
+      SM_STATUS_DATA_TOO_LARGE);
   EXPECT_EQ(size, 3u);
   EXPECT_EQ(memcmp(bytes, "\1\2\3\4", 4), 0);
   u32 number = 0x01020304;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", kU32, &number, &size, &number, 4, kPath, 0),
-            SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "y", QVX_INI_U32, &number, &size, &number, 4, kPath, QVX_LOCK_TRY),
+      SM_STATUS_BAD_ARGUMENT);
   size = 4;
-  EXPECT_EQ(ReadINIPathFileValue("A", "y", kU32, &number, &size, &number, 4, kPath, 0),
-            SM_STATUS_KEY_NOT_FOUND);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "y", QVX_INI_U32, &number, &size, &number, 4, kPath, QVX_LOCK_TRY),
+      SM_STATUS_KEY_NOT_FOUND);
   EXPECT_EQ(number, 0x01020304u);
 }
 
@@ -435,13 +449,15 @@ TEST_F(IniReadValues, LockedFilesGiveTheTypedDefaults) {
   u32 value = 0;
   u32 size = 4;
   const u32 given = 5;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kU32, &value, &size, &given, 4, kPath, 0),
-            SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_U32, &value, &size, &given, 4, kPath, QVX_LOCK_TRY),
+      SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(value, 5u);
   u8 byte = 0;
   size = 1;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", QVX_INI_BINARY, &byte, &size, "d", 1, kPath, 0),
-            SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_BINARY, &byte, &size, "d", 1, kPath, QVX_LOCK_TRY),
+      SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(byte, 'd');
 }
 
@@ -449,8 +465,9 @@ TEST_F(IniReadValues, BadArgumentsComeBeforeTheLock) {
   const LockHolder holder;
   u16 value = 0;
   u32 size = 2;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kU32, &value, &size, nullptr, 0, kPath, 0),
-            SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_U32, &value, &size, nullptr, 0, kPath, QVX_LOCK_TRY),
+      SM_STATUS_BAD_ARGUMENT);
 }
 
 TEST_F(IniReadValues, TypedReadsNeedEveryPointer) {
@@ -462,7 +479,8 @@ TEST_F(IniReadValues, TypedReadsNeedEveryPointer) {
     const auto read = [&](const char* section, const char* key, void* to, u32* room,
                           const char* path) {
       return ReadINIPathFileValue(section, key, type, to, room,
-                                  type == QVX_INI_USTRING ? nullptr : &given, 8, path, 0);
+                                  type == QVX_INI_USTRING ? nullptr : &given, 8, path,
+                                  QVX_LOCK_TRY);
     };
     EXPECT_EQ(read(nullptr, "y", value.data(), &size, kPath), SM_STATUS_BAD_ARGUMENT) << type;
     EXPECT_EQ(read("A", nullptr, value.data(), &size, kPath), SM_STATUS_BAD_ARGUMENT) << type;
@@ -482,7 +500,8 @@ TEST_F(IniReadValues, UnknownTypesAreBadArguments) {
   for (const s32 type : {0, 10, -1, 99, 2147483647, -2147483647 - 1}) {
     GuardBuffer<u8> value(8);
     u32 size = 8;
-    EXPECT_EQ(ReadINIPathFileValue("A", "x", type, value.data(), &size, "default", 8, kPath, 0),
+    EXPECT_EQ(ReadINIPathFileValue("A", "x", type, value.data(), &size, "default", 8, kPath,
+                                   QVX_LOCK_TRY),
               SM_STATUS_BAD_ARGUMENT);
     EXPECT_EQ(size, 8u);
     EXPECT_TRUE(value.UntouchedFrom(0));
@@ -490,13 +509,14 @@ TEST_F(IniReadValues, UnknownTypesAreBadArguments) {
 }
 
 TEST_F(IniReadValues, TextOf8192CharactersIsTheLongestForANumber) {
-  EXPECT_EQ(NumberOf<u32>(kU32, std::string(8190, ' ') + "12"), 12u);
+  EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, std::string(8190, ' ') + "12"), 12u);
   GivenText(std::string(8191, ' ') + "12");
   u32 value = 77;
   u32 size = 4;
   const u32 given = 5;
-  EXPECT_EQ(ReadINIPathFileValue("A", "x", kU32, &value, &size, &given, 4, kPath, 0),
-            SM_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(
+      ReadINIPathFileValue("A", "x", QVX_INI_U32, &value, &size, &given, 4, kPath, QVX_LOCK_TRY),
+      SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(value, 5u);
 }
 
@@ -509,7 +529,8 @@ TEST_F(IniReadValues, WithoutMemoryTypedReadsGiveTheirDefaults) {
     const u32 met = test::FailEachAllocation(
         [&] {
           size = 8;
-          return ReadINIPathFileValue("A", "x", type, &value, &size, &given, 8, kPath, 0);
+          return ReadINIPathFileValue("A", "x", type, &value, &size, &given, 8, kPath,
+                                      QVX_LOCK_TRY);
         },
         [&](u32 status) {
           EXPECT_EQ(status, kMinusOne);
@@ -525,13 +546,15 @@ TEST_F(IniReadValues, BareFileNamesLieInTheProductsDirectory) {
   WriteFile("/etc/cim/zarn/plinthos/vexilon/qvx/ini/qvxtest.ini", "[A]\nx=12\n");
   u32 value = 0;
   u32 size = 4;
-  EXPECT_EQ(PXTReadINIFileValue("A", "x", kU32, &value, &size, nullptr, 0, "qvxtest.ini", 1),
+  EXPECT_EQ(PXTReadINIFileValue("A", "x", QVX_INI_U32, &value, &size, nullptr, 0, "qvxtest.ini",
+                                QVX_LOCK_WAIT),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(value, 12u);
   value = 0;
-  EXPECT_EQ(PXTReadINIPathFileValue("A", "x", kU32, &value, &size, nullptr, 0,
-                                    "/etc/cim/zarn/plinthos/vexilon/qvx/ini/qvxtest.ini", 1),
-            SM_STATUS_SUCCESS);
+  EXPECT_EQ(
+      PXTReadINIPathFileValue("A", "x", QVX_INI_U32, &value, &size, nullptr, 0,
+                              "/etc/cim/zarn/plinthos/vexilon/qvx/ini/qvxtest.ini", QVX_LOCK_WAIT),
+      SM_STATUS_SUCCESS);
   EXPECT_EQ(value, 12u);
 }
 
@@ -546,8 +569,8 @@ TEST_F(IniReadValues, FileNameIsCutWhereThePathHas255Characters) {
   EXPECT_EQ(std::string(path), directory + name);
   u32 value = 0;
   u32 size = 4;
-  EXPECT_EQ(SUPTIntfReadINIFileValue("A", "x", kU32, &value, &size, nullptr, 0,
-                                     (name + "more").c_str(), 0),
+  EXPECT_EQ(SUPTIntfReadINIFileValue("A", "x", QVX_INI_U32, &value, &size, nullptr, 0,
+                                     (name + "more").c_str(), QVX_LOCK_TRY),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(value, 12u);
 }
@@ -555,7 +578,8 @@ TEST_F(IniReadValues, FileNameIsCutWhereThePathHas255Characters) {
 TEST_F(IniReadValues, FileNameIsRequired) {
   u32 value = 77;
   u32 size = 4;
-  EXPECT_EQ(SUPTIntfReadINIFileValue("A", "x", kU32, &value, &size, &value, 4, nullptr, 0),
+  EXPECT_EQ(SUPTIntfReadINIFileValue("A", "x", QVX_INI_U32, &value, &size, &value, 4, nullptr,
+                                     QVX_LOCK_TRY),
             SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(size, 4u);
 }
@@ -565,7 +589,8 @@ TEST_F(IniReadValues, WithoutAnInstallPathTheStatusIsMinusOne) {
   u32 size = 4;
   const u32 given = 5;
   const test::FailNthAllocation fault(1);
-  EXPECT_EQ(SUPTIntfReadINIFileValue("A", "x", kU32, &value, &size, &given, 4, "qvxtest.ini", 0),
+  EXPECT_EQ(SUPTIntfReadINIFileValue("A", "x", QVX_INI_U32, &value, &size, &given, 4, "qvxtest.ini",
+                                     QVX_LOCK_TRY),
             kMinusOne);
   EXPECT_EQ(value, 77u);
   EXPECT_EQ(size, 4u);

@@ -11,6 +11,7 @@
 
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "frame/module.h"
 #include "os/descriptor.h"
 #include "os/file_lock.h"
@@ -29,7 +30,6 @@ using test::LockIsFree;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/a.ini";
-constexpr u32 kMinusOne = 0xFFFFFFFF;
 
 // A read with 100 bytes of room.
 struct Answer {
@@ -480,7 +480,7 @@ TEST_F(IniReader, EveryWayOutReleasesTheLock) {
 
 TEST_F(IniReader, InnerReadEndsTheOuterHold) {
   WriteFile(kPath, "[A]\nx=1\n");
-  const FileLockGuard outer(0);
+  const FileLockGuard outer(QVX_LOCK_TRY);
   ASSERT_TRUE(outer);
   EXPECT_FALSE(LockIsFree());
   EXPECT_EQ(Read("A", "x"), Found("1"));

@@ -12,6 +12,7 @@
 #include "qvxcs/ini_file.h"
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "config/ini_lines.h"
 #include "frame/module.h"
 #include "support/alloc_fault.h"
@@ -19,24 +20,18 @@
 #include "support/guard_buffer.h"
 #include "support/processes.h"
 #include "support/small_disk.h"
+#include "tests/config/ini_fixed_types.h"
 
 namespace qvx {
 namespace {
 
 using test::Exists;
 using test::GuardBuffer;
+using test::kFixed;
 using test::ReadFile;
 using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/a.ini";
-constexpr u32 kMinusOne = 0xFFFFFFFF;
-
-enum : s32 { kBooln = 4, kU32, kS32, kU64, kS64, kD64 };
-
-constexpr struct {
-  s32 type;
-  s32 bytes;
-} kFixed[] = {{kBooln, 2}, {kU32, 4}, {kS32, 4}, {kU64, 8}, {kS64, 8}, {kD64, 8}};
 
 class IniWriteValues : public testing::Test {
  protected:
@@ -45,7 +40,8 @@ class IniWriteValues : public testing::Test {
   // The text under "x" after the value was written into a new file.
   static std::string TextOf(s32 type, const void* value, s32 size) {
     (void)unlink(kPath);
-    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, value, size, kPath, 0), SM_STATUS_SUCCESS);
+    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, value, size, kPath, QVX_LOCK_TRY),
+              SM_STATUS_SUCCESS);
     const std::string file = ReadFile(kPath);
     const std::string front = "[A]\nx=";
     if (file.size() <= front.size() || file.substr(0, front.size()) != front) {
@@ -64,7 +60,7 @@ class IniWriteValues : public testing::Test {
 
   static u32 StatusOf(s32 type, const void* value, s32 size) {
     (void)unlink(kPath);
-    const u32 status = WriteINIPathFileValue("A", "x", type, value, size, kPath, 0);
+    const u32 status = WriteINIPathFileValue("A", "x", type, value, size, kPath, QVX_LOCK_TRY);
     EXPECT_EQ(Exists(kPath), status == SM_STATUS_SUCCESS);
     (void)unlink(kPath);
     return status;
@@ -78,28 +74,28 @@ TEST_F(IniWriteValues, TextsAreWrittenAsTheyAre) {
 }
 
 TEST_F(IniWriteValues, OnlyExactly1IsTrue) {
-  EXPECT_EQ(TextOfNumber<booln>(kBooln, 1), "TRUE");
-  EXPECT_EQ(TextOfNumber<booln>(kBooln, 0), "FALSE");
-  EXPECT_EQ(TextOfNumber<booln>(kBooln, 2), "FALSE");
-  EXPECT_EQ(TextOfNumber<booln>(kBooln, 0x101), "FALSE");
+  EXPECT_EQ(TextOfNumber<booln>(QVX_INI_BOOLN, 1), "TRUE");
+  EXPECT_EQ(TextOfNumber<booln>(QVX_INI_BOOLN, 0), "FALSE");
+  EXPECT_EQ(TextOfNumber<booln>(QVX_INI_BOOLN, 2), "FALSE");
+  EXPECT_EQ(TextOfNumber<booln>(QVX_INI_BOOLN, 0x101), "FALSE");
 }
 
 TEST_F(IniWriteValues, WholeNumbersAreDecimal) {
-  EXPECT_EQ(TextOfNumber<u32>(kU32, 4294967295u), "4294967295");
-  EXPECT_EQ(TextOfNumber<u32>(kU32, 0), "0");
-  EXPECT_EQ(TextOfNumber<s32>(kS32, -2147483647 - 1), "-2147483648");
-  EXPECT_EQ(TextOfNumber<s32>(kS32, 2147483647), "2147483647");
-  EXPECT_EQ(TextOfNumber<u64>(kU64, 18446744073709551615u), "18446744073709551615");
-  EXPECT_EQ(TextOfNumber<u64>(kU64, 0), "0");
-  EXPECT_EQ(TextOfNumber<s64>(kS64, -9223372036854775807 - 1), "-9223372036854775808");
-  EXPECT_EQ(TextOfNumber<s64>(kS64, 42), "42");
+  EXPECT_EQ(TextOfNumber<u32>(QVX_INI_U32, 4294967295u), "4294967295");
+  EXPECT_EQ(TextOfNumber<u32>(QVX_INI_U32, 0), "0");
+  EXPECT_EQ(TextOfNumber<s32>(QVX_INI_S32, -2147483647 - 1), "-2147483648");
+  EXPECT_EQ(TextOfNumber<s32>(QVX_INI_S32, 2147483647), "2147483647");
+  EXPECT_EQ(TextOfNumber<u64>(QVX_INI_U64, 18446744073709551615u), "18446744073709551615");
+  EXPECT_EQ(TextOfNumber<u64>(QVX_INI_U64, 0), "0");
+  EXPECT_EQ(TextOfNumber<s64>(QVX_INI_S64, -9223372036854775807 - 1), "-9223372036854775808");
+  EXPECT_EQ(TextOfNumber<s64>(QVX_INI_S64, 42), "42");
 }
 
 TEST_F(IniWriteValues, DoublesHaveEightPlacesAndNoExponent) {
-  EXPECT_EQ(TextOfNumber<d64>(kD64, 1.5), "1.50000000");
-  EXPECT_EQ(TextOfNumber<d64>(kD64, -0.000000004), "-0.00000000");
-  EXPECT_EQ(TextOfNumber<d64>(kD64, 1e22), "10000000000000000000000.00000000");
-  const std::string longest = TextOfNumber<d64>(kD64, -DBL_MAX);
+  EXPECT_EQ(TextOfNumber<d64>(QVX_INI_D64, 1.5), "1.50000000");
+  EXPECT_EQ(TextOfNumber<d64>(QVX_INI_D64, -0.000000004), "-0.00000000");
+  EXPECT_EQ(TextOfNumber<d64>(QVX_INI_D64, 1e22), "10000000000000000000000.00000000");
+  const std::string longest = TextOfNumber<d64>(QVX_INI_D64, -DBL_MAX);
   EXPECT_EQ(longest.substr(0, 18), "-17976931348623157");
   // A sign, 309 digits, the point and eight places.
   EXPECT_EQ(longest.size(), 319u);
@@ -160,10 +156,11 @@ TEST_F(IniWriteValues, ListsLongerThanAValueAreRefusedNeverCut) {
 TEST_F(IniWriteValues, FixedTypesNeedTheirSizeAtLeast) {
   const u64 value = 0;
   for (const auto& each : kFixed) {
-    for (const s32 size : {each.bytes - 1, 0, -1, -2147483647 - 1}) {
+    const s32 bytes = static_cast<s32>(each.bytes);
+    for (const s32 size : {bytes - 1, 0, -1, -2147483647 - 1}) {
       EXPECT_EQ(StatusOf(each.type, &value, size), SM_STATUS_DATA_TOO_LARGE) << each.type;
     }
-    EXPECT_EQ(StatusOf(each.type, &value, each.bytes), SM_STATUS_SUCCESS) << each.type;
+    EXPECT_EQ(StatusOf(each.type, &value, bytes), SM_STATUS_SUCCESS) << each.type;
     EXPECT_EQ(StatusOf(each.type, &value, 100), SM_STATUS_SUCCESS) << each.type;
   }
 }
@@ -178,21 +175,22 @@ TEST_F(IniWriteValues, FixedTypesCannotDelete) {
 TEST_F(IniWriteValues, TextsBytesAndUstringsDeleteWithANullValue) {
   for (const s32 type : {1, 2, 3}) {
     WriteFile(kPath, "[A]\nx=1\n");
-    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, nullptr, 1, kPath, 0),
+    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, nullptr, 1, kPath, QVX_LOCK_TRY),
               SM_STATUS_DATA_TOO_LARGE);
-    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, nullptr, -1, kPath, 0),
+    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, nullptr, -1, kPath, QVX_LOCK_TRY),
               SM_STATUS_DATA_TOO_LARGE);
     EXPECT_EQ(ReadFile(kPath), "[A]\nx=1\n");
-    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, nullptr, 0, kPath, 0), SM_STATUS_SUCCESS);
+    EXPECT_EQ(WriteINIPathFileValue("A", "x", type, nullptr, 0, kPath, QVX_LOCK_TRY),
+              SM_STATUS_SUCCESS);
     EXPECT_EQ(ReadFile(kPath), "[A]\n");
   }
 }
 
 TEST_F(IniWriteValues, DeletingBytesOrUstringsLooksAtTheSizeBeforeTheNames) {
   for (const s32 type : {2, 3}) {
-    EXPECT_EQ(WriteINIPathFileValue(nullptr, "x", type, nullptr, 1, kPath, 0),
+    EXPECT_EQ(WriteINIPathFileValue(nullptr, "x", type, nullptr, 1, kPath, QVX_LOCK_TRY),
               SM_STATUS_DATA_TOO_LARGE);
-    EXPECT_EQ(WriteINIPathFileValue(nullptr, "x", type, nullptr, 0, kPath, 0),
+    EXPECT_EQ(WriteINIPathFileValue(nullptr, "x", type, nullptr, 0, kPath, QVX_LOCK_TRY),
               SM_STATUS_BAD_ARGUMENT);
   }
 }
@@ -206,7 +204,7 @@ TEST_F(IniWriteValues, NamesAreRequiredOfEveryType) {
                      : type == QVX_INI_USTRING                         ? 2
                                                                        : 8;
     const auto write = [&](const char* section, const char* key, const char* path) {
-      return WriteINIPathFileValue(section, key, type, &value, size, path, 0);
+      return WriteINIPathFileValue(section, key, type, &value, size, path, QVX_LOCK_TRY);
     };
     EXPECT_EQ(write(nullptr, "x", kPath), SM_STATUS_BAD_ARGUMENT) << type;
     EXPECT_EQ(write("A", nullptr, kPath), SM_STATUS_BAD_ARGUMENT) << type;
@@ -240,7 +238,7 @@ TEST_F(IniWriteValues, WithoutMemoryTheStatusIsMinusOne) {
   for (s32 type = 2; type <= 9; ++type) {
     const s32 size = type == QVX_INI_USTRING ? 2 : 8;
     const u32 met = test::FailEachAllocation(
-        [&] { return WriteINIPathFileValue("A", "x", type, &value, size, kPath, 0); },
+        [&] { return WriteINIPathFileValue("A", "x", type, &value, size, kPath, QVX_LOCK_TRY); },
         [](u32 status) {
           EXPECT_EQ(status, kMinusOne);
           EXPECT_FALSE(Exists(kPath));
@@ -253,22 +251,26 @@ TEST_F(IniWriteValues, WithoutMemoryTheStatusIsMinusOne) {
 
 TEST_F(IniWriteValues, BareFileNamesLieInTheProductsDirectory) {
   const u32 value = 12;
-  EXPECT_EQ(PXTWriteINIFileValue("A", "x", kU32, &value, 4, "qvxtest.ini", 1), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTWriteINIFileValue("A", "x", QVX_INI_U32, &value, 4, "qvxtest.ini", QVX_LOCK_WAIT),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(ReadFile("/etc/cim/zarn/plinthos/vexilon/qvx/ini/qvxtest.ini"), "[A]\nx=12\n");
-  EXPECT_EQ(PXTWriteINIPathFileValue("A", "x", kU32, &value, 4, kPath, 1), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTWriteINIPathFileValue("A", "x", QVX_INI_U32, &value, 4, kPath, QVX_LOCK_WAIT),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(ReadFile(kPath), "[A]\nx=12\n");
 }
 
 TEST_F(IniWriteValues, FileNameIsRequired) {
   const u32 value = 12;
-  EXPECT_EQ(SUPTIntfWriteINIFileValue("A", "x", kU32, &value, 4, nullptr, 0),
+  EXPECT_EQ(SUPTIntfWriteINIFileValue("A", "x", QVX_INI_U32, &value, 4, nullptr, QVX_LOCK_TRY),
             SM_STATUS_BAD_ARGUMENT);
 }
 
 TEST_F(IniWriteValues, WithoutAnInstallPathTheStatusIsMinusOne) {
   const u32 value = 12;
   const test::FailNthAllocation fault(1);
-  EXPECT_EQ(SUPTIntfWriteINIFileValue("A", "x", kU32, &value, 4, "qvxtest.ini", 0), kMinusOne);
+  EXPECT_EQ(
+      SUPTIntfWriteINIFileValue("A", "x", QVX_INI_U32, &value, 4, "qvxtest.ini", QVX_LOCK_TRY),
+      kMinusOne);
   EXPECT_FALSE(Exists("/etc/cim/zarn/plinthos/vexilon/qvx/ini/qvxtest.ini"));
 }
 

@@ -14,6 +14,7 @@
 
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "config/ini_reader.h"
 #include "config/ini_section.h"
 #include "frame/module.h"
@@ -38,7 +39,6 @@ using test::WriteFile;
 
 constexpr char kPath[] = "/tmp/d/a.ini";
 constexpr char kTmpPath[] = "/tmp/d/pxtini32.tmp";
-constexpr u32 kMinusOne = 0xFFFFFFFF;
 
 u32 Write(const std::string& section, const std::string& key, const std::string& value,
           const std::string& path = kPath, booln flag = 0) {

@@ -65,7 +65,7 @@ std::string IniText(const std::string& value) {
 
 u32 WriteIni(const std::string& section, const std::string& value) {
   return PXTWriteINIPathFileValue(section.c_str(), "key", kText, value.c_str(),
-                                  static_cast<s32>(value.size() + 1), kIniFile, 1);
+                                  static_cast<s32>(value.size() + 1), kIniFile, QVX_LOCK_WAIT);
 }
 
 TEST_F(Kill, AnUpdatedIniFileIsTheOldOneOrTheNewOne) {
@@ -91,7 +91,8 @@ TEST_F(Kill, ADeletedIniKeyIsThereOrGone) {
   (void)test::KillAtEachStop([&with] { test::WriteFile(kIniFile, with); },
                              [] {
                                return PXTWriteINIPathFileValue("second", "key", kText, nullptr, 0,
-                                                               kIniFile, 1) == SM_STATUS_SUCCESS;
+                                                               kIniFile,
+                                                               QVX_LOCK_WAIT) == SM_STATUS_SUCCESS;
                              },
                              [&](u32 nth) {
                                SCOPED_TRACE(nth);

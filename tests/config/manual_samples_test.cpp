@@ -67,7 +67,7 @@ class ManualIni : public testing::Test {
 };
 
 u32 Read(const char* section, const char* key, s32 type, void* value, u32* size) {
-  return PXTReadINIPathFileValue(section, key, type, value, size, nullptr, 0, kIni, 1);
+  return PXTReadINIPathFileValue(section, key, type, value, size, nullptr, 0, kIni, QVX_LOCK_WAIT);
 }
 
 template <typename Number>
@@ -136,7 +136,8 @@ TEST_F(ManualIni, WritingTheValuesOfTheSampleLeavesItAsItIs) {
       {"label", kUnits, label, sizeof(label)},
   };
   for (const auto& each : settings) {
-    EXPECT_EQ(PXTWriteINIPathFileValue("Net", each.key, each.type, each.value, each.size, kIni, 1),
+    EXPECT_EQ(PXTWriteINIPathFileValue("Net", each.key, each.type, each.value, each.size, kIni,
+                                       QVX_LOCK_WAIT),
               SM_STATUS_SUCCESS)
         << each.key;
     EXPECT_EQ(ReadFile(kIni), IniSample()) << each.key;
@@ -145,7 +146,8 @@ TEST_F(ManualIni, WritingTheValuesOfTheSampleLeavesItAsItIs) {
 }
 
 TEST_F(ManualIni, NewKeyOfTheFirstSectionStandsBeforeTheNextHeader) {
-  EXPECT_EQ(PXTWriteINIPathFileValue("Net", "zone", kText, "lab", 4, kIni, 1), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTWriteINIPathFileValue("Net", "zone", kText, "lab", 4, kIni, QVX_LOCK_WAIT),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(ReadFile(kIni), Replaced(IniSample(), "\n\n[Log]\n", "\n\nzone=lab\n[Log]\n"));
 }
 
@@ -264,7 +266,8 @@ class ManualXmlLog : public testing::Test {
 
 TEST_F(ManualXmlLog, AppendKeepsTheSampleUpToItsClosingTag) {
   WriteFile(kLog, LogSample());
-  EXPECT_EQ(PXTAppendToXMLLog(kLog, 4, 7, "u", "s", "d", nullptr, 0, kMaximum), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 7, "u", "s", "d", nullptr, 0, kMaximum),
+            SM_STATUS_SUCCESS);
   const std::string log = ReadFile(kLog);
   const std::string kept = Replaced(LogSample(), "</EventLog>", "");
   EXPECT_EQ(log.substr(0, kept.size() + 10), kept + "<LogEntry>");

@@ -32,7 +32,7 @@ static int PrintElement(void) {
   void* const buffer = PXTXAllocBuf(64, 0);
   if (buffer == NULL) return 0;
   const u32 answer = 42;
-  const u32 status = PXTXBufCatNode(buffer, "Answer", NULL, 5, &answer);
+  const u32 status = PXTXBufCatNode(buffer, "Answer", NULL, QVX_TYPE_U32, &answer);
   astring* const text = PXTXFreeBufGetContent(buffer);
   if (text != NULL) {
     printf("%s\n", text);

@@ -37,7 +37,7 @@ Answer Element() {
   void* const buffer = PXTXAllocBuf(64, 0);
   if (buffer == nullptr) return {};
   const u32 answer = 42;
-  const u32 status = PXTXBufCatNode(buffer, "Answer", nullptr, 5, &answer);
+  const u32 status = PXTXBufCatNode(buffer, "Answer", nullptr, QVX_TYPE_U32, &answer);
   const std::unique_ptr<astring, GiveBack<PXTXFreeBufContent>> text(PXTXFreeBufGetContent(buffer));
   return status != SM_STATUS_SUCCESS || text == nullptr ? Answer() : text.get();
 }

@@ -147,8 +147,8 @@ TEST_F(CtlLog, TheLibraryAppendsToARepairedLog) {
   WriteFile(kLog, kLogHead + both_ + "<LogEntry><Time");
   ASSERT_EQ(RunTool({"log", "repair", kLog, "--yes"}).code, 0);
   const int status = test::InChild([] {
-    return ModuleAttach() == 1 &&
-                   PXTAppendToXMLLog(kLog, 4, 1, "root", "TEST", "three", nullptr, 0, 131072) == 0
+    return ModuleAttach() == 1 && PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, "root", "TEST",
+                                                    "three", nullptr, 0, 131072) == 0
                ? 0
                : 1;
   });

@@ -231,7 +231,8 @@ int AppendByLibrary(int from, int to) {
   if (ModuleAttach() != 1) return 1;
   for (int at = from; at <= to; ++at) {
     const std::string text = std::to_string(at);
-    if (PXTAppendToXMLLog(kLog, 4, 7, "root", "TEST", text.c_str(), nullptr, 0, 10000) != 0) {
+    if (PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 7, "root", "TEST", text.c_str(), nullptr, 0,
+                          10000) != 0) {
       return 2;
     }
   }

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/ctl/log_texts.h"
+#include "tests/ctl/text_source.h"
 
 namespace qvx::ctl {
 namespace {
@@ -17,17 +18,7 @@ using test::Entry;
 using test::kLogClosing;
 using test::kLogHead;
 using test::Log;
-
-class TextSource : public LogReader::Source {
- public:
-  size_t Read(u64 offset, char* room, size_t size) override {
-    if (offset >= text.size()) return 0;
-    const size_t got = std::min(size, text.size() - static_cast<size_t>(offset));
-    memcpy(room, text.data() + offset, got);
-    return got;
-  }
-  std::string text;
-};
+using test::TextSource;
 
 // "e" for an entry, "d" for damage, "c" closed, "." the end.
 std::string PartsOf(const std::string& text) {

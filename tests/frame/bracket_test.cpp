@@ -24,16 +24,24 @@ const Case kBracketed[] = {
     {"PXTGetProductVarPath", [] { PXTFreeMem(PXTGetProductVarPath()); }},
     {"PXTReadINIFileValue",
      [] {
-       (void)PXTReadINIFileValue(nullptr, nullptr, 1, nullptr, nullptr, nullptr, 0, nullptr, 0);
+       (void)PXTReadINIFileValue(nullptr, nullptr, QVX_INI_ASTRING, nullptr, nullptr, nullptr, 0,
+                                 nullptr, QVX_LOCK_TRY);
      }},
     {"PXTReadINIPathFileValue",
      [] {
-       (void)PXTReadINIPathFileValue(nullptr, nullptr, 1, nullptr, nullptr, nullptr, 0, nullptr, 0);
+       (void)PXTReadINIPathFileValue(nullptr, nullptr, QVX_INI_ASTRING, nullptr, nullptr, nullptr,
+                                     0, nullptr, QVX_LOCK_TRY);
      }},
     {"PXTWriteINIFileValue",
-     [] { (void)PXTWriteINIFileValue(nullptr, nullptr, 1, nullptr, 0, nullptr, 0); }},
+     [] {
+       (void)PXTWriteINIFileValue(nullptr, nullptr, QVX_INI_ASTRING, nullptr, 0, nullptr,
+                                  QVX_LOCK_TRY);
+     }},
     {"PXTWriteINIPathFileValue",
-     [] { (void)PXTWriteINIPathFileValue(nullptr, nullptr, 1, nullptr, 0, nullptr, 0); }},
+     [] {
+       (void)PXTWriteINIPathFileValue(nullptr, nullptr, QVX_INI_ASTRING, nullptr, 0, nullptr,
+                                      QVX_LOCK_TRY);
+     }},
     {"PXTGetCmdLogPathFileName", [] { PXTFreeMem(PXTGetCmdLogPathFileName()); }},
     {"PXTAppendToCmdLog", [] { (void)PXTAppendToCmdLog(0, nullptr, nullptr, nullptr, 0); }},
     {"PXTClearCmdLog", [] { (void)PXTClearCmdLog(nullptr, nullptr); }},

@@ -73,7 +73,8 @@ QVX_ALONE(Cancel, ALogAppendThatWaitsForTheLockIsDoneFirst) {
   const OnSleep release([&other](u32) { other.Release(); });
   u32 status = 77;
   EXPECT_TRUE(EndsAfter([&status] {
-    status = PXTAppendToXMLLog("/run/cancel.xml", 4, 9, "u", "s", "<D/>", nullptr, 0, 131072);
+    status = PXTAppendToXMLLog("/run/cancel.xml", QVX_LOG_INFORMATION, 9, "u", "s", "<D/>", nullptr,
+                               0, 131072);
   }));
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
   EXPECT_NE(ReadFile("/run/cancel.xml").find("<ID>9</ID>"), std::string::npos);
@@ -83,8 +84,10 @@ QVX_ALONE(Cancel, AnINIWriteLeavesTheNewFileAndNoTemporary) {
   const Attached attached;
   qvx::test::WriteFile("/run/cancel.ini", "[A]\nb=1\n");
   u32 status = 77;
-  EXPECT_TRUE(EndsAfter(
-      [&status] { status = PXTWriteINIPathFileValue("A", "b", 1, "2", 2, "/run/cancel.ini", 1); }));
+  EXPECT_TRUE(EndsAfter([&status] {
+    status = PXTWriteINIPathFileValue("A", "b", QVX_INI_ASTRING, "2", 2, "/run/cancel.ini",
+                                      QVX_LOCK_WAIT);
+  }));
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
   EXPECT_EQ(ReadFile("/run/cancel.ini"), "[A]\nb=2\n");
 }
@@ -127,8 +130,10 @@ QVX_ALONE(Cancel, AThreadThatWaitsForTheTurnGetsIt) {
     std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
   });
   u32 status = 77;
-  EXPECT_TRUE(EndsAfter(
-      [&status] { status = PXTWriteINIPathFileValue("A", "b", 1, "2", 2, "/run/turn.ini", 1); }));
+  EXPECT_TRUE(EndsAfter([&status] {
+    status =
+        PXTWriteINIPathFileValue("A", "b", QVX_INI_ASTRING, "2", 2, "/run/turn.ini", QVX_LOCK_WAIT);
+  }));
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
   wanted = true;
   other.join();

@@ -99,13 +99,14 @@ QVX_ALONE(Forks, AChildWritesAndExitsThoughAnotherThreadHadTheTurn) {
   const AnotherThread writer([] { EXPECT_EQ(qvx::TakeThreadsTurn(0), 0); }, qvx::GiveThreadsTurn);
   EXPECT_EQ(InChild([] {
               EndWhereItHangs();
-              if (PXTWriteINIFileValue("A", "b", 1, "2", 2, "forks.ini", 0) != SM_STATUS_SUCCESS) {
+              if (PXTWriteINIFileValue("A", "b", QVX_INI_ASTRING, "2", 2, "forks.ini",
+                                       QVX_LOCK_TRY) != SM_STATUS_SUCCESS) {
                 return 1;
               }
               astring value[8];
               u32 size = sizeof(value);
-              if (PXTReadINIFileValue("A", "b", 1, value, &size, nullptr, 0, "forks.ini", 0) !=
-                  SM_STATUS_SUCCESS) {
+              if (PXTReadINIFileValue("A", "b", QVX_INI_ASTRING, value, &size, nullptr, 0,
+                                      "forks.ini", QVX_LOCK_TRY) != SM_STATUS_SUCCESS) {
                 return 2;
               }
               astring* path = PXTGetQVXInstallPath();

@@ -131,7 +131,7 @@ QVX_ALONE(Module, AnIPCNameOfZeroFailsTheAttachAndOpensNothing) {
 QVX_ALONE(Module, TheLockIsFreeAfterAttach) {
   EXPECT_EQ(qvx::ModuleAttach(), 1);
   const LockHolder other(qvx::kIPCFilePath);
-  EXPECT_EQ(qvx::FileLock(0), 0U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 0U);
 }
 
 QVX_ALONE(Module, AttachedCallsReadTheConfiguredMaximum) {
@@ -177,11 +177,14 @@ QVX_ALONE(Detached, INICallsCannotLock) {
   Detach();
   char value[8] = "old";
   u32 size = sizeof(value);
-  EXPECT_EQ(PXTReadINIPathFileValue("A", "b", 1, value, &size, nullptr, 0, "/tmp/x.ini", 1),
+  EXPECT_EQ(PXTReadINIPathFileValue("A", "b", QVX_INI_ASTRING, value, &size, nullptr, 0,
+                                    "/tmp/x.ini", QVX_LOCK_WAIT),
             SM_STATUS_LOCK_FAILED);
   EXPECT_STREQ(value, "old");
   EXPECT_EQ(size, 8U);
-  EXPECT_EQ(PXTWriteINIPathFileValue("A", "b", 1, "2", 2, "/tmp/x.ini", 1), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(
+      PXTWriteINIPathFileValue("A", "b", QVX_INI_ASTRING, "2", 2, "/tmp/x.ini", QVX_LOCK_WAIT),
+      SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(qvx::test::ReadFile("/tmp/x.ini"), "[A]\nb=1\n");
 }
 
@@ -198,15 +201,16 @@ QVX_ALONE(Detached, KeyValueCallsCannotLock) {
 
 QVX_ALONE(Detached, LogCallsSayWhy) {
   Detach();
-  EXPECT_EQ(PXTAppendToXMLLog("/tmp/l.xml", 4, 0, "u", "s", "d", nullptr, 0, 1000),
-            SM_STATUS_NOT_LOADED);
+  EXPECT_EQ(
+      PXTAppendToXMLLog("/tmp/l.xml", QVX_LOG_INFORMATION, 0, "u", "s", "d", nullptr, 0, 1000),
+      SM_STATUS_NOT_LOADED);
   EXPECT_FALSE(qvx::test::Exists("/tmp/l.xml"));
   WriteFile("/tmp/l.xml", "x");
   EXPECT_EQ(PXTClearXMLLog("/tmp/l.xml", "u", "s"), SM_STATUS_LOCK_FAILED);
   u32 size = 0;
   EXPECT_EQ(PXTGetCmdLogSize(&size), SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(PXTGetCmdLogMaxSize(&size), SM_STATUS_LOCK_FAILED);
-  EXPECT_EQ(PXTSetCmdLogMaxSize(131072), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(PXTSetCmdLogMaxSize(QVX_CMDLOG_MAX_SIZE), SM_STATUS_LOCK_FAILED);
 }
 
 QVX_ALONE(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
@@ -216,7 +220,7 @@ QVX_ALONE(Module, AnOperatorWithoutRightsOnTheLockFileStillAttaches) {
               if (setgid(1000) != 0 || setuid(1000) != 0) return 1;
               if (qvx::ModuleAttach() != 1 || qvx::hGFileLock != 130000U) return 2;
               // Waiting falls back to the shared lock; a single attempt does not get that far.
-              if (qvx::FileLock(0) != 0 || qvx::FileLock(1) != 1) return 3;
+              if (qvx::FileLock(QVX_LOCK_TRY) != 0 || qvx::FileLock(QVX_LOCK_WAIT) != 1) return 3;
               return qvx::ModuleDetach() == 1 ? 0 : 4;
             }),
             0);

@@ -46,7 +46,8 @@ TEST(Status, EveryCodeHasItsValue) {
 TEST(Status, FamiliesNameANullArgumentDifferently) {
   char value[4] = "old";
   u32 size = sizeof(value);
-  EXPECT_EQ(PXTReadINIPathFileValue(nullptr, "key", 1, value, &size, nullptr, 0, nullptr, 0),
+  EXPECT_EQ(PXTReadINIPathFileValue(nullptr, "key", QVX_INI_ASTRING, value, &size, nullptr, 0,
+                                    nullptr, QVX_LOCK_TRY),
             SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(PXTUnicodeToASCII(value, &size, nullptr), SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(PXTIsIPv6(nullptr), SM_STATUS_IP_INVALID_PARAMETER);

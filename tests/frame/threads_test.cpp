@@ -63,8 +63,8 @@ void Start() {
 constexpr u32 kEntries = 100000;
 
 u32 Append(const std::string& log, u32 thread, u32 number, u32 maximum = kNoMaximum) {
-  return PXTAppendToXMLLog(log.c_str(), 4, thread * kEntries + number, "u", "s", "<D/>", nullptr, 0,
-                           maximum);
+  return PXTAppendToXMLLog(log.c_str(), QVX_LOG_INFORMATION, thread * kEntries + number, "u", "s",
+                           "<D/>", nullptr, 0, maximum);
 }
 
 // How many of its entries, in order and from 0 on, each thread has in the text; `count` threads.
@@ -132,14 +132,14 @@ QVX_ALONE(Threads, SixteenThreadsLoseNoEntryWhenTheLogMovesToItsBackup) {
 u32 WriteNumber(const std::string& path, const std::string& section, const std::string& key,
                 u32 number) {
   return PXTWriteINIPathFileValue(section.c_str(), key.c_str(), kU32, &number, sizeof(number),
-                                  path.c_str(), 1);
+                                  path.c_str(), QVX_LOCK_WAIT);
 }
 
 u32 ReadNumber(const std::string& path, const std::string& section, const std::string& key,
                u32* number) {
   u32 size = sizeof(*number);
   return PXTReadINIPathFileValue(section.c_str(), key.c_str(), kU32, number, &size, nullptr, 0,
-                                 path.c_str(), 1);
+                                 path.c_str(), QVX_LOCK_WAIT);
 }
 
 // Eight threads write a number each, over and over, and eight read what the others write: no value

@@ -11,8 +11,6 @@
 
 #include "calls.h"
 
-enum { kRoot = 0x40000, kAdministrator = 7, kPowerUser = 3, kUser = 1 };
-
 /* An account of the machine whose password is "open sesame". */
 static void MakeAccount(void) {
   static const char kShadow[] =
@@ -41,7 +39,7 @@ static u32 Login(const ustring* password) {
 static void CallLogin(void) {
   static const char kRoleMap[] = "/etc/cim/zarn/plinthos/qvxrolemap";
   MakeAccount();
-  EXPECT_EQ(Login(u"open sesame"), kUser);
+  EXPECT_EQ(Login(u"open sesame"), QVX_PRIV_USER);
   EXPECT_EQ(Login(u"open barley"), 0);
 
   astring** const service = CALL(pam_servicename);
@@ -49,44 +47,47 @@ static void CallLogin(void) {
   EXPECT_TEXT(*service, "qvauth");
   astring* const before = *service;
   *service = everybody;
-  EXPECT_EQ(Login(u"open barley"), kUser);
+  EXPECT_EQ(Login(u"open barley"), QVX_PRIV_USER);
   *service = before;
 
   WriteText(kRoleMap, "root * administrator\nhostuser * poweruser\n");
   EXPECT_EQ(chmod(kRoleMap, 0640), 0);
   EXPECT_EQ(CALL(PXTOpenRolemapFile)(), 0);
-  EXPECT_EQ(CALL(PXTGetRightsUsingRolemap)(), kAdministrator);
-  EXPECT_EQ(CALL(PXTAuthorizeUser)(NULL, u"hostuser"), kPowerUser);
-  EXPECT_EQ(CALL(PXTAuthorizeUser)(NULL, u"root"), kRoot | kAdministrator);
+  EXPECT_EQ(CALL(PXTGetRightsUsingRolemap)(), QVX_PRIV_ADMINISTRATOR);
+  EXPECT_EQ(CALL(PXTAuthorizeUser)(NULL, u"hostuser"), QVX_PRIV_POWERUSER);
+  EXPECT_EQ(CALL(PXTAuthorizeUser)(NULL, u"root"), QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR);
   EXPECT_EQ(CALL(PXTAuthorizeUser)(u"domain", u"hostuser"), 0);
-  EXPECT_EQ(Login(u"open sesame"), kPowerUser);
+  EXPECT_EQ(Login(u"open sesame"), QVX_PRIV_POWERUSER);
 
   EXPECT_EQ(CALL(PXTADAuthenticateUser)(1, 2, 3, 4, 5, 6, 7, 8, 9), -1);
   EXPECT(CALL(PXTGetOSDomainList)() == NULL);
-  EXPECT_EQ(CALL(PXTGetProcessRights)(), kRoot | kAdministrator);
+  EXPECT_EQ(CALL(PXTGetProcessRights)(), QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR);
   EXPECT_OWN(CALL(PXTGetProcessUser)(), "root");
 }
 
 static void CallMasking(void) {
   static const char kOem[] = "/etc/cim/zarn/plinthos/vexilon/wwwroot/oem/acme/ini/zarn/hostoem.ini";
   u32 reason = 77;
-  EXPECT_EQ(CALL(PXTMaskProgramRights)(kRoot | kAdministrator, "host", "none.ini", &reason),
-            kRoot | kAdministrator);
-  EXPECT_EQ(CALL(PXTMaskProgramRights)(kPowerUser, "host", "none.ini", &reason), 0);
+  EXPECT_EQ(CALL(PXTMaskProgramRights)(QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR, "host", "none.ini",
+                                       &reason),
+            QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR);
+  EXPECT_EQ(CALL(PXTMaskProgramRights)(QVX_PRIV_POWERUSER, "host", "none.ini", &reason), 0);
   EXPECT_EQ(reason, 77);
   WriteText("/etc/cim/zarn/plinthos/vexilon/qvx/ini/mask.ini", "[OEM]\nname=acme\n");
   Shell("mkdir -p /etc/cim/zarn/plinthos/vexilon/wwwroot/oem/acme/ini/zarn");
   WriteText(kOem, "[data]\naccessmask=1\n");
-  EXPECT_EQ(CALL(PXTMaskProgramRights)(kRoot | kPowerUser, "host", "mask.ini", &reason),
-            kRoot | kUser);
+  EXPECT_EQ(
+      CALL(PXTMaskProgramRights)(QVX_PRIV_ROOT | QVX_PRIV_POWERUSER, "host", "mask.ini", &reason),
+      QVX_PRIV_ROOT | QVX_PRIV_USER);
   EXPECT_EQ(reason, 77);
-  EXPECT_EQ(CALL(PXTMaskProgramRights)(kUser, "host", "mask.ini", &reason), 0);
+  EXPECT_EQ(CALL(PXTMaskProgramRights)(QVX_PRIV_USER, "host", "mask.ini", &reason), 0);
   EXPECT_EQ(reason, 1001);
   WriteText(kOem, "[data]\naccessmask=0\n");
-  EXPECT_EQ(CALL(PXTMaskProgramRights)(kPowerUser, "host", "mask.ini", &reason), 0);
+  EXPECT_EQ(CALL(PXTMaskProgramRights)(QVX_PRIV_POWERUSER, "host", "mask.ini", &reason), 0);
   EXPECT_EQ(reason, 1002);
   WriteText(kOem, "[data]\naccessoverride=true\n");
-  EXPECT_EQ(CALL(PXTMaskProgramRights)(kUser, "host", "mask.ini", &reason), kAdministrator);
+  EXPECT_EQ(CALL(PXTMaskProgramRights)(QVX_PRIV_USER, "host", "mask.ini", &reason),
+            QVX_PRIV_ADMINISTRATOR);
 }
 
 static void CallNames(void) {

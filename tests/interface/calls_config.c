@@ -37,7 +37,7 @@ static void CallIniFiles(void) {
   const size_t count = sizeof(cases) / sizeof(*cases);
   for (size_t at = 0; at < count; ++at) {
     EXPECT_EQ(CALL(PXTWriteINIPathFileValue)("Host", cases[at].key, cases[at].type, cases[at].value,
-                                             (s32)cases[at].size, kIni, 1),
+                                             (s32)cases[at].size, kIni, QVX_LOCK_WAIT),
               SM_STATUS_SUCCESS);
   }
   EXPECT_TEXT(ReadText(kIni),
@@ -48,7 +48,7 @@ static void CallIniFiles(void) {
     char value[64] = "";
     u32 size = cases[at].type < 4 ? sizeof(value) : cases[at].size;
     EXPECT_EQ(CALL(PXTReadINIPathFileValue)("Host", cases[at].key, cases[at].type, value, &size,
-                                            NULL, 0, kIni, 1),
+                                            NULL, 0, kIni, QVX_LOCK_WAIT),
               SM_STATUS_SUCCESS);
     EXPECT_EQ(size, cases[at].size);
     EXPECT(memcmp(value, cases[at].value, cases[at].size) == 0);
@@ -56,16 +56,20 @@ static void CallIniFiles(void) {
 
   astring text[3] = "";
   u32 size = sizeof(text);
-  EXPECT_EQ(CALL(PXTReadINIPathFileValue)("Host", "none", 1, text, &size, "default", 8, kIni, 1),
+  EXPECT_EQ(CALL(PXTReadINIPathFileValue)("Host", "none", QVX_INI_ASTRING, text, &size, "default",
+                                          8, kIni, QVX_LOCK_WAIT),
             SM_STATUS_KEY_NOT_FOUND);
   EXPECT_TEXT(text, "de");
   EXPECT_EQ(size, 3);
 
   static const char kOwn[] = "/etc/cim/zarn/plinthos/vexilon/qvx/ini/host.ini";
   size = sizeof(text);
-  EXPECT_EQ(CALL(PXTWriteINIFileValue)("S", "k", 1, "v", 2, "host.ini", 1), SM_STATUS_SUCCESS);
+  EXPECT_EQ(
+      CALL(PXTWriteINIFileValue)("S", "k", QVX_INI_ASTRING, "v", 2, "host.ini", QVX_LOCK_WAIT),
+      SM_STATUS_SUCCESS);
   EXPECT_TEXT(ReadText(kOwn), "[S]\nk=v\n");
-  EXPECT_EQ(CALL(PXTReadINIFileValue)("S", "k", 1, text, &size, NULL, 0, "host.ini", 1),
+  EXPECT_EQ(CALL(PXTReadINIFileValue)("S", "k", QVX_INI_ASTRING, text, &size, NULL, 0, "host.ini",
+                                      QVX_LOCK_WAIT),
             SM_STATUS_SUCCESS);
   EXPECT_TEXT(text, "v");
   EXPECT_EQ(size, 2);

@@ -22,13 +22,14 @@ static void CallXmlBuffer(void) {
   void* buffer = CALL(PXTXAllocBuf)(0, 0);
   EXPECT(buffer != NULL);
   EXPECT_EQ(CALL(PXTXBufCatBeginNode)(buffer, "Node", "id=\"1\""), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "U", NULL, 5, &number), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "S", NULL, 21, &narrow), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "W", NULL, 9, &wide), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "B", NULL, 4, &two), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "D", NULL, 13, &half), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "R", NULL, 25, &hex), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "T", "k=\"v\"", 26, "a<b"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "U", NULL, QVX_TYPE_U32, &number), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "S", NULL, QVX_TYPE_S8, &narrow), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "W", NULL, QVX_TYPE_U64, &wide), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "B", NULL, QVX_TYPE_BOOLN, &two), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "D", NULL, QVX_TYPE_D64, &half), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "R", NULL, QVX_TYPE_TYPED_VALUE, &hex), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "T", "k=\"v\"", QVX_TYPE_XML_ASTRING, "a<b"),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "N", NULL, 3, &number), SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(CALL(PXTXBufCatEmptyNode)(buffer, "E", NULL), SM_STATUS_SUCCESS);
   EXPECT_EQ(CALL(PXTXBufCatEndNode)(buffer, "Node"), SM_STATUS_SUCCESS);
@@ -59,8 +60,9 @@ static void CallXmlLog(void) {
              "</DateTime><ComputerName>qvxtest</ComputerName><Type>4</Type><ID>0</ID><UserInfo>u"
              "</UserInfo><Source>s</Source><Description>Log was cleared</Description><Data></Data>"
              "</LogEntry></EventLog>");
-  EXPECT_EQ(CALL(PXTAppendToXMLLog)(kLog, 2, 7, "a<b", NULL, "text", "\x01", 1, 131072),
-            SM_STATUS_SUCCESS);
+  EXPECT_EQ(
+      CALL(PXTAppendToXMLLog)(kLog, QVX_LOG_WARNING, 7, "a<b", NULL, "text", "\x01", 1, 131072),
+      SM_STATUS_SUCCESS);
   EXPECT_HAS(ReadText(kLog), "</LogEntry><LogEntry><TimeStamp>");
   EXPECT_HAS(ReadText(kLog),
              "<Type>2</Type><ID>7</ID><UserInfo>a&lt;b</UserInfo><Source></Source>"
@@ -83,8 +85,10 @@ static void CallCommandLog(void) {
   u32 size = 77;
   EXPECT_OWN(CALL(PXTGetCmdLogPathFileName)(), kLog);
   EXPECT_HAS(ReadText(kLog), "<UserInfo>Local System</UserInfo><Source>QVPX</Source>");
-  EXPECT_EQ(CALL(PXTAppendToCmdLog)(5000, "u", "s", "d", 4), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(CALL(PXTAppendToCmdLog)(5001, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTAppendToCmdLog)(5000, "u", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(CALL(PXTAppendToCmdLog)(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_SUCCESS);
   EXPECT_HAS(ReadText(kLog),
              "<Type>4</Type><ID>5001</ID><UserInfo>u</UserInfo><Source>s</Source>"
              "<Description>d</Description><Data></Data></LogEntry></EventLog>");
@@ -100,14 +104,15 @@ static void CallCommandLog(void) {
   EXPECT_EQ(size, 500000);
   (void)unlink(kProperties);
   EXPECT_EQ(CALL(PXTSetCmdLogMaxSize)(65536), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(CALL(PXTSetCmdLogMaxSize)(131072), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTSetCmdLogMaxSize)(QVX_CMDLOG_MAX_SIZE), SM_STATUS_SUCCESS);
 }
 
 static void CallOsLog(void) {
   const struct sockaddr_un name = {AF_UNIX, "/dev/log"};
   const int service = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   EXPECT_EQ(bind(service, (const struct sockaddr*)&name, sizeof(name)), 0);
-  EXPECT_EQ(CALL(PXTAppendToOSLog)(1, 42, u"qvhost", u"a\r\nb %s"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTAppendToOSLog)(QVX_OSLOG_ERROR, 42, u"qvhost", u"a\r\nb %s"),
+            SM_STATUS_SUCCESS);
   char message[1024] = "";
   EXPECT(recv(service, message, sizeof(message) - 1, 0) > 0);
   EXPECT(strncmp(message, "<27>", 4) == 0); /* LOG_DAEMON and LOG_ERR */
@@ -123,16 +128,17 @@ static void CallValues(void) {
   s32 number = 77;
   const s8 narrow = -1;
   u32 status = 77;
-  EXPECT_EQ(CALL(PXTNVSASCIIToXVal)("-2500", 99, &wide), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTNVSASCIIToXVal)("-2500", QVX_TYPE_THOUSANDTHS, &wide), SM_STATUS_SUCCESS);
   EXPECT_EQ(wide, -2);
   EXPECT_EQ(CALL(PXTNVSASCIIToXVal)("1", 3, &wide), SM_STATUS_BAD_ARGUMENT);
   astring a[] = "a=1";
   astring n[] = "n=-3";
   astring* vector[] = {a, n};
-  EXPECT_EQ(CALL(PXTNVSNVPValToXVal)(2, vector, "n", 7, &number), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTNVSNVPValToXVal)(2, vector, "n", QVX_TYPE_S32, &number), SM_STATUS_SUCCESS);
   EXPECT_EQ(number, -3);
-  EXPECT_EQ(CALL(PXTNVSNVPValToXVal)(2, vector, "N", 7, &number), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_OWN(CALL(PXTNVSXValToASCII)(21, &narrow), "-1");
+  EXPECT_EQ(CALL(PXTNVSNVPValToXVal)(2, vector, "N", QVX_TYPE_S32, &number),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_OWN(CALL(PXTNVSXValToASCII)(QVX_TYPE_S8, &narrow), "-1");
   EXPECT(CALL(PXTNVSXValToASCII)(28, &narrow) == NULL);
 
   EXPECT_OWN(CALL(PXTNVSUstrToAstrD)(NULL, "fallback", &status), "fallback");
@@ -151,8 +157,9 @@ static void CallValues(void) {
   const u32 old = 10;
   const u32 new = 20;
   void* const buffer = CALL(PXTXAllocBuf)(256, 0);
-  EXPECT_EQ(CALL(PXTNVSBufCatSetCmdParam)(buffer, "Speed", &old, &new, NULL, 5), SM_STATUS_SUCCESS);
-  EXPECT_EQ(CALL(PXTNVSBufCatSetCmdParam)(buffer, "Speed", &old, NULL, NULL, 5),
+  EXPECT_EQ(CALL(PXTNVSBufCatSetCmdParam)(buffer, "Speed", &old, &new, NULL, QVX_TYPE_U32),
+            SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTNVSBufCatSetCmdParam)(buffer, "Speed", &old, NULL, NULL, QVX_TYPE_U32),
             SM_STATUS_INVALID_PARAMETER);
   CALL(PXTNVSCatSMStatusNode)(buffer, -1, "no");
   EXPECT_OWN(CALL(PXTXFreeBufGetContent)(buffer),
@@ -163,9 +170,10 @@ static void CallValues(void) {
 /* A command that answers with what it was called with. */
 static astring* Help(s32 count, astring** vector) {
   void* const buffer = CALL(PXTXAllocBuf)(64, 0);
-  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "Count", NULL, 7, &count), SM_STATUS_SUCCESS);
+  EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "Count", NULL, QVX_TYPE_S32, &count), SM_STATUS_SUCCESS);
   for (s32 at = 0; at < count; ++at) {
-    EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "V", NULL, 1, vector[at]), SM_STATUS_SUCCESS);
+    EXPECT_EQ(CALL(PXTXBufCatNode)(buffer, "V", NULL, QVX_TYPE_ASTRING, vector[at]),
+              SM_STATUS_SUCCESS);
   }
   return CALL(PXTXFreeBufGetContent)(buffer);
 }

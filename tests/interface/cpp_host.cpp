@@ -120,7 +120,8 @@ void DocumentsAreBuilt() {
                            131072) == SM_STATUS_SUCCESS);
   EXPECT(ReadFile("/run/cpp.xml").find("<ID>9</ID><UserInfo>me</UserInfo>") != std::string::npos);
   u32 size = 0;
-  EXPECT(PXTAppendToCmdLog(5001, "me", "host", "<D/>", QVX_LOG_INFORMATION) == SM_STATUS_SUCCESS);
+  EXPECT(PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "me", "host", "<D/>", QVX_LOG_INFORMATION) ==
+         SM_STATUS_SUCCESS);
   EXPECT(PXTGetCmdLogSize(&size) == SM_STATUS_SUCCESS);
   EXPECT(size == ReadFile(Taken(PXTGetCmdLogPathFileName())).size());
 }

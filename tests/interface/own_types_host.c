@@ -49,7 +49,7 @@ static void CallsTakeThePrefixedTypes(void) {
   qvx_u32 status = 77;
   EXPECT(PXTUCS2StrToUTF8Str(narrow, &size, wide) == SM_STATUS_SUCCESS);
   EXPECT(strcmp(narrow, "h\xC3\xA9") == 0 && size == 4);
-  EXPECT(PXTASCIIToSigned64VT("-5000000000", 10, &status) == (qvx_s64)-5000000000);
+  EXPECT(PXTASCIIToSigned64VT("-5000000000", QVX_BASE_DECIMAL, &status) == (qvx_s64)-5000000000);
   EXPECT(status == SM_STATUS_SUCCESS);
 }
 

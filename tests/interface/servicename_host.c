@@ -41,7 +41,7 @@ int main(void) {
   static char other[] = "ownservice";
   pam_servicename = other;
 #endif
-  if (Login() != 0x40007) return 2;
+  if (Login() != (QVX_PRIV_ROOT | QVX_PRIV_ADMINISTRATOR)) return 2;
   pam_servicename = NULL;
   return Login() == 0 ? 0 : 3;
 }

@@ -94,7 +94,7 @@ TEST_F(FileLockTest, ANameOfZeroIsNoMutex) {
 TEST_F(FileLockTest, AHandleOfZeroIsRefusedWithoutTouchingTheFile) {
   EXPECT_EQ(qvx::WaitForGlobalMutex(0, -1), -1);
   EXPECT_TRUE(FreeForOthers());
-  EXPECT_EQ(qvx::FileLock(0), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 1U);
   EXPECT_EQ(qvx::ReleaseGlobalMutex(0), -1);
   EXPECT_FALSE(FreeForOthers());
 }
@@ -103,7 +103,7 @@ TEST_F(FileLockTest, ATimeOutOfZeroMakesOneAttempt) {
   const LockHolder other(qvx::kIPCFilePath);
   const CountSleeps sleeps;
   EXPECT_EQ(qvx::WaitForGlobalMutex(qvx::hGFileLock, 0), kTimedOut);
-  EXPECT_EQ(qvx::FileLock(0), 0U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 0U);
   EXPECT_EQ(qvx::FileLock(2), 0U);
   EXPECT_EQ(qvx::FileLock(0x101), 0U);
   EXPECT_EQ(CountSleeps::Count(), 0U);
@@ -123,20 +123,20 @@ TEST_F(FileLockTest, NegativeTimeOutsOtherThanMinusOneMakeOneAttempt) {
 TEST_F(FileLockTest, WaitingMakesSixtyThousandAttemptsAMillisecondApart) {
   const LockHolder other(qvx::kIPCFilePath);
   const CountSleeps sleeps;
-  EXPECT_EQ(qvx::FileLock(1), 0U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_WAIT), 0U);
   EXPECT_EQ(CountSleeps::Count(), 60000U);
   EXPECT_EQ(CountSleeps::Microseconds(), 60000000U);
 }
 
 TEST_F(FileLockTest, ExcludesOtherProcessesUntilReleased) {
-  EXPECT_EQ(qvx::FileLock(1), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_WAIT), 1U);
   EXPECT_FALSE(FreeForOthers());
   EXPECT_EQ(qvx::FileUnlock(), 0);
   EXPECT_TRUE(FreeForOthers());
 }
 
 TEST_F(FileLockTest, KeepsReadersAndEveryByteFromOthers) {
-  EXPECT_EQ(qvx::FileLock(1), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_WAIT), 1U);
   EXPECT_FALSE(OthersMayTake(F_RDLCK));
   EXPECT_FALSE(OthersMayTake(F_RDLCK, 0, 1));
   EXPECT_FALSE(OthersMayTake(F_RDLCK, 1000000, 1));
@@ -146,8 +146,8 @@ TEST_F(FileLockTest, KeepsReadersAndEveryByteFromOthers) {
 }
 
 TEST_F(FileLockTest, TheInnerReleaseOfANestedHoldEndsTheOuterOne) {
-  EXPECT_EQ(qvx::FileLock(1), 1U);
-  EXPECT_EQ(qvx::FileLock(1), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_WAIT), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_WAIT), 1U);
   EXPECT_EQ(qvx::FileUnlock(), 0);
   EXPECT_TRUE(FreeForOthers());
   EXPECT_EQ(qvx::FileUnlock(), 0);
@@ -155,9 +155,9 @@ TEST_F(FileLockTest, TheInnerReleaseOfANestedHoldEndsTheOuterOne) {
 
 TEST_F(FileLockTest, AKilledHolderFreesTheLock) {
   LockHolder other(qvx::kIPCFilePath);
-  EXPECT_EQ(qvx::FileLock(0), 0U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 0U);
   other.Kill();
-  EXPECT_EQ(qvx::FileLock(0), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 1U);
 }
 
 TEST_F(FileLockTest, AWaitWithoutLimitEndsWhenTheHolderDoes) {
@@ -179,7 +179,7 @@ TEST_F(FileLockTest, AnInterruptedWaitWithoutLimitGoesOn) {
 TEST_F(FileLockTest, APolledWaitTakesTheLockAtALaterAttempt) {
   LockHolder other(qvx::kIPCFilePath);
   const AlarmsEndTheHold alarms(&other);
-  EXPECT_EQ(qvx::FileLock(1), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_WAIT), 1U);
   EXPECT_GE(AlarmsEndTheHold::Count(), 3);
   EXPECT_FALSE(FreeForOthers());
 }
@@ -209,22 +209,22 @@ TEST_F(FileLockTest, AWaitWithoutLimitThatCouldNeverEndIsAnError) {
 
 TEST_F(FileLockTest, GuardsReleaseWhatTheyTook) {
   {
-    const qvx::FileLockGuard guard(1);
+    const qvx::FileLockGuard guard(QVX_LOCK_WAIT);
     EXPECT_TRUE(guard);
     EXPECT_FALSE(FreeForOthers());
   }
   EXPECT_TRUE(FreeForOthers());
   const LockHolder other(qvx::kIPCFilePath);
-  const qvx::FileLockGuard guard(0);
+  const qvx::FileLockGuard guard(QVX_LOCK_TRY);
   EXPECT_FALSE(guard);
 }
 
 TEST_F(FileLockTest, ClosingTheFileFreesTheLockAndIsAlwaysGood) {
-  EXPECT_EQ(qvx::FileLock(0), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 1U);
   EXPECT_EQ(qvx::CloseIPCFile(), 0);
   EXPECT_TRUE(FreeForOthers());
   EXPECT_EQ(qvx::CloseIPCFile(), 0);
-  EXPECT_EQ(qvx::FileLock(0), 0U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 0U);
   EXPECT_EQ(qvx::FileUnlock(), -1);
 }
 
@@ -270,9 +270,9 @@ TEST_F(FileLockTest, ASingleAttemptWithoutWriteAccessFails) {
   OpenWithoutWriteAccess();
   const CountSleeps sleeps;
   EXPECT_EQ(qvx::LockIPCFileRecord(0, 0), kTimedOut);
-  EXPECT_EQ(qvx::FileLock(0), 0U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_TRY), 0U);
   EXPECT_EQ(CountSleeps::Count(), 0U);
-  EXPECT_EQ(qvx::FileLock(1), 1U);
+  EXPECT_EQ(qvx::FileLock(QVX_LOCK_WAIT), 1U);
   EXPECT_EQ(CountSleeps::Count(), 1U);
 }
 

@@ -13,6 +13,7 @@
 #include "qvxcs/file_util.h"
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/guard_buffer.h"
@@ -31,7 +32,6 @@ using test::ReadFile;
 using test::SmallDisk;
 using test::WriteFile;
 
-constexpr u32 kMinusOne = 0xFFFFFFFF;
 constexpr uid_t kNobody = 65534;
 
 std::string WorkingDirectory() {

@@ -72,7 +72,7 @@ u32 Append(u16 type, u32 number, const std::u16string& source, const std::u16str
 }
 
 TEST_F(OSLog, AnEventIsLoggedUnderItsSourceWithItsNumber) {
-  EXPECT_EQ(PXTAppendToOSLog(1, 4294967295U, Text(u"host"), Text(u"disk full")), 0U);
+  EXPECT_EQ(PXTAppendToOSLog(QVX_OSLOG_ERROR, 4294967295U, Text(u"host"), Text(u"disk full")), 0U);
   EXPECT_EQ(Logged(), "<27>host: EventID: 4294967295  disk full");
   EXPECT_EQ(Received(), kNothing);
 }
@@ -144,8 +144,8 @@ TEST_F(OSLog, TextThatTheLocaleCannotHoldIsNotLogged) {
 }
 
 TEST_F(OSLog, NullTextsAreRefused) {
-  EXPECT_EQ(qvx::AppendToOSLog(1, 1, nullptr, Text(u"text")), kFailed);
-  EXPECT_EQ(qvx::AppendToOSLog(1, 1, Text(u"host"), nullptr), kFailed);
+  EXPECT_EQ(qvx::AppendToOSLog(QVX_OSLOG_ERROR, 1, nullptr, Text(u"text")), kFailed);
+  EXPECT_EQ(qvx::AppendToOSLog(QVX_OSLOG_ERROR, 1, Text(u"host"), nullptr), kFailed);
   EXPECT_EQ(Received(), kNothing);
 }
 

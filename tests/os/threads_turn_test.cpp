@@ -209,10 +209,10 @@ class FileLockTurn : public testing::Test {
 };
 
 TEST_F(FileLockTurn, AGuardOfAnotherThreadKeepsThisOneOut) {
-  const FileLockGuard outer(1);
+  const FileLockGuard outer(QVX_LOCK_WAIT);
   ASSERT_TRUE(outer);
   std::thread([] {
-    const FileLockGuard inner(0);
+    const FileLockGuard inner(QVX_LOCK_TRY);
     EXPECT_FALSE(inner);
   }).join();
   EXPECT_FALSE(LockIsFree());
@@ -221,7 +221,7 @@ TEST_F(FileLockTurn, AGuardOfAnotherThreadKeepsThisOneOut) {
 TEST_F(FileLockTurn, AThreadThatWaitsForTheTurnGivesUpInTheLocksOwnTime) {
   WhileAnotherHasTheTurn([] {
     const CountSleeps sleeps;
-    const FileLockGuard guard(1);
+    const FileLockGuard guard(QVX_LOCK_WAIT);
     EXPECT_FALSE(guard);
     EXPECT_EQ(CountSleeps::Count(), 60000U);
     EXPECT_EQ(CountSleeps::Microseconds(), 60000000U);
@@ -244,7 +244,7 @@ TEST_F(FileLockTurn, TheTurnsAttemptsAreTakenOffTheLocks) {
   while (!taken) {
     std::this_thread::yield();
   }
-  const FileLockGuard guard(1);
+  const FileLockGuard guard(QVX_LOCK_WAIT);
   EXPECT_FALSE(guard);
   EXPECT_EQ(CountSleeps::Count(), 60000U);
   other.join();
@@ -284,9 +284,9 @@ TEST_F(FileLockTurn, AfterAHundredMillisecondsTheProcessLeavesTheLockToOtherProc
 
 TEST_F(FileLockTurn, ANestedGuardTakesTheTurnWithItAndGivesItBackOnce) {
   {
-    const FileLockGuard outer(0);
+    const FileLockGuard outer(QVX_LOCK_TRY);
     {
-      const FileLockGuard inner(0);
+      const FileLockGuard inner(QVX_LOCK_TRY);
       EXPECT_TRUE(inner);
     }
     // The record lock is the process's and ended with the inner guard; the turn did not.
@@ -298,7 +298,7 @@ TEST_F(FileLockTurn, ANestedGuardTakesTheTurnWithItAndGivesItBackOnce) {
 
 TEST_F(FileLockTurn, AGuardWithoutTheLockGivesTheTurnBack) {
   const LockHolder other;
-  const FileLockGuard guard(0);
+  const FileLockGuard guard(QVX_LOCK_TRY);
   EXPECT_FALSE(guard);
   EXPECT_TRUE(TurnIsFree());
 }
@@ -307,7 +307,7 @@ TEST_F(FileLockTurn, AChildStartsWithTheTurnFreeWhoeverHadIt) {
   WhileAnotherHasTheTurn([] {
     EXPECT_EQ(InChild([] {
                 FreeThreadsTurnInChild();
-                const FileLockGuard guard(0);
+                const FileLockGuard guard(QVX_LOCK_TRY);
                 return guard ? 0 : 1;
               }),
               0);

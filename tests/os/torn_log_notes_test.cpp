@@ -23,20 +23,20 @@ constexpr TornLogNote NoteOf(u64 inode, u64 offset = 75) {
 }
 
 u64 OffsetNow(u64 inode) {
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   const TornLogNotes notes;
   const TornLogNote* const found = notes.Find({1, inode});
   return found == nullptr ? 0 : found->offset;
 }
 
 bool Added(const TornLogNote& note) {
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   TornLogNotes notes;
   return notes.Add(note);
 }
 
 void Dropped(u64 inode) {
-  const FileLockGuard lock(1);
+  const FileLockGuard lock(QVX_LOCK_WAIT);
   TornLogNotes notes;
   notes.Drop({1, inode});
 }
@@ -100,7 +100,8 @@ TEST_F(TornLogNotesTest, OtherContentsAreNoNotesAndGiveWayToTheFirst) {
   for (const size_t length : {1u, 8u, 100u, 3000u, 100000u}) {
     const std::string other(length, 'x');
     {
-      const FileLockGuard lock(1);  // the write below closes a descriptor, which ends the hold
+      const FileLockGuard lock(
+          QVX_LOCK_WAIT);  // the write below closes a descriptor, which ends the hold
       test::WriteFile(kIPCFilePath, other);
     }
     EXPECT_TRUE(MayHaveTornLogNotes());

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <csignal>
 #include <string>
+#include <vector>
 
 #include "qvxcs/paths.h"
 #include "qvxcs/status.h"
@@ -27,7 +28,6 @@ constexpr char kSystemctl[] = "/usr/bin/systemctl";
 constexpr char kInitScript[] = "/etc/init.d/hvn_qv_connsvc";
 constexpr char kOsRelease[] = "/etc/os-release";
 constexpr char kRecord[] = "/run/record";
-constexpr u32 kFailed = 0xFFFFFFFF;
 
 void MakeProgram(const std::string& path, const std::string& action) {
   test::RequireSandbox();
@@ -51,18 +51,13 @@ void MakeHost(bool systemd, const std::string& action = "exit 0\n") {
 
 std::string Recorded() { return test::Exists(kRecord) ? test::ReadFile(kRecord) : ""; }
 
-TEST(WebServer, EachActionRunsItsSystemctlCommand) {
-  const struct {
-    u32 action;
-    const char* command;
-  } cases[] = {
-      {0, "/usr/bin/systemctl stop hvn_qv_connsvc.service\n"},
-      {1, "/usr/bin/systemctl start hvn_qv_connsvc.service\n"},
-      {3, "/usr/bin/systemctl restart hvn_qv_connsvc.service\n"},
-      {4, "/usr/bin/systemctl restart hvn_qv_connsvc.service\n"},
-  };
-  MakeHost(true);
-  for (const auto& each : cases) {
+struct ActionCommand {
+  u32 action;
+  const char* command;
+};
+
+void ExpectCommands(const std::vector<ActionCommand>& cases) {
+  for (const ActionCommand& each : cases) {
     (void)unlink(kRecord);
     s32 code = 77;
     EXPECT_EQ(PXTWebServer(each.action, 0, &code), SM_STATUS_SUCCESS) << each.action;
@@ -71,24 +66,24 @@ TEST(WebServer, EachActionRunsItsSystemctlCommand) {
   }
 }
 
+TEST(WebServer, EachActionRunsItsSystemctlCommand) {
+  MakeHost(true);
+  ExpectCommands({
+      {QVX_WEBSERVER_STOP, "/usr/bin/systemctl stop hvn_qv_connsvc.service\n"},
+      {QVX_WEBSERVER_START, "/usr/bin/systemctl start hvn_qv_connsvc.service\n"},
+      {QVX_WEBSERVER_RESTART, "/usr/bin/systemctl restart hvn_qv_connsvc.service\n"},
+      {QVX_WEBSERVER_RESTART_TOO, "/usr/bin/systemctl restart hvn_qv_connsvc.service\n"},
+  });
+}
+
 TEST(WebServer, EachActionRunsTheInitScriptWithoutOsRelease) {
-  const struct {
-    u32 action;
-    const char* command;
-  } cases[] = {
-      {0, "/etc/init.d/hvn_qv_connsvc stop\n"},
-      {1, "/etc/init.d/hvn_qv_connsvc start\n"},
-      {3, "/etc/init.d/hvn_qv_connsvc restart\n"},
-      {4, "/etc/init.d/hvn_qv_connsvc restart\n"},
-  };
   MakeHost(false);
-  for (const auto& each : cases) {
-    (void)unlink(kRecord);
-    s32 code = 77;
-    EXPECT_EQ(PXTWebServer(each.action, 0, &code), SM_STATUS_SUCCESS) << each.action;
-    EXPECT_EQ(code, 0);
-    EXPECT_EQ(Recorded(), each.command);
-  }
+  ExpectCommands({
+      {QVX_WEBSERVER_STOP, "/etc/init.d/hvn_qv_connsvc stop\n"},
+      {QVX_WEBSERVER_START, "/etc/init.d/hvn_qv_connsvc start\n"},
+      {QVX_WEBSERVER_RESTART, "/etc/init.d/hvn_qv_connsvc restart\n"},
+      {QVX_WEBSERVER_RESTART_TOO, "/etc/init.d/hvn_qv_connsvc restart\n"},
+  });
 }
 
 TEST(WebServer, ADanglingOsReleaseLinkIsNoOsRelease) {
@@ -103,7 +98,7 @@ TEST(WebServer, UnknownActionRunsNoServiceCommand) {
     MakeHost(systemd);
     for (const u32 action : {2u, 5u, 0x100u, 0xFFFFFFFFu}) {
       s32 code = 77;
-      EXPECT_EQ(PXTWebServer(action, 0, &code), kFailed) << action;
+      EXPECT_EQ(PXTWebServer(action, 0, &code), QVX_FAILED) << action;
       EXPECT_EQ(code, 127);
     }
     EXPECT_EQ(Recorded(), "");
@@ -128,7 +123,7 @@ TEST(WebServer, AnyOtherExitStatusIsAFailure) {
   for (const s32 status : {1, 3, 255}) {
     MakeHost(true, "exit " + std::to_string(status) + "\n");
     s32 code = 77;
-    EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), kFailed);
+    EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), QVX_FAILED);
     EXPECT_EQ(code, status);
   }
 }
@@ -160,7 +155,7 @@ TEST(WebServer, WithoutAShellTheExitCodeIs127) {
   MakeHost(true);
   ASSERT_EQ(rename("/usr/bin/sh", "/usr/bin/sh.away"), 0);
   s32 code = 77;
-  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), kFailed);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), QVX_FAILED);
   EXPECT_EQ(code, 127);
   ASSERT_EQ(rename("/usr/bin/sh.away", "/usr/bin/sh"), 0);
   EXPECT_EQ(Recorded(), "");
@@ -170,7 +165,7 @@ TEST(WebServer, ShellThatCannotBeWaitedForIsExitCodeMinusOne) {
   MakeHost(true);
   ASSERT_NE(signal(SIGCHLD, SIG_IGN), SIG_ERR);
   s32 code = 77;
-  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), kFailed);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_START, 0, &code), QVX_FAILED);
   EXPECT_EQ(code, -1);
 }
 
@@ -223,7 +218,7 @@ TEST(WebServer, RestartKeepsTheLockAndTheServiceDoesNotInheritItsFile) {
   const int lockFile = IPCFileDescriptor();
   ASSERT_GE(lockFile, 3);
   ASSERT_LE(lockFile, 255);
-  ASSERT_EQ(FileLock(1), 1u);
+  ASSERT_EQ(FileLock(QVX_LOCK_WAIT), 1u);
   ASSERT_FALSE(test::LockIsFree());
   EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_RESTART, 0, nullptr), SM_STATUS_SUCCESS);
   EXPECT_TRUE(IsOpen(lockFile));
@@ -231,7 +226,7 @@ TEST(WebServer, RestartKeepsTheLockAndTheServiceDoesNotInheritItsFile) {
   EXPECT_EQ(test::ReadFile("/run/descriptors").find(".qvxipc"), std::string::npos);
   (void)FileUnlock();
   EXPECT_TRUE(test::LockIsFree());
-  EXPECT_EQ(FileLock(0), 1u);
+  EXPECT_EQ(FileLock(QVX_LOCK_TRY), 1u);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 
 #include "qvxcs/status.h"
 
+#include "base/results.h"
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
 #include "support/locale_guard.h"
@@ -21,8 +22,6 @@ namespace {
 
 using test::FailNthAllocation;
 using test::GuardBuffer;
-
-constexpr u32 kMinusOne = 0xFFFFFFFF;
 
 struct Replaced {
   u32 status;

@@ -102,7 +102,7 @@ TEST(NumberText, NumbersBeyond32BitsKeepTheirLow32Bits) {
 TEST(NumberText, ANegativeTextIsAValidUnsignedNumber) {
   u32 status = kUnset;
   EXPECT_EQ(qvx::ASCIIToUnSigned32("-1"), 0xFFFFFFFFu);
-  EXPECT_EQ(qvx::ASCIIToUnSigned32VT("-1", 10, &status), 0xFFFFFFFFu);
+  EXPECT_EQ(qvx::ASCIIToUnSigned32VT("-1", QVX_BASE_DECIMAL, &status), 0xFFFFFFFFu);
   EXPECT_EQ(status, 0u);
 }
 
@@ -165,12 +165,12 @@ TEST(NumberText, OnlyTrueAndFalseAreValidBooleans) {
 
 TEST(NumberText, ANullStatusIsNotStored) {
   EXPECT_EQ(qvx::ASCIIToBoolnV("true", nullptr), 1);
-  EXPECT_EQ(qvx::ASCIIToUnSigned32VT("7", 10, nullptr), 7u);
-  EXPECT_EQ(qvx::ASCIIToUnSigned32VT("x", 10, nullptr), 0u);
+  EXPECT_EQ(qvx::ASCIIToUnSigned32VT("7", QVX_BASE_DECIMAL, nullptr), 7u);
+  EXPECT_EQ(qvx::ASCIIToUnSigned32VT("x", QVX_BASE_DECIMAL, nullptr), 0u);
   EXPECT_EQ(qvx::ASCIIToUnSigned32VT("7", 3, nullptr), 0xFFFFFFFFu);
-  EXPECT_EQ(qvx::ASCIIToSigned32VT("-7", 10, nullptr), -7);
-  EXPECT_EQ(qvx::ASCIIToUnSigned64VT("7", 10, nullptr), 7u);
-  EXPECT_EQ(qvx::ASCIIToSigned64VT("-7", 10, nullptr), -7);
+  EXPECT_EQ(qvx::ASCIIToSigned32VT("-7", QVX_BASE_DECIMAL, nullptr), -7);
+  EXPECT_EQ(qvx::ASCIIToUnSigned64VT("7", QVX_BASE_DECIMAL, nullptr), 7u);
+  EXPECT_EQ(qvx::ASCIIToSigned64VT("-7", QVX_BASE_DECIMAL, nullptr), -7);
 }
 
 TEST(NumberText, Base10TakesDigitsAndOneSign) {
@@ -212,8 +212,10 @@ TEST(NumberText, Base16TakesTheBaseFromTheText) {
 TEST(NumberText, TheHexPrefixAloneIsZero) {
   for (const u32 isSigned : {0u, 1u}) {
     u32 status = kUnset;
-    const u32 value = isSigned != 0 ? static_cast<u32>(qvx::ASCIIToSigned32VT("0x", 16, &status))
-                                    : qvx::ASCIIToUnSigned32VT("0x", 16, &status);
+    const u32 value =
+        isSigned != 0
+            ? static_cast<u32>(qvx::ASCIIToSigned32VT("0x", QVX_BASE_HEXADECIMAL, &status))
+            : qvx::ASCIIToUnSigned32VT("0x", QVX_BASE_HEXADECIMAL, &status);
     EXPECT_EQ(value, 0u);
     EXPECT_TRUE(status == 0 || status == kInvalid);
   }
@@ -487,9 +489,9 @@ TEST(NumberText, ExportedConversionsGiveTheSameAnswers) {
   EXPECT_EQ(status, kInvalid);
   EXPECT_EQ(PXTASCIIToUnSigned32VT("7", 3, &status), 0xFFFFFFFFu);
   EXPECT_EQ(PXTASCIIToSigned32VT("7", 3, &status), 0);
-  EXPECT_EQ(PXTASCIIToUnSigned64VT("7", 10, &status), 7u);
+  EXPECT_EQ(PXTASCIIToUnSigned64VT("7", QVX_BASE_DECIMAL, &status), 7u);
   EXPECT_EQ(status, 0u);
-  EXPECT_EQ(PXTASCIIToSigned64VT("-7", 10, &status), -7);
+  EXPECT_EQ(PXTASCIIToSigned64VT("-7", QVX_BASE_DECIMAL, &status), -7);
   EXPECT_EQ(Written(3, [](astring* out) { EXPECT_EQ(PXTSigned32ToASCII(out, -1), 2); }), "-1");
   EXPECT_EQ(Written(2, [](astring* out) { EXPECT_EQ(PXTUnSigned32ToASCII(out, 1), 1); }), "1");
   EXPECT_EQ(Written(3, [](astring* out) { PXTSigned64ToASCII(out, -1); }), "-1");

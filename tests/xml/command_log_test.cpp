@@ -12,6 +12,7 @@
 
 #include "qvxcs/command_log.h"
 #include "qvxcs/status.h"
+#include "qvxcs/xml_log.h"
 
 #include "base/heap.h"
 #include "frame/module.h"
@@ -24,7 +25,6 @@ namespace {
 
 using test::EntryOf;
 using test::Exists;
-using test::kMinusOne;
 using test::LogOf;
 using test::ReadFile;
 using test::WithoutTimes;
@@ -73,7 +73,8 @@ TEST(CommandLog, PathIsNullWhenTheLogCannotBeMade) {
   Attach();
   BlockLog();
   EXPECT_EQ(SUPTIntfGetCmdLogPathFileName(), nullptr);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", "d", 4), kMinusOne);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            kMinusOne);
   EXPECT_EQ(SUPTIntfClearCmdLog("u", "s"), kMinusOne);
   u32 size = 77;
   EXPECT_EQ(SUPTIntfGetCmdLogSize(&size), SM_STATUS_NO_MEMORY);
@@ -83,8 +84,9 @@ TEST(CommandLog, PathIsNullWhenTheLogCannotBeMade) {
 
 TEST(CommandLog, IdentifiersFrom5001To6999AreLogged) {
   Attach();
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "a<b", "s", "<b/>", 4), SM_STATUS_SUCCESS);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(6999, "u", "s", "d", 65535), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "a<b", "s", "<b/>", QVX_LOG_INFORMATION),
+            SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_LAST_ID, "u", "s", "d", 65535), SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(), LogOf(Created() + EntryOf(4, 5001, "a&lt;b", "s", "<b/>") +
                             EntryOf(65535, 6999, "u", "s", "d")));
   EXPECT_TRUE(test::IsWellFormed(kLog));
@@ -93,16 +95,20 @@ TEST(CommandLog, IdentifiersFrom5001To6999AreLogged) {
 TEST(CommandLog, OtherIdentifiersAreInvalidAndMakeNoLog) {
   Attach();
   for (const s32 identifier : {5000, 7000, 0, -5001, INT_MIN, INT_MAX}) {
-    EXPECT_EQ(SUPTIntfAppendToCmdLog(identifier, "u", "s", "d", 4), SM_STATUS_INVALID_PARAMETER);
+    EXPECT_EQ(SUPTIntfAppendToCmdLog(identifier, "u", "s", "d", QVX_LOG_INFORMATION),
+              SM_STATUS_INVALID_PARAMETER);
   }
   EXPECT_FALSE(Exists(kLog));
 }
 
 TEST(CommandLog, MissingTextsAreInvalidAndMakeNoLog) {
   Attach();
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, nullptr, "s", "d", 4), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", nullptr, "d", 4), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", nullptr, 4), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, nullptr, "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", nullptr, "d", QVX_LOG_INFORMATION),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", nullptr, QVX_LOG_INFORMATION),
+            SM_STATUS_INVALID_PARAMETER);
   EXPECT_FALSE(Exists(kLog));
 }
 
@@ -110,16 +116,22 @@ TEST(CommandLog, EmptyAndTooLongTextsAreBadArguments) {
   Attach();
   const std::string user(1024, 'u');
   const std::string text(16384, 'd');
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "", "s", "d", 4), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", user.c_str(), "d", 4), SM_STATUS_BAD_ARGUMENT);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", text.c_str(), 4), SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(
+      SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", user.c_str(), "d", QVX_LOG_INFORMATION),
+      SM_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(
+      SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", text.c_str(), QVX_LOG_INFORMATION),
+      SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(LogNow(), LogOf(Created()));
 }
 
 TEST(CommandLog, DamagedLogIsBadData) {
   Attach();
   WriteFile(kLog, std::string(100, 'x'));
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", "d", 4), SM_STATUS_BAD_DATA);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_BAD_DATA);
   EXPECT_EQ(ReadFile(kLog), std::string(100, 'x'));
 }
 
@@ -127,7 +139,7 @@ TEST(CommandLog, DefaultMaximumMovesTheLogToItsBackup) {
   Attach();
   const std::string full = LogOf(std::string(131072 - 300, 'o'));
   WriteFile(kLog, full);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5002, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(5002, "u", "s", "d", QVX_LOG_INFORMATION), SM_STATUS_SUCCESS);
   EXPECT_EQ(ReadFile(kBackup), full);
   EXPECT_EQ(LogNow(),
             LogOf(EntryOf(4, 1, "u", "s", "Log backup created") + EntryOf(4, 5002, "u", "s", "d")));
@@ -138,16 +150,17 @@ TEST(CommandLog, ConfiguredMaximumIsTheLimitOfAnAppend) {
   const std::string full = LogOf(std::string(131072 - 300, 'o'));
   WriteFile(kLog, full);
   WriteFile(kProperties, "preferences.system.cmdlogmaxsize=500000\n");
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5002, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(5002, "u", "s", "d", QVX_LOG_INFORMATION), SM_STATUS_SUCCESS);
   EXPECT_FALSE(Exists(kBackup));
   WriteFile(kProperties, "preferences.system.cmdlogmaxsize=1000\n");
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5003, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(5003, "u", "s", "d", QVX_LOG_INFORMATION), SM_STATUS_SUCCESS);
   EXPECT_TRUE(Exists(kBackup));
 }
 
 TEST(CommandLog, ClearLeavesOneEntryOfTheCaller) {
   Attach();
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(SUPTIntfClearCmdLog("who", "what"), SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(), LogOf(EntryOf(4, 0, "who", "what", "Log was cleared")));
   EXPECT_EQ(SUPTIntfClearCmdLog(nullptr, nullptr), SM_STATUS_SUCCESS);
@@ -156,7 +169,8 @@ TEST(CommandLog, ClearLeavesOneEntryOfTheCaller) {
 
 TEST(CommandLog, ClearWithABadArgumentKeepsTheEntries) {
   Attach();
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(SUPTIntfClearCmdLog("", "s"), SM_STATUS_BAD_ARGUMENT);
   EXPECT_EQ(LogNow(), LogOf(Created() + EntryOf(4, 5001, "u", "s", "d")));
 }
@@ -226,8 +240,9 @@ TEST(CommandLog, WithoutAnAttachTheSizesAreLocked) {
   EXPECT_EQ(size, 77u);
   EXPECT_EQ(SUPTIntfGetCmdLogSize(&size), SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(size, 0u);
-  EXPECT_EQ(SUPTIntfSetCmdLogMaxSize(131072), SM_STATUS_LOCK_FAILED);
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", "d", 4), kMinusOne);
+  EXPECT_EQ(SUPTIntfSetCmdLogMaxSize(QVX_CMDLOG_MAX_SIZE), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            kMinusOne);
 }
 
 TEST(CommandLog, SizesWaitForTheLock) {
@@ -241,7 +256,7 @@ TEST(CommandLog, SizesWaitForTheLock) {
     EXPECT_EQ(test::CountSleeps::Count(), 60000u);
   }
   const test::CountSleeps sleeps;
-  EXPECT_EQ(SUPTIntfSetCmdLogMaxSize(131072), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(SUPTIntfSetCmdLogMaxSize(QVX_CMDLOG_MAX_SIZE), SM_STATUS_LOCK_FAILED);
   EXPECT_EQ(test::CountSleeps::Count(), 60000u);
 }
 
@@ -305,7 +320,7 @@ TEST(CommandLog, OnlyTheDefaultMaximumCanBeSet) {
   for (const s32 size : {65536, 131071, 131073, 0, -1, INT_MIN, INT_MAX}) {
     EXPECT_EQ(SUPTIntfSetCmdLogMaxSize(size), SM_STATUS_INVALID_PARAMETER);
   }
-  EXPECT_EQ(SUPTIntfSetCmdLogMaxSize(131072), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfSetCmdLogMaxSize(QVX_CMDLOG_MAX_SIZE), SM_STATUS_SUCCESS);
   EXPECT_TRUE(test::LockIsFree());
   EXPECT_EQ(MaxSizeWith("preferences.system.cmdlogmaxsize=7\n"), 7u);
   EXPECT_EQ(MaxSizeWith(""), 131072u);
@@ -324,7 +339,8 @@ TEST(CommandLog, AttachKeepsTheDefaultWhateverTheFileHolds) {
 
 TEST(CommandLog, WithoutMemoryEachCallFailsOrFallsBack) {
   Attach();
-  EXPECT_EQ(SUPTIntfAppendToCmdLog(5001, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_SUCCESS);
   WriteFile(kProperties, "preferences.system.cmdlogmaxsize=500000\n");
   test::FailEachAllocation([] { return HeapArray<astring>(SUPTIntfGetCmdLogPathFileName()); },
                            [](const HeapArray<astring>& path) { EXPECT_FALSE(path); });
@@ -336,18 +352,20 @@ TEST(CommandLog, WithoutMemoryEachCallFailsOrFallsBack) {
                            });
   EXPECT_EQ(size, 500000u);
   u32 logged = 1;
-  test::FailEachAllocation([] { return SUPTIntfAppendToCmdLog(5002, "u", "s", "d", 4); },
-                           [&logged](u32 status) {
-                             if (status == SM_STATUS_SUCCESS) {
-                               ++logged;
-                             }
-                             EXPECT_EQ(test::ElementsOf(ReadFile(kLog), "ID").size(), logged + 1);
-                           });
+  test::FailEachAllocation(
+      [] { return SUPTIntfAppendToCmdLog(5002, "u", "s", "d", QVX_LOG_INFORMATION); },
+      [&logged](u32 status) {
+        if (status == SM_STATUS_SUCCESS) {
+          ++logged;
+        }
+        EXPECT_EQ(test::ElementsOf(ReadFile(kLog), "ID").size(), logged + 1);
+      });
 }
 
 TEST(CommandLog, ExportedNamesDoTheSame) {
   Attach();
-  EXPECT_EQ(PXTAppendToCmdLog(5001, "u", "s", "d", 4), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "d", QVX_LOG_INFORMATION),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(), LogOf(Created() + EntryOf(4, 5001, "u", "s", "d")));
   const HeapArray<astring> path(PXTGetCmdLogPathFileName());
   EXPECT_STREQ(path.get(), kLog);
@@ -356,7 +374,7 @@ TEST(CommandLog, ExportedNamesDoTheSame) {
   EXPECT_EQ(size, ReadFile(kLog).size());
   EXPECT_EQ(PXTGetCmdLogMaxSize(&size), SM_STATUS_SUCCESS);
   EXPECT_EQ(size, 131072u);
-  EXPECT_EQ(PXTSetCmdLogMaxSize(131072), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTSetCmdLogMaxSize(QVX_CMDLOG_MAX_SIZE), SM_STATUS_SUCCESS);
   EXPECT_EQ(PXTSetCmdLogMaxSize(65536), SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(PXTClearCmdLog("u", "s"), SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(), LogOf(EntryOf(4, 0, "u", "s", "Log was cleared")));

@@ -19,7 +19,6 @@ namespace qvx {
 namespace {
 
 using test::Exists;
-using test::kMinusOne;
 using test::ModeOf;
 using test::ReadFile;
 using test::WriteFile;

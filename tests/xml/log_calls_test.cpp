@@ -7,6 +7,9 @@
 
 #include <string>
 
+#include "qvxcs/command_log.h"
+#include "qvxcs/xml_log.h"
+
 #include "frame/module.h"
 #include "support/files.h"
 #include "support/kill_at_stop.h"
@@ -44,8 +47,8 @@ u32 CallsOf(Work work) {
 }
 
 u32 AppendShort() {
-  return AppendToXMLLog("/tmp/log.xml", 4, 1, "user", "source", "text", nullptr, 0,
-                        test::kNoMaximum);
+  return AppendToXMLLog("/tmp/log.xml", QVX_LOG_INFORMATION, 1, "user", "source", "text", nullptr,
+                        0, test::kNoMaximum);
 }
 
 class LogCalls : public testing::Test {
@@ -63,7 +66,10 @@ TEST_F(LogCalls, AnEntryCostsAtMostThirteen) {
 }
 
 TEST_F(LogCalls, ACommandLogEntryCostsAtMostNineteenAndTwentySixWithItsProperties) {
-  const auto append = [] { return SUPTIntfAppendToCmdLog(5001, "user", "source", "text", 4); };
+  const auto append = [] {
+    return SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "user", "source", "text",
+                                  QVX_LOG_INFORMATION);
+  };
   ASSERT_EQ(append(), 0u);
   EXPECT_LE(CallsOf(append), 19u);
   test::WriteFile(kProperties, "other=1\npreferences.system.cmdlogmaxsize=500000\n");

@@ -20,7 +20,6 @@ namespace qvx {
 namespace {
 
 using test::EntryOf;
-using test::kMinusOne;
 using test::WithoutTimes;
 
 constexpr LogEvent kPlain = {4, 7, "user", "source", "text", nullptr, 0};

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "qvxcs/status.h"
+#include "qvxcs/xml_log.h"
 
 #include "base/heap.h"
 #include "base/layout.h"
@@ -44,7 +45,8 @@ u32 AppendWhileRefused(u32 number) {
   const auto append = [number, &pipe] {
     const int next = test::NextDescriptor();
     test::RefuseCall(number, next, EIO);
-    const u32 status = AppendToXMLLog(kLog, 4, 1, "u", "s", "d", nullptr, 0, test::kNoMaximum);
+    const u32 status =
+        AppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, "u", "s", "d", nullptr, 0, test::kNoMaximum);
     const bool told = write(pipe[1], &status, sizeof(status)) == sizeof(status);
     return told && test::TakeDescriptor(next) && test::LockIsFree() ? 0 : 1;
   };
@@ -72,7 +74,7 @@ TEST_F(LogFault, ALogThatCannotBeReadIsBadDataAndStays) {
 
 TEST_F(LogFault, ALogThatDoesNotTellItsSizeIsMinusOneAndStays) {
   test::WriteFile(kLog, test::LogOf("kept"));
-  EXPECT_EQ(AppendWhileRefused(kFileStatus), test::kMinusOne);
+  EXPECT_EQ(AppendWhileRefused(kFileStatus), kMinusOne);
   EXPECT_EQ(test::ReadFile(kLog), test::LogOf("kept"));
 }
 
@@ -104,7 +106,7 @@ bool FailsWhenItsCloseFails(const std::string& description) {
   const auto append = [&description] {
     tzset();  // opens a file itself
     test::RefuseCall(SYS_close, test::NextDescriptor(), EIO);
-    return AppendToXMLLog(kLog, 4, 1, "u", "s", description.c_str(), nullptr, 0,
+    return AppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, "u", "s", description.c_str(), nullptr, 0,
                           test::kNoMaximum) == SM_STATUS_WRITE_FAILED
                ? 3
                : 4;
@@ -133,11 +135,11 @@ TEST_F(LogFault, WithoutMemoryForALargeEntryTheLogStays) {
   const std::string description(16383, 'd');
   const u32 met = test::FailEachAllocation(
       [&] {
-        return AppendToXMLLog(kLog, 4, 1, user.c_str(), user.c_str(), description.c_str(), nullptr,
-                              0, test::kNoMaximum);
+        return AppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, user.c_str(), user.c_str(),
+                              description.c_str(), nullptr, 0, test::kNoMaximum);
       },
       [](u32 status) {
-        EXPECT_TRUE(status == test::kMinusOne || status == SM_STATUS_NO_MEMORY) << status;
+        EXPECT_TRUE(status == kMinusOne || status == SM_STATUS_NO_MEMORY) << status;
         EXPECT_EQ(test::ReadFile(kLog), test::LogOf("kept"));
       });
   EXPECT_GE(met, 3u) << "two escaped texts and the entry";

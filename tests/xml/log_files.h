@@ -12,6 +12,7 @@
 
 #include "qvxcs/types.h"
 
+#include "base/results.h"
 #include "support/files.h"
 #include "support/kill_at_stop.h"
 #include "support/processes.h"
@@ -20,7 +21,6 @@
 // What the tests of the XML logs share: the texts that a log is made of, and ways to look at one.
 namespace qvx::test {
 
-inline constexpr u32 kMinusOne = 0xFFFFFFFF;
 inline constexpr u32 kNoMaximum = 0xFFFFFFFF;
 inline constexpr uid_t kNobody = 65534;
 

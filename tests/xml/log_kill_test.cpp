@@ -23,7 +23,8 @@ constexpr char kLog[] = "/tmp/kill/log.xml";
 constexpr char kBackup[] = "/tmp/kill/log.xm_";
 
 u32 Append(u32 id, u32 maxSize = test::kNoMaximum) {
-  return PXTAppendToXMLLog(kLog, 4, id, "user", "source", "text", nullptr, 0, maxSize);
+  return PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, id, "user", "source", "text", nullptr, 0,
+                           maxSize);
 }
 
 std::string Entry(u32 id) { return test::EntryOf(4, id, "user", "source", "text"); }

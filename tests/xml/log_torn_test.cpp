@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "qvxcs/status.h"
+#include "qvxcs/xml_log.h"
 
 #include "base/layout.h"
 #include "frame/module.h"
@@ -36,7 +37,8 @@ constexpr size_t kTagLength = sizeof "</EventLog>" - 1;
 
 u32 Append(const char* path, u32 id, size_t length, u32 maxSize = test::kNoMaximum) {
   const std::string description(length, 'd');
-  return AppendToXMLLog(path, 4, id, "user", "source", description.c_str(), nullptr, 0, maxSize);
+  return AppendToXMLLog(path, QVX_LOG_INFORMATION, id, "user", "source", description.c_str(),
+                        nullptr, 0, maxSize);
 }
 
 std::string Entry(u32 id, size_t length) {
@@ -322,7 +324,7 @@ u32 NumberOfKills() {
     const size_t length = random() % 4 == 0 ? 1 + random() % 16000 : 1 + random() % 200;
     const std::string data(random() % 8 == 0 ? random() % 6000 : 0, 'b');
     const std::string description(length, 'd');
-    if (AppendToXMLLog(path.c_str(), 4, id, "u", "s", description.c_str(),
+    if (AppendToXMLLog(path.c_str(), QVX_LOG_INFORMATION, id, "u", "s", description.c_str(),
                        data.empty() ? nullptr : data.data(), static_cast<u32>(data.size()),
                        test::kNoMaximum) != SM_STATUS_SUCCESS) {
       _exit(1);

@@ -115,7 +115,7 @@ TEST(XmlBuffer, StylesheetThatDoesNotFitInMemoryIsDroppedSilently) {
 TEST(XmlBuffer, EscapedTextThatEndsAtAnUntouchablePageIsReadNoFurther) {
   GuardBuffer<astring> text(4);
   memcpy(text.data(), "a<b", 4);
-  EXPECT_EQ(ElementOf(26, text.data(), 3), "<T>a&amp;amp;lt;b</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, text.data(), 3), "<T>a&amp;amp;lt;b</T>");
 }
 
 TEST(XmlBuffer, TakenTextOutlivesItsBuffer) {
@@ -178,16 +178,17 @@ TEST(XmlBuffer, EmptyAttributeTextStillGetsItsBlank) {
 
 TEST(XmlBuffer, EmptyNamesAreAccepted) {
   Buffer buffer;
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "", nullptr, 1, "v"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), "", nullptr, QVX_TYPE_ASTRING, "v"), SM_STATUS_SUCCESS);
   EXPECT_EQ(PXMBufCatEmptyNode(buffer.get(), "", nullptr), SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "<>v</></>");
 }
 
 TEST(XmlBuffer, ClosingTagIgnoresAttributesAndValue) {
   Buffer buffer;
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", 19, "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", QVX_TYPE_END, "value"), SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "</N>");
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", 18, "value"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", QVX_TYPE_BEGIN, "value"),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "</N><N a=\"1\">");
 }
 
@@ -195,16 +196,19 @@ TEST(XmlBuffer, AttributesStandInEveryKindOfElement) {
   const u64 number = 9;
   const astring escaped[] = "<";
   Buffer buffer;
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", 1, "v"), SM_STATUS_SUCCESS);
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", 9, &number), SM_STATUS_SUCCESS);
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", 26, escaped), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", QVX_TYPE_ASTRING, "v"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", QVX_TYPE_U64, &number), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", QVX_TYPE_XML_ASTRING, escaped),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "<N a=\"1\">v</N><N a=\"1\">9</N><N a=\"1\">&lt;</N>");
 }
 
 TEST(XmlBuffer, NullArgumentsAreInvalidParameters) {
   Buffer buffer;
-  EXPECT_EQ(PXMBufCatNode(nullptr, "N", nullptr, 1, "v"), SM_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), nullptr, nullptr, 1, "v"), SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(PXMBufCatNode(nullptr, "N", nullptr, QVX_TYPE_ASTRING, "v"),
+            SM_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), nullptr, nullptr, QVX_TYPE_ASTRING, "v"),
+            SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(PXMBufCatBeginNode(nullptr, "N", nullptr), SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(PXMBufCatBeginNode(buffer.get(), nullptr, "a"), SM_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(PXMBufCatEndNode(nullptr, "N"), SM_STATUS_INVALID_PARAMETER);
@@ -230,184 +234,190 @@ TEST(XmlBuffer, CodesWithoutATypeAreRefused) {
 }
 
 TEST(XmlBuffer, TextIsWrittenAsItStands) {
-  EXPECT_EQ(ElementOf(1, "a<b>&\"'"), "<T>a<b>&\"'</T>");
-  EXPECT_EQ(ElementOf(1, ""), "<T></T>");
-  EXPECT_EQ(ElementOf(2, Units(u"a<\u00E9&")), "<T>a<\xC3\xA9&</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_ASTRING, "a<b>&\"'"), "<T>a<b>&\"'</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_ASTRING, ""), "<T></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_USTRING, Units(u"a<\u00E9&")), "<T>a<\xC3\xA9&</T>");
   astring text[] = "<b/>";
   const SSAStr narrow = {text, 5, 4};
-  EXPECT_EQ(ElementOf(16, &narrow), "<T><b/></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSASTR, &narrow), "<T><b/></T>");
   ustring units[] = {'<', 'c', '/', '>', 0};
   const SSUStr wide = {units, 10, 4};
-  EXPECT_EQ(ElementOf(17, &wide), "<T><c/></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSUSTR, &wide), "<T><c/></T>");
 }
 
 TEST(XmlBuffer, WideTextThatCannotBeConvertedLeavesTheElementEmpty) {
   ustring unpaired[] = {0xDC00, 'a', 0};
-  EXPECT_EQ(ElementOf(2, unpaired), "<T></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_USTRING, unpaired), "<T></T>");
   const SSUStr record = {unpaired, 6, 2};
-  EXPECT_EQ(ElementOf(17, &record), "<T></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSUSTR, &record), "<T></T>");
 }
 
 TEST(XmlBuffer, RecordTextEndsAtItsLengthAndAtItsTerminator) {
   astring text[] = "abcdef";
   const SSAStr shorter = {text, 7, 3};
-  EXPECT_EQ(ElementOf(16, &shorter), "<T>abc</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSASTR, &shorter), "<T>abc</T>");
   const SSAStr longer = {text, 7, 100};
-  EXPECT_EQ(ElementOf(16, &longer), "<T>abcdef</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSASTR, &longer), "<T>abcdef</T>");
   GuardBuffer<astring> unterminated(3);
   memcpy(unterminated.data(), "xyz", 3);
   const SSAStr exact = {unterminated.data(), 3, 3};
-  EXPECT_EQ(ElementOf(16, &exact), "<T>xyz</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSASTR, &exact), "<T>xyz</T>");
 }
 
 TEST(XmlBuffer, RecordWithoutTextIsTheEmptyValue) {
   const SSAStr narrow = {nullptr, 0, 5};
-  EXPECT_EQ(ElementOf(16, &narrow), "<T></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSASTR, &narrow), "<T></T>");
   const SSUStr wide = {nullptr, 0, 5};
-  EXPECT_EQ(ElementOf(17, &wide), "<T></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSUSTR, &wide), "<T></T>");
 }
 
 TEST(XmlBuffer, BufferItselfMayBeTheRecord) {
   Buffer buffer(64);
-  ASSERT_EQ(PXMBufCatNode(buffer.get(), "A", nullptr, 1, "12345678901234567890123456789012345"),
+  ASSERT_EQ(PXMBufCatNode(buffer.get(), "A", nullptr, QVX_TYPE_ASTRING,
+                          "12345678901234567890123456789012345"),
             SM_STATUS_SUCCESS);
   const std::string before = buffer.Text();
-  ASSERT_EQ(PXMBufCatNode(buffer.get(), "B", nullptr, 16, buffer.get()), SM_STATUS_SUCCESS);
+  ASSERT_EQ(PXMBufCatNode(buffer.get(), "B", nullptr, QVX_TYPE_SSASTR, buffer.get()),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), before + "<B>" + before + "</B>");
 }
 
 TEST(XmlBuffer, NameMayLieInTheBuffersOwnText) {
   Buffer buffer(64);
-  ASSERT_EQ(PXMBufCatNode(buffer.get(), "N", nullptr, 1, std::string(56, 'x').c_str()),
-            SM_STATUS_SUCCESS);
+  ASSERT_EQ(
+      PXMBufCatNode(buffer.get(), "N", nullptr, QVX_TYPE_ASTRING, std::string(56, 'x').c_str()),
+      SM_STATUS_SUCCESS);
   const u64 number = 5;
   const std::string before = buffer.Text();
   ASSERT_EQ(before.size(), 63u);
   const astring* const name = buffer.record().text + 59;
   ASSERT_STREQ(name, "</N>");
-  ASSERT_EQ(PXMBufCatNode(buffer.get(), name, nullptr, 9, &number), SM_STATUS_SUCCESS);
+  ASSERT_EQ(PXMBufCatNode(buffer.get(), name, nullptr, QVX_TYPE_U64, &number), SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), before + "<</N>>5</</N>>");
 }
 
 TEST(XmlBuffer, BoolnIsTrueForExactlyOne) {
-  EXPECT_EQ(NumberOf(4, booln{1}), "<T>true</T>");
-  EXPECT_EQ(NumberOf(4, booln{0}), "<T>false</T>");
-  EXPECT_EQ(NumberOf(4, booln{2}), "<T>false</T>");
-  EXPECT_EQ(NumberOf(4, booln{0x101}), "<T>false</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_BOOLN, booln{1}), "<T>true</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_BOOLN, booln{0}), "<T>false</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_BOOLN, booln{2}), "<T>false</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_BOOLN, booln{0x101}), "<T>false</T>");
 }
 
 TEST(XmlBuffer, NumbersTakeARadixOfTenOrSixteen) {
   Buffer buffer;
   const u32 value = 255;
-  EXPECT_EQ(PXMBufCatNodeT(buffer.get(), "Count", nullptr, 5, &value, 16), SM_STATUS_SUCCESS);
+  EXPECT_EQ(
+      PXMBufCatNodeT(buffer.get(), "Count", nullptr, QVX_TYPE_U32, &value, QVX_BASE_HEXADECIMAL),
+      SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "<Count>0xff</Count>");
-  EXPECT_EQ(NumberOf(5, u32{255}, 10), "<T>255</T>");
-  EXPECT_EQ(NumberOf(5, u32{255}, 0), "<T>255</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U32, u32{255}, QVX_BASE_DECIMAL), "<T>255</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U32, u32{255}, 0), "<T>255</T>");
   for (const s32 radix : {8, 2, 1, -1, -16, 17, 0x10010}) {
-    EXPECT_EQ(NumberOf(5, u32{255}, radix), kInvalid) << radix;
-    EXPECT_EQ(NumberOf(7, s32{255}, radix), kInvalid) << radix;
-    EXPECT_EQ(NumberOf(20, u8{255}, radix), kInvalid) << radix;
-    EXPECT_EQ(NumberOf(21, s8{1}, radix), kInvalid) << radix;
-    EXPECT_EQ(NumberOf(22, u16{255}, radix), kInvalid) << radix;
-    EXPECT_EQ(NumberOf(23, s16{255}, radix), kInvalid) << radix;
+    EXPECT_EQ(NumberOf(QVX_TYPE_U32, u32{255}, radix), kInvalid) << radix;
+    EXPECT_EQ(NumberOf(QVX_TYPE_S32, s32{255}, radix), kInvalid) << radix;
+    EXPECT_EQ(NumberOf(QVX_TYPE_U8, u8{255}, radix), kInvalid) << radix;
+    EXPECT_EQ(NumberOf(QVX_TYPE_S8, s8{1}, radix), kInvalid) << radix;
+    EXPECT_EQ(NumberOf(QVX_TYPE_U16, u16{255}, radix), kInvalid) << radix;
+    EXPECT_EQ(NumberOf(QVX_TYPE_S16, s16{255}, radix), kInvalid) << radix;
   }
 }
 
 TEST(XmlBuffer, EachNumberTypeHasItsWidthAndSign) {
-  EXPECT_EQ(NumberOf(5, u32{0xFFFFFFFF}), "<T>4294967295</T>");
-  EXPECT_EQ(NumberOf(7, s32{-1}), "<T>-1</T>");
-  EXPECT_EQ(NumberOf(7, s32{-1}, 16), "<T>0xffffffff</T>");
-  EXPECT_EQ(NumberOf(20, u8{255}), "<T>255</T>");
-  EXPECT_EQ(NumberOf(20, u8{255}, 16), "<T>0xff</T>");
-  EXPECT_EQ(NumberOf(21, s8{-1}), "<T>-1</T>");
-  EXPECT_EQ(NumberOf(21, s8{-1}, 16), "<T>0xffffffff</T>");
-  EXPECT_EQ(NumberOf(22, u16{65535}), "<T>65535</T>");
-  EXPECT_EQ(NumberOf(23, s16{-32768}), "<T>-32768</T>");
-  EXPECT_EQ(NumberOf(23, s16{-2}, 16), "<T>0xfffffffe</T>");
-  EXPECT_EQ(NumberOf(5, u32{0}, 16), "<T>0</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U32, u32{0xFFFFFFFF}), "<T>4294967295</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S32, s32{-1}), "<T>-1</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S32, s32{-1}, QVX_BASE_HEXADECIMAL), "<T>0xffffffff</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U8, u8{255}), "<T>255</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U8, u8{255}, QVX_BASE_HEXADECIMAL), "<T>0xff</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S8, s8{-1}), "<T>-1</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S8, s8{-1}, QVX_BASE_HEXADECIMAL), "<T>0xffffffff</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U16, u16{65535}), "<T>65535</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S16, s16{-32768}), "<T>-32768</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S16, s16{-2}, QVX_BASE_HEXADECIMAL), "<T>0xfffffffe</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U32, u32{0}, QVX_BASE_HEXADECIMAL), "<T>0</T>");
 }
 
 TEST(XmlBuffer, SixtyFourBitNumbersAreDecimalWhateverTheFormat) {
-  EXPECT_EQ(NumberOf(9, u64{UINT64_MAX}), "<T>18446744073709551615</T>");
-  EXPECT_EQ(NumberOf(11, s64{INT64_MIN}), "<T>-9223372036854775808</T>");
-  EXPECT_EQ(NumberOf(9, u64{255}, 16), "<T>255</T>");
-  EXPECT_EQ(NumberOf(11, s64{-255}, 8), "<T>-255</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U64, u64{UINT64_MAX}), "<T>18446744073709551615</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S64, s64{INT64_MIN}), "<T>-9223372036854775808</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_U64, u64{255}, QVX_BASE_HEXADECIMAL), "<T>255</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_S64, s64{-255}, QVX_BASE_OCTAL), "<T>-255</T>");
 }
 
 TEST(XmlBuffer, DoublesAreWholeUpToThirtyOneCharacters) {
-  EXPECT_EQ(NumberOf(13, d64{0.5}), "<T>0.50000000</T>");
-  EXPECT_EQ(NumberOf(13, d64{-1234.25}, 16), "<T>-1234.25000000</T>");
-  EXPECT_EQ(NumberOf(13, d64{1208925819614629174706176.0}),
+  EXPECT_EQ(NumberOf(QVX_TYPE_D64, d64{0.5}), "<T>0.50000000</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_D64, d64{-1234.25}, QVX_BASE_HEXADECIMAL), "<T>-1234.25000000</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_D64, d64{1208925819614629174706176.0}),
             "<T>1208925819614629174706176.00000</T>");
 }
 
 TEST(XmlBuffer, TimesAreLocalTimes) {
   ASSERT_EQ(setenv("TZ", "UTC0", 1), 0);
-  EXPECT_EQ(NumberOf(15, s32{1}), "<T>Thu Jan  1 00:00:01 1970</T>");
-  EXPECT_EQ(NumberOf(15, s32{INT32_MAX}), "<T>Tue Jan 19 03:14:07 2038</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_TIME, s32{1}), "<T>Thu Jan  1 00:00:01 1970</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_TIME, s32{INT32_MAX}), "<T>Tue Jan 19 03:14:07 2038</T>");
 }
 
 TEST(XmlBuffer, TimesBelowOneAreMinusOne) {
-  EXPECT_EQ(NumberOf(15, s32{0}), "<T>-1</T>");
-  EXPECT_EQ(NumberOf(15, s32{-1}), "<T>-1</T>");
-  EXPECT_EQ(NumberOf(15, s32{INT32_MIN}), "<T>-1</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_TIME, s32{0}), "<T>-1</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_TIME, s32{-1}), "<T>-1</T>");
+  EXPECT_EQ(NumberOf(QVX_TYPE_TIME, s32{INT32_MIN}), "<T>-1</T>");
 }
 
 TEST(XmlBuffer, EscapedTypesReplaceMarkupCharacters) {
-  EXPECT_EQ(ElementOf(26, "a<b"), "<T>a&lt;b</T>");
-  EXPECT_EQ(ElementOf(26, "\"&'<>"), "<T>&quot;&amp;&apos;&lt;&gt;</T>");
-  EXPECT_EQ(ElementOf(27, Units(u"\u00E9<")), "<T>\xC3\xA9&lt;</T>");
-  EXPECT_EQ(ElementOf(26, ""), "<T></T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, "a<b"), "<T>a&lt;b</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, "\"&'<>"), "<T>&quot;&amp;&apos;&lt;&gt;</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_USTRING, Units(u"\u00E9<")), "<T>\xC3\xA9&lt;</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, ""), "<T></T>");
 }
 
 TEST(XmlBuffer, FormatIsTheNumberOfEscapingPasses) {
-  EXPECT_EQ(ElementOf(26, "a&b", 2), "<T>a&amp;amp;b</T>");
-  EXPECT_EQ(ElementOf(27, Units(u"a&b"), 2), "<T>a&amp;amp;b</T>");
-  EXPECT_EQ(ElementOf(26, "a&b", 1), "<T>a&amp;b</T>");
-  EXPECT_EQ(ElementOf(26, "ab", 5), "<T>ab</T>");
-  EXPECT_EQ(ElementOf(26, "a&b", -1), "<T>a&amp;b</T>");
-  EXPECT_EQ(ElementOf(27, Units(u"a&b"), INT32_MIN), "<T>a&amp;b</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, "a&b", 2), "<T>a&amp;amp;b</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_USTRING, Units(u"a&b"), 2), "<T>a&amp;amp;b</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, "a&b", 1), "<T>a&amp;b</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, "ab", 5), "<T>ab</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_ASTRING, "a&b", -1), "<T>a&amp;b</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_USTRING, Units(u"a&b"), INT32_MIN), "<T>a&amp;b</T>");
 }
 
 TEST(XmlBuffer, EscapedWideTextThatCannotBeConvertedIsNoMemory) {
   const ustring unpaired[] = {0xD800, 0};
-  EXPECT_EQ(ElementOf(27, unpaired), kNoMemory);
+  EXPECT_EQ(ElementOf(QVX_TYPE_XML_USTRING, unpaired), kNoMemory);
 }
 
 TEST(XmlBuffer, TypedValueBringsItsTypeAndFormat) {
   u32 number = 255;
-  PXTTypedValue typed = {5, 16, &number};
-  EXPECT_EQ(ElementOf(25, &typed, 8), "<T>0xff</T>");
+  PXTTypedValue typed = {QVX_TYPE_U32, QVX_BASE_HEXADECIMAL, &number};
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed, 8), "<T>0xff</T>");
   typed.format = 8;
-  EXPECT_EQ(ElementOf(25, &typed), kInvalid);
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), kInvalid);
   astring text[] = "&";
   typed = {26, 2, text};
-  EXPECT_EQ(ElementOf(25, &typed), "<T>&amp;amp;</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), "<T>&amp;amp;</T>");
   Buffer buffer;
   typed = {1, 0, text};
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", 25, &typed), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", "a=\"1\"", QVX_TYPE_TYPED_VALUE, &typed),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "<N a=\"1\">&</N>");
 }
 
 TEST(XmlBuffer, TypedValueIsNotNested) {
   u32 number = 255;
-  PXTTypedValue inner = {5, 0, &number};
-  PXTTypedValue typed = {25, 0, &inner};
-  EXPECT_EQ(ElementOf(25, &typed), kInvalid);
+  PXTTypedValue inner = {QVX_TYPE_U32, 0, &number};
+  PXTTypedValue typed = {QVX_TYPE_TYPED_VALUE, 0, &inner};
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), kInvalid);
   typed = {25, 0, &typed};
-  EXPECT_EQ(ElementOf(25, &typed), kInvalid);
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), kInvalid);
 }
 
 TEST(XmlBuffer, TypedValueOfAnotherCodeIsCheckedLikeAnyValue) {
   u32 number = 255;
   PXTTypedValue typed = {3, 0, &number};
-  EXPECT_EQ(ElementOf(25, &typed), kInvalid);
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), kInvalid);
   typed = {5, 0, nullptr};
-  EXPECT_EQ(ElementOf(25, &typed), kInvalid);
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), kInvalid);
   typed = {18, 0, nullptr};
-  EXPECT_EQ(ElementOf(25, &typed), "<T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), "<T>");
   typed = {19, 0, nullptr};
-  EXPECT_EQ(ElementOf(25, &typed), "</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, &typed), "</T>");
 }
 
 TEST(XmlBuffer, RecordsMayBeUnaligned) {
@@ -415,11 +425,11 @@ TEST(XmlBuffer, RecordsMayBeUnaligned) {
   const SSAStr record = {text, 4, 3};
   GuardBuffer<u8> bytes(sizeof(record) + 1);
   memcpy(bytes.data(), &record, sizeof(record));
-  EXPECT_EQ(ElementOf(16, bytes.data()), "<T>abc</T>");
-  const PXTTypedValue typed = {1, 0, text};
+  EXPECT_EQ(ElementOf(QVX_TYPE_SSASTR, bytes.data()), "<T>abc</T>");
+  const PXTTypedValue typed = {QVX_TYPE_ASTRING, 0, text};
   static_assert(sizeof(typed) == sizeof(record));
   memcpy(bytes.data(), &typed, sizeof(typed));
-  EXPECT_EQ(ElementOf(25, bytes.data()), "<T>abc</T>");
+  EXPECT_EQ(ElementOf(QVX_TYPE_TYPED_VALUE, bytes.data()), "<T>abc</T>");
 }
 
 TEST(XmlBuffer, ElementsThatFitNeedNoMemoryBesideTheBuffer) {
@@ -427,7 +437,7 @@ TEST(XmlBuffer, ElementsThatFitNeedNoMemoryBesideTheBuffer) {
   const astring text[] = "t";
   const SSAStr record = {const_cast<astring*>(text), 2, 1};
   const SSUStr wideRecord = {};
-  PXTTypedValue typed = {1, 0, const_cast<astring*>(text)};
+  PXTTypedValue typed = {QVX_TYPE_ASTRING, 0, const_cast<astring*>(text)};
   const struct {
     s32 type;
     const void* value;
@@ -435,7 +445,7 @@ TEST(XmlBuffer, ElementsThatFitNeedNoMemoryBesideTheBuffer) {
               {9, &number},      {11, &number},    {13, &number}, {15, &number}, {16, &record},
               {17, &wideRecord}, {18, nullptr},    {19, nullptr}, {20, &number}, {21, &number},
               {22, &number},     {23, &number},    {25, &typed}};
-  (void)NumberOf(15, s32{1});  // the C library's own allocations for the time zone
+  (void)NumberOf(QVX_TYPE_TIME, s32{1});  // the C library's own allocations for the time zone
   for (const auto& row : rows) {
     Buffer whole;
     EXPECT_EQ(PXMBufCatNode(whole.get(), "N", "a=\"1\"", row.type, row.value), SM_STATUS_SUCCESS);
@@ -470,7 +480,8 @@ TEST(XmlBuffer, TheBuffersOwnTextMayBeNameAttributesAndValue) {
   for (const s32 type : {1, 16, 9, 2}) {
     Buffer buffer(64);
     const std::string text(60, 't');
-    ASSERT_EQ(PXMBufCatNode(buffer.get(), text.c_str(), nullptr, 18, nullptr), SM_STATUS_SUCCESS);
+    ASSERT_EQ(PXMBufCatNode(buffer.get(), text.c_str(), nullptr, QVX_TYPE_BEGIN, nullptr),
+              SM_STATUS_SUCCESS);
     const SSAStr record = buffer.record();
     const std::string own = buffer.Text();
     const u64 number = 12345;
@@ -487,11 +498,13 @@ TEST(XmlBuffer, EachPieceOfALongNumberGrowsTheBufferByTheRule) {
   Buffer buffer(64);
   const u64 number = 18446744073709551615u;
   const std::string name(50, 'n');
-  ASSERT_EQ(PXMBufCatNode(buffer.get(), name.c_str(), nullptr, 9, &number), SM_STATUS_SUCCESS);
+  ASSERT_EQ(PXMBufCatNode(buffer.get(), name.c_str(), nullptr, QVX_TYPE_U64, &number),
+            SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.record().length, 52u + 20 + 53);
   EXPECT_EQ(buffer.record().capacity, 128u);  // 73 bytes ask for more than 64, 126 do not
-  ASSERT_EQ(PXMBufCatNode(buffer.get(), std::string(600, 'n').c_str(), nullptr, 9, &number),
-            SM_STATUS_SUCCESS);
+  ASSERT_EQ(
+      PXMBufCatNode(buffer.get(), std::string(600, 'n').c_str(), nullptr, QVX_TYPE_U64, &number),
+      SM_STATUS_SUCCESS);
   // 125 + 602 + 1 = 728 are more than twice 128, and 747 + 603 + 1 = 1,351 less than twice 728.
   EXPECT_EQ(buffer.record().capacity, 1456u);
 }
@@ -499,7 +512,10 @@ TEST(XmlBuffer, EachPieceOfALongNumberGrowsTheBufferByTheRule) {
 TEST(XmlBuffer, EscapedTextWithoutMemoryLeavesTheBuffer) {
   Buffer buffer;
   const u32 allocations = test::FailEachAllocation(
-      [&buffer] { return PXMBufCatNodeT(buffer.get(), "N", nullptr, 27, Units(u"a&b"), 2); },
+      [&buffer] {
+        return PXMBufCatNodeT(buffer.get(), "N", nullptr, QVX_TYPE_XML_USTRING, Units(u"a&b"),
+                              QVX_BASE_BINARY);
+      },
       [&buffer](u32 status) {
         EXPECT_EQ(status, SM_STATUS_NO_MEMORY);
         EXPECT_EQ(buffer.Text(), "");
@@ -514,7 +530,7 @@ TEST(XmlBuffer, PieceThatDoesNotFitInMemoryIsDroppedSilently) {
   u32 status = 1;
   {
     const FailNthAllocation fault(1);
-    status = PXMBufCatNode(buffer.get(), "N", nullptr, 1, value.c_str());
+    status = PXMBufCatNode(buffer.get(), "N", nullptr, QVX_TYPE_ASTRING, value.c_str());
   }
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "");
@@ -527,7 +543,7 @@ TEST(XmlBuffer, ValueDroppedForMemoryKeepsItsTags) {
   u32 status = 1;
   {
     const FailNthAllocation fault(1);  // the tags fit, the value does not
-    status = PXMBufCatNode(buffer.get(), "N", nullptr, 2, Units(value.c_str()));
+    status = PXMBufCatNode(buffer.get(), "N", nullptr, QVX_TYPE_USTRING, Units(value.c_str()));
   }
   EXPECT_EQ(status, SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.Text(), "<N></N>");
@@ -535,12 +551,14 @@ TEST(XmlBuffer, ValueDroppedForMemoryKeepsItsTags) {
 
 TEST(XmlBuffer, ElementOfOnePieceGrowsTheBufferOnce) {
   Buffer buffer(64);
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", nullptr, 1, std::string(60, 'v').c_str()),
-            SM_STATUS_SUCCESS);
+  EXPECT_EQ(
+      PXMBufCatNode(buffer.get(), "N", nullptr, QVX_TYPE_ASTRING, std::string(60, 'v').c_str()),
+      SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.record().length, 67u);
   EXPECT_EQ(buffer.record().capacity, 128u);
-  EXPECT_EQ(PXMBufCatNode(buffer.get(), "N", nullptr, 1, std::string(500, 'v').c_str()),
-            SM_STATUS_SUCCESS);
+  EXPECT_EQ(
+      PXMBufCatNode(buffer.get(), "N", nullptr, QVX_TYPE_ASTRING, std::string(500, 'v').c_str()),
+      SM_STATUS_SUCCESS);
   EXPECT_EQ(buffer.record().capacity, 67u + 507 + 1);
 }
 
@@ -548,7 +566,7 @@ TEST(XmlBuffer, ExportedCallsBuildADocument) {
   void* const buffer = PXTXAllocBuf(0, 1);
   ASSERT_NE(buffer, nullptr);
   EXPECT_EQ(PXTXBufCatBeginNode(buffer, "A", "x=\"1\""), SM_STATUS_SUCCESS);
-  EXPECT_EQ(PXTXBufCatNode(buffer, "B", nullptr, 1, "b"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(PXTXBufCatNode(buffer, "B", nullptr, QVX_TYPE_ASTRING, "b"), SM_STATUS_SUCCESS);
   EXPECT_EQ(PXTXBufCatEmptyNode(buffer, "C", nullptr), SM_STATUS_SUCCESS);
   EXPECT_EQ(PXTXBufCatEndNode(buffer, "A"), SM_STATUS_SUCCESS);
   astring* const text = PXTXFreeBufGetContent(buffer);

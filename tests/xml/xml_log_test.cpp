@@ -27,7 +27,6 @@ namespace {
 using test::EntryOf;
 using test::Exists;
 using test::IsWellFormed;
-using test::kMinusOne;
 using test::kNoMaximum;
 using test::LogOf;
 using test::ModeOf;
@@ -45,7 +44,7 @@ void Attach() {
 }
 
 u32 Append(const astring* path, u32 id, const astring* description, u32 maxSize = kNoMaximum) {
-  return AppendToXMLLog(path, 4, id, "u", "s", description, nullptr, 0, maxSize);
+  return AppendToXMLLog(path, QVX_LOG_INFORMATION, id, "u", "s", description, nullptr, 0, maxSize);
 }
 
 std::string Plain(u32 id, const std::string& description) {
@@ -58,7 +57,7 @@ std::string LogNow(const std::string& path = kLog) { return WithoutTimes(ReadFil
 
 TEST(XmlLog, MissingFileBecomesHeadEntryAndClosingTagOnOneLine) {
   Attach();
-  EXPECT_EQ(AppendToXMLLog(kLog, 1, 2, "user", "source", "text", nullptr, 0, 1000000),
+  EXPECT_EQ(AppendToXMLLog(kLog, QVX_LOG_ERROR, 2, "user", "source", "text", nullptr, 0, 1000000),
             SM_STATUS_SUCCESS);
   const std::string log = ReadFile(kLog);
   EXPECT_EQ(WithoutTimes(log),
@@ -82,7 +81,7 @@ TEST(XmlLog, EntriesStandOldestFirst) {
 
 TEST(XmlLog, UserIsEscapedAndDescriptionIsNot) {
   Attach();
-  EXPECT_EQ(AppendToXMLLog(kLog, 4, 1, "a<b", "s", "a<b", nullptr, 0, kNoMaximum),
+  EXPECT_EQ(AppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, "a<b", "s", "a<b", nullptr, 0, kNoMaximum),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(), LogOf(EntryOf(4, 1, "a&lt;b", "s", "a<b")));
 }
@@ -130,8 +129,8 @@ TEST(XmlLog, BadArgumentsTouchNothing) {
       {path, "u", "s", "d", data.data(), 32769},
   };
   for (const auto& each : cases) {
-    EXPECT_EQ(AppendToXMLLog(each.path, 4, 1, each.user, each.source, each.description, each.data,
-                             each.size, 0),
+    EXPECT_EQ(AppendToXMLLog(each.path, QVX_LOG_INFORMATION, 1, each.user, each.source,
+                             each.description, each.data, each.size, 0),
               SM_STATUS_BAD_ARGUMENT);
   }
   EXPECT_FALSE(Exists("/tmp/new"));
@@ -329,7 +328,10 @@ TEST(XmlLog, WithoutMemoryTheLogStays) {
   WriteFile(kLog, LogOf("kept"));
   const std::vector<u8> data(500, 0x41);
   const u32 met = test::FailEachAllocation(
-      [&data] { return AppendToXMLLog(kLog, 4, 1, "u", "s", "d", data.data(), 500, kNoMaximum); },
+      [&data] {
+        return AppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, "u", "s", "d", data.data(), 500,
+                              kNoMaximum);
+      },
       [](u32 status) {
         EXPECT_TRUE(status == kMinusOne || status == SM_STATUS_NO_MEMORY) << status;
         EXPECT_EQ(ReadFile(kLog), LogOf("kept"));
@@ -693,7 +695,7 @@ TEST(XmlLog, DeleteNeedsNoModeThatCanBeSet) {
 TEST(XmlLog, ExportedNamesDoTheSame) {
   Attach();
   EXPECT_EQ(PXTForceXMLLogExists(kLog, "u", "s"), SM_STATUS_SUCCESS);
-  EXPECT_EQ(PXTAppendToXMLLog(kLog, 4, 5, "u", "s", "d", nullptr, 0, kNoMaximum),
+  EXPECT_EQ(PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 5, "u", "s", "d", nullptr, 0, kNoMaximum),
             SM_STATUS_SUCCESS);
   EXPECT_EQ(LogNow(), LogOf(Plain(0, "Log was cleared") + Plain(5, "d")));
   EXPECT_EQ(PXTClearXMLLog(kLog, "u", "s"), SM_STATUS_SUCCESS);
@@ -713,7 +715,9 @@ constexpr u32 kAppends = 1000;
 int WriteAll(u32 writer, u32 maxSize) {
   const std::string user = "w" + std::to_string(writer);
   for (u32 id = 1000; id < 1000 + kAppends; ++id) {
-    if (AppendToXMLLog(kLog, 4, id, user.c_str(), "s", "d", nullptr, 0, maxSize) != 0) return 1;
+    if (AppendToXMLLog(kLog, QVX_LOG_INFORMATION, id, user.c_str(), "s", "d", nullptr, 0,
+                       maxSize) != 0)
+      return 1;
   }
   return 0;
 }

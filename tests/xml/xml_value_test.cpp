@@ -54,26 +54,26 @@ TEST(XmlValue, EachCodeHasItsForm) {
     s32 code;
     ValueForm form;
   } rows[] = {
-      {1, ValueForm::kText},
-      {2, ValueForm::kWideText},
-      {4, ValueForm::kWhole},
-      {5, ValueForm::kNumber},
-      {7, ValueForm::kNumber},
-      {9, ValueForm::kPieces},
-      {11, ValueForm::kPieces},
-      {13, ValueForm::kPieces},
-      {15, ValueForm::kTime},
-      {16, ValueForm::kTextRecord},
-      {17, ValueForm::kWideTextRecord},
-      {18, ValueForm::kBeginTag},
-      {19, ValueForm::kEndTag},
-      {20, ValueForm::kNumber},
-      {21, ValueForm::kNumber},
-      {22, ValueForm::kNumber},
-      {23, ValueForm::kNumber},
-      {25, ValueForm::kTypedValue},
-      {26, ValueForm::kEscapedText},
-      {27, ValueForm::kEscapedWideText},
+      {QVX_TYPE_ASTRING, ValueForm::kText},
+      {QVX_TYPE_USTRING, ValueForm::kWideText},
+      {QVX_TYPE_BOOLN, ValueForm::kWhole},
+      {QVX_TYPE_U32, ValueForm::kNumber},
+      {QVX_TYPE_S32, ValueForm::kNumber},
+      {QVX_TYPE_U64, ValueForm::kPieces},
+      {QVX_TYPE_S64, ValueForm::kPieces},
+      {QVX_TYPE_D64, ValueForm::kPieces},
+      {QVX_TYPE_TIME, ValueForm::kTime},
+      {QVX_TYPE_SSASTR, ValueForm::kTextRecord},
+      {QVX_TYPE_SSUSTR, ValueForm::kWideTextRecord},
+      {QVX_TYPE_BEGIN, ValueForm::kBeginTag},
+      {QVX_TYPE_END, ValueForm::kEndTag},
+      {QVX_TYPE_U8, ValueForm::kNumber},
+      {QVX_TYPE_S8, ValueForm::kNumber},
+      {QVX_TYPE_U16, ValueForm::kNumber},
+      {QVX_TYPE_S16, ValueForm::kNumber},
+      {QVX_TYPE_TYPED_VALUE, ValueForm::kTypedValue},
+      {QVX_TYPE_XML_ASTRING, ValueForm::kEscapedText},
+      {QVX_TYPE_XML_USTRING, ValueForm::kEscapedWideText},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(ValueTypeOf(row.code).form, row.form) << row.code;
@@ -103,38 +103,38 @@ TEST(XmlValue, WhatATypeWritesItReadsBack) {
 }
 
 TEST(XmlValue, NumbersAreDecimalOverTheirWholeRange) {
-  EXPECT_EQ(Text(5, u32{0}), "0");
-  EXPECT_EQ(Text(5, u32{0xFFFFFFFF}), "4294967295");
-  EXPECT_EQ(Text(7, s32{INT32_MAX}), "2147483647");
-  EXPECT_EQ(Text(7, s32{INT32_MIN}), "-2147483648");
-  EXPECT_EQ(Text(9, u64{UINT64_MAX}), "18446744073709551615");
-  EXPECT_EQ(Text(9, u64{1000}), "1000");
-  EXPECT_EQ(Text(11, s64{INT64_MAX}), "9223372036854775807");
-  EXPECT_EQ(Text(11, s64{INT64_MIN}), "-9223372036854775808");
-  EXPECT_EQ(Text(11, s64{-10}), "-10");
-  EXPECT_EQ(Text(20, u8{255}), "255");
-  EXPECT_EQ(Text(21, s8{-128}), "-128");
-  EXPECT_EQ(Text(21, s8{127}), "127");
-  EXPECT_EQ(Text(22, u16{65535}), "65535");
-  EXPECT_EQ(Text(23, s16{-32768}), "-32768");
-  EXPECT_EQ(Text(23, s16{32767}), "32767");
+  EXPECT_EQ(Text(QVX_TYPE_U32, u32{0}), "0");
+  EXPECT_EQ(Text(QVX_TYPE_U32, u32{0xFFFFFFFF}), "4294967295");
+  EXPECT_EQ(Text(QVX_TYPE_S32, s32{INT32_MAX}), "2147483647");
+  EXPECT_EQ(Text(QVX_TYPE_S32, s32{INT32_MIN}), "-2147483648");
+  EXPECT_EQ(Text(QVX_TYPE_U64, u64{UINT64_MAX}), "18446744073709551615");
+  EXPECT_EQ(Text(QVX_TYPE_U64, u64{1000}), "1000");
+  EXPECT_EQ(Text(QVX_TYPE_S64, s64{INT64_MAX}), "9223372036854775807");
+  EXPECT_EQ(Text(QVX_TYPE_S64, s64{INT64_MIN}), "-9223372036854775808");
+  EXPECT_EQ(Text(QVX_TYPE_S64, s64{-10}), "-10");
+  EXPECT_EQ(Text(QVX_TYPE_U8, u8{255}), "255");
+  EXPECT_EQ(Text(QVX_TYPE_S8, s8{-128}), "-128");
+  EXPECT_EQ(Text(QVX_TYPE_S8, s8{127}), "127");
+  EXPECT_EQ(Text(QVX_TYPE_U16, u16{65535}), "65535");
+  EXPECT_EQ(Text(QVX_TYPE_S16, s16{-32768}), "-32768");
+  EXPECT_EQ(Text(QVX_TYPE_S16, s16{32767}), "32767");
 }
 
 TEST(XmlValue, HexadecimalIsLowerCaseWithAPrefixExceptForZero) {
-  EXPECT_EQ(Hexadecimal(5, u32{0}), "0");
-  EXPECT_EQ(Hexadecimal(5, u32{255}), "0xff");
-  EXPECT_EQ(Hexadecimal(5, u32{0x12ABCDEF}), "0x12abcdef");
-  EXPECT_EQ(Hexadecimal(20, u8{255}), "0xff");
-  EXPECT_EQ(Hexadecimal(22, u16{0x100}), "0x100");
-  EXPECT_EQ(Hexadecimal(21, s8{0}), "0");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_U32, u32{0}), "0");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_U32, u32{255}), "0xff");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_U32, u32{0x12ABCDEF}), "0x12abcdef");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_U8, u8{255}), "0xff");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_U16, u16{0x100}), "0x100");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_S8, s8{0}), "0");
 }
 
 TEST(XmlValue, HexadecimalExtendsTheSignTo32Bits) {
-  EXPECT_EQ(Hexadecimal(21, s8{-1}), "0xffffffff");
-  EXPECT_EQ(Hexadecimal(23, s16{-2}), "0xfffffffe");
-  EXPECT_EQ(Hexadecimal(7, s32{-1}), "0xffffffff");
-  EXPECT_EQ(Hexadecimal(7, s32{INT32_MIN}), "0x80000000");
-  EXPECT_EQ(Hexadecimal(21, s8{127}), "0x7f");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_S8, s8{-1}), "0xffffffff");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_S16, s16{-2}), "0xfffffffe");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_S32, s32{-1}), "0xffffffff");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_S32, s32{INT32_MIN}), "0x80000000");
+  EXPECT_EQ(Hexadecimal(QVX_TYPE_S8, s8{127}), "0x7f");
 }
 
 TEST(XmlValue, OnlyOneIsTrue) {
