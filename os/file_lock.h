@@ -21,9 +21,9 @@ void DestroyGlobalMutex();
 // Deliberate: the lock belongs to the process: a second take in the same process succeeds, and the
 // first release ends every hold.
 // Held by FileLockTest.TheInnerReleaseOfANestedHoldEndsTheOuterOne.
-//
 // It serialises file work between the suite's processes.
 // QVX_LOCK_WAIT tries up to 60,000 times, 1 ms apart; any other value tries once.
+// An internal service without a caller in the library, held by its tests.
 u32 FileLock(u16 wait);
 s32 FileUnlock();
 

@@ -149,7 +149,7 @@ ustring* Uni_strrev(ustring* string) {
   return string;
 }
 
-// The second names, which the exported calls forward to.
+// The names that the exported calls forward to.
 u32 UniStrlen(const ustring* string) { return Uni_strlen(string); }
 void UniStrcpy(ustring* destination, const ustring* source) { Uni_strcpy(destination, source); }
 void UniStrncpy(ustring* destination, const ustring* source, u32 count) {

@@ -7,7 +7,7 @@
 
 namespace qvx {
 
-// The second names are what the exported calls forward to.
+// The exported calls forward to these names; the library itself calls those below.
 u32 UniStrlen(const ustring* string);
 void UniStrcpy(ustring* destination, const ustring* source);
 void UniStrncpy(ustring* destination, const ustring* source, u32 count);
@@ -29,7 +29,6 @@ void Uni_strncpy(ustring* destination, const ustring* source, u32 count);
 void Uni_strcat(ustring* destination, const ustring* source);
 void Uni_strncat(ustring* destination, const ustring* source, u32 count);
 s32 Uni_strcmp(const ustring* first, const ustring* second);
-s32 Uni_strncasecmp(const ustring* first, const ustring* second, s32 count);
 ustring* Uni_strchr(const ustring* string, ustring unit);
 ustring* Uni_strstr(const ustring* string, const ustring* pattern);
 u32 Uni_strspn(const ustring* string, const ustring* set);
@@ -41,6 +40,7 @@ void Uni_strnset(ustring* string, ustring unit, u32 count);
 ustring* Uni_strrev(ustring* string);
 
 // An internal service without a caller in the library, held by its tests.
+s32 Uni_strncasecmp(const ustring* first, const ustring* second, s32 count);
 s32 Uni_memcmp(const ustring* first, const ustring* second, u32 count);
 
 }  // namespace qvx
