@@ -133,9 +133,11 @@ void Request() {
   const u32 rights = PXTAuthenticateUser(nullptr, kBencher, password);
   Require(rights != 0, "authenticate");
   void* const answer = PXTXAllocBuf(256, 0);
-  (void)PXTXBufCatNode(answer, "Rights", nullptr, 5, &rights);
+  (void)PXTXBufCatNode(answer, "Rights", nullptr, QVX_TYPE_U32, &rights);
   PXTXFreeBufContent(PXTXFreeBufGetContent(answer));
-  Require(PXTAppendToCmdLog(5001, kUser, "BENCH", "login", 4) == SM_STATUS_SUCCESS, "record");
+  Require(PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, kUser, "BENCH", "login", QVX_LOG_INFORMATION) ==
+              SM_STATUS_SUCCESS,
+          "record");
 }
 
 void MakeAccount() {

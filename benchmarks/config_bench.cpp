@@ -78,8 +78,8 @@ void CompareRead(int sections, const char* name, const std::string& section, con
       [=] {
         u32 value = 0;
         u32 size = sizeof(value);
-        Require(PXTReadINIPathFileValue(section.c_str(), key, 5, &value, &size, nullptr, 0,
-                                        path.c_str(), 1) == SM_STATUS_SUCCESS,
+        Require(PXTReadINIPathFileValue(section.c_str(), key, QVX_INI_U32, &value, &size, nullptr,
+                                        0, path.c_str(), QVX_LOCK_WAIT) == SM_STATUS_SUCCESS,
                 "read a key");
         benchmark::DoNotOptimize(value);
       },
@@ -116,8 +116,8 @@ void CompareReplace() {
       "INI of 600 keys, replace a key", "the calls bare",
       [value = u32{0}]() mutable {
         ++value;
-        Require(PXTWriteINIPathFileValue("section25", "key10", 5, &value, sizeof(value), kIni, 1) ==
-                    SM_STATUS_SUCCESS,
+        Require(PXTWriteINIPathFileValue("section25", "key10", QVX_INI_U32, &value, sizeof(value),
+                                         kIni, QVX_LOCK_WAIT) == SM_STATUS_SUCCESS,
                 "write a key");
       },
       [] { ReplaceBare(); });

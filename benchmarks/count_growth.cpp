@@ -174,7 +174,7 @@ Work Answer(size_t size) {
   return [size] {
     void* const answer = PXTXAllocBuf(256, 0);
     for (u32 number = 0; number < size; ++number) {
-      PXTXBufCatNode(answer, "Used", nullptr, 5, &number);
+      PXTXBufCatNode(answer, "Used", nullptr, QVX_TYPE_U32, &number);
     }
     PXTXFreeBufContent(PXTXFreeBufGetContent(answer));
   };
@@ -184,8 +184,8 @@ Work Append(size_t size) {
   (void)remove(kFile);
   Require(PXTForceXMLLogExists(kFile, "growth", "GROWTH") == SM_STATUS_SUCCESS, "make a log");
   return [text = std::string(size, 'x')] {
-    Require(PXTAppendToXMLLog(kFile, 4, 1, "growth", "GROWTH", text.c_str(), nullptr, 0,
-                              kNoMaximum) == SM_STATUS_SUCCESS,
+    Require(PXTAppendToXMLLog(kFile, QVX_LOG_INFORMATION, 1, "growth", "GROWTH", text.c_str(),
+                              nullptr, 0, kNoMaximum) == SM_STATUS_SUCCESS,
             "append");
   };
 }
@@ -214,8 +214,8 @@ Work ReadIni(size_t size) {
   return [key = "key" + std::to_string(size - 1)] {
     u32 value = 0;
     u32 room = sizeof(value);
-    Require(PXTReadINIPathFileValue("section", key.c_str(), 5, &value, &room, nullptr, 0, kFile,
-                                    1) == SM_STATUS_SUCCESS,
+    Require(PXTReadINIPathFileValue("section", key.c_str(), QVX_INI_U32, &value, &room, nullptr, 0,
+                                    kFile, QVX_LOCK_WAIT) == SM_STATUS_SUCCESS,
             "read a key");
   };
 }
@@ -224,8 +224,8 @@ Work WriteIni(size_t size) {
   WriteLines(kFile, size, "[section]\n", 01664);
   return [key = "key" + std::to_string(size - 1)] {
     const u32 value = 7;
-    Require(PXTWriteINIPathFileValue("section", key.c_str(), 5, &value, sizeof(value), kFile, 1) ==
-                SM_STATUS_SUCCESS,
+    Require(PXTWriteINIPathFileValue("section", key.c_str(), QVX_INI_U32, &value, sizeof(value),
+                                     kFile, QVX_LOCK_WAIT) == SM_STATUS_SUCCESS,
             "write a key");
   };
 }

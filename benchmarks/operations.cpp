@@ -82,7 +82,7 @@ void Grow() {
 
 void NumberFromText() {
   u32 status = 0;
-  Require(PXTASCIIToUnSigned32VT("4294967295", 10, &status) == 4294967295, "number");
+  Require(PXTASCIIToUnSigned32VT("4294967295", QVX_BASE_DECIMAL, &status) == 4294967295, "number");
 }
 
 void Digest() {
@@ -94,8 +94,9 @@ void Answer() {
   const u32 number = 4000000000;
   void* const answer = PXTXAllocBuf(256, 0);
   for (int at = 0; at < 500; ++at) {
-    PXTXBufCatNode(answer, "Name", "id=\"7\"", 26, "R&D archive of the laboratory");
-    PXTXBufCatNode(answer, "Used", nullptr, 5, &number);
+    PXTXBufCatNode(answer, "Name", "id=\"7\"", QVX_TYPE_XML_ASTRING,
+                   "R&D archive of the laboratory");
+    PXTXBufCatNode(answer, "Used", nullptr, QVX_TYPE_U32, &number);
   }
   PXTXFreeBufContent(PXTXFreeBufGetContent(answer));
 }
@@ -149,8 +150,8 @@ void MakeFiles() {
 void ReadKey(const char* section, const char* key) {
   u32 value = 0;
   u32 size = sizeof(value);
-  Require(PXTReadINIPathFileValue(section, key, 5, &value, &size, nullptr, 0, kIni, 1) ==
-              SM_STATUS_SUCCESS,
+  Require(PXTReadINIPathFileValue(section, key, QVX_INI_U32, &value, &size, nullptr, 0, kIni,
+                                  QVX_LOCK_WAIT) == SM_STATUS_SUCCESS,
           "read a key");
 }
 void ReadFirstKey() { ReadKey("section0", "key0"); }
@@ -159,8 +160,8 @@ void ReadLastKey() { ReadKey("section29", "key19"); }
 void WriteKey() {
   static u32 value = 100000;
   ++value;
-  Require(PXTWriteINIPathFileValue("section15", "key10", 5, &value, sizeof(value), kIni, 1) ==
-              SM_STATUS_SUCCESS,
+  Require(PXTWriteINIPathFileValue("section15", "key10", QVX_INI_U32, &value, sizeof(value), kIni,
+                                   QVX_LOCK_WAIT) == SM_STATUS_SUCCESS,
           "write a key");
 }
 
@@ -184,15 +185,16 @@ void MakeLog() {
 
 void Append() {
   static const std::string text(180, 't');
-  Require(PXTAppendToXMLLog(kLog, 4, 1, "counts", "COUNTS", text.c_str(), nullptr, 0, kNoMaximum) ==
-              SM_STATUS_SUCCESS,
+  Require(PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, "counts", "COUNTS", text.c_str(), nullptr,
+                            0, kNoMaximum) == SM_STATUS_SUCCESS,
           "append");
 }
 
 void ShowLog() { PXTFreeMem(PXTCmdGetXMLLogContent(kLog)); }
 
 void Record() {
-  Require(PXTAppendToCmdLog(5001, "counts", "COUNTS", "a command", 4) == SM_STATUS_SUCCESS,
+  Require(PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "counts", "COUNTS", "a command",
+                            QVX_LOG_INFORMATION) == SM_STATUS_SUCCESS,
           "record");
 }
 

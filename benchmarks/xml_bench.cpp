@@ -60,8 +60,9 @@ void CompareAnswer() {
         void* const answer = PXTXAllocBuf(256, 0);
         (void)PXTXBufCatBeginNode(answer, "Answer", nullptr);
         for (u32 number = 0; number < kElements / 2; ++number) {
-          (void)PXTXBufCatNode(answer, "Number", nullptr, 5, &number);
-          (void)PXTXBufCatNode(answer, "Name", "id=\"7\"", 1, "archive of the laboratory");
+          (void)PXTXBufCatNode(answer, "Number", nullptr, QVX_TYPE_U32, &number);
+          (void)PXTXBufCatNode(answer, "Name", "id=\"7\"", QVX_TYPE_ASTRING,
+                               "archive of the laboratory");
         }
         (void)PXTXBufCatEndNode(answer, "Answer");
         PXTXFreeBufContent(PXTXFreeBufGetContent(answer));
@@ -84,8 +85,8 @@ std::string LogOf(size_t bytes) {
   Require(PXTForceXMLLogExists(path.c_str(), "bench", "BENCH") == SM_STATUS_SUCCESS, "make a log");
   const std::string filler(14000, 'x');
   for (size_t size = 0; size + 14300 < bytes; size += 14300) {
-    Require(PXTAppendToXMLLog(path.c_str(), 4, 1, "bench", "BENCH", filler.c_str(), nullptr, 0,
-                              kNoMaximum) == SM_STATUS_SUCCESS,
+    Require(PXTAppendToXMLLog(path.c_str(), QVX_LOG_INFORMATION, 1, "bench", "BENCH",
+                              filler.c_str(), nullptr, 0, kNoMaximum) == SM_STATUS_SUCCESS,
             "fill a log");
   }
   return path;
@@ -154,8 +155,8 @@ void CompareAppend(size_t bytes, const char* size) {
   Compare(
       job, "the calls bare",
       [=] {
-        Require(PXTAppendToXMLLog(path.c_str(), 4, 1, "bench", "BENCH", text.c_str(), nullptr, 0,
-                                  kNoMaximum) == SM_STATUS_SUCCESS,
+        Require(PXTAppendToXMLLog(path.c_str(), QVX_LOG_INFORMATION, 1, "bench", "BENCH",
+                                  text.c_str(), nullptr, 0, kNoMaximum) == SM_STATUS_SUCCESS,
                 "append");
       },
       [=, entry = std::string(400, 'e')] { AppendBare(bare, entry); });
