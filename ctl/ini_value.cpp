@@ -97,16 +97,17 @@ std::string TextOfUnits(const std::vector<u8>& bytes) {
   if (UCS2StrToUTF8Str(nullptr, &size, units.data()) != 0) return HexList(bytes);
   std::string text(size + size_t{1}, '\0');
   if (UCS2StrToUTF8Str(text.data(), &size, units.data()) != 0) return HexList(bytes);
-  return text.c_str();
+  text.resize(size - size_t{1});
+  return text;
 }
 
 }  // namespace
 
-const IniTypeEntry& FindIniType(const std::string& name) {
+const IniTypeEntry& FindIniType(std::string_view name) {
   for (const IniTypeEntry& type : kTypes) {
     if (name == type.name) return type;
   }
-  throw Failure(kUsage, "ini: \"" + name + "\" is no type");
+  throw Failure(kUsage, "ini: \"" + std::string(name) + "\" is no type");
 }
 
 std::vector<std::string> IniTypeNames() {

@@ -4,6 +4,7 @@
 #define QVX_CTL_INI_VALUE_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "qvxcs/types.h"
@@ -20,7 +21,7 @@ struct IniTypeEntry {
 };
 
 // Throws a Failure for a name that is no type.
-const IniTypeEntry& FindIniType(const std::string& name);
+const IniTypeEntry& FindIniType(std::string_view name);
 std::vector<std::string> IniTypeNames();
 
 // The value as the library's writer expects it. Throws a Failure for a text that is no such value.

@@ -124,7 +124,8 @@ void AskMap(const Records& records, RoleDecision* decision) {
 }
 
 // The first two tokens, each empty where there is none.
-std::pair<std::string, std::string> TokensOf(std::string text, const char* separator) {
+std::pair<std::string, std::string> TokensOf(const std::string& login, const char* separator) {
+  std::string text = login;  // strtok_r() writes into it
   char* rest = nullptr;
   const char* const first = strtok_r(text.data(), separator, &rest);
   const char* const second = first == nullptr ? nullptr : strtok_r(nullptr, separator, &rest);
