@@ -42,7 +42,7 @@ add_custom_command(
   COMMENT "Making the manual")
 add_custom_target(manual ${with_all} DEPENDS ${manual_made})
 
-foreach(section 3 5 7 8)
+foreach(section 3 5 7)
   set(destination ${CMAKE_INSTALL_MANDIR}/man${section})
   if(section EQUAL 3)
     install(DIRECTORY ${PROJECT_BINARY_DIR}/man/man3/ DESTINATION ${destination} OPTIONAL)
