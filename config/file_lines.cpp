@@ -10,7 +10,7 @@ namespace {
 
 // The length of the line that the text begins with; 0 when it may go on after the text.
 inline size_t LineLength(std::string_view text) {
-  const size_t searched = std::min(text.size(), kLineLength);
+  const size_t searched = std::min<size_t>(text.size(), kLineLength);
   const void* const end = memchr(text.data(), '\n', searched);
   if (end != nullptr) return static_cast<size_t>(static_cast<const char*>(end) - text.data()) + 1;
   return searched == kLineLength ? kLineLength : 0;
