@@ -98,7 +98,7 @@ bool Reader(Shared* shared) {
 // Processes with an even number attach themselves; those with an odd number were forked by an
 // attached process. Record locks are not inherited, so both kinds need their own hold.
 [[noreturn]] void Run(u32 number, Shared* shared) {
-  (void)alarm(100);
+  (void)alarm(250);
   const bool attached = number % 2 == 1 || ModuleAttach() == 1;
   ++shared->ready;
   while (!shared->go) {

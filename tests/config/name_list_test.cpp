@@ -42,7 +42,7 @@ TEST(NameList, ASizeBeyond32BitsIsTheLargest) {
   const test::LongText<astring> name(u64{1} << 32, 'n');
   astring buffer[8];
   NameList list(buffer, sizeof(buffer));
-  list.Add(std::string_view(name.text(), size_t{1} << 32));
+  list.Add(std::string_view(name.text(), static_cast<size_t>(u64{1} << 32)));
   u32 size = 77;
   EXPECT_EQ(list.End(&size), SM_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 0xFFFFFFFFu);
