@@ -179,8 +179,8 @@ QVX_EXPORT qvx_u32 PXTGetBackupXMLLogPathFileName(const qvx_astring* path, qvx_a
  * first NUL byte. The answer is whole or NULL.
  *
  * @param[in] path  the log
- * @return the answer; NULL for a NULL path, a file that is missing, empty, no regular file or of
- *         4 GiB - 1 and more, and without memory
+ * @return the answer; NULL for a NULL path, a file that is missing, empty, no regular file or so
+ *         large that the answer would reach 4 GiB, and without memory
  * @par Memory
  * The answer is the caller's, who frees it with PXTFreeMem(). While it is built, it needs little
  * more than the file's size.
