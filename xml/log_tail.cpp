@@ -65,6 +65,30 @@ bool BeginsWithTheNotedWrite(const LogFile& log, const TornLogNote& note) {
          SumOf(block, length) == note.sum;
 }
 
+bool EndsWithItsClosingTag(const LogFile& log) {
+  return Holds(log, log.size - kLogClosingLength, kLogClosingTag, kLogClosingLength);
+}
+
+// One write adds one entry, so two of them in a row are from several writes.
+bool HoldsTwoEntriesInARow(const LogFile& log, s64 offset) {
+  constexpr astring kBorder[] = "</Data></LogEntry><LogEntry><TimeStamp>";
+  constexpr s64 kBorderLength = sizeof(kBorder) - 1;
+  astring block[kSearchBlock];
+  while (log.size - offset >= kBorderLength) {
+    const auto length = static_cast<size_t>(std::min(kSearchBlock, log.size - offset));
+    if (!ReadLog(log, block, length, offset)) return true;
+    if (memmem(block, length, kBorder, kBorderLength) != nullptr) return true;
+    offset += static_cast<s64>(length) - kBorderLength + 1;
+  }
+  return false;
+}
+
+// A process that may only read the lock file mends a log and leaves its note; what it appends may
+// begin as the noted entry does.
+bool WasAppendedToSince(const LogFile& log, const TornLogNote& note) {
+  return EndsWithItsClosingTag(log) || HoldsTwoEntriesInARow(log, static_cast<s64>(note.offset));
+}
+
 }  // namespace
 
 s64 FindClosingTag(const LogFile& log) {
@@ -116,7 +140,8 @@ bool IsTorn(const LogFile& log, const TornLogNote& note) {
     return log.size > offset + kLogClosingLength;
   }
   return log.size >= static_cast<s64>(FirstBorderAfter(note.offset)) &&
-         log.size < static_cast<s64>(note.end) && BeginsWithTheNotedWrite(log, note);
+         log.size < static_cast<s64>(note.end) && BeginsWithTheNotedWrite(log, note) &&
+         !WasAppendedToSince(log, note);
 }
 
 bool MendLog(LogFile* log, const TornLogNote& note) {

@@ -292,6 +292,34 @@ TEST_F(LogTorn, AnOldNoteTakesNoEntryBackThatWasAppendedAfterIt) {
   }
 }
 
+// With few bytes up to the page's end, every entry begins as the noted one does.
+TEST_F(LogTorn, ANoteOfACommonBeginningTakesNoWholeEntryBack) {
+  const std::string standing = LogWithItsTagAt(4090);
+  for (const size_t length : {5u, 5000u}) {
+    test::WriteFile(kLog, standing);
+    ASSERT_TRUE(Tear(kLog, kPage, 1, 10000));
+    ASSERT_EQ(AsReaderOfTheLockFile([length] { return static_cast<int>(Append(kLog, 2, length)); }),
+              0);
+    EXPECT_EQ(Append(kLog, 3, 10), SM_STATUS_SUCCESS);
+    EXPECT_EQ(LogNow(), standing.substr(0, 4090) + Entry(2, length) + Entry(3, 10) + "</EventLog>");
+    EXPECT_EQ(LockFile(), "");
+  }
+}
+
+TEST_F(LogTorn, ANoteOfACommonBeginningTakesNoEntryBackBeforeOneThatWasCut) {
+  for (const size_t length : {5u, 3700u, 5000u}) {
+    test::WriteFile(kLog, LogWithItsTagAt(4090));
+    ASSERT_TRUE(Tear(kLog, kPage, 1, 10000));
+    ASSERT_EQ(AsReaderOfTheLockFile([length] { return static_cast<int>(Append(kLog, 2, length)); }),
+              0);
+    const std::string whole = test::ReadFile(kLog);
+    test::WriteFile(kLog, whole.substr(0, whole.size() - kTagLength) + "<LogEntry><TimeStamp>17");
+    const std::string damaged = test::ReadFile(kLog);
+    EXPECT_EQ(Append(kLog, 3, 10), SM_STATUS_BAD_DATA);
+    EXPECT_EQ(test::ReadFile(kLog), damaged);
+  }
+}
+
 TEST_F(LogTorn, AnUsualAppendWritesNoNote) {
   test::WriteFile(kLog, LogWithItsTagAt(1000));
   bool noted = false;
