@@ -30,6 +30,7 @@ std::string Try(const Point& point) {
   }
   const Judge judge(scene);
   const long held = LiveBlocks();
+  if (!scene.again && point.failure == Failure::kFromThenOn) GiveUpAfter(5);
   FailAllocation(point.nth, point.failure);
   const qvx_u32 status = scene.act();
   FailNoAllocation();
@@ -49,7 +50,7 @@ std::string Try(const Point& point) {
 // The allocation to try after this one: a login makes some thousand.
 long After(long nth, Depth depth) {
   if (depth == Depth::kSample) return nth + 1 + nth / 2;
-  return depth == Depth::kFloor && nth > 60 ? nth + nth / 16 : nth + 1;
+  return depth == Depth::kFloor && nth > 80 ? nth + nth / 32 : nth + 1;
 }
 
 void TryAll(Point point, Depth depth, Tally* tally) {
@@ -57,8 +58,7 @@ void TryAll(Point point, Depth depth, Tally* tally) {
     std::string wrong = InChild([&point] { return Try(point); });
     if (wrong.empty()) return;
     if (wrong.rfind("reached", 0) == 0) wrong.erase(0, 7);
-    // The loader of PAM's modules ends a process that has no memory for a thread's data.
-    if (!point.scene->again && wrong == "left with 127") wrong.clear();
+    if (!point.scene->again && IsEndInOthers(wrong)) wrong.clear();
     tally->Add(wrong, point.scene->name + (point.warm ? ", warm" : ", cold") +
                           (point.failure == Failure::kAlone ? ", alone, " : ", from then on, ") +
                           std::to_string(point.nth));

@@ -34,10 +34,11 @@ class Killer {
   }
 
  private:
-  // A kill cuts a write only where it goes from one page of the file to the next.
+  // A kill cuts a write only where it goes from one page of the file to the next; a copy's writes
+  // are cut anywhere.
   static unsigned long PartOf(const Span& span) {
     constexpr unsigned long kPage = 4096;
-    return span.offset == 0 ? span.size / 2 : kPage - span.offset % kPage;
+    return span.placed ? kPage - span.offset % kPage : span.size / 2;
   }
 
   Point point_;

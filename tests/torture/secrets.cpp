@@ -46,8 +46,15 @@ std::string SearchMemory() {
   return found;
 }
 
+// To the next point: a login makes some hundreds.
+unsigned Stride(long nth, Depth depth) {
+  if (depth == Depth::kGoal) return 1;
+  return static_cast<unsigned>(1 + nth / (depth == Depth::kSample ? 4 : 32));
+}
+
 std::string TryAllocation(const Scene& login, long nth, Failure failure) {
   login.prepare();
+  if (failure == Failure::kFromThenOn) GiveUpAfter(5);
   FailAllocation(nth, failure);
   (void)login.act();
   FailNoAllocation();
@@ -56,10 +63,11 @@ std::string TryAllocation(const Scene& login, long nth, Failure failure) {
 
 void AddAllocations(const Scene& login, Depth depth, Tally* tally) {
   for (const Failure failure : {Failure::kAlone, Failure::kFromThenOn}) {
-    for (long nth = 1;; nth += depth == Depth::kSample ? 1 + nth / 4 : 1) {
+    for (long nth = 1;; nth += Stride(nth, depth)) {
       std::string wrong = InChild([&] { return TryAllocation(login, nth, failure); });
       if (wrong.empty()) break;
       if (wrong.rfind("reached", 0) == 0) wrong.erase(0, 7);
+      if (IsEndInOthers(wrong)) wrong.clear();
       tally->Add(wrong, "allocation " + std::to_string(nth) +
                             (failure == Failure::kAlone ? "" : " and all that follow"));
     }
@@ -68,7 +76,7 @@ void AddAllocations(const Scene& login, Depth depth, Tally* tally) {
 
 void AddCalls(const Scene& login, Depth depth, Tally* tally) {
   for (const int error : {EIO, EACCES, EMFILE}) {
-    for (unsigned nth = 1;; nth += depth == Depth::kSample ? 1 + nth / 4 : 1) {
+    for (unsigned nth = 1;; nth += Stride(nth, depth)) {
       Fault fault(nth, error, false);
       bool killed = false;
       const auto body = [&login] {

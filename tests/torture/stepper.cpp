@@ -122,8 +122,8 @@ void SetResult(const Stop& stop, long result) {
 
 Span SpanOf(const Stop& stop) {
   const user_regs_struct registers = Registers(stop.child);
-  if (stop.number == SYS_write) return {registers.rdx, 0};
-  Span span = {0, registers.r10};
+  if (stop.number == SYS_write) return {registers.rdx, false, 0};
+  Span span = {0, true, registers.r10};
   for (unsigned part = 0; part < registers.rdx; ++part) {
     span.size += Peek(stop, LengthOfPart(registers, part));
   }

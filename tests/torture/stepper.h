@@ -29,9 +29,10 @@ void End();
 // Instead of the call nothing is done: it fails with `error` (0: it returns 0).
 void Refuse(const Stop& stop);
 void SetResult(const Stop& stop, long result);
-// What a write is about to write, and the place in the file that it was given (0 without one).
+// What a write is about to write, and its place in the file, where it names one.
 struct Span {
   unsigned long size = 0;
+  bool placed = false;
   unsigned long offset = 0;
 };
 Span SpanOf(const Stop& stop);

@@ -127,6 +127,11 @@ Tally Contention(Depth depth);
 Tally LongRun(Depth depth);
 Tally Secrets(Depth depth);
 
+// Whether the loader or PAM ended the process for want of memory of their own.
+bool IsEndInOthers(const std::string& wrong);
+// Ends this process so.
+void GiveUpAfter(unsigned seconds);
+
 std::string RunChild(void (*body)(void*, int), void* context);
 
 template <typename Body>
