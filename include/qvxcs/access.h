@@ -269,8 +269,8 @@ QVX_EXPORT qvx_astring* PXTGetProcessUser(void);
  * @par Memory
  * Nothing is handed to the caller.
  * @par Threads
- * Waits for the lock that the suite's processes share. Threads of one process do not exclude each
- * other.
+ * Any thread may call. Each of its reads waits for the lock that the suite's processes, and the
+ * threads of one process, share.
  */
 QVX_EXPORT qvx_u32 PXTMaskProgramRights(qvx_u32 rights, const qvx_astring* prefix,
                                         const qvx_astring* iniFile, qvx_u32* reason);

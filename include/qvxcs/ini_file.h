@@ -175,9 +175,10 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  *
  * A new section, or a new file, is appended in place where a copy cannot replace the file or has no
  * room: the path is a symbolic link, the file has several hard links or may only be appended to,
- * the copy cannot be moved onto it (another file system, a mount point), or the disk is full or the
- * quota used up. The section is then written in one call and flushed, and removed again when that
- * fails.
+ * the copy cannot be moved onto it (another file system, a mount point), or the disk or the quota
+ * has room for a copy of the file, but not for the section. (Without room for the copy the status
+ * is SM_STATUS_WRITE_FAILED, and the unfinished copy stays.) In place, the section is written in
+ * one call and flushed, and removed again when that fails.
  *
  * A NULL value with size 0 deletes the key (texts and binary values). Deleting a key that the
  * section does not have is a success.
