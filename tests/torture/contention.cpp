@@ -38,8 +38,8 @@ unsigned InProcesses(unsigned count, Body body) {
 bool Write(unsigned writer, unsigned count, qvx_u32 maxSize) {
   for (unsigned at = 0; at < count; ++at) {
     const std::string text = "w" + std::to_string(writer) + "-" + std::to_string(at) + ";";
-    if (PXTAppendToXMLLog(kLog, 4, 7001, "root", "TORTURE", text.c_str(), nullptr, 0, maxSize) !=
-        SM_STATUS_SUCCESS) {
+    if (PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 7001, "root", "TORTURE", text.c_str(), nullptr,
+                          0, maxSize) != SM_STATUS_SUCCESS) {
       return false;
     }
   }
@@ -65,13 +65,14 @@ bool Change(unsigned writer, time_t until) {
   unsigned last = 0;
   while (time(nullptr) < until) {
     const std::string text = std::to_string(++last);
-    if (PXTWriteINIPathFileValue("s", key.c_str(), 1, text.c_str(),
-                                 static_cast<qvx_s32>(text.size() + 1), kIni, 1) != 0) {
+    if (PXTWriteINIPathFileValue("s", key.c_str(), QVX_INI_ASTRING, text.c_str(),
+                                 static_cast<qvx_s32>(text.size() + 1), kIni, QVX_LOCK_WAIT) != 0) {
       return false;
     }
     char back[16];
     qvx_u32 size = sizeof(back);
-    if (PXTReadINIPathFileValue("s", key.c_str(), 1, back, &size, nullptr, 0, kIni, 1) != 0 ||
+    if (PXTReadINIPathFileValue("s", key.c_str(), QVX_INI_ASTRING, back, &size, nullptr, 0, kIni,
+                                QVX_LOCK_WAIT) != 0 ||
         text != back) {
       return false;
     }
@@ -83,7 +84,8 @@ bool ReadAlong(time_t until) {
   while (time(nullptr) < until) {
     char text[16];
     qvx_u32 size = sizeof(text);
-    if (PXTReadINIPathFileValue("s", "fixed", 1, text, &size, nullptr, 0, kIni, 1) != 0 ||
+    if (PXTReadINIPathFileValue("s", "fixed", QVX_INI_ASTRING, text, &size, nullptr, 0, kIni,
+                                QVX_LOCK_WAIT) != 0 ||
         strcmp(text, "value") != 0) {
       return false;
     }

@@ -17,7 +17,6 @@ namespace {
 constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc";
 constexpr char kClosingTag[] = "</EventLog>";
 constexpr mode_t kFileMode = 01664;
-constexpr qvx_u32 kMinusOne = 0xFFFFFFFF;
 
 // Without the role map's, which stays open until it is read whole.
 int Descriptors() {
@@ -85,7 +84,7 @@ std::string NameOf(const std::string& path) { return path.substr(path.rfind('/')
 // copy was made, as these statuses tell. None leaves any other file.
 bool MayStay(const std::string& name, qvx_u32 status) {
   const bool broken = status == SM_STATUS_WRITE_FAILED || status == SM_STATUS_FILE_DELETE_FAILED ||
-                      status == SM_STATUS_FILE_CREATE_FAILED || status == kMinusOne;
+                      status == SM_STATUS_FILE_CREATE_FAILED || status == QVX_FAILED;
   if (name == "pxtini32.tmp") return broken || status == SM_STATUS_BAD_SECTION_HEADER;
   return name == "pxtcfg32.tmp" && (broken || status == SM_STATUS_NO_MEMORY);
 }
@@ -189,7 +188,7 @@ std::string Judge::Process(qvx_u32 status) const {
 bool Judge::IsBeyondMending(qvx_u32 status) const {
   const std::string now = ReadText(scene_->path);
   // A missing log cannot be cleared.
-  if (scene_->kind == Kind::kCleared) return now == kNone && status == kMinusOne;
+  if (scene_->kind == Kind::kCleared) return now == kNone && status == QVX_FAILED;
   // A line that was cut takes up the next one.
   return scene_->kind == Kind::kAppended && now != after_ && StartsWith(now, TextOf(before_));
 }

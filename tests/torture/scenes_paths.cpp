@@ -124,7 +124,7 @@ std::vector<Scene> PathScenes() {
   add("a thread", Nothing, ThreadRun);
   add("OS log", Nothing, [] {
     const qvx_ustring text[] = {'t', 'e', 'x', 't', 0};
-    return PXTAppendToOSLog(4, 1, text, text) == 0;
+    return PXTAppendToOSLog(QVX_OSLOG_INFORMATION, 1, text, text) == 0;
   });
   return scenes;
 }

@@ -20,7 +20,8 @@ void IniFile() {
 void Pairs() { WriteText(kPairs, "name=agent\nport=1311\n"); }
 void Log() {
   (void)unlink(kLog);
-  (void)PXTAppendToXMLLog(kLog, 4, 7001, "root", "TORTURE", "first", nullptr, 0, 1000000);
+  (void)PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 7001, "root", "TORTURE", "first", nullptr, 0,
+                          1000000);
 }
 void Words() {
   static const char16_t kText[] = u"\uFEFF0:1F=Disk full\r\n10C:1F=other\r\n";
@@ -28,7 +29,7 @@ void Words() {
 }
 
 bool ReadIni(qvx_s32 type, const char* key, void* value, qvx_u32 size) {
-  return PXTReadINIPathFileValue("net", key, type, value, &size, nullptr, 0, kIni, 1) ==
+  return PXTReadINIPathFileValue("net", key, type, value, &size, nullptr, 0, kIni, QVX_LOCK_WAIT) ==
          SM_STATUS_SUCCESS;
 }
 
@@ -41,8 +42,8 @@ bool BuildXml() {
   const qvx_u32 number = 42;
   bool whole = PXTXBufCatBeginNode(buffer, "Answer", "id=\"1\"") == 0;
   for (int at = 0; at < 40 && whole; ++at) {
-    whole = PXTXBufCatNode(buffer, "Number", nullptr, 5, &number) == 0 &&
-            PXTXBufCatNode(buffer, "Name", nullptr, 26, "R&D <archive>") == 0;
+    whole = PXTXBufCatNode(buffer, "Number", nullptr, QVX_TYPE_U32, &number) == 0 &&
+            PXTXBufCatNode(buffer, "Name", nullptr, QVX_TYPE_XML_ASTRING, "R&D <archive>") == 0;
   }
   whole = whole && PXTXBufCatEndNode(buffer, "Answer") == 0;
   qvx_astring* const text = PXTXFreeBufGetContent(buffer);
@@ -133,19 +134,19 @@ std::vector<Scene> ReadingScenes() {
   };
   add("INI: text read", IniFile, [] {
     char text[64];
-    return ReadIni(1, "host", text, 64);
+    return ReadIni(QVX_INI_ASTRING, "host", text, 64);
   });
   add("INI: a number read", IniFile, [] {
     qvx_u32 value;
-    return ReadIni(5, "port", &value, 4);
+    return ReadIni(QVX_INI_U32, "port", &value, 4);
   });
   add("INI: bytes read", IniFile, [] {
     char bytes[64];
-    return ReadIni(3, "mac", bytes, 64);
+    return ReadIni(QVX_INI_BINARY, "mac", bytes, 64);
   });
   add("INI: 16-bit text read", IniFile, [] {
     qvx_ustring text[64];
-    return ReadIni(2, "wide", text, sizeof(text));
+    return ReadIni(QVX_INI_USTRING, "wide", text, sizeof(text));
   });
   add("key=value: entries", Pairs, ReadPairs);
   add("log: its content", Log, [] {

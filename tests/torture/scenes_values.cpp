@@ -55,7 +55,7 @@ bool InParameter() {
   void* const buffer = PXTXAllocBuf(64, 0);
   if (buffer == nullptr) return false;
   bool whole = PXTNVSBufCatSetCmdParam(buffer, "n", "old", "new", "is", QVX_TYPE_ASTRING) == 0;
-  PXTNVSCatSMStatusNode(buffer, 5, "text");
+  PXTNVSCatSMStatusNode(buffer, SM_STATUS_BAD_ARGUMENT, "text");
   qvx_astring* const text = PXTXFreeBufGetContent(buffer);
   whole = whole && text != nullptr && strstr(text, "SMStatus") != nullptr;
   PXTXFreeBufContent(text);

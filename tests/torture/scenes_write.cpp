@@ -26,12 +26,12 @@ const char* LongText() { return kLongText.c_str(); }
 
 qvx_u32 SetIni(const char* section, const char* key, const char* value) {
   const qvx_s32 size = value == nullptr ? 0 : static_cast<qvx_s32>(strlen(value) + 1);
-  return PXTWriteINIPathFileValue(section, key, 1, value, size, kIni, 1);
+  return PXTWriteINIPathFileValue(section, key, QVX_INI_ASTRING, value, size, kIni, QVX_LOCK_WAIT);
 }
 
 template <typename T>
 qvx_u32 SetIniValue(qvx_s32 type, const T& value) {
-  return PXTWriteINIPathFileValue("net", "port", type, &value, sizeof(value), kIni, 1);
+  return PXTWriteINIPathFileValue("net", "port", type, &value, sizeof(value), kIni, QVX_LOCK_WAIT);
 }
 
 qvx_u32 SetPair(const char* key, const char* value, qvx_u32 index = 0) {
@@ -45,10 +45,11 @@ qvx_u32 SetPair(const char* key, const char* value, qvx_u32 index = 0) {
 
 qvx_u32 Append(const char* text, const void* data = nullptr, qvx_u32 size = 0,
                qvx_u32 maxSize = kRoomy) {
-  return PXTAppendToXMLLog(kLog, 4, 7001, "root", "TORTURE", text, data, size, maxSize);
+  return PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 7001, "root", "TORTURE", text, data, size,
+                           maxSize);
 }
 qvx_u32 AppendToCmdLog(const char* text) {
-  return PXTAppendToCmdLog(5100, "root", "TORTURE", text, 4);
+  return PXTAppendToCmdLog(5100, "root", "TORTURE", text, QVX_LOG_INFORMATION);
 }
 
 // --- What stands before ---
@@ -112,21 +113,26 @@ std::vector<Scene> IniScenes() {
        [] { return SetIni("new", "k", "v"); }},
       {"INI: a section of a file of two names", Kind::kAppended, kIni, IniFileOfTwoNames,
        [] { return SetIni("new", "k", "v"); }},
-      {"INI: a boolean", whole, kIni, IniFile, [] { return SetIniValue<qvx_booln>(4, 1); }},
-      {"INI: a number", whole, kIni, IniFile, [] { return SetIniValue<qvx_u32>(5, 77); }},
-      {"INI: a double", whole, kIni, IniFile, [] { return SetIniValue<qvx_d64>(9, 1.5); }},
+      {"INI: a boolean", whole, kIni, IniFile,
+       [] { return SetIniValue<qvx_booln>(QVX_INI_BOOLN, 1); }},
+      {"INI: a number", whole, kIni, IniFile, [] { return SetIniValue<qvx_u32>(QVX_INI_U32, 77); }},
+      {"INI: a double", whole, kIni, IniFile,
+       [] { return SetIniValue<qvx_d64>(QVX_INI_D64, 1.5); }},
       {"INI: 16-bit text", whole, kIni, IniFile,
        [] {
          const qvx_ustring text[] = {'a', 'b', 0};
-         return SetIniValue(2, text);
+         return SetIniValue(QVX_INI_USTRING, text);
        }},
       {"INI: bytes", whole, kIni, IniFile,
        [] {
          const qvx_u8 bytes[] = {1, 2, 255};
-         return SetIniValue(3, bytes);
+         return SetIniValue(QVX_INI_BINARY, bytes);
        }},
       {"INI: a file of the product", whole, kProductIni, ProductIni,
-       [] { return PXTWriteINIFileValue("net", "port", 1, "9", 2, "torture.ini", 1); }},
+       [] {
+         return PXTWriteINIFileValue("net", "port", QVX_INI_ASTRING, "9", 2, "torture.ini",
+                                     QVX_LOCK_WAIT);
+       }},
   };
 }
 
