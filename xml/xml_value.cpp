@@ -57,13 +57,14 @@ void PutDigitsBefore(astring* at, Number value) {
 }
 
 // The least number of each count of digits, but 0 for the first.
-constexpr auto kLeastOfDigits = [] {
-  std::array<u64, 21> least = {};
-  for (u64 digits = 2, number = 10; digits < least.size(); ++digits, number *= 10) {
-    least[digits] = number;
+constexpr std::array<u64, 21> LeastOfDigits() {
+  std::array<u64, 21> least = {0, 0, 10};
+  for (size_t digits = 3; digits < least.size(); ++digits) {
+    least[digits] = 10 * least[digits - 1];
   }
   return least;
-}();
+}
+constexpr std::array<u64, 21> kLeastOfDigits = LeastOfDigits();
 
 // The logarithm to base 2 gives the number of digits, or one less: 1233 / 4096 is log10(2).
 u32 CountDigits(u64 value) {
