@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "text/time_text.h"
 
+#include <charconv>
 #include <cstring>
+#include <system_error>
 
 #include "qvxcs/status.h"
 
@@ -14,7 +16,6 @@ namespace {
 
 // A year of five digits makes 25 characters; callers have 26 bytes.
 constexpr u32 kTimeRoom = 26;
-constexpr s64 kLongestYear = 5;
 constexpr time_t kDaylightSavingSeconds = 3600;
 
 constexpr astring kDays[][4] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -39,23 +40,6 @@ astring* PutName(astring* to, const astring (&name)[4]) {
   return to + 4;
 }
 
-// As "%d" prints it, terminated; false where it is longer than kLongestYear.
-bool PutYear(astring* to, s64 year) {
-  astring text[24];
-  astring* at = text + sizeof(text) - 1;
-  *at = '\0';
-  u64 rest = static_cast<u64>(year < 0 ? -year : year);
-  do {
-    *--at = static_cast<astring>('0' + rest % 10);
-    rest /= 10;
-  } while (rest != 0);
-  if (year < 0) *--at = '-';
-  const auto length = text + sizeof(text) - 1 - at;
-  if (length > kLongestYear) return false;
-  memcpy(to, at, static_cast<size_t>(length) + 1);
-  return true;
-}
-
 }  // namespace
 
 s32 TimeToAStr(astring* out, time_t time) {
@@ -74,8 +58,11 @@ s32 TimeToAStr(astring* out, time_t time) {
   *at++ = ':';
   at = PutTwoDigits(at, local.tm_sec, '0');
   *at++ = ' ';
-  if (!PutYear(at, s64{local.tm_year} + 1900)) return -1;
-  memcpy(out, text, strlen(text) + 1);
+  const s64 year = s64{local.tm_year} + 1900;
+  const auto [end, error] = std::to_chars(at, text + sizeof(text) - 1, year);
+  if (error != std::errc{}) return -1;
+  *end = '\0';
+  memcpy(out, text, static_cast<size_t>(end - text) + 1);
   return 0;
 }
 
