@@ -20,7 +20,7 @@
 namespace qvx {
 namespace {
 
-constexpr u64 kFirstCapacity = 16;
+constexpr size_t kFirstCapacity = 16;
 
 void FreeEntries(PXTKeyValue* entries, u64 count) {
   for (u64 i = 0; i < count; ++i) {
@@ -80,7 +80,7 @@ class EntryList {
 
  private:
   bool Grow() {
-    const u64 capacity = std::max(capacity_ * 2, kFirstCapacity);
+    const size_t capacity = std::max(capacity_ * 2, kFirstCapacity);
     HeapArray<PXTKeyValue> grown = AllocArray<PXTKeyValue>(capacity);
     if (!grown) return false;
     std::copy_n(entries_.get(), count_, grown.get());
@@ -90,8 +90,8 @@ class EntryList {
   }
 
   HeapArray<PXTKeyValue> entries_;
-  u64 count_ = 0;
-  u64 capacity_ = 0;
+  size_t count_ = 0;
+  size_t capacity_ = 0;
 };
 
 }  // namespace

@@ -29,7 +29,8 @@ void ReadOn(TextSource* source, LogReader* reader, std::vector<std::string>* ent
     Require(reader->Begin() == before || isHead, "nothing is passed in silence");
     Require(reader->End() == reader->Begin() + reader->Text().size(), "a part has its bytes' size");
     Require(!reader->Text().empty(), "reading goes on");
-    const std::string bytes = source->text.substr(reader->Begin(), reader->Text().size());
+    const std::string bytes =
+        source->text.substr(static_cast<size_t>(reader->Begin()), reader->Text().size());
     Require(bytes == reader->Text(), "a part is what is in the file");
     if (part == LogPart::kEntry) entries->push_back(reader->Text());
   }

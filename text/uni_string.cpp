@@ -45,7 +45,7 @@ u32 Capped(u64 count) { return static_cast<u32>(std::min(count, kMaxSize)); }
 u32 Uni_strlen(const ustring* string) { return Capped(UnitCount(string)); }
 
 void Uni_strcpy(ustring* destination, const ustring* source) {
-  memmove(destination, source, (UnitCount(source) + 1) * sizeof(ustring));
+  memmove(destination, source, static_cast<size_t>(UnitCount(source) + 1) * sizeof(ustring));
 }
 
 void Uni_strncpy(ustring* destination, const ustring* source, u32 count) {

@@ -78,7 +78,7 @@ HeapArray<astring> EscapeOnce(const astring* text, booln* escaped) {
   HeapArray<astring> result = needed > kMaxSize ? nullptr : AllocArray<astring>(needed);
   if (!result) return result;
   FillXml(result.get(), growth, text, length);
-  result[needed - 1] = '\0';
+  result[length + static_cast<size_t>(growth)] = '\0';
   return result;
 }
 
