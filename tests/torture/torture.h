@@ -111,6 +111,7 @@ struct Tally {
   unsigned long points = 0;
   unsigned long failed = 0;
   bool possible = true;  // on this machine
+  // Throws the tally as soon as QVX_TORTURE_MOST_FAILURES points have failed, if that is set.
   void Add(const std::string& wrong, const std::string& where);
 };
 
