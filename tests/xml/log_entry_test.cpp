@@ -81,6 +81,15 @@ TEST(LogEntry, TypeAndIdentifierAreUnsigned) {
             "</LogEntry>");
 }
 
+// They end no entry; the tool escapes them where it prints them.
+TEST(LogEntry, ControlCharactersOfEachTextStayAsTheyAre) {
+  const char user[] = "a\n\x1B[2J\x7F";
+  const char source[] = "b\r\t\x01";
+  const char description[] = "c\n\x1B]0;t\a";
+  EXPECT_EQ(WithoutTimes(Attached({4, 7, user, source, description, nullptr, 0})),
+            EntryOf(4, 7, user, source, description));
+}
+
 TEST(LogEntry, UserAndSourceAreEscapedOnce) {
   EXPECT_EQ(WithoutTimes(Attached({1, 2, "a<b", "\"&'>&amp;", "d", nullptr, 0})),
             EntryOf(1, 2, "a&lt;b", "&quot;&amp;&apos;&gt;&amp;amp;", "d"));
