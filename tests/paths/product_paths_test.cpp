@@ -96,7 +96,13 @@ TEST(ProductPaths, AreNullWheneverAnAllocationFails) {
           return last.get();
         },
         [](const astring* text) { EXPECT_EQ(text, nullptr); });
+#ifdef __clang__
+    // Which may leave out a block that it sees freed unused.
+    EXPECT_LE(met, each.allocations) << last.get();
+    EXPECT_GE(met, 1u) << last.get();
+#else
     EXPECT_EQ(met, each.allocations) << last.get();
+#endif
     EXPECT_STREQ(last.get(), Text(each.call()).c_str());
   }
 }

@@ -30,8 +30,8 @@ namespace {
 constexpr astring kLog[] = "/tmp/log.xml";
 
 // The call by which the C library's fstat asks for an open file's status.
-#if defined(SYS_fstatat64)
-constexpr u32 kFileStatus = SYS_fstatat64;
+#if __SIZEOF_POINTER__ == 4
+constexpr u32 kFileStatus = SYS_statx;
 #else
 constexpr u32 kFileStatus = SYS_newfstatat;
 #endif
