@@ -320,6 +320,34 @@ TEST(GrowString, SizesBeyond32BitsAreFailedGrowth) {
   EXPECT_EQ(units[0], 'a');
 }
 
+// 3 characters, 4 more and the NUL fill 8 bytes.
+TEST(GrowString, RoomIsTakenWithinTheBlockAsLongAsTheTerminatorFits) {
+  SSAStr record = {};
+  ASSERT_NE(SSAStrAlloc(&record, 8), nullptr);
+  ASSERT_NE(SSAStrCatAStr(&record, "abc"), nullptr);
+  const astring* const block = record.text;
+  EXPECT_EQ(SSAStrMakeRoom(&record, 4, nullptr), block + 3);
+  EXPECT_EQ(record.capacity, 8u);
+  EXPECT_EQ(record.length, 3u);
+  SSAStrFree(&record);
+}
+
+TEST(GrowString, RoomForOneCharacterMoreGrowsTheBlockAndHandsOverTheOldOne) {
+  SSAStr record = {};
+  ASSERT_NE(SSAStrAlloc(&record, 8), nullptr);
+  ASSERT_NE(SSAStrCatAStr(&record, "abc"), nullptr);
+  const astring* const block = record.text;
+  HeapArray<astring> old;
+  const astring* const room = SSAStrMakeRoom(&record, 5, &old);
+  EXPECT_EQ(old.get(), block);
+  EXPECT_NE(record.text, block);
+  EXPECT_EQ(room, record.text + 3);
+  EXPECT_STREQ(record.text, "abc");
+  EXPECT_EQ(record.capacity, 16u);
+  EXPECT_EQ(record.length, 3u);
+  SSAStrFree(&record);
+}
+
 TEST(GrowString, RoomBeyond32BitsIsRefused) {
   astring text[] = "abc";
   SSAStr record = {text, 4, 0xFFFFFFFF};
