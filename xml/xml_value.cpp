@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "xml/xml_value.h"
 
-#include <array>
 #include <cstring>
 
 #include "qvxcs/cli_value.h"
@@ -18,69 +17,6 @@ namespace {
 
 // "%.8f" of the largest double is longer; the text kept is at most this long.
 constexpr u32 kDoubleCharacters = 31;
-
-// A number's bits, sign- or zero-extended to 64.
-u64 LoadNumber(const ValueType& type, const void* value) {
-  switch (type.bytes) {
-    case 1:
-      return type.isSigned ? static_cast<u64>(s64{LoadValue<s8>(value)}) : LoadValue<u8>(value);
-    case 2:
-      return type.isSigned ? static_cast<u64>(s64{LoadValue<s16>(value)}) : LoadValue<u16>(value);
-    case 4:
-      return type.isSigned ? static_cast<u64>(s64{LoadValue<s32>(value)}) : LoadValue<u32>(value);
-    default:
-      return LoadValue<u64>(value);
-  }
-}
-
-constexpr auto kDigitPairs = [] {
-  std::array<astring, 200> pairs = {};
-  for (size_t number = 0; number < 100; ++number) {
-    pairs[2 * number] = static_cast<astring>('0' + number / 10);
-    pairs[2 * number + 1] = static_cast<astring>('0' + number % 10);
-  }
-  return pairs;
-}();
-
-// Two digits a step, from the last one.
-template <typename Number>
-void PutDigitsBefore(astring* at, Number value) {
-  for (; value >= 100; value /= 100) {
-    at -= 2;
-    memcpy(at, &kDigitPairs[2 * static_cast<size_t>(value % 100)], 2);
-  }
-  if (value < 10) {
-    at[-1] = static_cast<astring>('0' + value);
-  } else {
-    memcpy(at - 2, &kDigitPairs[2 * static_cast<size_t>(value)], 2);
-  }
-}
-
-// The least number of each count of digits, but 0 for the first.
-constexpr std::array<u64, 21> LeastOfDigits() {
-  std::array<u64, 21> least = {0, 0, 10};
-  for (size_t digits = 3; digits < least.size(); ++digits) {
-    least[digits] = 10 * least[digits - 1];
-  }
-  return least;
-}
-constexpr std::array<u64, 21> kLeastOfDigits = LeastOfDigits();
-
-// The logarithm to base 2 gives the number of digits, or one less: 1233 / 4096 is log10(2).
-u32 CountDigits(u64 value) {
-  const int bits = 64 - __builtin_clzll(value | 1);
-  const auto digits = static_cast<u32>(bits * 1233) >> 12;
-  return value >= kLeastOfDigits[digits + 1] ? digits + 1 : digits;
-}
-
-Decimal DecimalOf(u64 magnitude, bool isNegative) {
-  return {magnitude, CountDigits(magnitude) + (isNegative ? 1 : 0), isNegative};
-}
-
-Decimal DecimalOf(s64 number) {
-  const u64 bits = static_cast<u64>(number);
-  return number < 0 ? DecimalOf(0 - bits, true) : DecimalOf(bits, false);
-}
 
 u32 PutTerminated(astring* out, const Decimal& number) {
   *PutDecimal(out, number) = '\0';
@@ -172,12 +108,14 @@ constexpr ValueType Integer(ValueForm form, u8 bytes, bool isSigned) {
   return {form, PutDecimal, TakeNumber, bytes, isSigned};
 }
 
+}  // namespace
+
 // Deliberate: the codes are numbered with gaps, and the gaps are refused; the codes are shared with
 // the calling programs and never change. Held by XmlValue.GapsInTheNumberingHaveNoForm.
-constexpr auto kValueTypes = [] {
+constinit const ValueTypes kValueTypes = [] {
   // A new type is one line here and its code in the public header.
   using Form = ValueForm;
-  std::array<ValueType, QVX_TYPE_THOUSANDTHS + 1> types = {};
+  ValueTypes types = {};
   types[QVX_TYPE_ASTRING] = {Form::kText, nullptr, TakeText, 0, false};
   types[QVX_TYPE_USTRING] = Only(Form::kWideText);
   types[QVX_TYPE_BOOLN] = {Form::kWhole, PutBooln, TakeBooln, 0, false};
@@ -201,30 +139,6 @@ constexpr auto kValueTypes = [] {
   types[QVX_TYPE_THOUSANDTHS] = {Form::kNone, nullptr, TakeThousandths, 0, false};
   return types;
 }();
-
-}  // namespace
-
-const ValueType& ValueTypeOf(s32 code) {
-  return kValueTypes[code >= 0 && static_cast<u32>(code) < kValueTypes.size()
-                         ? static_cast<u32>(code)
-                         : 0];
-}
-
-Decimal DecimalOf(const ValueType& type, const void* value) {
-  const u64 number = LoadNumber(type, value);
-  return type.isSigned ? DecimalOf(static_cast<s64>(number)) : DecimalOf(number, false);
-}
-
-astring* PutDecimal(astring* to, const Decimal& number) {
-  astring* const end = to + number.length;
-  if (number.isNegative) *to = '-';
-  if (number.magnitude <= UINT32_MAX) {
-    PutDigitsBefore(end, static_cast<u32>(number.magnitude));  // divides faster
-  } else {
-    PutDigitsBefore(end, number.magnitude);
-  }
-  return end;
-}
 
 u32 PutDecimal(astring* out, const ValueType& type, const void* value) {
   return PutTerminated(out, DecimalOf(type, value));

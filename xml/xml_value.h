@@ -3,12 +3,16 @@
 #ifndef QVX_XML_XML_VALUE_H
 #define QVX_XML_XML_VALUE_H
 
+#include <array>
 #include <cstddef>
 #include <cstring>
 
+#include "qvxcs/cli_value.h"
 #include "qvxcs/types.h"
+#include "qvxcs/xml_buffer.h"
 
 #include "base/unaligned.h"
+#include "xml/decimal.h"
 
 namespace qvx {
 
@@ -44,7 +48,13 @@ struct ValueType {
   bool isSigned;
 };
 
-const ValueType& ValueTypeOf(s32 code);
+using ValueTypes = std::array<ValueType, QVX_TYPE_THOUSANDTHS + 1>;
+extern const ValueTypes kValueTypes;
+
+inline const ValueType& ValueTypeOf(s32 code) {
+  const auto at = static_cast<u32>(code);
+  return kValueTypes[at < kValueTypes.size() ? at : 0];
+}
 
 // Copies `length` bytes, `Part` wide at each end: both copies overlap where there are fewer than
 // two parts. There is at least one part, and everything is read before anything is written.
@@ -79,15 +89,24 @@ struct SixteenBytes {
   return to + length;
 }
 
-// A number whose decimal text is `length` characters long, its sign counted.
-struct Decimal {
-  u64 magnitude;
-  u32 length;
-  bool isNegative;
-};
-Decimal DecimalOf(const ValueType& type, const void* value);
-// Writes the text without a terminator and returns the place after it.
-astring* PutDecimal(astring* to, const Decimal& number);
+// A number's bits, sign- or zero-extended to 64.
+inline u64 LoadNumber(const ValueType& type, const void* value) {
+  switch (type.bytes) {
+    case 1:
+      return type.isSigned ? static_cast<u64>(s64{LoadValue<s8>(value)}) : LoadValue<u8>(value);
+    case 2:
+      return type.isSigned ? static_cast<u64>(s64{LoadValue<s16>(value)}) : LoadValue<u16>(value);
+    case 4:
+      return type.isSigned ? static_cast<u64>(s64{LoadValue<s32>(value)}) : LoadValue<u32>(value);
+    default:
+      return LoadValue<u64>(value);
+  }
+}
+
+inline Decimal DecimalOf(const ValueType& type, const void* value) {
+  const u64 number = LoadNumber(type, value);
+  return type.isSigned ? DecimalOf(static_cast<s64>(number)) : DecimalOf(number, false);
+}
 
 // Room for the text of any number, boolean or time, its NUL included.
 constexpr u32 kValueTextRoom = 64;
