@@ -22,93 +22,113 @@ constexpr u32 kSmallestCapacity = 64;
 constexpr char kStylesheet[] =
     R"(<?xml-stylesheet type="text/xsl" version="1.0" encoding="UTF-8"?>)";
 
-// A value as the caller passes it.
+// A value as the caller passes it. Tag and Value are passed in registers.
 struct Value {
-  const ValueType& type;
   const void* at;
   s32 format;
 };
 
+// How each form of a value is written; the arguments fit the registers of a call.
+using CatForm = u32 (*)(SSAStr* buffer, Tag tag, const ValueType& type, Value value);
+
+[[gnu::always_inline]] inline u32 CatCopy(const Element& element, const astring* text,
+                                          size_t length) {
+  return CatWhole(
+      element, text,
+      length, [=](astring * to) __attribute__((always_inline)) { PutText(text, length, to); });
+}
+
 // Deliberate: only the two escaped forms are escaped; every other text is written unchanged,
 // including the caller's own markup. Held by XmlBuffer.TextIsWrittenAsItStands.
-u32 CatText(const Element& element, const Value& value) {
+u32 CatText(SSAStr* buffer, Tag tag, const ValueType&, Value value) {
   const auto* const text = static_cast<const astring*>(value.at);
-  return CatWhole(element, text, strlen(text));
+  return CatCopy(ElementOf(buffer, tag), text, strlen(text));
 }
 
-u32 CatNumber(const Element& element, const Value& value) {
-  if (value.format == 0 || value.format == QVX_BASE_DECIMAL) {
-    return CatDecimal(element, DecimalOf(value.type, value.at));
-  }
-  if (value.format != QVX_BASE_HEXADECIMAL) return SM_STATUS_INVALID_PARAMETER;
+u32 CatOnePiece(SSAStr* buffer, Tag tag, const ValueType& type, Value value) {
   astring text[kValueTextRoom];
-  return CatWhole(element, text, PutHexadecimal(text, value.type, value.at));
+  return CatCopy(ElementOf(buffer, tag), text, type.put(text, type, value.at));
 }
 
-u32 CatOnePiece(const Element& element, const Value& value) {
+[[gnu::noinline]] u32 CatHexadecimal(SSAStr* buffer, Tag tag, const ValueType& type, Value value) {
   astring text[kValueTextRoom];
-  return CatWhole(element, text, value.type.put(text, value.type, value.at));
+  return CatCopy(ElementOf(buffer, tag), text, PutHexadecimal(text, type, value.at));
 }
 
-u32 CatInPieces(const Element& element, const Value& value) {
+u32 CatNumber(SSAStr* buffer, Tag tag, const ValueType& type, Value value) {
+  if (value.format == QVX_BASE_HEXADECIMAL) return CatHexadecimal(buffer, tag, type, value);
+  if (value.format != 0 && value.format != QVX_BASE_DECIMAL) return SM_STATUS_INVALID_PARAMETER;
+  const Decimal number = DecimalOf(type, value.at);
+  return CatWhole(
+      ElementOf(buffer, tag), nullptr,
+      number.length, [=](astring * to) __attribute__((always_inline)) {
+        (void)PutDecimal(to, number);
+      });
+}
+
+u32 CatInPieces(SSAStr* buffer, Tag tag, const ValueType& type, Value value) {
   astring text[kValueTextRoom];
-  return CatPieces(element, text, value.type.put(text, value.type, value.at));
+  return CatPieces(ElementOf(buffer, tag), text, type.put(text, type, value.at));
 }
 
 // Deliberate: time 0 is written "-1" like the times before it; it means "no time". Held by
 // XmlBuffer.TimesBelowOneAreMinusOne.
-u32 CatTime(const Element& element, const Value& value) {
-  return LoadValue<s32>(value.at) >= 1 ? CatInPieces(element, value) : CatPieces(element, "-1", 2);
+u32 CatTime(SSAStr* buffer, Tag tag, const ValueType& type, Value value) {
+  if (LoadValue<s32>(value.at) >= 1) return CatInPieces(buffer, tag, type, value);
+  return CatPieces(ElementOf(buffer, tag), "-1", 2);
 }
 
-u32 CatWideText(const Element& element, const Value& value) {
-  return CatUnits(element, static_cast<const ustring*>(value.at));
+u32 CatWideText(SSAStr* buffer, Tag tag, const ValueType&, Value value) {
+  return CatUnits(ElementOf(buffer, tag), static_cast<const ustring*>(value.at));
 }
 
-u32 CatWideTextRecord(const Element& element, const Value& value) {
-  return CatUnits(element, LoadValue<SSUStr>(value.at).text);
+u32 CatWideTextRecord(SSAStr* buffer, Tag tag, const ValueType&, Value value) {
+  return CatUnits(ElementOf(buffer, tag), LoadValue<SSUStr>(value.at).text);
 }
 
-u32 CatTextRecord(const Element& element, const Value& value) {
+u32 CatTextRecord(SSAStr* buffer, Tag tag, const ValueType&, Value value) {
   const auto record = LoadValue<SSAStr>(value.at);
   const size_t length = record.text == nullptr ? 0 : strnlen(record.text, record.length);
-  return CatWhole(element, record.text, length);
+  return CatCopy(ElementOf(buffer, tag), record.text, length);
 }
 
-u32 CatBeginTag(const Element& element, const Value&) { return CatTag(element, ">"); }
+u32 CatBeginTag(SSAStr* buffer, Tag tag, const ValueType&, Value) {
+  return CatTag(ElementOf(buffer, tag), ">");
+}
 
-u32 CatEndTag(const Element& element, const Value&) { return CatClosingTag(element); }
+u32 CatEndTag(SSAStr* buffer, Tag tag, const ValueType&, Value) {
+  return CatClosingTag(ElementOf(buffer, tag));
+}
 
 // Receives the escaped text; it is null where escaping or its memory failed.
 u32 CatEscaped(const Element& element, astring* escaped) {
   const HeapArray<astring> text(escaped);
   if (!text) return SM_STATUS_NO_MEMORY;
-  return CatWhole(element, text.get(), strlen(text.get()));
+  return CatCopy(element, text.get(), strlen(text.get()));
 }
 
-u32 PassesOf(const Value& value) { return static_cast<u32>(std::max(value.format, 1)); }
+u32 PassesOf(Value value) { return static_cast<u32>(std::max(value.format, 1)); }
 
-u32 CatEscapedText(const Element& element, const Value& value) {
+u32 CatEscapedText(SSAStr* buffer, Tag tag, const ValueType&, Value value) {
   const auto* const text = static_cast<const astring*>(value.at);
-  return CatEscaped(element, SUPTIntfGetXMLUTF8StrFromAStr(text, PassesOf(value)));
+  return CatEscaped(ElementOf(buffer, tag), SUPTIntfGetXMLUTF8StrFromAStr(text, PassesOf(value)));
 }
 
-u32 CatEscapedWideText(const Element& element, const Value& value) {
+u32 CatEscapedWideText(SSAStr* buffer, Tag tag, const ValueType&, Value value) {
   const auto* const text = static_cast<const ustring*>(value.at);
-  return CatEscaped(element, SUPTIntfGetXMLUTF8StrFromUStr(text, PassesOf(value)));
+  return CatEscaped(ElementOf(buffer, tag), SUPTIntfGetXMLUTF8StrFromUStr(text, PassesOf(value)));
 }
 
-u32 CatTypedValue(const Element& element, const Value& value) {
+u32 CatTypedValue(SSAStr* buffer, Tag tag, const ValueType&, Value value) {
   const auto inner = LoadValue<PXTTypedValue>(value.at);
   if (ValueTypeOf(inner.type).form == ValueForm::kTypedValue) return SM_STATUS_INVALID_PARAMETER;
-  return PXMBufCatNodeT(element.buffer, element.name, element.attributes, inner.type, inner.value,
-                        inner.format);
+  return PXMBufCatNodeT(buffer, tag.name, tag.attributes, inner.type, inner.value, inner.format);
 }
 
-u32 Refuse(const Element&, const Value&) { return SM_STATUS_INVALID_PARAMETER; }
+u32 Refuse(SSAStr*, Tag, const ValueType&, Value) { return SM_STATUS_INVALID_PARAMETER; }
 
 // In the order of ValueForm.
-constexpr u32 (*kCatForm[])(const Element&, const Value&) = {
+constexpr CatForm kCatForm[] = {
     Refuse,      CatText,       CatWideText,    CatOnePiece,       CatNumber,
     CatInPieces, CatTime,       CatTextRecord,  CatWideTextRecord, CatBeginTag,
     CatEndTag,   CatTypedValue, CatEscapedText, CatEscapedWideText};
@@ -149,7 +169,7 @@ u32 PXMBufCatEndNode(void* buffer, const astring* name) {
 
 u32 PXMBufCatEmptyNode(void* buffer, const astring* name, const astring* attributes) {
   if (buffer == nullptr || name == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  return CatTag(ElementOf(buffer, name, attributes), "/>");
+  return CatTag(ElementOf(static_cast<SSAStr*>(buffer), {name, attributes}), "/>");
 }
 
 u32 PXMBufCatNode(void* buffer, const astring* name, const astring* attributes, s32 type,
@@ -163,8 +183,8 @@ u32 PXMBufCatNodeT(void* buffer, const astring* name, const astring* attributes,
   const ValueType& type = ValueTypeOf(code);
   const bool tagOnly = type.form == ValueForm::kBeginTag || type.form == ValueForm::kEndTag;
   if (value == nullptr && !tagOnly) return SM_STATUS_INVALID_PARAMETER;
-  return kCatForm[static_cast<u32>(type.form)](ElementOf(buffer, name, attributes),
-                                               {type, value, format});
+  return kCatForm[static_cast<u32>(type.form)](static_cast<SSAStr*>(buffer), {name, attributes},
+                                               type, {value, format});
 }
 
 }  // namespace qvx

@@ -15,34 +15,8 @@
 namespace qvx {
 namespace {
 
-u64 OpeningLength(const Element& element, u64 endLength) {
-  const u64 blank = element.attributes == nullptr ? 0 : 1;
-  return 1 + u64{element.nameLength} + blank + element.attributesLength + endLength;
-}
-
-// "<name attributes", without its end; the place after it.
-inline astring* PutOpening(astring* to, const Element& element) {
-  *to++ = '<';
-  to = PutText(to, element.name, element.nameLength);
-  if (element.attributes == nullptr) return to;
-  *to++ = ' ';
-  return PutText(to, element.attributes, element.attributesLength);
-}
-
-u64 ClosingLength(const Element& element) { return u64{element.nameLength} + 3; }
-
-inline astring* PutClosing(astring* to, const Element& element) {
-  *to++ = '<';
-  *to++ = '/';
-  to = PutText(to, element.name, element.nameLength);
-  *to++ = '>';
-  return to;
-}
-
-// An element of this length is larger than any buffer, even an empty one.
-bool IsBeyondAnyBuffer(u64 length) { return length + 1 > kMaxSize; }
-
-bool IsBeyondAnyBuffer(const Element& element) {
+// The element's tags alone.
+bool TagsAreBeyondAnyBuffer(const Element& element) {
   return IsBeyondAnyBuffer(OpeningLength(element, 1) + ClosingLength(element));
 }
 
@@ -51,6 +25,21 @@ bool IsWithin(const SSAStr& buffer, const void* text) {
   const auto at = reinterpret_cast<uintptr_t>(text);
   return at >= begin && at - begin < buffer.capacity;
 }
+
+// Writes the pieces of a text one after another.
+class TextWriter {
+ public:
+  explicit TextWriter(astring* to) : at_(to) {}
+  TextWriter& Put(std::string_view text) {
+    PutText(text.data(), text.size(), at_);
+    at_ += text.size();
+    return *this;
+  }
+  astring* End() const { return at_; }
+
+ private:
+  astring* at_;
+};
 
 // The end of a buffer, where an element is written in place, piece by piece. The element's texts
 // may be the buffer's own: the block that they are in is kept until all of it is written.
@@ -61,8 +50,8 @@ class BufferEnd {
 
   // Where a piece of this many characters is to be written; null without enough memory.
   astring* Room(u64 length) {
-    if (!SSAStrHasRoom(*buffer_, length) && !Grow(length)) return nullptr;
-    return buffer_->text + buffer_->length;
+    if (!SSAStrHasRoom(*buffer_, length)) Grow(length);
+    return SSAStrHasRoom(*buffer_, length) ? buffer_->text + buffer_->length : nullptr;
   }
   // The piece ends there.
   void Finish(astring* end) {
@@ -77,22 +66,31 @@ class BufferEnd {
   void CatOpening(std::string_view end) {
     astring* const place = Room(OpeningLength(element_, end.size()));
     if (place == nullptr) return;
-    Finish(PutText(PutOpening(place, element_), end.data(), end.size()));
+    TextWriter out(place);
+    out.Put("<").Put({element_.name, element_.nameLength});
+    if (element_.attributes != nullptr) {
+      out.Put(" ").Put({element_.attributes, element_.attributesLength});
+    }
+    Finish(out.Put(end).End());
   }
   void CatClosing() {
     astring* const place = Room(ClosingLength(element_));
-    if (place != nullptr) Finish(PutClosing(place, element_));
+    if (place == nullptr) return;
+    TextWriter out(place);
+    Finish(out.Put("</").Put({element_.name, element_.nameLength}).Put(">").End());
   }
   void Cat(const astring* text, size_t length) {
     astring* const place = Room(length);
-    if (place != nullptr) Finish(PutText(place, text, length));
+    if (place != nullptr) Finish(TextWriter(place).Put({text, length}).End());
   }
 
  private:
-  bool Grow(u64 length) {
-    const bool keeps = old_ != nullptr || IsWithin(*buffer_, element_.name) ||
-                       IsWithin(*buffer_, element_.attributes) || IsWithin(*buffer_, value_);
-    return SSAStrMakeRoom(buffer_, length, keeps ? &old_ : nullptr) != nullptr;
+  void Grow(u64 length) {
+    if (old_ == nullptr) {
+      old_.reset(GrowForElement(buffer_, element_.name, element_.attributes, value_, length));
+    } else {
+      (void)SSAStrMakeRoom(buffer_, length, &old_);
+    }
   }
 
   SSAStr* buffer_;
@@ -101,49 +99,25 @@ class BufferEnd {
   HeapArray<astring> old_;
 };
 
-u64 WholeLength(const Element& element, u64 valueLength) {
-  return OpeningLength(element, 1) + valueLength + ClosingLength(element);
-}
-
 }  // namespace
 
-Element ElementOf(void* buffer, const astring* name, const astring* attributes) {
-  return {static_cast<SSAStr*>(buffer), name, attributes, strlen(name),
-          attributes == nullptr ? 0 : strlen(attributes)};
-}
-
-u32 CatWhole(const Element& element, const astring* text, size_t length) {
-  const u64 whole = WholeLength(element, length);
-  if (IsBeyondAnyBuffer(whole)) return SM_STATUS_NO_MEMORY;
-  BufferEnd end(element, text);
-  if (astring* at = end.Room(whole)) {
-    at = PutOpening(at, element);
-    *at++ = '>';
-    end.Finish(PutClosing(PutText(at, text, length), element));
-  }
-  return SM_STATUS_SUCCESS;
-}
-
-u32 CatDecimal(const Element& element, const Decimal& number) {
-  const u64 whole = WholeLength(element, number.length);
-  if (IsBeyondAnyBuffer(whole)) return SM_STATUS_NO_MEMORY;
-  BufferEnd end(element, nullptr);
-  if (astring* at = end.Room(whole)) {
-    at = PutOpening(at, element);
-    *at++ = '>';
-    end.Finish(PutClosing(PutDecimal(at, number), element));
-  }
-  return SM_STATUS_SUCCESS;
+astring* GrowForElement(SSAStr* buffer, const astring* name, const astring* attributes,
+                        const void* value, u64 length) {
+  const bool keeps =
+      IsWithin(*buffer, name) || IsWithin(*buffer, attributes) || IsWithin(*buffer, value);
+  HeapArray<astring> old;
+  (void)SSAStrMakeRoom(buffer, length, keeps ? &old : nullptr);
+  return old.release();
 }
 
 u32 CatTag(const Element& element, std::string_view end) {
-  if (IsBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
+  if (TagsAreBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
   BufferEnd(element, nullptr).CatOpening(end);
   return SM_STATUS_SUCCESS;
 }
 
 u32 CatPieces(const Element& element, const astring* text, size_t length) {
-  if (IsBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
+  if (TagsAreBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
   BufferEnd end(element, text);
   end.CatOpening(">");
   end.Cat(text, length);
@@ -154,7 +128,7 @@ u32 CatPieces(const Element& element, const astring* text, size_t length) {
 // Deliberate: a text that cannot be converted is left out between its tags, and the call succeeds.
 // Held by XmlBuffer.WideTextThatCannotBeConvertedLeavesTheElementEmpty.
 u32 CatUnits(const Element& element, const ustring* text) {
-  if (IsBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
+  if (TagsAreBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
   u32 size = 1;
   if (text == nullptr || UCS2StrToUTF8Str(nullptr, &size, text) != SM_STATUS_SUCCESS) size = 1;
   u32 room = size - 1;  // the converter puts its NUL one byte beyond the room that it is offered
@@ -170,7 +144,7 @@ u32 CatUnits(const Element& element, const ustring* text) {
 }
 
 u32 CatClosingTag(const Element& element) {
-  if (IsBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
+  if (TagsAreBeyondAnyBuffer(element)) return SM_STATUS_NO_MEMORY;
   BufferEnd(element, nullptr).CatClosing();
   return SM_STATUS_SUCCESS;
 }

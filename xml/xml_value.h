@@ -4,8 +4,6 @@
 #define QVX_XML_XML_VALUE_H
 
 #include <array>
-#include <cstddef>
-#include <cstring>
 
 #include "qvxcs/cli_value.h"
 #include "qvxcs/types.h"
@@ -56,39 +54,6 @@ inline const ValueType& ValueTypeOf(s32 code) {
   return kValueTypes[at < kValueTypes.size() ? at : 0];
 }
 
-// Copies `length` bytes, `Part` wide at each end: both copies overlap where there are fewer than
-// two parts. There is at least one part, and everything is read before anything is written.
-template <typename Part>
-[[gnu::always_inline]] inline void PutBothEnds(astring* to, const astring* text, size_t length) {
-  const Part first = LoadValue<Part>(text);
-  const Part last = LoadValue<Part>(text + length - sizeof(Part));
-  StoreValue(to, first);
-  StoreValue(to + length - sizeof(Part), last);
-}
-
-struct SixteenBytes {
-  u64 halves[2];
-};
-
-// Copies a text and returns the place after it. Names and values are short: two copies that may
-// overlap replace a call.
-[[gnu::always_inline]] inline astring* PutText(astring* to, const astring* text, size_t length) {
-  if (length > 2 * sizeof(SixteenBytes)) {
-    memcpy(to, text, length);
-  } else if (length >= sizeof(SixteenBytes)) {
-    PutBothEnds<SixteenBytes>(to, text, length);
-  } else if (length >= sizeof(u64)) {
-    PutBothEnds<u64>(to, text, length);
-  } else if (length >= sizeof(u32)) {
-    PutBothEnds<u32>(to, text, length);
-  } else if (length >= sizeof(u16)) {
-    PutBothEnds<u16>(to, text, length);
-  } else if (length == 1) {
-    *to = *text;
-  }
-  return to + length;
-}
-
 // A number's bits, sign- or zero-extended to 64.
 inline u64 LoadNumber(const ValueType& type, const void* value) {
   switch (type.bytes) {
@@ -103,7 +68,7 @@ inline u64 LoadNumber(const ValueType& type, const void* value) {
   }
 }
 
-inline Decimal DecimalOf(const ValueType& type, const void* value) {
+[[gnu::always_inline]] inline Decimal DecimalOf(const ValueType& type, const void* value) {
   const u64 number = LoadNumber(type, value);
   return type.isSigned ? DecimalOf(static_cast<s64>(number)) : DecimalOf(number, false);
 }

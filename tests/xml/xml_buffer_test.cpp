@@ -203,6 +203,46 @@ TEST(XmlBuffer, AttributesStandInEveryKindOfElement) {
   EXPECT_EQ(buffer.Text(), "<N a=\"1\">v</N><N a=\"1\">9</N><N a=\"1\">&lt;</N>");
 }
 
+// A text of this length, no two characters in a row alike.
+std::string Running(size_t length, char first) {
+  std::string text;
+  for (size_t at = 0; at < length; ++at) {
+    text += static_cast<char>(first + at % 23);
+  }
+  return text;
+}
+
+// A text that ends where memory ends.
+class TextAtPageEnd {
+ public:
+  explicit TextAtPageEnd(const std::string& text) : room_(text.size() + 1) {
+    memcpy(room_.data(), text.c_str(), text.size() + 1);
+  }
+  const astring* Get() { return room_.data(); }
+
+ private:
+  GuardBuffer<astring> room_;
+};
+
+TEST(XmlBuffer, TextsOfEveryLengthAreCopiedWholeAndNotReadBeyondTheirEnd) {
+  for (size_t length = 0; length <= 70; ++length) {
+    const std::string name = Running(length, 'a');
+    const std::string attributes = Running(70 - length, 'A');
+    const std::string value = Running((length * 7) % 71, '0');
+    TextAtPageEnd nameAtEnd(name);
+    TextAtPageEnd attributesAtEnd(attributes);
+    TextAtPageEnd valueAtEnd(value);
+    Buffer buffer(0);
+    EXPECT_EQ(PXMBufCatNode(buffer.get(), nameAtEnd.Get(), attributesAtEnd.Get(), QVX_TYPE_ASTRING,
+                            valueAtEnd.Get()),
+              SM_STATUS_SUCCESS);
+    EXPECT_EQ(PXMBufCatNode(buffer.get(), nameAtEnd.Get(), nullptr, QVX_TYPE_END, nullptr),
+              SM_STATUS_SUCCESS);
+    EXPECT_EQ(buffer.Text(),
+              "<" + name + " " + attributes + ">" + value + "</" + name + "></" + name + ">");
+  }
+}
+
 TEST(XmlBuffer, NullArgumentsAreInvalidParameters) {
   Buffer buffer;
   EXPECT_EQ(PXMBufCatNode(nullptr, "N", nullptr, QVX_TYPE_ASTRING, "v"),
