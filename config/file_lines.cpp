@@ -6,17 +6,13 @@
 #include <cstring>
 
 namespace qvx {
-namespace {
 
-// The length of the line that the text begins with; 0 when it may go on after the text.
-inline size_t LineLength(std::string_view text) {
+size_t LineLength(std::string_view text) {
   const size_t searched = std::min<size_t>(text.size(), kLineLength);
   const void* const end = memchr(text.data(), '\n', searched);
   if (end != nullptr) return static_cast<size_t>(static_cast<const char*>(end) - text.data()) + 1;
   return searched == kLineLength ? kLineLength : 0;
 }
-
-}  // namespace
 
 LineRead NextLine(BlockReader* file, std::string_view* line) {
   size_t length = LineLength(file->Unread());

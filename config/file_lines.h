@@ -3,6 +3,7 @@
 #ifndef QVX_CONFIG_FILE_LINES_H
 #define QVX_CONFIG_FILE_LINES_H
 
+#include <cstddef>
 #include <string_view>
 
 #include "qvxcs/types.h"
@@ -16,6 +17,9 @@ namespace qvx {
 inline constexpr u32 kLineLength = 8449;
 // Room for what is made of a line.
 inline constexpr u32 kLineRoom = kLineLength + 2;
+
+// The length of the line that the text begins with; 0 when it may go on after the text.
+size_t LineLength(std::string_view text);
 
 enum class LineRead { kLine, kEnd, kError };
 

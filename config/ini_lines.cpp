@@ -8,6 +8,7 @@
 #include "qvxcs/status.h"
 
 #include "base/results.h"
+#include "config/file_lines.h"
 
 namespace qvx {
 namespace {
@@ -32,6 +33,23 @@ u32 ParseForSection(std::string_view line, astring* name) {
   memcpy(name, text.data(), kept);
   name[kept] = '\0';
   return length < text.size() ? SM_STATUS_SUCCESS : SM_STATUS_BAD_SECTION_HEADER;
+}
+
+// Looks for brackets, of which there are few, rather than for lines.
+std::string_view LinesBeforeHeader(std::string_view text) {
+  size_t start = 0;  // of a line, or of a further piece of a long one
+  for (;;) {
+    const size_t bracket = std::min(text.find('[', start), text.size());
+    const void* const lineEnd = memrchr(text.data() + start, '\n', bracket - start);
+    if (lineEnd != nullptr) {
+      start = static_cast<size_t>(static_cast<const char*>(lineEnd) - text.data()) + 1;
+    }
+    start += (bracket - start) / kLineLength * kLineLength;
+    const std::string_view line = text.substr(start);
+    const size_t length = bracket == text.size() || EndsSection(line) ? 0 : LineLength(line);
+    if (length == 0) return text.substr(0, start);
+    start += length;
+  }
 }
 
 bool IsComment(std::string_view line) { return line.starts_with('#') || line.starts_with(';'); }

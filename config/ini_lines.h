@@ -37,6 +37,10 @@ inline std::string_view SkipBlanks(std::string_view text) {
 // A "[" after leading spaces and tabs, closed or not, which ends the section before it.
 inline bool EndsSection(std::string_view line) { return SkipBlanks(line).starts_with('['); }
 
+// The whole lines that a text begins with before one that ends a section: no header is looked for
+// in them. What follows may also be a line that goes on after the text.
+std::string_view LinesBeforeHeader(std::string_view text);
+
 // A line's key: from the first character that is no space or tab to "=", the line end or the end of
 // the text. `value` is what follows the "=", without the line end; a line without "=" has none.
 struct IniKey {

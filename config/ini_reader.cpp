@@ -24,6 +24,7 @@ constexpr u32 kSmallestList = 2;
 u32 FindHeader(const astring* section, BlockReader* file) {
   astring name[kNameRoom];
   for (;;) {
+    file->Skip(LinesBeforeHeader(file->Unread()).size());
     std::string_view line;
     const LineRead read = NextLine(file, &line);
     if (read == LineRead::kEnd) return SM_STATUS_SECTION_NOT_FOUND;

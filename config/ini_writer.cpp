@@ -76,6 +76,9 @@ u32 FindSection(const astring* section, BlockReader* in, BlockWriter* out) {
   if (!*in || !*out) return kMinusOne;
   astring name[kNameRoom];
   for (;;) {
+    const std::string_view skipped = LinesBeforeHeader(in->Unread());
+    if (!out->Write(skipped)) return SM_STATUS_WRITE_FAILED;
+    in->Skip(skipped.size());
     std::string_view line;
     const LineRead read = NextLine(in, &line);
     if (read == LineRead::kEnd) return SM_STATUS_SECTION_NOT_FOUND;

@@ -92,6 +92,45 @@ TEST(IniLines, AnyBracketEndsASection) {
   EXPECT_FALSE(EndsSection("\n"));
 }
 
+// A line of this many characters and its line end.
+std::string LineOf(size_t length) { return std::string(length, 'x') + "\n"; }
+
+TEST(IniLines, TheLinesBeforeAHeaderEndWhereOneMayBegin) {
+  const struct {
+    std::string text;
+    size_t length;
+  } rows[] = {
+      {"", 0},
+      {"k=1\n", 4},
+      {"k=1\nl", 4},           // the second line may go on
+      {"k=1\n[s]\n", 4},       // before a header
+      {"k=1\n \t[s\nl\n", 4},  // closed or not, after blanks
+      {"k=[1]\nl=2\n[s]\n", 10},
+      {"k=[[1\nl=[", 6},  // the second line may go on
+      {"\n\n[", 2},
+      {"[", 0},
+      {"#[s]\n;[\n\0[s]\n"s, 13},  // comments are no headers
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(LinesBeforeHeader(row.text).size(), row.length) << row.text;
+  }
+}
+
+// A piece has 8,449 characters, the line end counted.
+TEST(IniLines, APieceOfALongLineMayBeAHeader) {
+  const std::string piece(8449, 'x');
+  EXPECT_EQ(LinesBeforeHeader(piece + "[s]\n").size(), 8449u);
+  EXPECT_EQ(LinesBeforeHeader("k\n" + piece + piece + "  [s]\n").size(), 2u + 2 * 8449);
+  EXPECT_EQ(LinesBeforeHeader(piece + "x[s]\n[t]\n").size(), 8449u + 5);
+  EXPECT_EQ(LinesBeforeHeader(LineOf(8448) + "[s]\n").size(), 8449u);
+  EXPECT_EQ(LinesBeforeHeader(LineOf(8449) + "[s]\n").size(), 8450u);
+  EXPECT_EQ(LinesBeforeHeader(std::string(8448, ' ') + "[s]\n").size(), 0u);
+  EXPECT_EQ(LinesBeforeHeader(std::string(8449, ' ') + "[s]\n").size(), 8449u);
+  EXPECT_EQ(LinesBeforeHeader("x[" + std::string(8446, ' ')).size(), 0u);
+  EXPECT_EQ(LinesBeforeHeader("x[" + std::string(8447, ' ')).size(), 8449u);
+  EXPECT_EQ(LinesBeforeHeader(piece + "xx").size(), 8449u);
+}
+
 TEST(IniLines, KeyRunsFromTheFirstCharacterToTheFirstEqualsSign) {
   EXPECT_EQ(KeyTextOf("port=80\n"), "port");
   EXPECT_EQ(KeyTextOf(" \tport = 80\n"), "port ");
