@@ -95,9 +95,12 @@ Descriptor OpenRegular(const astring* path, int flags, struct stat* seen) {
 }
 
 Descriptor OpenCopy(const astring* path, const struct stat* replaced) {
-  if (!ClearName(path, replaced)) return {};
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
-  Descriptor copy = OpenDescriptor(path, kFlags | kAlways, kCopyMode);
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | kAlways;
+  Descriptor copy = OpenDescriptor(path, kFlags, kCopyMode);
+  // Only a writer that was killed has left the name.
+  if (!copy && errno == EEXIST && ClearName(path, replaced)) {
+    copy = OpenDescriptor(path, kFlags, kCopyMode);
+  }
   if (copy && replaced != nullptr) GiveOwner(copy.Number(), *replaced);
   return copy;
 }
