@@ -24,7 +24,7 @@ s32 EnableLongFileNames();
 class ExportBracket {
  public:
   ExportBracket() { SetExportContext(&slot_, &origECI); }
-  ~ExportBracket() { ResetExportContext(&slot_); }
+  ~ExportBracket() noexcept(false) { ResetExportContext(&slot_); }
   ExportBracket(const ExportBracket&) = delete;
   ExportBracket& operator=(const ExportBracket&) = delete;
 

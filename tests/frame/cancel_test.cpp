@@ -31,6 +31,7 @@
 namespace {
 
 using qvx::test::EndsAfter;
+using qvx::test::EndsWithin;
 using qvx::test::LockHolder;
 using qvx::test::LockIsFree;
 using qvx::test::OnSleep;
@@ -198,3 +199,35 @@ QVX_ALONE(Cancel, WaitingForAThreadMayBeCancelled) {
 }
 
 }  // namespace
+
+// The request comes while the append waits; the entry is there, and the process lives on.
+QVX_ALONE(Cancel, AnAsynchronousRequestEndsTheThreadAfterItsLogAppend) {
+  const Attached attached;
+  LockHolder other(qvx::kIPCFilePath);
+  const OnSleep release([&other](u32) {
+    other.Release();
+    (void)pthread_cancel(pthread_self());
+  });
+  EXPECT_TRUE(EndsWithin([] {
+    (void)PXTAppendToXMLLog("/run/cancel.xml", QVX_LOG_INFORMATION, 9, "u", "s", "<D/>", nullptr, 0,
+                            131072);
+  }));
+  EXPECT_NE(ReadFile("/run/cancel.xml").find("<ID>9</ID>"), std::string::npos);
+}
+
+s32 AsksForTheEnd(PXTDLListEntry*, PXTDLListEntry*) {
+  (void)pthread_cancel(pthread_self());
+  return 1;
+}
+
+QVX_ALONE(Cancel, AnAsynchronousRequestOfACompareEndsTheThreadAfterTheInsertion) {
+  PXTDLList* const list = PXTDLListAlloc();
+  PXTDLListInsertEntryAtHead(list, PXTDLListEntryAlloc(1));
+  EXPECT_TRUE(EndsWithin(
+      [list] { (void)PXTDLListInsertKeyed(list, PXTDLListEntryAlloc(1), AsksForTheEnd); }));
+  EXPECT_EQ(list->count, 2u);
+  for (int entry = 0; entry < 2; ++entry) {
+    PXTDLListEntryFree(PXTDLListRemoveEntryAtHead(list));
+  }
+  PXTDLListFree(list);
+}

@@ -34,6 +34,23 @@ bool EndsAfter(Call call) {
   return run.returned && result == PTHREAD_CANCELED;
 }
 
+// Runs `call` in a thread that pthread_cancel may end at any moment; the request comes within it.
+// True when the thread ended by the request.
+template <typename Call>
+bool EndsWithin(Call call) {
+  pthread_t thread;
+  void* (*const body)(void*) = [](void* given) -> void* {
+    (void)pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, nullptr);
+    (*static_cast<Call*>(given))();
+    return nullptr;
+  };
+  void* result = nullptr;
+  if (pthread_create(&thread, nullptr, body, &call) != 0 || pthread_join(thread, &result) != 0) {
+    abort();
+  }
+  return result == PTHREAD_CANCELED;
+}
+
 }  // namespace qvx::test
 
 #endif
