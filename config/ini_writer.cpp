@@ -65,7 +65,6 @@ u32 CopyUpToKey(std::string_view key, BlockReader* in, BlockWriter* out, std::st
   }
 }
 
-// The target has been opened before, so the move never fails because of a missing one.
 u32 PutInPlace(const astring* path, const astring* tmpPath, Descriptor copy) {
   return FinishCopy(std::move(copy)) ? MoveInPlace(path, tmpPath) : SM_STATUS_WRITE_FAILED;
 }

@@ -141,6 +141,8 @@ u32 ReplaceFile(const astring* target, const astring* source) {
 }
 
 u32 MoveInPlace(const astring* target, const astring* source) {
+  // Another program may have removed the target meanwhile: that stays so.
+  if (!IsReplaceable(target)) return SM_STATUS_FILE_DELETE_FAILED;
   if (rename(source, target) == 0) return SM_STATUS_SUCCESS;
   return IsTargetsFault(errno) ? SM_STATUS_FILE_DELETE_FAILED : SM_STATUS_FILE_CREATE_FAILED;
 }

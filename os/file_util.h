@@ -30,7 +30,7 @@ u32 DelDir(const astring* path);
 // An internal service without a caller in the library, held by its tests.
 u32 ReplaceFile(const astring* target, const astring* source);
 
-// Only the move, of a finished copy over a target that the caller has already opened.
+// Only the move, of a finished copy. A target that has gone meanwhile is missing here, too.
 u32 MoveInPlace(const astring* target, const astring* source);
 
 // Whether the path has anything before its last "/".

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "paths/web_server.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,10 +26,13 @@ constexpr s32 kServiceExitTwo = 2;
 constexpr size_t kCommandRoom = 128;
 
 // The library's own descriptors are close-on-exec, so the service does not inherit them. Without
-// them later calls would lose the lock, or take the host's next file for the role map.
+// them later calls would lose the lock, or take the host's next file for the role map. What is
+// inherited under their number is a file that the host has put there.
+bool IsInherited(int file) { return (fcntl(file, F_GETFD) & FD_CLOEXEC) == 0; }
+
 void CloseInherited() {
   for (int file = kFirstInherited; file <= kLastInherited; ++file) {
-    if (!IsKeptDescriptor(file)) (void)close(file);
+    if (!IsKeptDescriptor(file) || IsInherited(file)) (void)close(file);
   }
 }
 

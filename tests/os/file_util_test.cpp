@@ -552,5 +552,13 @@ TEST(FileUtil, ExportedCallsForward) {
   EXPECT_EQ(size, 20u);
 }
 
+// Another program has removed it since the caller opened it.
+TEST(FileUtil, AMoveNeverMakesATargetThatIsGone) {
+  test::WriteFile("/tmp/source", "new");
+  EXPECT_EQ(MoveInPlace("/tmp/gone", "/tmp/source"), SM_STATUS_FILE_DELETE_FAILED);
+  EXPECT_FALSE(test::Exists("/tmp/gone"));
+  EXPECT_EQ(test::ReadFile("/tmp/source"), "new");
+}
+
 }  // namespace
 }  // namespace qvx

@@ -229,5 +229,20 @@ TEST(WebServer, RestartKeepsTheLockAndTheServiceDoesNotInheritItsFile) {
   EXPECT_EQ(FileLock(QVX_LOCK_TRY), 1u);
 }
 
+// The host has put its own file there; the next call opens the lock file anew.
+TEST(WebServer, RestartClosesAHostsFileUnderTheLockFilesNumber) {
+  ASSERT_EQ(ModuleAttach(), 1);
+  MakeHost(true, kListDescriptors);
+  const int lockFile = IPCFileDescriptor();
+  test::WriteFile("/run/of_the_host", "");
+  const int hosts = open("/run/of_the_host", O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(dup2(hosts, lockFile), lockFile);
+  EXPECT_EQ(PXTWebServer(QVX_WEBSERVER_RESTART, 0, nullptr), SM_STATUS_SUCCESS);
+  EXPECT_EQ(test::ReadFile("/run/descriptors").find("of_the_host"), std::string::npos);
+  EXPECT_FALSE(IsOpen(lockFile));
+  EXPECT_EQ(FileLock(QVX_LOCK_TRY), 1u);
+  EXPECT_FALSE(test::LockIsFree());
+}
+
 }  // namespace
 }  // namespace qvx
