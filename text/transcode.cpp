@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "text/transcode.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "qvxcs/status.h"
 
@@ -20,6 +22,8 @@ constexpr u8 kFirstBeyondASCII = 0x80;
 // and a piece is still in the processor's cache when it is converted.
 constexpr size_t kPieceLength = 4096;
 constexpr ptrdiff_t kPlainSteps = 8;
+// A short text of ASCII alone is measured and converted at once.
+constexpr size_t kShortText = 64;
 
 bool IsSurrogate(ustring unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
@@ -109,12 +113,18 @@ u32 Finish(const Output<Element>& output, u32* size) {
   return SM_STATUS_SUCCESS;
 }
 
-}  // namespace
+// Converts the ASCII characters of a text's start, as far as there is room for them, and returns
+// how many there were. Most texts end with them.
+template <typename To, typename From>
+size_t Start(size_t convert(To*, const From*, size_t), To* out, u32 size, const From* text) {
+  if (static_cast<std::make_unsigned_t<From>>(*text) >= kFirstBeyondASCII) return 0;
+  return convert(out, text, out == nullptr ? kShortText : std::min<size_t>(kShortText, size));
+}
 
-u32 UCS2StrToUTF8Str(astring* out, u32* size, const ustring* text) {
-  if (size == nullptr || text == nullptr) return SM_STATUS_INVALID_PARAMETER;
-  Output<astring> output{out, *size, 0};
-  const ustring* at = text;
+// The conversions of a text whose first `done` characters, ASCII, are converted.
+u32 NarrowRest(astring* out, u32* size, const ustring* text, size_t done) {
+  Output<astring> output{out, *size, done};
+  const ustring* at = text + done;
   size_t length = 0;
   do {
     length = UnitCountWithin(at, kPieceLength);
@@ -131,6 +141,35 @@ u32 UCS2StrToUTF8Str(astring* out, u32* size, const ustring* text) {
   return Finish(output, size);
 }
 
+u32 WidenRest(ustring* out, u32* size, const astring* text, size_t done) {
+  Output<ustring> output{out, *size, done};
+  const astring* at = text + done;
+  size_t length = 0;
+  do {
+    length = strnlen(at, kPieceLength);
+    const astring* const end = at + length;
+    while (at < end) {
+      const Run run = WidenRun(output.At(), output.RunRoom(), at, static_cast<size_t>(end - at));
+      at += run.read;
+      output.used += run.written;
+      // The last character may end beyond the piece; a text that ends within it is seen there.
+      for (const astring* const stop = PlainEnd(at, end); at < stop;) {
+        if (const u32 status = AppendCharacter(&output, &at)) return status;
+      }
+    }
+  } while (length == kPieceLength);
+  return Finish(output, size);
+}
+
+}  // namespace
+
+u32 UCS2StrToUTF8Str(astring* out, u32* size, const ustring* text) {
+  if (size == nullptr || text == nullptr) return SM_STATUS_INVALID_PARAMETER;
+  const size_t done = Start(NarrowStart, out, *size, text);
+  if (text[done] != 0) return NarrowRest(out, size, text, done);
+  return Finish(Output<astring>{out, *size, done}, size);
+}
+
 u32 UCS4StrToUTF8Str(astring* out, u32* size, const u32* text) {
   if (size == nullptr || text == nullptr) return SM_STATUS_INVALID_PARAMETER;
   Output<astring> output{out, *size, 0};
@@ -144,23 +183,9 @@ u32 UTF8StrToUCS2Str(ustring* out, u32* size, const astring* text) {
   if (size == nullptr || text == nullptr) return SM_STATUS_INVALID_PARAMETER;
   // Deliberate: the size is read as a count of units and written back as a count of bytes.
   // Held by Transcode.Ucs2SizesAreReadInUnitsAndWrittenInBytes.
-  Output<ustring> output{out, *size, 0};
-  size_t length = 0;
-  do {
-    length = strnlen(text, kPieceLength);
-    const astring* const end = text + length;
-    while (text < end) {
-      const Run run =
-          WidenRun(output.At(), output.RunRoom(), text, static_cast<size_t>(end - text));
-      text += run.read;
-      output.used += run.written;
-      // The last character may end beyond the piece; a text that ends within it is seen there.
-      for (const astring* const stop = PlainEnd(text, end); text < stop;) {
-        if (const u32 status = AppendCharacter(&output, &text)) return status;
-      }
-    }
-  } while (length == kPieceLength);
-  return Finish(output, size);
+  const size_t done = Start(WidenStart, out, *size, text);
+  if (text[done] != 0) return WidenRest(out, size, text, done);
+  return Finish(Output<ustring>{out, *size, done}, size);
 }
 
 }  // namespace qvx

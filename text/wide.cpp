@@ -2,49 +2,57 @@
 // SPDX-License-Identifier: MIT
 #include "text/wide.h"
 
-#include <atomic>
-
 #ifdef QVX_WIDE_SHUFFLE
 #include <cpuid.h>
 #endif
 
 namespace qvx {
+namespace {
 
 #ifdef QVX_WIDE_SHUFFLE
 
-namespace {
-
-enum Shuffle : int { kNotAsked, kWithout, kWith };
-
-// The result, kept because a virtual machine needs microseconds to return it. Threads that ask at
-// the same time store the same result.
-std::atomic<int> byteShuffle{kNotAsked};
-
-int AskProcessor() {
+struct Registers {
   unsigned eax = 0;
   unsigned ebx = 0;
   unsigned ecx = 0;
   unsigned edx = 0;
-  if (__get_cpuid(1, &eax, &ebx, &ecx, &edx) == 0) return kWithout;
-  constexpr unsigned kNeeded = bit_SSSE3 | bit_POPCNT;
-  return (ecx & kNeeded) == kNeeded ? kWith : kWithout;
+};
+
+Registers Leaf(unsigned leaf) {
+  Registers found;
+  if (__get_cpuid_count(leaf, 0, &found.eax, &found.ebx, &found.ecx, &found.edx) == 0) return {};
+  return found;
 }
 
-}  // namespace
+bool HasAll(unsigned bits, unsigned wanted) { return (bits & wanted) == wanted; }
 
-bool HasByteShuffle() {
-  int answer = byteShuffle.load(std::memory_order_relaxed);
-  if (answer == kNotAsked) {
-    answer = AskProcessor();
-    byteShuffle.store(answer, std::memory_order_relaxed);
-  }
-  return answer == kWith;
+// Whether the system keeps the upper halves of the 32-byte registers.
+__attribute__((target("xsave"))) bool KeepsWideRegisters() {
+  constexpr unsigned kBothHalves = 6;
+  return HasAll(static_cast<unsigned>(_xgetbv(0)), kBothHalves);
+}
+
+ProcessorLevel LevelOfProcessor() {
+  const unsigned basic = Leaf(1).ecx;
+  if (!HasAll(basic, bit_SSSE3 | bit_POPCNT)) return kBaseline;
+  if (!HasAll(basic, bit_OSXSAVE | bit_AVX) || !KeepsWideRegisters()) return kByteShuffle;
+  return HasAll(Leaf(7).ebx, bit_AVX2) ? kWideBlocks : kByteShuffle;
 }
 
 #else
 
-bool HasByteShuffle() { return false; }
+ProcessorLevel LevelOfProcessor() { return kBaseline; }
 
 #endif
+
+}  // namespace
+
+std::atomic<int> processorLevel{kNotAsked};
+
+int AskProcessor() {
+  const int level = LevelOfProcessor();
+  processorLevel.store(level, std::memory_order_relaxed);
+  return level;
+}
 
 }  // namespace qvx

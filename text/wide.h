@@ -9,12 +9,14 @@
 // QVX_WIDE_LOADS    16 bytes at a time, within the text
 // QVX_WIDE_PAGES    aligned loads that may pass a terminator, never its page; not in builds with a
 //                   sanitizer, which would report them and thus check the plain loops
-// QVX_WIDE_SHUFFLE  byte shuffles, where the processor has them (HasByteShuffle)
+// QVX_WIDE_SHUFFLE  instructions beyond the baseline, where the processor has them
+
+#include <atomic>
 
 #if defined(QVX_WIDE) && defined(__SSE2__)
 #define QVX_WIDE_LOADS 1
 #define QVX_WIDE_SHUFFLE 1
-#include <tmmintrin.h>
+#include <immintrin.h>
 #endif
 
 #if defined(__has_feature)
@@ -31,8 +33,28 @@
 
 namespace qvx {
 
-// Whether the processor has the instructions of the loops with byte shuffles (SSSE3 and POPCNT).
-bool HasByteShuffle();
+// What the processor has beyond the baseline; each level has those before it.
+enum ProcessorLevel : int {
+  kNotAsked,
+  kBaseline,
+  kByteShuffle,  // SSSE3 and POPCNT
+  kWideBlocks,   // AVX2, whose registers the system keeps
+};
+
+// Kept because a virtual machine needs microseconds to answer. Threads that ask at the same time
+// store the same level. Tests store a lower one.
+extern std::atomic<int> processorLevel;
+
+// Stores the level and returns it.
+int AskProcessor();
+
+inline bool ProcessorHas(ProcessorLevel wanted) {
+  int level = processorLevel.load(std::memory_order_relaxed);
+  if (level == kNotAsked) [[unlikely]] {
+    level = AskProcessor();
+  }
+  return level >= wanted;
+}
 
 }  // namespace qvx
 

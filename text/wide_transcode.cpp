@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "text/wide.h"
+#include "text/wide_block.h"
 
 namespace qvx {
 
@@ -14,27 +15,7 @@ namespace qvx {
 
 namespace {
 
-constexpr size_t kBytes = 16;  // of a block
-constexpr size_t kUnits = 8;
-
-template <typename Element>
-__m128i Load(const Element* from) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-}
-
-template <typename Element>
-void Store(Element* to, __m128i block) {
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), block);
-}
-
-u32 Mask(__m128i block) { return static_cast<u32>(_mm_movemask_epi8(block)); }
-
 // --- ASCII: every block of the result is full, so it is stored where it belongs. ---
-
-void WidenAsciiBlock(ustring* to, __m128i bytes) {
-  Store(to, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
-  Store(to + kUnits, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
-}
 
 size_t WidenAscii(ustring* to, const astring* from, size_t count) {
   size_t done = 0;
@@ -237,7 +218,47 @@ QVX_SHUFFLES Run NarrowLatin(astring* to, size_t room, const ustring* from, size
 
 // --- Three bytes: 24 bytes are eight units, and full blocks again. ---
 
-QVX_SHUFFLES size_t WidenThreeBytes(ustring* to, const astring* from, size_t count) {
+// For a byte's place modulo 3: the bits that are the same in all such characters. Three times the
+// pattern: a block of 16 bytes begins at any of its places.
+constexpr auto Repeated(u8 lead, u8 rest) {
+  std::array<u8, kBytes + 2> bytes{};
+  for (size_t at = 0; at < bytes.size(); ++at) {
+    bytes[at] = at % 3 == 0 ? lead : rest;
+  }
+  return bytes;
+}
+constexpr auto kFixedBits = Repeated(0xF0, 0xC0);
+constexpr auto kFixedValues = Repeated(0xE0, 0x80);
+
+// 0 in each byte that is in its place in a run of such characters, `at` bytes after the run's
+// start.
+__m128i Misplaced(const astring* from, size_t at) {
+  const __m128i fixed = _mm_and_si128(Load(from + at), Load(kFixedBits.data() + at % 3));
+  return _mm_xor_si128(fixed, Load(kFixedValues.data() + at % 3));
+}
+
+bool IsZero(__m128i block) { return Mask(_mm_cmpeq_epi8(block, _mm_setzero_si128())) == 0xFFFF; }
+
+// How many such characters `from` begins with; may miss some before another one.
+size_t CountThreeBytes(const astring* from, size_t count) {
+  const size_t bytes = count - count % 3;
+  if (bytes < kBytes) return 0;
+  size_t done = 0;
+  for (; done + 3 * kBytes <= bytes; done += 3 * kBytes) {
+    const __m128i first = Misplaced(from + done, 0);
+    const __m128i both = _mm_or_si128(first, Misplaced(from + done, kBytes));
+    if (!IsZero(_mm_or_si128(both, Misplaced(from + done, 2 * kBytes)))) break;
+  }
+  while (done < bytes) {
+    const size_t at = std::min(done, bytes - kBytes);
+    if (!IsZero(Misplaced(from, at))) break;
+    done = at + kBytes;
+  }
+  return done / 3;
+}
+
+// The last block's beginning may be characters that are there already.
+QVX_SHUFFLES size_t WidenThreeBytes(ustring* to, const astring* from, size_t characters) {
   constexpr char kNone = static_cast<char>(0x80);
   // Of each character the last two bytes, last first, and the lead in the upper byte. The first
   // four come from the first 16 bytes, the others from those that begin at byte 8.
@@ -249,10 +270,12 @@ QVX_SHUFFLES size_t WidenThreeBytes(ustring* to, const astring* from, size_t cou
                                         kNone, kNone, kNone, kNone, kNone);
   const __m128i leadHigh = _mm_setr_epi8(kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone,
                                          kNone, 4, kNone, 7, kNone, 10, kNone, 13);
+  if (characters < kUnits) return 0;
   size_t done = 0;
-  for (; (done + kUnits) * 3 <= count; done += kUnits) {
-    const __m128i low = Load(from + done * 3);
-    const __m128i high = Load(from + done * 3 + 8);
+  while (done < characters) {
+    const size_t at = std::min(done, characters - kUnits);
+    const __m128i low = Load(from + at * 3);
+    const __m128i high = Load(from + at * 3 + 8);
     const __m128i rest =
         _mm_or_si128(_mm_shuffle_epi8(low, restLow), _mm_shuffle_epi8(high, restHigh));
     const __m128i lead =
@@ -263,15 +286,16 @@ QVX_SHUFFLES size_t WidenThreeBytes(ustring* to, const astring* from, size_t cou
         _mm_and_si128(_mm_cmpeq_epi8(restMarks, _mm_set1_epi8(kNone)),
                       _mm_cmpeq_epi16(leadMarks, _mm_set1_epi16(static_cast<short>(0xE000))));
     if (Mask(wellFormed) != 0xFFFF) break;
-    if (to == nullptr) continue;
     const __m128i payload = _mm_and_si128(rest, _mm_set1_epi8(0x3F));
     const __m128i lower = _mm_maddubs_epi16(payload, _mm_set1_epi16(0x4001));  // last + 64 * middle
-    Store(to + done, _mm_or_si128(lower, _mm_slli_epi16(lead, 4)));
+    Store(to + at, _mm_or_si128(lower, _mm_slli_epi16(lead, 4)));
+    done = at + kUnits;
   }
   return done;
 }
 
 QVX_SHUFFLES size_t NarrowThreeBytes(astring* to, const ustring* from, size_t count) {
+  if (count < kUnits) return 0;
   constexpr char kNone = static_cast<char>(0x80);
   // The first two bytes of a character are in one block, the third ones in another.
   const __m128i firstsLow =
@@ -285,22 +309,24 @@ QVX_SHUFFLES size_t NarrowThreeBytes(astring* to, const ustring* from, size_t co
   const __m128i high5 = _mm_set1_epi16(static_cast<short>(0xF800));
   const __m128i surrogate = _mm_set1_epi16(static_cast<short>(0xD800));
   size_t done = 0;
-  for (; done + kUnits <= count; done += kUnits) {
-    const __m128i units = Load(from + done);
+  while (done < count) {
+    const size_t at = std::min(done, count - kUnits);
+    const __m128i units = Load(from + at);
     const __m128i upper = _mm_and_si128(units, high5);
     const __m128i other = _mm_or_si128(_mm_cmpeq_epi16(upper, _mm_setzero_si128()),
                                        _mm_cmpeq_epi16(upper, surrogate));
     if (Mask(other) != 0) break;
+    done = at + kUnits;
     if (to == nullptr) continue;
     const __m128i middle = _mm_and_si128(_mm_slli_epi16(units, 2), _mm_set1_epi16(0x3F00));
     const __m128i firsts = _mm_or_si128(_mm_or_si128(_mm_srli_epi16(units, 12), middle),
                                         _mm_set1_epi16(static_cast<short>(0x80E0)));
     const __m128i thirds =
         _mm_or_si128(_mm_and_si128(units, _mm_set1_epi16(0x3F)), _mm_set1_epi16(0x80));
-    Store(to + done * 3,
+    Store(to + at * 3,
           _mm_or_si128(_mm_shuffle_epi8(firsts, firstsLow), _mm_shuffle_epi8(thirds, thirdsLow)));
     _mm_storel_epi64(
-        reinterpret_cast<__m128i*>(to + done * 3 + kBytes),
+        reinterpret_cast<__m128i*>(to + at * 3 + kBytes),
         _mm_or_si128(_mm_shuffle_epi8(firsts, firstsHigh), _mm_shuffle_epi8(thirds, thirdsHigh)));
   }
   return done;
@@ -310,20 +336,31 @@ QVX_SHUFFLES size_t NarrowThreeBytes(astring* to, const ustring* from, size_t co
 
 }  // namespace
 
+// What the first character is decides which loop is tried.
+
 Run WidenRun(ustring* to, size_t room, const astring* from, size_t count) {
   if (count < kBytes || room < kUnits) return {};
-  if (const size_t ascii = WidenAscii(to, from, std::min(count, room))) return {ascii, ascii};
-  if (!HasByteShuffle()) return {};
-  if (const Run latin = WidenLatin(to, room, from, count); latin.read != 0) return latin;
-  const size_t units = WidenThreeBytes(to, from, std::min(count, room < count ? room * 3 : count));
+  const auto first = static_cast<u8>(*from);
+  if (first < 0x80) {
+    if (const size_t ascii = WidenAscii(to, from, std::min(count, room))) return {ascii, ascii};
+  }
+  if (first >= 0xE0 && to == nullptr) {
+    const size_t units = CountThreeBytes(from, count);
+    return {units * 3, units};
+  }
+  if (!ProcessorHas(kByteShuffle)) return {};
+  if (first < 0xE0) return WidenLatin(to, room, from, count);
+  const size_t units = WidenThreeBytes(to, from, std::min(count / 3, room));
   return {units * 3, units};
 }
 
 Run NarrowRun(astring* to, size_t room, const ustring* from, size_t count) {
   if (count < kUnits || room < kUnits) return {};
-  if (const size_t ascii = NarrowAscii(to, from, std::min(count, room))) return {ascii, ascii};
-  if (!HasByteShuffle()) return {};
-  if (const Run latin = NarrowLatin(to, room, from, count); latin.read != 0) return latin;
+  if (*from < 0x80) {
+    if (const size_t ascii = NarrowAscii(to, from, std::min(count, room))) return {ascii, ascii};
+  }
+  if (!ProcessorHas(kByteShuffle)) return {};
+  if (*from < 0x800) return NarrowLatin(to, room, from, count);
   const size_t units = NarrowThreeBytes(to, from, std::min(count, room / 3));
   return {units, units * 3};
 }

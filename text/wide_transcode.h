@@ -12,7 +12,13 @@ namespace qvx {
 // The greater part of most texts at once: runs of ASCII, of one- and two-byte characters (Latin,
 // Greek, Cyrillic, Hebrew, Arabic), and of well-formed three-byte ones (CJK). The result is what
 // transcode.cpp makes of the same characters one by one; where a run ends, and why, is left to
-// transcode.cpp.
+// transcode.cpp. A run of 0 says nothing about the text.
+
+// The ASCII characters that a text begins with, at most `most`, before its length is known. Exactly
+// as many elements are written; with a null `to` they are only counted. Reads no page beyond that
+// of the last character or the terminator.
+size_t WidenStart(ustring* to, const astring* text, size_t most);
+size_t NarrowStart(astring* to, const ustring* text, size_t most);
 
 // How far a run went.
 struct Run {
@@ -21,7 +27,7 @@ struct Run {
 };
 
 // `count` elements may be read, none of them 0, and `room` written; exactly `written` are. With a
-// null `to` they only count. A run of 0 says nothing about the text.
+// null `to` they only count.
 Run WidenRun(ustring* to, size_t room, const astring* from, size_t count);
 Run NarrowRun(astring* to, size_t room, const ustring* from, size_t count);
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "qvxcs/status.h"
@@ -16,6 +17,7 @@
 #include "text/transcode.h"
 #include "text/uni_string.h"
 #include "text/unit_scan.h"
+#include "text/wide.h"
 #include "text/xml_escape.h"
 
 namespace qvx {
@@ -30,6 +32,18 @@ u32 Inputs() {
   return inputs == nullptr ? 4000 : static_cast<u32>(strtoul(inputs, nullptr, 10));
 }
 
+// Until the end of its scope the loops are those of one of the levels that the processor has.
+class AtSomeLevel {
+ public:
+  explicit AtSomeLevel(HostileTexts* texts) {
+    static const int has = AskProcessor();
+    processorLevel.store(std::min<int>(has, kBaseline + static_cast<int>(texts->Below(3))));
+  }
+  ~AtSomeLevel() { processorLevel.store(kNotAsked); }
+  AtSomeLevel(const AtSomeLevel&) = delete;
+  AtSomeLevel& operator=(const AtSomeLevel&) = delete;
+};
+
 u32 LongestFor(HostileTexts* texts) { return texts->Below(20) == 0 ? 6000 : 150; }
 
 // The text with its terminator, up to 63 elements before the page: every alignment occurs.
@@ -38,7 +52,11 @@ class Input {
  public:
   template <typename Element>
   Input(const std::vector<Element>& text, HostileTexts* texts)
-      : units_(text.size() + 1 + (texts->Below(2) == 0 ? 0 : texts->Below(64))) {
+      : Input(text, texts->Below(2) == 0 ? 0 : texts->Below(64)) {}
+
+  template <typename Element>
+  Input(const std::vector<Element>& text, size_t beforePage)
+      : units_(text.size() + 1 + beforePage) {
     std::transform(text.begin(), text.end(), units_.data(),
                    [](Element each) { return static_cast<Unit>(each); });
     units_[text.size()] = 0;
@@ -77,6 +95,7 @@ u32 RoomFor(u64 needed, HostileTexts* texts) {
 TEST(WideModel, RunsOfBytesBecomeUnitsAsTheModelSays) {
   HostileTexts texts(11);
   for (u32 input = Inputs(); input != 0; --input) {
+    const AtSomeLevel level(&texts);
     const std::vector<u8> bytes = texts.RunsOfBytes(LongestFor(&texts));
     const u32 room = RoomFor(bytes.size(), &texts);
     Input<astring> text(bytes, &texts);
@@ -90,6 +109,7 @@ TEST(WideModel, RunsOfBytesBecomeUnitsAsTheModelSays) {
 TEST(WideModel, RunsOfUnitsBecomeUtf8AsTheModelSays) {
   HostileTexts texts(12);
   for (u32 input = Inputs(); input != 0; --input) {
+    const AtSomeLevel level(&texts);
     const std::vector<u32> units = texts.RunsOfUnits(LongestFor(&texts));
     const auto query = test::ModelUcs2ToUtf8(units, 0, true);
     const u32 room = RoomFor(query.status == SM_STATUS_SUCCESS ? query.size : units.size(), &texts);
@@ -107,6 +127,7 @@ TEST(WideModel, RunsOfBytesAreEscapedAsTheModelSays) {
     return UTF8StrToXMLUTF8Str(out, size, nullptr, text);
   };
   for (u32 input = Inputs(); input != 0; --input) {
+    const AtSomeLevel level(&texts);
     std::vector<u8> bytes = texts.RunsOfBytes(LongestFor(&texts));
     const u32 every = 1 + texts.Below(60);
     for (u8& byte : bytes) {
@@ -124,6 +145,7 @@ TEST(WideModel, RunsOfBytesAreEscapedAsTheModelSays) {
 TEST(WideModel, UnitsAreFoundAndComparedAsOneByOne) {
   HostileTexts texts(14);
   for (u32 input = Inputs(); input != 0; --input) {
+    const AtSomeLevel level(&texts);
     SCOPED_TRACE(input);
     const std::vector<u32> units = texts.RunsOfUnits(LongestFor(&texts));
     const u32 length = static_cast<u32>(units.size());
@@ -148,6 +170,85 @@ TEST(WideModel, UnitsAreFoundAndComparedAsOneByOne) {
     ASSERT_EQ(EqualUnits(text.text(), second.text()), equal);
     ASSERT_EQ(Uni_strcmp(text.text(), second.text()),
               static_cast<ustring>(text.text()[equal] - second.text()[equal]));
+  }
+}
+
+// A character repeated, with another one in one place of it or in none.
+struct Repeated {
+  std::vector<u8> bytes;
+  std::vector<u32> units;
+
+  Repeated(u32 codePoint, u32 length, u32 otherPlace, u32 other) {
+    for (u32 at = 0; at < length; ++at) {
+      units.push_back(at == otherPlace ? other : codePoint);
+      const auto utf8 = test::ModelUcs4ToUtf8({units.back()}, 4, false).written;
+      bytes.insert(bytes.end(), utf8.begin(), utf8.end() - 1);
+    }
+  }
+};
+
+// Room for all and for one less.
+void ExpectBothWays(const Repeated& text, size_t beforePage, HostileTexts* texts) {
+  Input<astring> bytes(text.bytes, beforePage);
+  Input<ustring> units(text.units, beforePage);
+  for (u32 missing = 0; missing < 2; ++missing) {
+    const u32 unitRoom = static_cast<u32>(text.units.size()) - missing;
+    ExpectLike<astring, ustring>(test::ModelUtf8ToUcs2(text.bytes, 0, true),
+                                 test::ModelUtf8ToUcs2(text.bytes, unitRoom, false), unitRoom,
+                                 texts, bytes.text(), &UTF8StrToUCS2Str);
+    const u32 byteRoom = static_cast<u32>(text.bytes.size()) - missing;
+    ExpectLike<ustring, astring>(test::ModelUcs2ToUtf8(text.units, 0, true),
+                                 test::ModelUcs2ToUtf8(text.units, byteRoom, false), byteRoom,
+                                 texts, units.text(), &UCS2StrToUTF8Str);
+  }
+}
+
+TEST(WideModel, ShortTextsAreConvertedAtEachPlaceBeforeThePage) {
+  HostileTexts texts(16);
+  for (const u32 codePoint : {u32{'a'}, 0x7FU, 0x80U, 0xE9U, 0x7FFU, 0x800U, 0x4E2DU, 0xFFFFU}) {
+    for (u32 length = 1; length <= 70; ++length) {
+      const AtSomeLevel level(&texts);
+      const u32 other = std::vector<u32>{'z', 0xF1, 0x65E5, 0xD800}[texts.Below(4)];
+      const Repeated text(codePoint, length, texts.Below(length + length / 2 + 1), other);
+      for (const size_t beforePage :
+           {texts.Below(16), 16 + texts.Below(16), 32 + texts.Below(80)}) {
+        SCOPED_TRACE(testing::Message() << codePoint << " " << length << " " << beforePage);
+        ASSERT_NO_FATAL_FAILURE(ExpectBothWays(text, beforePage, &texts));
+      }
+    }
+  }
+}
+
+TEST(WideModel, EachByteOfABlockIsEscapedByItsOwnEntity) {
+  HostileTexts texts(17);
+  const auto escape = [](astring* out, u32* size, const astring* text) {
+    return UTF8StrToXMLUTF8Str(out, size, nullptr, text);
+  };
+  for (u32 byte = 1; byte < 256; ++byte) {
+    for (const u32 place : {0U, 7U, 15U, 16U, 31U, 39U}) {
+      const AtSomeLevel level(&texts);
+      std::vector<u8> bytes(40, 'x');
+      bytes[place] = static_cast<u8>(byte);
+      const auto query = test::ModelXmlEscape(bytes, 0, true);
+      const u32 room = static_cast<u32>(query.size);
+      Input<astring> text(bytes, size_t{0});
+      ASSERT_NO_FATAL_FAILURE((ExpectLike<astring, astring>(
+          query, test::ModelXmlEscape(bytes, room, false), room, &texts, text.text(), escape)))
+          << byte << " " << place;
+    }
+  }
+}
+
+// A text so long that the growth of its blocks is summed up more than once.
+TEST(WideModel, GrowthOfManySpecialsIsExact) {
+  for (const int level : {kBaseline, kByteShuffle}) {
+    if (AskProcessor() < level) continue;
+    processorLevel.store(level);
+    const std::string text(20000, '"');
+    u32 size = 0;
+    EXPECT_EQ(UTF8StrToXMLUTF8Str(nullptr, &size, nullptr, text.c_str()), SM_STATUS_SUCCESS);
+    EXPECT_EQ(size, 6 * 20000 + 1);
+    processorLevel.store(kNotAsked);
   }
 }
 
