@@ -13,86 +13,63 @@ namespace qvx {
 
 namespace {
 
-constexpr size_t kBlock = 16;  // bytes of a load
-constexpr size_t kBlockUnits = kBlock / sizeof(ustring);
-constexpr size_t kTurn = 4 * kBlock;
 constexpr size_t kPage = 4096;  // no machine has smaller ones
-
-__m128i LoadAligned(const u8* from) {
-  return _mm_load_si128(reinterpret_cast<const __m128i*>(from));
-}
-__m128i LoadAny(const ustring* from) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-}
-
-// Two bits for each unit of the block that is 0 or `unit`.
-template <bool kSeeksUnit>
-u32 Hits(__m128i block, __m128i unit) {
-  __m128i hits = _mm_cmpeq_epi16(block, _mm_setzero_si128());
-  if constexpr (kSeeksUnit) hits = _mm_or_si128(hits, _mm_cmpeq_epi16(block, unit));
-  return static_cast<u32>(_mm_movemask_epi8(hits));
-}
-
-// Whether one of four blocks has a hit.
-template <bool kSeeksUnit>
-bool TurnHasHit(const u8* at, __m128i unit) {
-  __m128i any = _mm_setzero_si128();
-  for (size_t block = 0; block < 4; ++block) {
-    const __m128i loaded = LoadAligned(at + block * kBlock);
-    any = _mm_or_si128(any, _mm_cmpeq_epi16(loaded, _mm_setzero_si128()));
-    if constexpr (kSeeksUnit) any = _mm_or_si128(any, _mm_cmpeq_epi16(loaded, unit));
-  }
-  return _mm_movemask_epi8(any) != 0;
-}
-
-// The first terminator, or with kSeeksUnit the first `unit` before it; `stop`, or a place after it,
-// where neither comes before. The text is at an even address: units are whole in aligned blocks.
-template <bool kSeeksUnit>
-const ustring* FindAligned(const ustring* text, ustring unit, const ustring* stop) {
-  const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
-  const auto address = reinterpret_cast<uintptr_t>(text);
-  const u8* at = reinterpret_cast<const u8*>(address & ~(kBlock - 1));
-  const u8* const last = reinterpret_cast<const u8*>(stop);
-  u32 hits = Hits<kSeeksUnit>(LoadAligned(at), wanted) >> (address % kBlock);
-  if (hits != 0) return text + static_cast<u32>(__builtin_ctz(hits)) / 2;
-  at += kBlock;
-  while (reinterpret_cast<uintptr_t>(at) % kTurn != 0) {
-    if (at >= last) return stop;
-    hits = Hits<kSeeksUnit>(LoadAligned(at), wanted);
-    if (hits != 0) return reinterpret_cast<const ustring*>(at + __builtin_ctz(hits));
-    at += kBlock;
-  }
-  for (; at < last && !TurnHasHit<kSeeksUnit>(at, wanted);) {
-    at += kTurn;
-  }
-  for (; at < last; at += kBlock) {
-    hits = Hits<kSeeksUnit>(LoadAligned(at), wanted);
-    if (hits != 0) return reinterpret_cast<const ustring*>(at + __builtin_ctz(hits));
-  }
-  return stop;
-}
 
 // A place that no text reaches.
 const ustring* Never() { return reinterpret_cast<const ustring*>(UINTPTR_MAX); }
 
 bool IsEven(const ustring* text) { return reinterpret_cast<uintptr_t>(text) % 2 == 0; }
 
-// Whole blocks before the end of the page.
-size_t BlocksInPage(const ustring* text) {
-  return (kPage - reinterpret_cast<uintptr_t>(text) % kPage) / kBlock;
-}
+namespace narrow {
 
-// All bits set for each unit that both texts have and that is no terminator.
-__m128i GoesOn(const ustring* first, const ustring* second) {
-  const __m128i block = LoadAny(first);
-  const __m128i end = _mm_cmpeq_epi16(block, _mm_setzero_si128());
-  return _mm_andnot_si128(end, _mm_cmpeq_epi16(block, LoadAny(second)));
+#define QVX_TARGET
+using Block = __m128i;
+template <typename Element>
+Block Load(const Element* from) {
+  return _mm_loadu_si128(reinterpret_cast<const Block*>(from));
+}
+Block Zero() { return _mm_setzero_si128(); }
+Block Filled(ustring unit) { return _mm_set1_epi16(static_cast<short>(unit)); }
+Block Equal(Block one, Block other) { return _mm_cmpeq_epi16(one, other); }
+Block Or(Block one, Block other) { return _mm_or_si128(one, other); }
+Block And(Block one, Block other) { return _mm_and_si128(one, other); }
+Block AndNot(Block one, Block other) { return _mm_andnot_si128(one, other); }
+u32 Mask(Block block) { return static_cast<u32>(_mm_movemask_epi8(block)); }
+#include "text/unit_scan_loops.h"
+#undef QVX_TARGET
+
+}  // namespace narrow
+
+namespace wide {
+
+#define QVX_TARGET __attribute__((target("avx2")))
+using Block = __m256i;
+template <typename Element>
+QVX_TARGET Block Load(const Element* from) {
+  return _mm256_loadu_si256(reinterpret_cast<const Block*>(from));
+}
+QVX_TARGET Block Zero() { return _mm256_setzero_si256(); }
+QVX_TARGET Block Filled(ustring unit) { return _mm256_set1_epi16(static_cast<short>(unit)); }
+QVX_TARGET Block Equal(Block one, Block other) { return _mm256_cmpeq_epi16(one, other); }
+QVX_TARGET Block Or(Block one, Block other) { return _mm256_or_si256(one, other); }
+QVX_TARGET Block And(Block one, Block other) { return _mm256_and_si256(one, other); }
+QVX_TARGET Block AndNot(Block one, Block other) { return _mm256_andnot_si256(one, other); }
+QVX_TARGET u32 Mask(Block block) { return static_cast<u32>(_mm256_movemask_epi8(block)); }
+#include "text/unit_scan_loops.h"
+#undef QVX_TARGET
+
+}  // namespace wide
+
+template <bool kSeeksUnit>
+const ustring* Find(const ustring* text, ustring unit, const ustring* stop) {
+  return ProcessorHas(kWideBlocks) ? wide::FindAligned<kSeeksUnit>(text, unit, stop)
+                                   : narrow::FindAligned<kSeeksUnit>(text, unit, stop);
 }
 
 }  // namespace
 
 u64 UnitCount(const ustring* text) {
-  if (IsEven(text)) return static_cast<u64>(FindAligned<false>(text, 0, Never()) - text);
+  if (IsEven(text)) return static_cast<u64>(Find<false>(text, 0, Never()) - text);
   const ustring* end = text;
   while (*end != 0) {
     ++end;
@@ -102,7 +79,7 @@ u64 UnitCount(const ustring* text) {
 
 size_t UnitCountWithin(const ustring* text, size_t limit) {
   if (IsEven(text) && limit != 0) {
-    const ustring* const end = FindAligned<false>(text, 0, text + limit);
+    const ustring* const end = Find<false>(text, 0, text + limit);
     return std::min(static_cast<size_t>(end - text), limit);
   }
   size_t count = 0;
@@ -113,7 +90,7 @@ size_t UnitCountWithin(const ustring* text, size_t limit) {
 }
 
 const ustring* FindUnitOrEnd(const ustring* text, ustring unit) {
-  if (IsEven(text)) return FindAligned<true>(text, unit, Never());
+  if (IsEven(text)) return Find<true>(text, unit, Never());
   while (*text != unit && *text != 0) {
     ++text;
   }
@@ -121,26 +98,8 @@ const ustring* FindUnitOrEnd(const ustring* text, ustring unit) {
 }
 
 size_t EqualUnits(const ustring* first, const ustring* second) {
-  for (size_t at = 0;;) {
-    size_t blocks = std::min(BlocksInPage(first + at), BlocksInPage(second + at));
-    for (; blocks >= 4; blocks -= 4, at += 4 * kBlockUnits) {
-      const __m128i goesOn = _mm_and_si128(
-          _mm_and_si128(GoesOn(first + at, second + at),
-                        GoesOn(first + at + kBlockUnits, second + at + kBlockUnits)),
-          _mm_and_si128(GoesOn(first + at + 2 * kBlockUnits, second + at + 2 * kBlockUnits),
-                        GoesOn(first + at + 3 * kBlockUnits, second + at + 3 * kBlockUnits)));
-      if (_mm_movemask_epi8(goesOn) != 0xFFFF) break;
-    }
-    for (; blocks != 0; --blocks, at += kBlockUnits) {
-      const auto goesOn = static_cast<u32>(_mm_movemask_epi8(GoesOn(first + at, second + at)));
-      if (goesOn != 0xFFFF) return at + static_cast<u32>(__builtin_ctz(~goesOn)) / 2;
-    }
-    // One of the texts comes to the end of a page: unit by unit into the next.
-    while (std::min(BlocksInPage(first + at), BlocksInPage(second + at)) == 0) {
-      if (first[at] != second[at] || first[at] == 0) return at;
-      ++at;
-    }
-  }
+  return ProcessorHas(kWideBlocks) ? wide::EqualInBlocks(first, second)
+                                   : narrow::EqualInBlocks(first, second);
 }
 
 #else  // the plain loops, which define the others
