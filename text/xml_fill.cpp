@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "text/xml_fill.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "text/code_point.h"
-#include "text/wide.h"
+#include "text/wide_block.h"
 
 namespace qvx {
 namespace {
@@ -37,122 +39,117 @@ void PlainFill(astring* to, const astring* text, const astring* end) {
   }
 }
 
-#ifdef QVX_WIDE_LOADS
+#ifdef QVX_WIDE_SHUFFLE
 
-constexpr ptrdiff_t kBlock = 16;
-constexpr ptrdiff_t kTurn = 4 * kBlock;
+#define QVX_SHUFFLES __attribute__((target("ssse3")))
 
-// Three compares find the five characters: & and ' differ in their lowest bit, < and > in the next.
-struct Specials {
-  __m128i ampersandOrApostrophe;
-  __m128i angle;
-  __m128i quote;
+constexpr ptrdiff_t kBlock = static_cast<ptrdiff_t>(kBytes);
 
-  explicit Specials(__m128i bytes)
-      : ampersandOrApostrophe(
-            _mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8(1)), _mm_set1_epi8('\''))),
-        angle(_mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8(2)), _mm_set1_epi8('>'))),
-        quote(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"'))) {}
+// The table's characters differ in their lower four bits, which a shuffle looks up.
+using ByLowerBits = std::array<u8, kBytes>;
 
-  [[nodiscard]] __m128i Any() const {
-    return _mm_or_si128(_mm_or_si128(ampersandOrApostrophe, angle), quote);
+// The character with these bits; for other bits one that does not have them.
+constexpr ByLowerBits kSpecialOf = [] {
+  ByLowerBits specials{};
+  specials[0] = 1;
+  for (const XmlEntity& entity : kXmlEntities) {
+    specials[entity.character & 0xF] = static_cast<u8>(entity.character);
   }
-  [[nodiscard]] u32 Mask() const { return static_cast<u32>(_mm_movemask_epi8(Any())); }
+  return specials;
+}();
+
+// How much longer the text becomes by it.
+constexpr ByLowerBits kGrowthOf = [] {
+  ByLowerBits growth{};
+  for (const XmlEntity& entity : kXmlEntities) {
+    growth[entity.character & 0xF] = static_cast<u8>(entity.length - 1);
+  }
+  return growth;
+}();
+
+// All bits set for each special of a block. The shuffle gives 0 for bytes beyond ASCII.
+QVX_SHUFFLES __m128i Specials(__m128i bytes) {
+  return _mm_cmpeq_epi8(_mm_shuffle_epi8(Load(kSpecialOf.data()), bytes), bytes);
+}
+
+// At most this many blocks grow by less than 256 in each of their bytes.
+constexpr ptrdiff_t kBlocksOfSum = 255 / 5;
+
+// How much longer whole blocks become.
+QVX_SHUFFLES u64 GrowthOfBlocks(const astring* text, const astring* end) {
+  __m128i sums = _mm_setzero_si128();
+  while (text != end) {
+    __m128i growth = _mm_setzero_si128();
+    const astring* const stop = text + std::min(end - text, kBlocksOfSum * kBlock);
+    for (; text != stop; text += kBlock) {
+      const __m128i bytes = Load(text);
+      const __m128i each = _mm_shuffle_epi8(Load(kGrowthOf.data()), bytes);
+      growth = _mm_add_epi8(growth, _mm_and_si128(Specials(bytes), each));
+    }
+    sums = _mm_add_epi64(sums, _mm_sad_epu8(growth, _mm_setzero_si128()));
+  }
+  u64 halves[2];
+  Store(halves, sums);
+  return halves[0] + halves[1];
+}
+
+struct Filled {
+  astring* to;
+  const astring* text;
 };
 
-__m128i Load(const astring* from) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+// A store may go past its piece: each character that is left becomes one byte or more, so it stays
+// within the result while another block is left, and what follows replaces it.
+QVX_SHUFFLES Filled FillBlocks(astring* to, const astring* text, const astring* end) {
+  while (end - text >= 2 * kBlock) {
+    const __m128i bytes = Load(text);
+    Store(to, bytes);
+    const astring* piece = text;
+    for (u32 specials = Mask(Specials(bytes)); specials != 0; specials &= specials - 1) {
+      const astring* const special = text + __builtin_ctz(specials);
+      Store(to, Load(piece));
+      to += special - piece;
+      const XmlEntity& entity = *FindXmlEntity(static_cast<u8>(*special));
+      memcpy(to, entity.text, sizeof(entity.text));
+      to += entity.length;
+      piece = special + 1;
+    }
+    text += kBlock;
+    if (piece != text - kBlock) Store(to, Load(piece));
+    to += text - piece;
+  }
+  return {to, text};
 }
 
 #endif
 
 }  // namespace
 
-#ifdef QVX_WIDE_LOADS
-
-static_assert(sizeof "&amp;" - 2 == 4 && sizeof "&apos;" - 2 == 5 && sizeof "&quot;" - 2 == 5 &&
-              sizeof "&lt;" - 2 == 3);
-
-namespace {
-
-bool IsClean(const astring* turn) {
-  const __m128i any =
-      _mm_or_si128(_mm_or_si128(Specials(Load(turn)).Any(), Specials(Load(turn + kBlock)).Any()),
-                   _mm_or_si128(Specials(Load(turn + 2 * kBlock)).Any(),
-                                Specials(Load(turn + 3 * kBlock)).Any()));
-  return _mm_movemask_epi8(any) == 0;
-}
-
-// How much longer a block becomes, as two sums of 64 bits.
-__m128i GrowthOfBlock(const astring* block) {
-  const __m128i bytes = Load(block);
-  const Specials found(bytes);
-  const __m128i four = _mm_add_epi8(_mm_set1_epi8(4), _mm_and_si128(bytes, _mm_set1_epi8(1)));
-  const __m128i growth = _mm_or_si128(_mm_or_si128(_mm_and_si128(found.ampersandOrApostrophe, four),
-                                                   _mm_and_si128(found.angle, _mm_set1_epi8(3))),
-                                      _mm_and_si128(found.quote, _mm_set1_epi8(5)));
-  return _mm_sad_epu8(growth, _mm_setzero_si128());
-}
-
-}  // namespace
-
 u64 XmlGrowth(const astring* text, size_t length) {
   const astring* const end = text + length;
-  __m128i sums = _mm_setzero_si128();
-  // Most texts have hardly a special, and to look for one is faster than to measure.
-  for (; end - text >= kTurn; text += kTurn) {
-    if (IsClean(text)) continue;
-    for (ptrdiff_t block = 0; block < kTurn; block += kBlock) {
-      sums = _mm_add_epi64(sums, GrowthOfBlock(text + block));
-    }
+#ifdef QVX_WIDE_SHUFFLE
+  if (ProcessorHas(kByteShuffle)) {
+    const astring* const blocks = text + length / kBytes * kBytes;
+    return GrowthOfBlocks(text, blocks) + PlainGrowth(blocks, end);
   }
-  for (; end - text >= kBlock; text += kBlock) {
-    sums = _mm_add_epi64(sums, GrowthOfBlock(text));
-  }
-  u64 halves[2];
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(halves), sums);
-  return halves[0] + halves[1] + PlainGrowth(text, end);
+#endif
+  return PlainGrowth(text, end);
 }
 
-// The result's end is known, so a block may be stored past a clean run: what follows replaces it.
 void FillXml(astring* to, u64 growth, const astring* text, size_t length) {
   if (growth == 0) {
     memcpy(to, text, length);
     return;
   }
   const astring* const end = text + length;
-  const astring* const toEnd = to + length + growth;
-  while (end - text >= kBlock && toEnd - to >= kBlock) {
-    const __m128i bytes = Load(text);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
-    const u32 specials = Specials(bytes).Mask();
-    if (specials == 0) {
-      text += kBlock;
-      to += kBlock;
-      continue;
-    }
-    const int clean = __builtin_ctz(specials);
-    text += clean;
-    to += clean;
-    const XmlEntity& entity = *FindXmlEntity(static_cast<u8>(*text++));
-    if (toEnd - to < static_cast<ptrdiff_t>(sizeof(entity.text))) {
-      memcpy(to, entity.text, entity.length);
-    } else {
-      memcpy(to, entity.text, sizeof(entity.text));
-    }
-    to += entity.length;
+#ifdef QVX_WIDE_SHUFFLE
+  if (ProcessorHas(kByteShuffle)) {
+    const Filled filled = FillBlocks(to, text, end);
+    to = filled.to;
+    text = filled.text;
   }
+#endif
   PlainFill(to, text, end);
 }
-
-#else
-
-u64 XmlGrowth(const astring* text, size_t length) { return PlainGrowth(text, text + length); }
-
-void FillXml(astring* to, u64, const astring* text, size_t length) {
-  PlainFill(to, text, text + length);
-}
-
-#endif
 
 }  // namespace qvx
