@@ -60,18 +60,15 @@ u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
   if (strcmp(path, backup.get()) == 0) return kMinusOne;
   const FileLockGuard lock(QVX_LOCK_WAIT);
   if (!lock) return SM_STATUS_LOCK_FAILED;
-  // Another process may have moved the log since it was measured: then the existing backup holds
-  // its entries and must not be deleted for a new, short log.
+  // The caller measured the log too, without the lock, so as not to take it for a log that is not
+  // full. Another process may have moved the log since: then the existing backup holds its entries
+  // and must not be deleted for a new, short log.
   if (!IsFull(path, maxSize, entrySize)) return kMinusOne;
   return MoveOverBackup(path, backup.get());
 }
 
 void CheckBackupLogFile(const astring* path, u32 maxSize, u32 entrySize, booln* backedUp) {
-  *backedUp = 0;
-  if (IsFull(path, maxSize, entrySize) &&
-      BackupLogFile(path, maxSize, entrySize) == SM_STATUS_SUCCESS) {
-    *backedUp = 1;
-  }
+  *backedUp = BackupLogFile(path, maxSize, entrySize) == SM_STATUS_SUCCESS ? 1 : 0;
 }
 
 }  // namespace qvx

@@ -65,6 +65,16 @@ TEST_F(LogCalls, AnEntryCostsAtMostThirteen) {
   EXPECT_LE(CallsOf(AppendShort), 13u);
 }
 
+// Its size is found with the entry's own look at it, and once more under the lock.
+TEST_F(LogCalls, ALogThatMovesToItsBackupIsMeasuredOnceMore) {
+  const auto appendToFull = [] {
+    return AppendToXMLLog("/tmp/log.xml", QVX_LOG_INFORMATION, 1, "user", "source", "text", nullptr,
+                          0, 1);
+  };
+  ASSERT_EQ(appendToFull(), 0u);
+  EXPECT_LE(CallsOf(appendToFull), 59u);
+}
+
 TEST_F(LogCalls, ACommandLogEntryCostsAtMostNineteenAndTwentySixWithItsProperties) {
   const auto append = [] {
     return SUPTIntfAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "user", "source", "text",
