@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <utility>
 
 #include "os/file_util.h"
@@ -33,14 +34,16 @@ Descriptor OpenWithItsMode(const astring* path) {
   return opened;
 }
 
-// One look at the open file finds everything that is needed about it.
-LogFile LogOver(Descriptor descriptor) {
+// One look at the open file finds everything that is needed about it. A log of the limit's size or
+// more is left as it is.
+LogFile LogOver(Descriptor descriptor, s64 limit = INT64_MAX) {
   struct stat status = {};
   if (!descriptor || fstat(descriptor.Number(), &status) != 0) return {};
   if (!S_ISREG(status.st_mode)) {
     errno = EINVAL;
     return {};
   }
+  if (status.st_size >= limit) return {};
   if (PermissionsOf(status) != kFileMode) (void)fchmod(descriptor.Number(), kFileMode);
   return {std::move(descriptor), FileIdOf(status), status.st_size};
 }
@@ -55,6 +58,10 @@ LogLook LookAtLog(const astring* path) {
 
 void SetLogMode(const astring* path, const LogLook& look) {
   if (look.regular && look.mode != kFileMode) (void)chmod(path, kFileMode);
+}
+
+LogFile OpenLogBelow(const astring* path, s64 limit) {
+  return LogOver(OpenDescriptor(path, kLogFlags), limit);
 }
 
 LogFile OpenStandingLog(const astring* path) { return LogOver(OpenWithItsMode(path)); }

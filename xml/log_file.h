@@ -47,7 +47,9 @@ struct LogFile {
 // Opens a log for reading and writing, with the mode that logs have. Empty with errno set when that
 // fails (ENOENT for a missing log) and for anything that is no file.
 LogFile OpenStandingLog(const astring* path);
-// The same, but a missing log is created. One that cannot be opened is left to the user who
+// The same for a log below this size that opens without more. Any other is left as it is.
+LogFile OpenLogBelow(const astring* path, s64 limit);
+// Like the first, but a missing log is created. One that cannot be opened is left to the user who
 // protected it.
 LogFile OpenLog(const astring* path);
 

@@ -72,11 +72,7 @@ u32 WriteAndClose(const astring* path, LogFile log, const LogAddition& addition)
   return SM_STATUS_WRITE_FAILED;
 }
 
-u32 WriteEntry(const astring* path, const LogEntry& entry) {
-  const FileLockGuard lock(QVX_LOCK_WAIT);
-  if (!lock) return SM_STATUS_LOCK_FAILED;
-  LogFile log = OpenLog(path);
-  if (!log) return kMinusOne;
+u32 WriteTo(const astring* path, LogFile log, const LogEntry& entry) {
   TornLogNotes notes;
   MendNoted(&log, &notes);
   const s64 offset = log.size < kLogHeadLength ? 0 : FindClosingTag(log);
@@ -88,6 +84,24 @@ u32 WriteEntry(const astring* path, const LogEntry& entry) {
   const u32 status = WriteAndClose(path, std::move(log), addition);
   notes.Drop(id);
   return status;
+}
+
+u32 WriteEntry(const astring* path, const LogEntry& entry) {
+  const FileLockGuard lock(QVX_LOCK_WAIT);
+  if (!lock) return SM_STATUS_LOCK_FAILED;
+  LogFile log = OpenLog(path);
+  return log ? WriteTo(path, std::move(log), entry) : kMinusOne;
+}
+
+// An entry to a log that exists, opens and is not full needs nothing before the lock. False with
+// nothing done for any other log and when the lock is not free.
+bool WriteAtOnce(const astring* path, u32 maxSize, const LogEntry& entry, u32* status) {
+  const FileLockGuard lock(QVX_LOCK_TRY);
+  if (!lock) return false;
+  LogFile log = OpenLogBelow(path, s64{maxSize} - s64{entry.Length()});
+  if (!log) return false;
+  *status = WriteTo(path, std::move(log), entry);
+  return true;
 }
 
 // Whether the path names the file itself, not a link to it.
@@ -120,12 +134,14 @@ u32 AppendToXMLLog(const astring* path, u16 type, u32 id, const astring* user,
                    u32 dataSize, u32 maxSize) {
   const LogEvent event = {type, id, user, source, description, data, dataSize};
   if (path == nullptr || !IsLoggable(event)) return SM_STATUS_BAD_ARGUMENT;
-  const LogLook look = LookAtLog(path);
-  if (!look.found) {
-    if (const u32 status = CreateLogDir(path)) return status;
-  }
   LogEntry entry;
-  if (const u32 status = entry.Build(event)) return status;
+  const u32 built = entry.Build(event);
+  u32 status = SM_STATUS_SUCCESS;
+  if (built == SM_STATUS_SUCCESS && WriteAtOnce(path, maxSize, entry, &status)) return status;
+  const LogLook look = LookAtLog(path);
+  if (!look.found) status = CreateLogDir(path);
+  if (status == SM_STATUS_SUCCESS) status = built;
+  if (status != SM_STATUS_SUCCESS) return status;
   // Deliberate: a backup that fails is not reported; the entry is written to the full log.
   // Held by XmlLog.FailedBackupLeavesTheEntryInTheFullLog.
   booln backedUp = 0;

@@ -572,6 +572,20 @@ TEST(XmlLog, FailedBackupLeavesTheEntryInTheFullLog) {
   EXPECT_EQ(LogNow(), LogOf("full" + Plain(1, "d")));
 }
 
+// Its size is asked for before its mode is set, and cannot be had.
+TEST(XmlLog, AFullLogThatItsOwnerCannotReadStaysAndTakesTheEntry) {
+  constexpr uid_t kNobody = 65534;
+  Attach();
+  WriteFile(kLog, LogOf("full"));
+  ASSERT_EQ(chown(kLog, kNobody, kNobody), 0);
+  ASSERT_EQ(chmod(kLog, 0200), 0);
+  ASSERT_EQ(chmod("/tmp", 0777), 0);
+  EXPECT_TRUE(test::HoldsForNobody([] { return Append(kLog, 1, "d", 1) == SM_STATUS_SUCCESS; }));
+  EXPECT_EQ(LogNow(), LogOf("full" + Plain(1, "d")));
+  EXPECT_EQ(ModeOf(kLog), 01664u);
+  EXPECT_FALSE(Exists(kBackup));
+}
+
 TEST(XmlLog, LogNamedLikeItsBackupGrowsBeyondTheMaximum) {
   Attach();
   WriteFile(kBackup, LogOf("full"));
