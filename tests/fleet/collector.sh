@@ -2,9 +2,8 @@
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
 # The collector, in its sandbox: a bridge for the hosts' links, and rsyslog with the example's file.
-set -euo pipefail
-cd "$(dirname "$0")/../.."
-[ -e /run/qvx-sandbox ] || exit 1
+# shellcheck source-path=SCRIPTDIR
+. "$(dirname "$0")/common.sh"
 echo collector >/proc/sys/kernel/hostname
 ip link set lo up
 ip link add hosts type bridge
@@ -16,4 +15,5 @@ mount --bind "$QVX_FLEET/arrived" /var/log/qvxctl
 printf 'global(workDirectory="/var/spool/rsyslog")\n' >/run/rsyslog.conf
 cat examples/fleet/rsyslog-collector.conf >>/run/rsyslog.conf
 touch "$QVX_FLEET/collector.up"
-exec rsyslogd -n -f /run/rsyslog.conf -i NONE
+again "$QVX_FLEET/collector.pid" rsyslogd -n -f /run/rsyslog.conf -i NONE &
+wait $!

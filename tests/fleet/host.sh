@@ -3,9 +3,8 @@
 # SPDX-License-Identifier: MIT
 # host.sh NUMBER ENTRIES PER-SECOND: one host, in its sandbox. In systemd's stead it starts the
 # follower as the example's unit says and, like rsyslog, again when it ends.
-set -euo pipefail
-cd "$(dirname "$0")/../.."
-[ -e /run/qvx-sandbox ] || exit 1
+# shellcheck source-path=SCRIPTDIR
+. "$(dirname "$0")/common.sh"
 folder=$QVX_FLEET/host$1
 echo "host$1" >/proc/sys/kernel/hostname
 mount -t tmpfs tmpfs /var
@@ -24,17 +23,6 @@ ip link set lo up
 ip link set eth0 up
 
 children=()
-trap 'kill $(jobs -p); exit 0' TERM
-again() { # PID-FILE COMMAND ...
-  local pid_file=$1
-  shift
-  while :; do
-    setpriv --pdeathsig TERM "$@" &
-    echo $! >"$pid_file"
-    wait $! || true
-    sleep 1
-  done
-}
 unit=examples/fleet/qvxctl-follow.service
 read -ra follower < <(sed -n 's|^ExecStart=/usr/bin/qvxctl|/run/qvxctl|p' "$unit")
 output=$(sed -n 's/^StandardOutput=append://p' "$unit")
