@@ -15,6 +15,8 @@ entries=${FLEET_ENTRIES:-1000}
 # A host's log moves to its backup after about 500 entries, and an offset may come again in the next
 # log: at this rate not within the second that is in an entry's key.
 rate=150
+# About 20 entries a second arrive.
+patience=$((120 + entries / 5))
 
 say() { echo "fleet: $*"; }
 fail() {
@@ -75,22 +77,22 @@ kill_one() { # PID-FILE
 }
 link() { nsenter -t "${processes[0]}" -n ip link set host1 "$1"; }
 
-wait_for 60 "a fifth of the entries" written 1 $((entries / 5))
+wait_for "$patience" "a fifth of the entries" written 1 $((entries / 5))
 link down
 sleep 2
 kill_one host1/follower
 say "the first host's link is cut, and then its follower killed"
-wait_for 60 "the follower to go on" written 1 $((entries * 2 / 5))
+wait_for "$patience" "the follower to go on" written 1 $((entries * 2 / 5))
 kill_one host1/forwarder
 # The system still holds lines of the killed forwarder; a new collector does not take them.
 kill_one collector.pid
 say "the forwarder and the collector are killed too"
 sleep 3
 link up
-wait_for 120 "half of the entries" written 2 $((entries / 2))
+wait_for "$patience" "half of the entries" written 2 $((entries / 2))
 kill_one host2/forwarder
 say "the second host's forwarder is killed"
-wait_for 120 "the first host's writer" test -e "$folder/host1/done"
-wait_for 120 "the second host's writer" test -e "$folder/host2/done"
-wait_for 300 "all entries at the collector" all_arrived
+wait_for "$patience" "the first host's writer" test -e "$folder/host1/done"
+wait_for "$patience" "the second host's writer" test -e "$folder/host2/done"
+wait_for "$patience" "all entries at the collector" all_arrived
 "$here/judge.py" "$entries" "$folder"/arrived/192.0.2.1[12].json || fail "the judge is not content"

@@ -39,6 +39,7 @@ children+=($!)
   done
 ) &
 children+=($!)
-"$QVX_BUILD/tests/fleet/fleet_writer" "$2" "$3"
+"$QVX_BUILD/tests/fleet/fleet_writer" "$2" "$3" &
+wait $!
 touch "$folder/done"
 wait "${children[@]}"
