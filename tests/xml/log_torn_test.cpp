@@ -111,6 +111,19 @@ TEST_F(LogTorn, AShortEntryAcrossAPageIsMendedToo) {
   EXPECT_EQ(LogNow(), standing.substr(0, 4000) + Entry(2, 5) + "</EventLog>");
 }
 
+// The process was killed after it had put the tag back and before it cut the log. What is left of
+// the entry holds the tag's text, too.
+TEST_F(LogTorn, AnEntryThatWasBeingTakenBackIsTakenBackWhole) {
+  const std::string standing = LogWithItsTagAt(4000);
+  test::WriteFile(kLog, standing);
+  ASSERT_TRUE(Tear(kLog, kPage, 1, 10000));
+  std::string taken = test::ReadFile(kLog);
+  taken.replace(4000, kTagLength, "</EventLog>").replace(4040, kTagLength, "</EventLog>");
+  test::WriteFile(kLog, taken);
+  EXPECT_EQ(Append(kLog, 2, 5), SM_STATUS_SUCCESS);
+  EXPECT_EQ(LogNow(), standing.substr(0, 4000) + Entry(2, 5) + "</EventLog>");
+}
+
 TEST_F(LogTorn, AFirstEntryThatWasCutBeginsTheLogAnew) {
   for (const size_t border : {kPage, 2 * kPage}) {
     for (const char* before : {"", "damaged"}) {
