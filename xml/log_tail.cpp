@@ -70,6 +70,10 @@ bool EndsWithItsClosingTag(const LogFile& log) {
 }
 
 // One write adds one entry, so two of them in a row are from several writes.
+// Deliberate: a description that holds this border itself, as no well-formed one does outside of
+// comments and CDATA, keeps a torn log from being mended. The note's sum ends at the first page
+// border, so such an entry cannot be told from two, of which the first must not be lost. Held by
+// LogTorn.ATornEntryThatLooksLikeTwoIsNotTakenBack.
 bool HoldsTwoEntriesInARow(const LogFile& log, s64 offset) {
   constexpr astring kBorder[] = "</Data></LogEntry><LogEntry><TimeStamp>";
   constexpr s64 kBorderLength = sizeof(kBorder) - 1;

@@ -35,10 +35,13 @@ constexpr char kBackup[] = "/tmp/log.xm_";
 constexpr size_t kPage = 4096;
 constexpr size_t kTagLength = sizeof "</EventLog>" - 1;
 
-u32 Append(const char* path, u32 id, size_t length, u32 maxSize = test::kNoMaximum) {
-  const std::string description(length, 'd');
+u32 AppendText(const char* path, u32 id, const std::string& description, u32 maxSize) {
   return AppendToXMLLog(path, QVX_LOG_INFORMATION, id, "user", "source", description.c_str(),
                         nullptr, 0, maxSize);
+}
+
+u32 Append(const char* path, u32 id, size_t length, u32 maxSize = test::kNoMaximum) {
+  return AppendText(path, id, std::string(length, 'd'), maxSize);
 }
 
 std::string Entry(u32 id, size_t length) {
@@ -63,17 +66,22 @@ std::string LogWithItsTagAt(size_t offset) {
 
 // Appends in another process, which is killed right after its write was cut at `border`: a limit on
 // the size of files cuts it there. False when the process came to its end.
-bool Tear(const char* path, size_t border, u32 id, size_t length, u32 maxSize = test::kNoMaximum) {
+bool TearText(const char* path, size_t border, u32 id, const std::string& description,
+              u32 maxSize = test::kNoMaximum) {
   const auto append = [=] {
     signal(SIGXFSZ, SIG_IGN);
     const rlimit limit = {border, border};
     if (setrlimit(RLIMIT_FSIZE, &limit) != 0) return 9;
-    return static_cast<int>(Append(path, id, length, maxSize) & 0x7F);
+    return static_cast<int>(AppendText(path, id, description, maxSize) & 0x7F);
   };
   const auto look = [path, border] {
     return !test::Exists(path) || test::ReadFile(path).size() < border || EndsWithTag(path);
   };
   return test::RunStepwise(append, look) == test::kKilled;
+}
+
+bool Tear(const char* path, size_t border, u32 id, size_t length, u32 maxSize = test::kNoMaximum) {
+  return TearText(path, border, id, std::string(length, 'd'), maxSize);
 }
 
 class LogTorn : public testing::Test {
@@ -331,6 +339,17 @@ TEST_F(LogTorn, ANoteOfACommonBeginningTakesNoEntryBackBeforeOneThatWasCut) {
     EXPECT_EQ(Append(kLog, 3, 10), SM_STATUS_BAD_DATA);
     EXPECT_EQ(test::ReadFile(kLog), damaged);
   }
+}
+
+// Those may be two entries, and the first of them a whole one.
+TEST_F(LogTorn, ATornEntryThatLooksLikeTwoIsNotTakenBack) {
+  const std::string text(3000, 'd');
+  const std::string two = text + "</Data></LogEntry><LogEntry><TimeStamp>" + text + text;
+  test::WriteFile(kLog, LogWithItsTagAt(kPage - 100));
+  ASSERT_TRUE(TearText(kLog, 2 * kPage, 1, two));
+  const std::string torn = test::ReadFile(kLog);
+  EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_BAD_DATA);
+  EXPECT_EQ(test::ReadFile(kLog), torn);
 }
 
 TEST_F(LogTorn, AnUsualAppendWritesNoNote) {
