@@ -112,8 +112,8 @@ void LoginBare() {
   const pam_conv conversation = {Answer, password.data()};
   pam_handle_t* handle = nullptr;
   Require(pam_start("qvauth", kUser, &conversation, &handle) == PAM_SUCCESS, "pam_start");
-  int status = pam_authenticate(handle, 0);
-  if (status == PAM_SUCCESS) status = pam_acct_mgmt(handle, 0);
+  int status = pam_authenticate(handle, PAM_DISALLOW_NULL_AUTHTOK);
+  if (status == PAM_SUCCESS) status = pam_acct_mgmt(handle, PAM_DISALLOW_NULL_AUTHTOK);
   pam_end(handle, status);
   Require(status == PAM_SUCCESS, "login");
 }
@@ -218,6 +218,19 @@ void CompareLoad(int lines) {
       [lines] { WriteMap(lines, "* * user"); });
 }
 
+// A login takes milliseconds: a repetition of the usual length would be one or two of them.
+void CompareRequest() {
+  constexpr double kSeconds = 0.5;
+  constexpr char kJob[] = "the whole request: login, rights, answer, record";
+  const auto bare = [] {
+    LoginBare();
+    AskBare(kUser);
+    AppendBare();
+  };
+  Register(kJob, kOurs, Request, UseBuiltInLines)->MinTime(kSeconds);
+  Register(kJob, "PAM and a bare append", bare, UseBuiltInLines)->MinTime(kSeconds);
+}
+
 const bool kRegistered = [] {
   MakeAccount();
   MakeGroups();
@@ -230,15 +243,7 @@ const bool kRegistered = [] {
   for (const int lines : {100, 1000, 10000}) {
     CompareLoad(lines);
   }
-  Compare(
-      "the whole request: login, rights, answer, record", "PAM and a bare append",
-      [] { Request(); },
-      [] {
-        LoginBare();
-        AskBare(kUser);
-        AppendBare();
-      },
-      UseBuiltInLines);
+  CompareRequest();
   return true;
 }();
 

@@ -26,15 +26,15 @@ inline void Nothing() {}
 
 // `prepare` is run before each repetition, untimed.
 template <typename Work, typename Prepare = void (*)()>
-void Register(const std::string& job, const std::string& who, Work work,
-              Prepare prepare = Nothing) {
-  benchmark::RegisterBenchmark((job + "/" + who).c_str(), [work, prepare](
-                                                              benchmark::State& state) mutable {
+benchmark::internal::Benchmark* Register(const std::string& job, const std::string& who, Work work,
+                                         Prepare prepare = Nothing) {
+  const auto run = [work, prepare](benchmark::State& state) mutable {
     prepare();
     for (auto _ : state) {
       work();
     }
-  })->MeasureProcessCPUTime();
+  };
+  return benchmark::RegisterBenchmark((job + "/" + who).c_str(), run)->MeasureProcessCPUTime();
 }
 
 template <typename Ours, typename Peers, typename Prepare = void (*)()>
