@@ -19,20 +19,45 @@ std::string_view TextOf(std::string_view line) {
   return line.substr(0, line.find('\0'));
 }
 
-}  // namespace
-
-u32 ParseForSection(std::string_view line, astring* name) {
-  if (line.data() == nullptr || name == nullptr) return SM_STATUS_BAD_ARGUMENT;
-  name[0] = '\0';
+// The name of a header; empty for a line that is none.
+u32 ParseHeader(std::string_view line, std::string_view* name) {
+  *name = "";
   if (!EndsSection(line)) return kMinusOne;
   const std::string_view text = TextOf(SkipBlanks(line).substr(1));
   const size_t length = std::min(text.find(']'), text.size());
   // Deliberate: only the first 255 characters of a header's name count, so two longer names that
   // begin alike are one section. Held by IniLines.SectionNamesAreCutAt255Characters.
-  const size_t kept = std::min<size_t>(length, kNameRoom - 1);
-  memcpy(name, text.data(), kept);
-  name[kept] = '\0';
+  *name = text.substr(0, std::min<size_t>(length, kNameRoom - 1));
   return length < text.size() ? SM_STATUS_SUCCESS : SM_STATUS_BAD_SECTION_HEADER;
+}
+
+}  // namespace
+
+u32 ParseForSection(std::string_view line, astring* name) {
+  if (line.data() == nullptr || name == nullptr) return SM_STATUS_BAD_ARGUMENT;
+  std::string_view found;
+  const u32 status = ParseHeader(line, &found);
+  memcpy(name, found.data(), found.size());
+  name[found.size()] = '\0';
+  return status;
+}
+
+u32 IsHeaderOf(std::string_view section, std::string_view line) {
+  std::string_view found;
+  const u32 status = ParseHeader(line, &found);
+  return status == SM_STATUS_SUCCESS && found != section ? kMinusOne : status;
+}
+
+u32 SearchForHeader(std::string_view section, std::string_view text, size_t* length) {
+  *length = 0;
+  for (;;) {
+    *length += LinesBeforeHeader(text.substr(*length)).size();
+    const std::string_view line = text.substr(*length, LineLength(text.substr(*length)));
+    const u32 status = IsHeaderOf(section, line);
+    if (line.empty() || status == SM_STATUS_BAD_SECTION_HEADER) return status;
+    *length += line.size();
+    if (status == SM_STATUS_SUCCESS) return status;
+  }
 }
 
 // Looks for brackets, of which there are few, rather than for lines.

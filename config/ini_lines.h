@@ -3,6 +3,7 @@
 #ifndef QVX_CONFIG_INI_LINES_H
 #define QVX_CONFIG_INI_LINES_H
 
+#include <cstddef>
 #include <string_view>
 
 #include "qvxcs/ini_file.h"
@@ -40,6 +41,13 @@ inline bool EndsSection(std::string_view line) { return SkipBlanks(line).starts_
 // The whole lines that a text begins with before one that ends a section: no header is looked for
 // in them. What follows may also be a line that goes on after the text.
 std::string_view LinesBeforeHeader(std::string_view text);
+
+// Whether the line is the section's header; statuses as above, with -1 for another section too.
+u32 IsHeaderOf(std::string_view section, std::string_view line);
+
+// Searches the whole lines that a text begins with for the section's header; -1 without it.
+// `*length` is what was searched, the header included, but not a malformed one.
+u32 SearchForHeader(std::string_view section, std::string_view text, size_t* length);
 
 // A line's key: from the first character that is no space or tab to "=", the line end or the end of
 // the text. `value` is what follows the "=", without the line end; a line without "=" has none.

@@ -21,18 +21,18 @@ namespace {
 
 constexpr u32 kSmallestList = 2;
 
-u32 FindHeader(const astring* section, BlockReader* file) {
-  astring name[kNameRoom];
+u32 FindHeader(std::string_view section, BlockReader* file) {
   for (;;) {
-    file->Skip(LinesBeforeHeader(file->Unread()).size());
+    size_t searched = 0;
+    u32 status = SearchForHeader(section, file->Unread(), &searched);
+    file->Skip(searched);
+    if (status != kMinusOne) return status;
     std::string_view line;
     const LineRead read = NextLine(file, &line);
     if (read == LineRead::kEnd) return SM_STATUS_SECTION_NOT_FOUND;
     if (read == LineRead::kError) return SM_STATUS_BAD_SECTION_HEADER;
-    if (!EndsSection(line)) continue;
-    const u32 status = ParseForSection(line, name);
-    if (status == SM_STATUS_BAD_SECTION_HEADER) return status;
-    if (status == SM_STATUS_SUCCESS && strcmp(name, section) == 0) return SM_STATUS_SUCCESS;
+    status = IsHeaderOf(section, line);
+    if (status != kMinusOne) return status;
   }
 }
 

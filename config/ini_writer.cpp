@@ -73,19 +73,20 @@ u32 PutInPlace(const astring* path, const astring* tmpPath, Descriptor copy) {
 
 u32 FindSection(const astring* section, BlockReader* in, BlockWriter* out) {
   if (!*in || !*out) return kMinusOne;
-  astring name[kNameRoom];
   for (;;) {
-    const std::string_view skipped = LinesBeforeHeader(in->Unread());
-    if (!out->Write(skipped)) return SM_STATUS_WRITE_FAILED;
-    in->Skip(skipped.size());
+    size_t searched = 0;
+    u32 status = SearchForHeader(section, in->Unread(), &searched);
+    if (!out->Write(in->Unread().substr(0, searched))) return SM_STATUS_WRITE_FAILED;
+    in->Skip(searched);
+    if (status != kMinusOne) return status;
     std::string_view line;
     const LineRead read = NextLine(in, &line);
     if (read == LineRead::kEnd) return SM_STATUS_SECTION_NOT_FOUND;
     if (read == LineRead::kError) return SM_STATUS_BAD_SECTION_HEADER;
-    const u32 header = EndsSection(line) ? ParseForSection(line, name) : kMinusOne;
-    if (header == SM_STATUS_BAD_SECTION_HEADER) return header;
+    status = IsHeaderOf(section, line);
+    if (status == SM_STATUS_BAD_SECTION_HEADER) return status;
     if (!out->Write(line)) return SM_STATUS_WRITE_FAILED;
-    if (header == SM_STATUS_SUCCESS && strcmp(name, section) == 0) return SM_STATUS_SUCCESS;
+    if (status == SM_STATUS_SUCCESS) return status;
   }
 }
 

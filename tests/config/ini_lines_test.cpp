@@ -131,6 +131,27 @@ TEST(IniLines, APieceOfALongLineMayBeAHeader) {
   EXPECT_EQ(LinesBeforeHeader(piece + "xx").size(), 8449u);
 }
 
+TEST(IniLines, TheSearchForAHeaderEndsAfterItOrBeforeAMalformedOne) {
+  constexpr u32 kNotFound = 0xFFFFFFFF;
+  const struct {
+    std::string text;
+    u32 status;
+    size_t length;
+  } rows[] = {
+      {"a=1\n[t]\nb=2\n[s]x\nc=3\n", SM_STATUS_SUCCESS, 17},
+      {"[ss]\n[S]\n [s]\n", SM_STATUS_SUCCESS, 14},
+      {"[t]\nk\n[s\n[s]\n", SM_STATUS_BAD_SECTION_HEADER, 6},
+      {"k\n[t]\nrest", kNotFound, 6},
+      {"k\n[s]", kNotFound, 2},  // the line may go on
+      {"", kNotFound, 0},
+  };
+  for (const auto& row : rows) {
+    size_t length = 77;
+    EXPECT_EQ(SearchForHeader("s", row.text, &length), row.status) << row.text;
+    EXPECT_EQ(length, row.length) << row.text;
+  }
+}
+
 TEST(IniLines, KeyRunsFromTheFirstCharacterToTheFirstEqualsSign) {
   EXPECT_EQ(KeyTextOf("port=80\n"), "port");
   EXPECT_EQ(KeyTextOf(" \tport = 80\n"), "port ");
