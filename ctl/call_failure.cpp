@@ -20,7 +20,7 @@ namespace {
 // The lock is held, or its file cannot be reached: then the library could not attach.
 Failure LockFailure(const std::string& what) {
   const std::string holder = DescribeHolder();
-  const Failure failure = StatusFailure(what, SM_STATUS_LOCK_FAILED);
+  Failure failure = StatusFailure(what, SM_STATUS_LOCK_FAILED);
   if (!holder.empty()) return {kUnknown, failure.what() + (": " + holder + " holds it")};
   const int reason = ReasonNotReadable(kIPCFilePath);
   if (reason == 0) return failure;

@@ -3,6 +3,7 @@
 #include "ctl/ini_value.h"
 
 #include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <system_error>
 

@@ -103,7 +103,7 @@ class Searcher {
 std::string FindPamService(const std::string& service) {
   if (service.starts_with('/')) return access(service.c_str(), F_OK) == 0 ? service : "";
   for (const char* directory : kDirectories) {
-    const std::string path = directory + service;
+    std::string path = directory + service;
     if (access(path.c_str(), F_OK) == 0) return path;
   }
   return "";
