@@ -30,9 +30,12 @@ class LogReader {
   // Bytes of the log from an offset on; 0 at the end. Throws when it fails.
   class Source {
    public:
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
     virtual size_t Read(u64 offset, char* room, size_t size) = 0;
 
    protected:
+    Source() = default;
     ~Source() = default;
   };
 
