@@ -220,8 +220,12 @@ constexpr u8 kInverted[test::kSecretLength + 1] = {
     0xFF ^ 'Z', 0xFF ^ 'q', 0xFF ^ '7', 0xFF ^ '#', 0xFF ^ 'v', 0xFF ^ 'e', 0xFF ^ 'x', 0xFF ^ 'i',
     0xFF ^ 'l', 0xFF ^ '-', 0xFF ^ 'X', 0xFF ^ 'w', 0xFF ^ '9', 0xFF ^ '1', 0xFF};
 
+// The password that ends with it.
 template <typename Unit>
-void PutSecret(Unit* out) {
+void PutPassword(Unit* out) {
+  for (size_t at = 0; at < test::kBeforeSecret; ++at) {
+    *out++ = 'a';
+  }
   for (size_t at = 0; at <= test::kSecretLength; ++at) {
     out[at] = static_cast<Unit>(kInverted[at] ^ 0xFF);
   }
@@ -233,8 +237,8 @@ class AuthenticateMemory : public Authenticate {
     Authenticate::SetUp();
     // A child computes the hash, so that this process has never seen the password.
     ASSERT_EQ(test::InChild([] {
-                char password[test::kSecretLength + 1];
-                PutSecret(password);
+                char password[test::kPasswordLength + 1];
+                PutPassword(password);
                 test::AddUser("bob", 7010, 7100, test::Hash(password));
                 return 0;
               }),
@@ -250,21 +254,22 @@ class AuthenticateMemory : public Authenticate {
   // bob's rights with this password, either `spoilt` or right.
   static u32 LogInBob(bool spoilt) {
     const Units name = Text(u"bob");
-    ustring secret[test::kSecretLength + 2] = {};
-    PutSecret(secret);
-    if (spoilt) secret[test::kSecretLength] = 'x';
+    ustring secret[test::kPasswordLength + 2] = {};
+    PutPassword(secret);
+    if (spoilt) secret[test::kPasswordLength] = 'x';
     return PXTAuthenticateUser(nullptr, name.data(), secret);
   }
 };
 
 TEST_F(AuthenticateMemory, TheScanFindsAPlantedCopyOnHeapAndStack) {
-  auto* heap = static_cast<ustring*>(malloc(64));
-  char stack[test::kSecretLength + 1];
+  constexpr size_t kRoom = (test::kPasswordLength + 1) * sizeof(ustring);
+  auto* heap = static_cast<ustring*>(malloc(kRoom));
+  char stack[test::kPasswordLength + 1];
   ASSERT_NE(heap, nullptr);
-  PutSecret(heap);
-  PutSecret(stack);
+  PutPassword(heap);
+  PutPassword(stack);
   const test::Found found = test::ScanWritableMemory(kInverted);
-  explicit_bzero(heap, 64);
+  explicit_bzero(heap, kRoom);
   explicit_bzero(stack, sizeof(stack));
   free(heap);
   EXPECT_GE(found.narrow, 1u);

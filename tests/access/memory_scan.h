@@ -15,9 +15,14 @@
 
 // Counts a secret in this process's writable memory. The scan itself holds it only with every byte
 // inverted, and copies memory into its own buffer, which it does not scan.
+//
+// A heap writes over the first bytes of a block that is freed, so that a short secret would be gone
+// from it anyway: the secret is the end of a longer text.
 namespace qvx::test {
 
+constexpr size_t kBeforeSecret = 32;
 constexpr size_t kSecretLength = 14;
+constexpr size_t kPasswordLength = kBeforeSecret + kSecretLength;
 constexpr u8 kInversion = 0xFF;
 
 // Whether the secret begins here, its characters `width` bytes apart.

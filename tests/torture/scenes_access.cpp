@@ -16,16 +16,19 @@ constexpr char kPrograms[] = "/etc/cim/zarn/plinthos/vexilon/qvx/ini/torture.ini
 void Accounts() { (void)getpwuid(0); }
 void Programs() { WriteText(kPrograms, "[programs]\nmask=7\n"); }
 
-// Each unit less one, so that the program's own memory has no copy of the password.
+// Each unit less one, so that the program's own memory has no copy of the secret.
 constexpr qvx_ustring kSpelt[] = {'n', 'o', 'd', 'm', 0x1F, 'r', 'd', 'r', '`', 'l', 'd'};
 static_assert(sizeof(kSpelt) / sizeof(kSpelt[0]) == kSecretLength);
 
 qvx_u32 Login() {
-  volatile qvx_ustring password[kSecretLength + 1];
-  for (size_t at = 0; at < kSecretLength; ++at) {
-    password[at] = static_cast<qvx_ustring>(kSpelt[at] + 1);
+  volatile qvx_ustring password[kBeforeSecret + kSecretLength + 1];
+  for (size_t at = 0; at < kBeforeSecret; ++at) {
+    password[at] = 'a';
   }
-  password[kSecretLength] = 0;
+  for (size_t at = 0; at < kSecretLength; ++at) {
+    password[kBeforeSecret + at] = static_cast<qvx_ustring>(kSpelt[at] + 1);
+  }
+  password[kBeforeSecret + kSecretLength] = 0;
   return Status(PXTAuthenticateUser(nullptr, kUser, const_cast<qvx_ustring*>(password)) != 0);
 }
 

@@ -42,10 +42,12 @@ std::vector<Scene> PathScenes();
 std::vector<Scene> ValueScenes();
 std::vector<Scene> AccessScenes();
 std::vector<Scene> AllScenes();
-// A login by PAM, and its password.
+// A login by PAM. Its password ends with what is sought: a heap writes over the first bytes of a
+// block that is freed.
 Scene LoginScene();
+inline constexpr size_t kBeforeSecret = 32;
 inline constexpr size_t kSecretLength = 11;
-// Whether the password begins here, in characters of so many bytes.
+// Whether the secret begins here, in characters of so many bytes.
 bool IsSecret(const unsigned char* bytes, size_t width);
 
 // For scenes: a status of what has none, and whether a text came, which is freed.
