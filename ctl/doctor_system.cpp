@@ -66,10 +66,12 @@ Diagnosis CheckIpcBase() {
   const s32 base = ReadIPCNameBase();
   const std::string text = "ipcnamebase=" + std::to_string(base);
   const std::string mend = std::string("sed -i '/ipcnamebase=/d' ") + kIPCConfigPath;
-  if (base == kUselessBase)
+  if (base == kUselessBase) {
     return {"IPC base", Health::kFault, text + " keeps the library out", mend};
-  if (base == kUnreadBase)
+  }
+  if (base == kUnreadBase) {
     return {"IPC base", Health::kWarning, text + " is read anew each time", mend};
+  }
   return {"IPC base", Health::kGood, text, ""};
 }
 

@@ -31,8 +31,9 @@ void RefuseUnreadable(const IniArguments& given) {
   const auto has = [](const std::string& text, const char* characters) {
     return text.find_first_of(characters) != std::string::npos;
   };
-  if (has(*given.section, "]\n"))
+  if (has(*given.section, "]\n")) {
     throw Failure(kUsage, "ini set: a section has no \"]\" or line end");
+  }
   if (has(given.key, "=\n") || given.key.empty() || has(given.key.substr(0, 1), "[#; \t")) {
     throw Failure(kUsage,
                   "ini set: a key has no \"=\" or line end and does not begin with a blank, "
@@ -79,8 +80,9 @@ ExitCode List(const IniArguments& given) {
     PrintJson({{given.section ? "keys" : "sections", names}});
     return kYes;
   }
-  for (const std::string& name : names)
+  for (const std::string& name : names) {
     PrintValue(name);
+  }
   return kYes;
 }
 

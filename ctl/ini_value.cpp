@@ -113,8 +113,9 @@ const IniTypeEntry& FindIniType(std::string_view name) {
 
 std::vector<std::string> IniTypeNames() {
   std::vector<std::string> names;
-  for (const IniTypeEntry& type : kTypes)
+  for (const IniTypeEntry& type : kTypes) {
     names.emplace_back(type.name);
+  }
   return names;
 }
 

@@ -28,8 +28,9 @@ ExitCode ShowLock(bool asJson) {
   const std::vector<LockHolder> holders = FindLockHolders();
   if (asJson) {
     Json list = Json::array();
-    for (const LockHolder& holder : holders)
+    for (const LockHolder& holder : holders) {
       list.push_back(JsonOf(holder));
+    }
     PrintJson({{"held", !holders.empty()}, {"processes", list}});
     return kYes;
   }

@@ -63,8 +63,9 @@ std::string TextOf(const std::string& path) {
 
 std::string CommandOf(pid_t process) {
   std::string command = TextOf("/proc/" + std::to_string(process) + "/cmdline");
-  while (!command.empty() && command.back() == '\0')
+  while (!command.empty() && command.back() == '\0') {
     command.pop_back();
+  }
   for (char& character : command) {
     if (character == '\0') character = ' ';
   }
@@ -96,8 +97,9 @@ std::string StartOf(pid_t process) {
   if (bracket == std::string::npos) return "";
   std::istringstream fields(text.substr(bracket + 1));
   std::string field;
-  for (int at = 3; at <= 22; ++at)
+  for (int at = 3; at <= 22; ++at) {
     fields >> field;
+  }
   const long long ticks = strtoll(field.c_str(), nullptr, 10);
   const time_t start = BootTime() + static_cast<time_t>(ticks / sysconf(_SC_CLK_TCK));
   std::tm parts{};

@@ -65,8 +65,9 @@ bool IsConfirmed() {
 
 ExitCode Repair(const LogArguments& given) {
   const LogDamage damage = ExamineLog(given.file);
-  for (const std::string& text : damage.findings)
+  for (const std::string& text : damage.findings) {
     PrintLine(given.file + ": " + text);
+  }
   if (damage.findings.empty()) PrintLine(given.file + ": whole");
   FlushOutput();
   if (!damage.mendable) return damage.findings.empty() ? kYes : kNo;

@@ -28,8 +28,9 @@ LogFile::LogFile(Descriptor file, const std::string& path) : path_(path), file_(
   if (!file_) throw SystemFailure(path, errno);
   struct stat status {};
   if (fstat(file_.Number(), &status) != 0) throw SystemFailure(path, errno);
-  if (!S_ISREG(status.st_mode))
+  if (!S_ISREG(status.st_mode)) {
     throw SystemFailure(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+  }
   id_ = FileIdOf(status);
 }
 

@@ -123,8 +123,9 @@ std::string OneLine(std::string_view text) {
     if (length != 0 && IsShown(character)) {
       line += text.substr(0, taken);
     } else {
-      for (const char byte : text.substr(0, taken))
+      for (const char byte : text.substr(0, taken)) {
         AppendEscaped(line, byte);
+      }
     }
     text.remove_prefix(taken);
   }

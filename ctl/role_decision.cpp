@@ -80,12 +80,14 @@ class RankedEntries {
   explicit RankedEntries(const std::vector<QVXRole*>& entries) : entries_(entries) {
     if (entries.size() >= kMostEntries) throw Failure(kUnknown, "rights: too many entries");
     u32 rank = kMostEntries;
-    for (QVXRole* entry : entries_)
+    for (QVXRole* entry : entries_) {
       entry->privileges = entry->privileges << kRankBits | rank--;
+    }
   }
   ~RankedEntries() {
-    for (QVXRole* entry : entries_)
+    for (QVXRole* entry : entries_) {
       entry->privileges >>= kRankBits;
+    }
   }
   RankedEntries(const RankedEntries&) = delete;
   RankedEntries& operator=(const RankedEntries&) = delete;

@@ -33,8 +33,9 @@ class EntryChecker {
       line_ = static_cast<unsigned long>(record->GetLineNumber());
       std::deque<QVXRole*> roles;
       record->GetRoles(roles);
-      for (const QVXRole* role : roles)
+      for (const QVXRole* role : roles) {
         Check(*role);
+      }
     }
     for (const auto& [user, hosts] : shared_) {
       if (user != "*") CheckHosts(user, hosts);

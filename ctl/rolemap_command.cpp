@@ -56,8 +56,9 @@ ExitCode Check(const RolemapArguments& given) {
                {"findings", JsonOf(findings)}});
     return isClean ? kYes : kNo;
   }
-  for (const RoleMapFinding& finding : findings)
+  for (const RoleMapFinding& finding : findings) {
     ShowFinding(given.file, finding);
+  }
   if (hasFault) PrintLine("the library refuses this map and takes its built-in lines instead");
   if (isClean) PrintLine(given.file + ": no fault");
   return isClean ? kYes : kNo;
