@@ -207,7 +207,7 @@ TEST(XmlBuffer, AttributesStandInEveryKindOfElement) {
 std::string Running(size_t length, char first) {
   std::string text;
   for (size_t at = 0; at < length; ++at) {
-    text += static_cast<char>(first + at % 23);
+    text += static_cast<char>(first + static_cast<char>(at % 23));
   }
   return text;
 }
