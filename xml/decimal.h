@@ -21,10 +21,12 @@ struct Decimal {
   bool isNegative;
 };
 
+inline constexpr size_t kMostDigits = 20;  // of 64 bits
+
 // The least number of each count of digits, but 0 for the first.
 inline constexpr auto kLeastOfDigits = [] {
-  std::array<u64, 21> least = {0, 0, 10};
-  for (size_t digits = 3; digits < least.size(); ++digits) {
+  std::array<u64, kMostDigits + 1> least = {0, 0, 10};
+  for (size_t digits = 3; digits <= kMostDigits; ++digits) {
     least[digits] = 10 * least[digits - 1];
   }
   return least;
