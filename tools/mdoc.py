@@ -94,11 +94,9 @@ class Writer:
                 groups[-1].append((self.markup(text), text))
                 continue
             for part in re.split(r"(\s+)", text):
-                if not part or part.isspace():
-                    if part:
-                        groups.append([])
-                    continue
-                for bit in KNOWN.split(part):
+                if part.isspace():
+                    groups.append([])
+                for bit in KNOWN.split(part.strip()):
                     if bit:
                         known = KNOWN.fullmatch(bit) or bit.removesuffix("()") in self.links
                         groups[-1].append((self.markup(bit) if known else None, bit))
@@ -171,26 +169,18 @@ class Writer:
                 *unparted(self.blocks(section))]
 
     def bullets(self, element):
-        lines = [".Bl -bullet"]
-        for item in element.findall("listitem"):
-            lines += [".It", *unparted(self.blocks(item))]
-        return [*lines, ".El"]
+        return [".Bl -bullet", *(line for item in element.findall("listitem")
+                                 for line in [".It", *unparted(self.blocks(item))]), ".El"]
 
     def table(self, element):
         rows = [row.findall("entry") for row in element.findall("row")]
         widths = [max((plain(row[column]) for row in rows), key=len) + "mm"
                   for column in range(len(rows[0]) - 1)]
-        lines = [".Bl -column " + " ".join(f'"{escape(width)}"' for width in widths)]
-        for row in rows:
-            lines.append(".It " + " Ta ".join(self.cell(entry) for entry in row))
-        return [*lines, ".El"]
+        return [".Bl -column " + " ".join(f'"{escape(width)}"' for width in widths),
+                *(".It " + " Ta ".join(self.cell(entry) for entry in row) for row in rows), ".El"]
 
     def cell(self, entry):
-        """A table's cell, which has to be a part of one line.
-
-        Code is literal here, without the quotes of running text: groff would close them only behind
-        the last cell.
-        """
+        """A table's cell, a part of one line. Code has no quotes: groff would close them late."""
         if entry.get("thead") == "yes":
             return "Em " + argument(plain(entry), code=False)
         parts, words = [], []
@@ -207,14 +197,9 @@ class Writer:
                 parts.append(self.macro_line(group)[1:])
         return " ".join(parts)
 
-    def verbatim(self, element):
-        return verbatim(element.text)
-
-    def nothing(self, element):
-        raise ValueError(f"{element.tag} has no place here")
-
-    BLOCKS = {"itemizedlist": bullets, "table": table, "verbatim": verbatim, "simplesect": titled,
-              "parameterlist": nothing}
+    # A parameterlist is never shown: it is skipped.
+    BLOCKS = {"itemizedlist": bullets, "table": table, "simplesect": titled, "parameterlist": None,
+              "verbatim": lambda self, element: verbatim(element.text)}
 
 
 def verbatim(text):
