@@ -117,8 +117,9 @@ bool ShowLog(const std::string& path, const LogView& view) {
   }
   FlushOutput();
   const LogDamage damage = ExamineLog(path);
+  const std::string begin = path + ": ";
   for (const std::string& text : damage.findings) {
-    Warn(path + ": " + text);
+    Warn(begin + text);
   }
   return damage.findings.empty();
 }

@@ -77,10 +77,11 @@ class EntryChecker {
   void CheckHosts(const std::string& group, const std::map<std::string, Grant>& hosts) {
     const auto everywhere = hosts.find("*");
     if (everywhere == hosts.end()) return;
+    const std::string begin = group + " on ";
+    const std::string end = " is shadowed by line " + std::to_string(everywhere->second.line);
     for (const auto& [host, grant] : hosts) {
       if (host == "*" || grant.privileges > everywhere->second.privileges) continue;
-      Warn(grant.line, group + " on " + host + " is shadowed by line " +
-                           std::to_string(everywhere->second.line));
+      Warn(grant.line, std::string(begin).append(host).append(end));
     }
   }
 
