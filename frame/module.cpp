@@ -13,6 +13,7 @@
 #include "os/ipc_name.h"
 #include "os/threads_turn.h"
 #include "paths/install_path.h"
+#include "text/wide.h"
 #include "xml/command_log.h"
 
 namespace qvx {
@@ -72,6 +73,7 @@ s32 ModuleDetach() {
 }
 
 s16 ModuleInit() {
+  (void)AskProcessor();  // before the host has threads that would all ask
   WatchForks();
   return static_cast<s16>(ModuleAttach());
 }
