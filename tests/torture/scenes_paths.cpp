@@ -4,6 +4,7 @@
 // Paths, names of host and locale, addresses, small files.
 #include <pwd.h>
 
+#include <cstdio>
 #include <cstring>
 
 #include "torture/torture.h"
@@ -76,8 +77,11 @@ bool TmpName() {
   return PXTGetTmpFile("/tmp", name, &size) == 0;
 }
 
+// Its thread's own: another one could remove it first.
 bool FolderMadeAndRemoved() {
-  return PXTMkDir("/tmp/torture-folder") == 0 && PXTRmDir("/tmp/torture-folder") == 0;
+  char folder[48];
+  (void)snprintf(folder, sizeof(folder), "/tmp/torture-folder-%d", gettid());
+  return PXTMkDir(folder) == 0 && PXTRmDir(folder) == 0;
 }
 
 bool LibraryLoaded() {
