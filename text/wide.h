@@ -41,9 +41,9 @@ enum ProcessorLevel : int {
   kWideBlocks,   // AVX2, whose registers the system keeps
 };
 
-// Kept because a virtual machine needs microseconds to answer; asked for when the library is loaded,
-// or else by the first use. Threads that ask at the same time store the same level. Tests store a
-// lower one.
+// Kept because a virtual machine needs microseconds to answer; asked for when the library is
+// loaded, or else by the first use. Threads that ask at the same time store the same level. Tests
+// store a lower one.
 extern std::atomic<int> processorLevel;
 
 // Stores the level and returns it.
