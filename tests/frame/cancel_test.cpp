@@ -27,6 +27,7 @@
 #include "support/files.h"
 #include "support/passing_time.h"
 #include "support/processes.h"
+#include "support/sanitizers.h"
 
 namespace {
 
@@ -187,9 +188,7 @@ u32 UntilTold(u32) {
 
 // ThreadSanitizer reports a cancelled join as a fault, because of its own bookkeeping.
 QVX_ALONE(Cancel, WaitingForAThreadMayBeCancelled) {
-#ifdef __SANITIZE_THREAD__
-  GTEST_SKIP();
-#endif
+  if (QVX_THREAD_SANITIZER != 0) GTEST_SKIP();
   const Attached attached;
   PXTThread thread = {};
   ASSERT_EQ(PXTThreadStart(&thread, UntilTold, 0), 0);
@@ -200,16 +199,10 @@ QVX_ALONE(Cancel, WaitingForAThreadMayBeCancelled) {
 
 }  // namespace
 
-// The sanitizer takes a thread that ends within its own pthread_setcanceltype for a fault.
-#ifdef __SANITIZE_THREAD__
-constexpr bool kThreadSanitizer = true;
-#else
-constexpr bool kThreadSanitizer = false;
-#endif
-
-// The request comes while the append waits; the entry is there, and the process lives on.
+// The request comes while the append waits; the entry is there, and the process lives on. The
+// thread sanitizer takes a thread that ends within its own pthread_setcanceltype for a fault.
 QVX_ALONE(Cancel, AnAsynchronousRequestEndsTheThreadAfterItsLogAppend) {
-  if (kThreadSanitizer) GTEST_SKIP();
+  if (QVX_THREAD_SANITIZER != 0) GTEST_SKIP();
   const Attached attached;
   LockHolder other(qvx::kIPCFilePath);
   const OnSleep release([&other](u32) {
@@ -229,7 +222,7 @@ s32 AsksForTheEnd(PXTDLListEntry*, PXTDLListEntry*) {
 }
 
 QVX_ALONE(Cancel, AnAsynchronousRequestOfACompareEndsTheThreadAfterTheInsertion) {
-  if (kThreadSanitizer) GTEST_SKIP();
+  if (QVX_THREAD_SANITIZER != 0) GTEST_SKIP();
   PXTDLList* const list = PXTDLListAlloc();
   PXTDLListInsertEntryAtHead(list, PXTDLListEntryAlloc(1));
   EXPECT_TRUE(EndsWithin(

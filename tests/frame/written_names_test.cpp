@@ -80,7 +80,8 @@ bool IsPlanted(const Case& given) {
 }
 
 // A call that would wait for the other end of a FIFO is ended by the alarm, and the case fails.
-void Expect(const Case& given, void (*prepare)(), u32 (*call)()) {
+void Expect(const Case& given, void (*prepare)(), u32 (*call)(), const char* target,
+            const char* written) {
   SCOPED_TRACE(std::string(given.name) + ", plant " +
                std::to_string(static_cast<int>(given.plant)));
   ASSERT_EQ(mkdir("/run/names", 0755), 0);
@@ -90,6 +91,9 @@ void Expect(const Case& given, void (*prepare)(), u32 (*call)()) {
   (void)alarm(60);
   EXPECT_EQ(call(), given.status);
   (void)alarm(0);
+  if (given.status == SM_STATUS_SUCCESS) {
+    EXPECT_NE(ReadFile(target).find(written), std::string::npos) << ReadFile(target);
+  }
   EXPECT_EQ(ReadFile(kVictim), kVictimText);
   EXPECT_EQ(IsPlanted(given), given.stays);
   EXPECT_TRUE(qvx::test::LockIsFree());
@@ -114,7 +118,7 @@ QVX_ALONE(WrittenNames, AnIniFileAndItsCopy) {
            Case{kIniCopy, Plant::kLink, SM_STATUS_SUCCESS, false},
            Case{kIniCopy, Plant::kHardLink, SM_STATUS_SUCCESS, false},
        }) {
-    Expect(given, GiveIni, ReplaceIniValue);
+    Expect(given, GiveIni, ReplaceIniValue, kIni, "key=2\n");
   }
 }
 
@@ -139,18 +143,18 @@ QVX_ALONE(WrittenNames, AKeyValueFileAndItsCopy) {
            Case{kPairsCopy, Plant::kLink, SM_STATUS_SUCCESS, false},
            Case{kPairsCopy, Plant::kHardLink, SM_STATUS_SUCCESS, false},
        }) {
-    Expect(given, GivePairs, ReplacePair);
+    Expect(given, GivePairs, ReplacePair, kPairs, "key=2\n");
   }
 }
 
-u32 Append(u32 maximum) {
-  return PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 7, "u", "s", "<D/>", nullptr, 0, maximum);
+u32 Append(u32 id, u32 maximum) {
+  return PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, id, "u", "s", "<D/>", nullptr, 0, maximum);
 }
 
-void GiveLog() { ASSERT_EQ(Append(QVX_CMDLOG_MAX_SIZE), SM_STATUS_SUCCESS); }
+void GiveLog() { ASSERT_EQ(Append(6, QVX_CMDLOG_MAX_SIZE), SM_STATUS_SUCCESS); }
 
 // The log that is there moves to its backup first.
-u32 AppendToAFullLog() { return Append(1); }
+u32 AppendToAFullLog() { return Append(7, 1); }
 
 QVX_ALONE(WrittenNames, ALogAndItsBackup) {
   ASSERT_EQ(qvx::ModuleInit(), 1);
@@ -162,7 +166,7 @@ QVX_ALONE(WrittenNames, ALogAndItsBackup) {
            Case{kBackup, Plant::kLink, SM_STATUS_SUCCESS, false},
            Case{kBackup, Plant::kHardLink, SM_STATUS_SUCCESS, false},
        }) {
-    Expect(given, GiveLog, AppendToAFullLog);
+    Expect(given, GiveLog, AppendToAFullLog, kLog, "<ID>7</ID>");
   }
 }
 

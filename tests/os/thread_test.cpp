@@ -10,17 +10,7 @@
 #include <climits>
 
 #include "support/processes.h"
-
-#if defined(__SANITIZE_THREAD__)
-#define QVX_THREAD_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define QVX_THREAD_SANITIZER 1
-#endif
-#endif
-#ifndef QVX_THREAD_SANITIZER
-#define QVX_THREAD_SANITIZER 0
-#endif
+#include "support/sanitizers.h"
 
 namespace {
 

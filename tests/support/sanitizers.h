@@ -16,4 +16,17 @@
 #define QVX_SANITIZED 0
 #endif
 
+// 1 with the thread sanitizer, whose bookkeeping does not know a thread that is cancelled within
+// some calls, or waited for twice.
+#if defined(__SANITIZE_THREAD__)
+#define QVX_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define QVX_THREAD_SANITIZER 1
+#endif
+#endif
+#ifndef QVX_THREAD_SANITIZER
+#define QVX_THREAD_SANITIZER 0
+#endif
+
 #endif
