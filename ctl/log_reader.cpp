@@ -16,7 +16,6 @@ constexpr std::string_view kClosing = "</EventLog>";
 constexpr size_t kPiece = size_t{1} << 16;
 // The library's longest entry, its dump included, has under 200,000 bytes.
 constexpr size_t kLongestEntry = size_t{1} << 20;
-constexpr int kLooks = 3;
 
 static_assert(kHead.size() == kFirstEntry);
 
@@ -26,7 +25,18 @@ bool MayBecome(std::string_view rest, std::string_view mark) {
 
 }  // namespace
 
+// While an entry is written over the closing tag, reads may return a part of the tag with a part of
+// the entry after it. The rest of an entry is seen only once its beginning is in place, so what is
+// no entry in a second look either is damage.
 LogPart LogReader::Next() {
+  const LogPart part = Look();
+  if (part != LogPart::kDamage) return part;
+  offset_ = begin_;
+  (void)Forget(part);
+  return Look();
+}
+
+LogPart LogReader::Look() {
   if (offset_ == 0) return ReadHead();
   (void)Fill(kClosing.size());
   if (Rest().starts_with(kClosing)) return ReadClosing();
@@ -39,22 +49,18 @@ LogPart LogReader::ReadHead() {
   (void)Fill(kHead.size());
   if (Rest().starts_with(kHead)) {
     Take(kHead.size());
-    return Next();
+    return Look();
   }
   if (MayBecome(Rest(), kHead)) return Forget(LogPart::kEnd);
   return ReadDamage();
 }
 
-// An entry may be written over the tag between two reads, and then only its rest is seen after the
-// tag: those bytes are read again before they count as damage.
+// What follows the tag may have come since it was read.
 LogPart LogReader::ReadClosing() {
-  for (int look = 0; look < kLooks; ++look) {
-    (void)Forget(LogPart::kClosed);
-    FillOnce();
-    if (!Rest().starts_with(kClosing)) return Next();
-    if (Rest() == kClosing) return Forget(LogPart::kClosed);
-  }
-  return ReadDamage();
+  (void)Forget(LogPart::kClosed);
+  FillOnce();
+  if (Rest() == kClosing) return Forget(LogPart::kClosed);
+  return Rest().starts_with(kClosing) ? ReadDamage() : Look();
 }
 
 LogPart LogReader::ReadEntry() {

@@ -56,6 +56,7 @@ class LogReader {
   [[nodiscard]] u64 EndOfUnclosed() const { return unclosed_; }
 
  private:
+  LogPart Look();
   LogPart ReadHead();
   LogPart ReadClosing();
   LogPart ReadEntry();

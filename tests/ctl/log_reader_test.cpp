@@ -129,6 +129,29 @@ TEST(LogReader, AnEntryWrittenOverTheTagBetweenTwoReadsIsNoDamage) {
   EXPECT_EQ(reader.Next(), LogPart::kClosed);
 }
 
+TEST(LogReader, AClosingTagHalfWrittenOverIsNoDamage) {
+  const std::string before = Log(Entry(1, "a"));
+  const std::string after = Log(Entry(1, "a") + Entry(2, "b"));
+  const size_t tag = before.size() - strlen(kLogClosing);
+  for (size_t at = tag; at <= before.size(); ++at) {
+    for (const bool isEndNew : {false, true}) {
+      GrowingSource source;
+      source.text = before;
+      LogReader reader(&source);
+      ASSERT_EQ(reader.Next(), LogPart::kEntry);
+      ASSERT_EQ(reader.Next(), LogPart::kClosed);
+      source.text = (isEndNew ? before : after).substr(0, at) +
+                    (isEndNew ? after : before).substr(at, before.size() - at);
+      source.later = after;
+      LogPart part = reader.Next();
+      if (part == LogPart::kClosed) part = reader.Next();
+      EXPECT_EQ(part, LogPart::kEntry) << at << isEndNew;
+      EXPECT_EQ(reader.Record().description, "b") << at << isEndNew;
+      EXPECT_EQ(reader.Next(), LogPart::kClosed) << at << isEndNew;
+    }
+  }
+}
+
 // Another entry comes after every read.
 class BusySource : public TextSource {
  public:
