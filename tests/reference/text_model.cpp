@@ -11,43 +11,52 @@ namespace {
 constexpr u32 kTooSmall = 0x0010;
 constexpr u32 kBadData = 0x0101;
 
-// Nothing for a code point that no six bytes hold.
-std::optional<std::vector<u8>> Utf8(u64 codePoint) {
-  if (codePoint < 128) return std::vector<u8>{static_cast<u8>(codePoint)};
+// What one character becomes; malformed without elements.
+template <typename T>
+struct Piece {
+  u32 size = 0;
+  T elements[6] = {};
+};
+
+// Malformed for a code point that no six bytes hold.
+Piece<u8> Utf8(u64 codePoint) {
+  if (codePoint < 128) return {1, {static_cast<u8>(codePoint)}};
   const u64 limits[] = {0, 0, 2048, 65536, 2097152, 67108864, 2147483648};
   const u32 leads[] = {0, 0, 192, 224, 240, 248, 252};
-  for (size_t length = 2; length <= 6; ++length) {
+  for (u32 length = 2; length <= 6; ++length) {
     if (codePoint >= limits[length]) continue;
-    std::vector<u8> bytes;
-    for (size_t rest = 1; rest < length; ++rest) {
-      bytes.insert(bytes.begin(), static_cast<u8>(128 + codePoint % 64));
+    Piece<u8> piece{length, {}};
+    for (u32 at = length - 1; at != 0; --at) {
+      piece.elements[at] = static_cast<u8>(128 + codePoint % 64);
       codePoint /= 64;
     }
-    bytes.insert(bytes.begin(), static_cast<u8>(leads[length] + codePoint));
-    return bytes;
+    piece.elements[0] = static_cast<u8>(leads[length] + codePoint);
+    return piece;
   }
-  return std::nullopt;
+  return {};
 }
 
 bool IsHigh(u32 unit) { return unit / 1024 == 54; }  // 0xD800 to 0xDBFF
 bool IsLow(u32 unit) { return unit / 1024 == 55; }   // 0xDC00 to 0xDFFF
 
-// Pieces are stored while they fit; `fault` is the piece that is malformed, -1 without one.
+// Pieces are stored while they fit.
 template <typename T>
-Converted<T> Store(const std::vector<std::optional<std::vector<T>>>& pieces, u64 room, bool query) {
+Converted<T> Store(const std::vector<Piece<T>>& pieces, u64 room, bool query) {
   Converted<T> result;
   u64 used = 0;
-  for (const auto& piece : pieces) {
-    if (!piece) {
+  for (const Piece<T>& piece : pieces) {
+    if (piece.size == 0) {
       result.status = kBadData;
       return result;
     }
-    if (!query && used + piece->size() > room) {
+    if (!query && used + piece.size > room) {
       result.status = kTooSmall;
       return result;
     }
-    used += piece->size();
-    if (!query) result.written.insert(result.written.end(), piece->begin(), piece->end());
+    used += piece.size;
+    if (!query) {
+      result.written.insert(result.written.end(), piece.elements, piece.elements + piece.size);
+    }
   }
   if (!query) result.written.push_back(0);
   result.size = (used + 1) * sizeof(T);
@@ -96,21 +105,19 @@ Converted<u8> ModelUcs2ToUtf8(const std::vector<u32>& units, u64 room, bool quer
       first = 65536 + (units[0] - 55296) * 1024 + (units[1] - 56320);
     }
   }
-  std::vector<std::optional<std::vector<u8>>> pieces;
+  std::vector<Piece<u8>> pieces;
   for (const u32 unit : units) {
     if (!IsHigh(unit) && !IsLow(unit)) {
       pieces.push_back(Utf8(unit));
-    } else if (first) {
-      pieces.push_back(Utf8(*first));
     } else {
-      pieces.emplace_back(std::nullopt);
+      pieces.push_back(first ? Utf8(*first) : Piece<u8>());
     }
   }
   return Store<u8>(pieces, room, query);
 }
 
 Converted<u8> ModelUcs4ToUtf8(const std::vector<u32>& codePoints, u64 room, bool query) {
-  std::vector<std::optional<std::vector<u8>>> pieces;
+  std::vector<Piece<u8>> pieces;
   for (const u32 codePoint : codePoints) {
     pieces.push_back(Utf8(codePoint));
   }
@@ -118,19 +125,19 @@ Converted<u8> ModelUcs4ToUtf8(const std::vector<u32>& codePoints, u64 room, bool
 }
 
 Converted<ustring> ModelUtf8ToUcs2(const std::vector<u8>& bytes, u64 room, bool query) {
-  std::vector<std::optional<std::vector<ustring>>> pieces;
+  std::vector<Piece<ustring>> pieces;
   for (size_t at = 0; at < bytes.size();) {
     const std::optional<u64> codePoint = Decode(bytes, &at);
     if (!codePoint || *codePoint >= 1114112) {
-      pieces.emplace_back(std::nullopt);
+      pieces.emplace_back();
       break;
     }
     if (*codePoint < 65536) {
-      pieces.push_back(std::vector<ustring>{static_cast<ustring>(*codePoint)});
+      pieces.push_back({1, {static_cast<ustring>(*codePoint)}});
     } else {
       const u64 high = 55296 + *codePoint / 1024 % 1024;
       const u64 low = 56320 + *codePoint % 1024;
-      pieces.push_back(std::vector<ustring>{static_cast<ustring>(high), static_cast<ustring>(low)});
+      pieces.push_back({2, {static_cast<ustring>(high), static_cast<ustring>(low)}});
     }
   }
   return Store<ustring>(pieces, room, query);

@@ -44,7 +44,7 @@ class AtSomeLevel {
   AtSomeLevel& operator=(const AtSomeLevel&) = delete;
 };
 
-u32 LongestFor(HostileTexts* texts) { return texts->Below(20) == 0 ? 6000 : 150; }
+u32 LongestFor(HostileTexts* texts) { return texts->Below(100) == 0 ? 6000 : 150; }
 
 // The text with its terminator, up to 63 elements before the page: every alignment occurs.
 template <typename Unit>
