@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "access/user_rights.h"
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -37,12 +39,24 @@ constexpr u16 kFaultEntryType = QVX_LOG_WARNING;
 constexpr size_t kHostNameRoom = 65;
 constexpr size_t kLineNumberRoom = 21;
 
+// The thread that holds it may take it again. Nothing makes or destroys it: it is there before the
+// first login and after the last.
+class RecursiveMutex {
+ public:
+  void lock() { (void)pthread_mutex_lock(&mutex_); }
+  bool try_lock() { return pthread_mutex_trylock(&mutex_) == 0; }
+  void unlock() { (void)pthread_mutex_unlock(&mutex_); }
+
+ private:
+  pthread_mutex_t mutex_ = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
+};
+
 // Its lock is held from the reading of the role map to the decision, so that logins of several
 // threads do not meet half-built maps.
 class RoleMap {
  public:
   // A signal handler may end the process while its own thread has the turn.
-  using Mutex = std::recursive_mutex;
+  using Mutex = RecursiveMutex;
   using Lock = std::unique_lock<Mutex>;
   RoleMap(const RoleMap&) = delete;
   RoleMap& operator=(const RoleMap&) = delete;
