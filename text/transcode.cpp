@@ -18,6 +18,8 @@ namespace qvx {
 namespace {
 
 constexpr u8 kFirstBeyondASCII = 0x80;
+constexpr u32 kFirstOfThreeBytes = 0x800;
+constexpr u32 kFirstOfFourBytes = 0x10000;
 // A text is measured and converted piece by piece: one that faults early is not read to its end,
 // and a piece is still in the processor's cache when it is converted.
 constexpr size_t kPieceLength = 4096;
@@ -53,19 +55,38 @@ bool AppendPlain(Output<Element>* output, Element element) {
   return true;
 }
 
-u32 AppendUtf8(Output<astring>* output, u32 codePoint) {
+// A byte of UTF-8 that is not the first of its character, with the lowest bits.
+astring Following(u32 bits) { return static_cast<astring>(0x80 | (bits & 0x3F)); }
+
+[[gnu::always_inline]] inline u32 AppendUtf8(Output<astring>* output, u32 codePoint) {
   if (codePoint < kFirstBeyondASCII) {  // most characters
     return AppendPlain(output, static_cast<astring>(codePoint)) ? SM_STATUS_SUCCESS
                                                                 : SM_STATUS_BUFFER_TOO_SMALL;
   }
   u32 length = output->Room();
-  if (const u32 status = UCS4CharToUTF8Chars(output->At(), &length, codePoint)) return status;
-  output->used += length;
+  if (codePoint >= kFirstOfFourBytes) {
+    if (const u32 status = UCS4CharToUTF8Chars(output->At(), &length, codePoint)) return status;
+    output->used += length;
+    return SM_STATUS_SUCCESS;
+  }
+  // Nearly all others. UCS4CharToUTF8Chars does the same.
+  const u32 needed = codePoint < kFirstOfThreeBytes ? 2 : 3;
+  if (astring* at = output->At(); at != nullptr) {
+    if (length < needed) return SM_STATUS_BUFFER_TOO_SMALL;
+    if (needed == 2) {
+      *at++ = static_cast<astring>(0xC0 | codePoint >> 6);
+    } else {
+      *at++ = static_cast<astring>(0xE0 | codePoint >> 12);
+      *at++ = Following(codePoint >> 6);
+    }
+    *at = Following(codePoint);
+  }
+  output->used += needed;
   return SM_STATUS_SUCCESS;
 }
 
 // One unit of `text`.
-u32 AppendUnit(Output<astring>* output, ustring unit, const ustring* text) {
+[[gnu::always_inline]] inline u32 AppendUnit(Output<astring>* output, ustring unit, const ustring* text) {
   u32 codePoint = unit;
   if (IsSurrogate(unit)) {
     // Deliberate: a surrogate is decoded at `text`, not at its own place, so every surrogate
@@ -76,11 +97,35 @@ u32 AppendUnit(Output<astring>* output, ustring unit, const ustring* text) {
   return AppendUtf8(output, codePoint);
 }
 
+struct Character {
+  u32 codePoint;
+  u32 bytes;
+};
+
+// The character of two or three bytes that `text` begins with, as UTF8CharsToUCS4Char reads it. No
+// bytes for another one, and for one that the text ends within.
+Character ReadShort(const astring* text) {
+  const u32 lead = static_cast<u8>(text[0]);
+  const u32 second = static_cast<u8>(text[1]);
+  if (lead < 0xC0 || lead > 0xEF || second == 0) return {0, 0};
+  const u32 low = second & 0x3F;
+  if (lead < 0xE0) return {(lead & 0x1F) << 6 | low, 2};
+  const u32 third = static_cast<u8>(text[2]);
+  return {(lead & 0xF) << 12 | low << 6 | (third & 0x3F), third == 0 ? 0U : 3U};
+}
+
 // The character at `*text`, which is moved past it.
-u32 AppendCharacter(Output<ustring>* output, const astring** text) {
+[[gnu::always_inline]] inline u32 AppendCharacter(Output<ustring>* output, const astring** text) {
   if (const auto byte = static_cast<u8>(**text); byte < kFirstBeyondASCII) {
     if (!AppendPlain<ustring>(output, byte)) return SM_STATUS_BUFFER_TOO_SMALL;
     ++*text;
+    return SM_STATUS_SUCCESS;
+  }
+  if (const Character character = ReadShort(*text); character.bytes != 0) {
+    if (!AppendPlain(output, static_cast<ustring>(character.codePoint))) {
+      return SM_STATUS_BUFFER_TOO_SMALL;
+    }
+    *text += character.bytes;
     return SM_STATUS_SUCCESS;
   }
   u32 codePoint = 0;
