@@ -22,6 +22,7 @@ constexpr Part kParts[] = {
     {"allocations", qvx::torture::Allocations},
     {"calls", qvx::torture::Calls},
     {"kills", qvx::torture::Kills},
+    {"random", qvx::torture::RandomKills},
     {"power", qvx::torture::PowerCut},
     {"disk", qvx::torture::Disk},
     {"contention", qvx::torture::Contention},

@@ -124,6 +124,7 @@ enum class Depth { kSample, kFloor, kGoal };
 Tally Allocations(Depth depth);
 Tally Calls(Depth depth);
 Tally Kills(Depth depth);
+Tally RandomKills(Depth depth);
 Tally PowerCut(Depth depth);
 Tally Disk(Depth depth);
 Tally Contention(Depth depth);
