@@ -86,7 +86,8 @@ astring Following(u32 bits) { return static_cast<astring>(0x80 | (bits & 0x3F));
 }
 
 // One unit of `text`.
-[[gnu::always_inline]] inline u32 AppendUnit(Output<astring>* output, ustring unit, const ustring* text) {
+[[gnu::always_inline]] inline u32 AppendUnit(Output<astring>* output, ustring unit,
+                                             const ustring* text) {
   u32 codePoint = unit;
   if (IsSurrogate(unit)) {
     // Deliberate: a surrogate is decoded at `text`, not at its own place, so every surrogate
