@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
+#include <string>
+
 namespace {
 
 using ZarnSupport::ZarnException;

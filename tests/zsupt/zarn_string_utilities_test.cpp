@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <optional>
+#include <string>
+
 #include "zsupt/zarn_locale_factory.h"
 
 namespace {
