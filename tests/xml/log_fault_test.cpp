@@ -51,10 +51,10 @@ u32 AppendWhileRefused(u32 number) {
     return told && test::TakeDescriptor(next) && test::LockIsFree() ? 0 : 1;
   };
   EXPECT_EQ(test::InChild(append), 0);
+  close(pipe[1]);
   u32 status = 0;
   EXPECT_EQ(read(pipe[0], &status, sizeof(status)), static_cast<ssize_t>(sizeof(status)));
   close(pipe[0]);
-  close(pipe[1]);
   return status;
 }
 
