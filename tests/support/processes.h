@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <vector>
 
 #include "base/layout.h"
 
@@ -29,6 +30,18 @@ int InChild(Body body) {
   while (waitpid(child, &status, 0) < 0) {
   }
   return WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status);
+}
+
+// Runs the program `words[0]`, a path, and returns its exit status as InChild does. Where the tests
+// are another machine's, their emulator must run it: the kernel cannot.
+inline int RunProgram(std::vector<const char*> words) {
+  const char* const emulator = getenv("QVX_EMULATOR");
+  if (emulator != nullptr) words.insert(words.begin(), emulator);
+  words.push_back(nullptr);
+  return InChild([&words] {
+    (void)execv(words[0], const_cast<char* const*>(words.data()));
+    return 127;
+  });
 }
 
 // Whether another process could take the suite's file lock now. Another process tries it, because

@@ -181,6 +181,7 @@ int main(int argc, char** argv) {
     Check(chdir(folder.c_str()), folder);
   }
 #ifdef QVX_EMULATOR
+  Check(setenv("QVX_EMULATOR", QVX_EMULATOR, 1), "setenv");
   // Takes the place of this program's own name, in front of the other program's.
   argv[0] = const_cast<char*>(QVX_EMULATOR);
   execv(argv[0], argv);

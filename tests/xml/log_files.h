@@ -66,7 +66,7 @@ inline std::vector<std::string> ElementsOf(const std::string& text, const std::s
 }
 
 inline bool IsWellFormed(const std::string& path) {
-  return system(("xmllint --huge --noout " + path).c_str()) == 0;
+  return RunProgram({"/usr/bin/xmllint", "--huge", "--noout", path.c_str()}) == 0;
 }
 
 inline int OpenDescriptors() {
