@@ -36,6 +36,7 @@ function(qvx_test_under_locale program locale filter)
   gtest_discover_tests(
     ${program}
     DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 120
     TEST_FILTER "${filter}"
     TEST_PREFIX ${locale}:
     TEST_LIST ${program}_${locale}
