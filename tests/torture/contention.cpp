@@ -118,7 +118,7 @@ void OverAMove(unsigned each, Tally* tally) {
   tally->points += static_cast<unsigned long>(kWriters) * each - 1;
 }
 
-void OneIniFile(unsigned seconds, Tally* tally) {
+void OneIniFile(int seconds, Tally* tally) {
   WriteText(kIni, "[s]\nfixed=value\n");
   const time_t until = time(nullptr) + seconds;
   const unsigned failed = InProcesses(
@@ -150,7 +150,7 @@ bool RunThreads(unsigned process, time_t until) {
   return failed == 0;
 }
 
-void ProcessesOfThreads(unsigned seconds, Tally* tally) {
+void ProcessesOfThreads(int seconds, Tally* tally) {
   (void)unlink(kLog);
   WriteText(kIni, "[s]\nfixed=value\n");
   const time_t until = time(nullptr) + seconds;

@@ -122,7 +122,7 @@ void ReadOnly(const Scene& scene, Tally* tally) {
 
 void LimitedSize(const Scene& scene, Tally* tally) {
   bool done = false;
-  for (const rlim_t size : {0, 1, 100, 1000, 4096, 10000}) {
+  for (const unsigned size : {0U, 1U, 100U, 1000U, 4096U, 10000U}) {
     tally->Add(Try(
                    scene, kSmall,
                    [size] {
@@ -136,7 +136,7 @@ void LimitedSize(const Scene& scene, Tally* tally) {
 
 // The limit's signal ends the process: what is left is judged by another one.
 void DeadlySize(const Scene& scene, Tally* tally) {
-  for (const rlim_t size : {1, 1000}) {
+  for (const unsigned size : {1U, 1000U}) {
     const SmallDisk disk(kSmall);
     Judge judge(scene);
     (void)InChild([&scene, size] {

@@ -7,13 +7,13 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <ucontext.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "torture/machine.h"
 #include "torture/torture.h"
 
 namespace qvx::torture {
@@ -88,7 +88,7 @@ bool IsPartOf(const char* file, const char* name) { return strstr(file, name) !=
 void EndInOthers(int signal, siginfo_t*, void* context) {
   const auto* const at = static_cast<const ucontext_t*>(context);
   Dl_info place = {};
-  const auto address = static_cast<uintptr_t>(at->uc_mcontext.gregs[REG_RIP]);
+  const auto address = static_cast<uintptr_t>(at->uc_mcontext.gregs[kCodePointer]);
   const bool found = dladdr(reinterpret_cast<void*>(address), &place) != 0;
   if (found && (IsPartOf(place.dli_fname, "libpam.so") || IsPartOf(place.dli_fname, "ld-linux"))) {
     _exit(kEndOfOthers);

@@ -38,7 +38,7 @@ class Killer {
   // are cut anywhere.
   static unsigned long PartOf(const Span& span) {
     constexpr unsigned long kPage = 4096;
-    return span.placed ? kPage - span.offset % kPage : span.size / 2;
+    return span.placed ? kPage - static_cast<unsigned long>(span.offset % kPage) : span.size / 2;
   }
 
   Point point_;

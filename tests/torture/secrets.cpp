@@ -15,7 +15,7 @@ namespace qvx::torture {
 namespace {
 
 std::string SearchRegion(const unsigned char* begin, const unsigned char* end) {
-  for (const size_t width : {1, 2, 4}) {
+  for (const size_t width : {size_t{1}, size_t{2}, size_t{4}}) {
     const size_t length = kSecretLength * width;
     for (const unsigned char* at = begin; at + length <= end; ++at) {
       at = static_cast<const unsigned char*>(
@@ -47,9 +47,9 @@ std::string SearchMemory() {
 }
 
 // To the next point: a login makes some hundreds.
-unsigned Stride(long nth, Depth depth) {
+long Stride(long nth, Depth depth) {
   if (depth == Depth::kGoal) return 1;
-  return static_cast<unsigned>(1 + nth / (depth == Depth::kSample ? 4 : 32));
+  return 1 + nth / (depth == Depth::kSample ? 4 : 32);
 }
 
 std::string TryAllocation(const Scene& login, long nth, Failure failure) {
@@ -76,8 +76,8 @@ void AddAllocations(const Scene& login, Depth depth, Tally* tally) {
 
 void AddCalls(const Scene& login, Depth depth, Tally* tally) {
   for (const int error : {EIO, EACCES, EMFILE}) {
-    for (unsigned nth = 1;; nth += Stride(nth, depth)) {
-      Fault fault(nth, error, false);
+    for (long nth = 1;; nth += Stride(nth, depth)) {
+      Fault fault(static_cast<unsigned>(nth), error, false);
       bool killed = false;
       const auto body = [&login] {
         login.prepare();

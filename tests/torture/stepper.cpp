@@ -5,18 +5,17 @@
 #include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
-#include <sys/user.h>
+#include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <iterator>
 
-#if !defined(__x86_64__)
-#error "the stepper changes the registers of 64-bit x86"
-#endif
+#include "torture/machine.h"
 
 namespace qvx::torture {
 namespace {
@@ -26,12 +25,12 @@ constexpr long kBegin = 500001;
 constexpr long kEnd = 500002;
 
 constexpr unsigned kFileCalls[] = {
-    SYS_open,      SYS_openat,  SYS_read,     SYS_pread64,    SYS_write,  SYS_pwrite64,
-    SYS_writev,    SYS_pwritev, SYS_close,    SYS_lseek,      SYS_fsync,  SYS_fdatasync,
-    SYS_ftruncate, SYS_rename,  SYS_renameat, SYS_renameat2,  SYS_unlink, SYS_unlinkat,
-    SYS_chmod,     SYS_fchmod,  SYS_fchmodat, SYS_chown,      SYS_fchown, SYS_fcntl,
-    SYS_stat,      SYS_fstat,   SYS_lstat,    SYS_newfstatat, SYS_mkdir,  SYS_rmdir,
-    SYS_access,    SYS_socket};
+    SYS_open,      SYS_openat,  SYS_read,     SYS_pread64,   SYS_write,  SYS_pwrite64,
+    SYS_writev,    SYS_pwritev, SYS_close,    SYS_lseek,     SYS_fsync,  SYS_fdatasync,
+    SYS_ftruncate, SYS_rename,  SYS_renameat, SYS_renameat2, SYS_unlink, SYS_unlinkat,
+    SYS_chmod,     SYS_fchmod,  SYS_fchmodat, SYS_chown,     SYS_fchown, SYS_fcntl,
+    SYS_stat,      SYS_fstat,   SYS_lstat,    kStatAt,       SYS_statx,  SYS_mkdir,
+    SYS_rmdir,     SYS_access,  SYS_socket};
 
 user_regs_struct Registers(pid_t child) {
   user_regs_struct registers = {};
@@ -39,17 +38,19 @@ user_regs_struct Registers(pid_t child) {
   return registers;
 }
 
-void SetRegisters(pid_t child, const user_regs_struct& registers) {
-  if (ptrace(PTRACE_SETREGS, child, nullptr, &registers) != 0) abort();
-}
-
 unsigned long Peek(const Stop& stop, unsigned long place) {
   return static_cast<unsigned long>(ptrace(PTRACE_PEEKDATA, stop.child, place, nullptr));
 }
 
-// Where the length of a part of pwritev() is noted: parts are pairs of an address and a length.
+void SetRegister(const Stop& stop, Register which, unsigned long value) {
+  user_regs_struct registers = Registers(stop.child);
+  registers.*which = static_cast<RegisterValue>(value);
+  if (ptrace(PTRACE_SETREGS, stop.child, nullptr, &registers) != 0) abort();
+}
+
+// Where the length of a part of pwritev() is noted.
 unsigned long LengthOfPart(const user_regs_struct& registers, unsigned part) {
-  return registers.rsi + 16UL * part + 8;
+  return Argument(registers, 1) + sizeof(iovec) * part + offsetof(iovec, iov_len);
 }
 
 std::string ReadAll(int file) {
@@ -86,9 +87,9 @@ namespace {
 bool IsLockCall(const Stop& stop, short type) {
   if (stop.number != SYS_fcntl) return false;
   const user_regs_struct registers = Registers(stop.child);
-  if (registers.rsi != F_SETLK && registers.rsi != F_SETLKW) return false;
-  const long record = ptrace(PTRACE_PEEKDATA, stop.child, registers.rdx, nullptr);
-  return static_cast<short>(record) == type;
+  const unsigned long command = Argument(registers, 1);
+  if (command != F_SETLK && command != F_SETLKW) return false;
+  return static_cast<short>(Peek(stop, Argument(registers, 2))) == type;
 }
 
 }  // namespace
@@ -99,45 +100,36 @@ bool TakesTheLock(const Stop& stop) {
 
 bool IsAboutTheLock(const Stop& stop) {
   if (IsLockCall(stop, F_UNLCK)) return true;
-  if (stop.number != SYS_fstat && stop.number != SYS_newfstatat) return false;
-  const user_regs_struct registers = Registers(stop.child);
-  const std::string link = "/proc/" + std::to_string(stop.child) + "/fd/" +
-                           std::to_string(static_cast<int>(registers.rdi));
+  if (stop.number != SYS_fstat && stop.number != kStatAt && stop.number != SYS_statx) return false;
+  const auto file = static_cast<int>(Argument(Registers(stop.child), 0));
+  const std::string link = "/proc/" + std::to_string(stop.child) + "/fd/" + std::to_string(file);
   char path[256] = "";
   const ssize_t length = readlink(link.c_str(), path, sizeof(path) - 1);
   return length > 0 && std::string(path).find(".qvxipc") != std::string::npos;
 }
 
-void Refuse(const Stop& stop) {
-  user_regs_struct registers = Registers(stop.child);
-  registers.orig_rax = static_cast<unsigned long long>(-1);
-  SetRegisters(stop.child, registers);
-}
+void Refuse(const Stop& stop) { SetRegister(stop, kCallNumber, static_cast<unsigned long>(-1)); }
 
 void SetResult(const Stop& stop, long result) {
-  user_regs_struct registers = Registers(stop.child);
-  registers.rax = static_cast<unsigned long long>(result);
-  SetRegisters(stop.child, registers);
+  SetRegister(stop, kResult, static_cast<unsigned long>(result));
 }
 
 Span SpanOf(const Stop& stop) {
   const user_regs_struct registers = Registers(stop.child);
-  if (stop.number == SYS_write) return {registers.rdx, false, 0};
-  Span span = {0, true, registers.r10};
-  for (unsigned part = 0; part < registers.rdx; ++part) {
+  const unsigned long count = Argument(registers, 2);  // of bytes, or of parts
+  if (stop.number == SYS_write) return {count, false, 0};
+  Span span = {0, true, OffsetAt(registers, 3)};
+  for (unsigned part = 0; part < count; ++part) {
     span.size += Peek(stop, LengthOfPart(registers, part));
   }
   return span;
 }
 
 void CutWrite(const Stop& stop, unsigned long size) {
-  user_regs_struct registers = Registers(stop.child);
-  if (stop.number == SYS_write) {
-    registers.rdx = size;
-    return SetRegisters(stop.child, registers);
-  }
-  unsigned part = 0;
-  for (unsigned long left = size; part < registers.rdx; ++part) {
+  if (stop.number == SYS_write) return SetRegister(stop, kArguments[2], size);
+  const user_regs_struct registers = Registers(stop.child);
+  unsigned long left = size;
+  for (unsigned part = 0; part < Argument(registers, 2); ++part) {
     const unsigned long place = LengthOfPart(registers, part);
     const unsigned long length = Peek(stop, place);
     if (length > left && ptrace(PTRACE_POKEDATA, stop.child, place, left) != 0) abort();
@@ -170,9 +162,8 @@ std::string Step(const std::function<std::string()>& body,
       signal = WSTOPSIG(status);
       continue;
     }
-    const user_regs_struct registers = Registers(child);
     stop.at = stop.at == At::kExit ? At::kEntry : At::kExit;
-    if (stop.at == At::kEntry) stop.number = static_cast<unsigned>(registers.orig_rax);
+    if (stop.at == At::kEntry) stop.number = CallOf(Registers(child));
     if (stop.number == kBegin) inside = true;
     if (stop.number == kEnd) {
       inside = false;

@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -17,7 +18,7 @@ struct Stop {
   pid_t child;
   unsigned nth;  // the call's number, from 1
   At at;
-  unsigned number;  // the system call
+  unsigned number;  // the system call, as CallOf() of machine.h names it
 };
 
 enum class Then { kGoOn, kKill };
@@ -33,7 +34,7 @@ void SetResult(const Stop& stop, long result);
 struct Span {
   unsigned long size = 0;
   bool placed = false;
-  unsigned long offset = 0;
+  uint64_t offset = 0;
 };
 Span SpanOf(const Stop& stop);
 // It writes less.
