@@ -20,6 +20,11 @@ set(CMAKE_C_COMPILER clang)
 set(CMAKE_CXX_COMPILER clang++)
 set(CMAKE_C_COMPILER_TARGET ${target})
 set(CMAKE_CXX_COMPILER_TARGET ${target})
+# Under "lib", a link to "usr/lib", clang would find headers by paths with ".." through that link. ninja
+# shortens such paths, does not find the headers, and compiles everything each time.
+foreach(language C CXX)
+  set(CMAKE_${language}_COMPILER_EXTERNAL_TOOLCHAIN ${QVXCS_ROOT}/usr)
+endforeach()
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 foreach(kind LIBRARY INCLUDE PACKAGE)
   set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
