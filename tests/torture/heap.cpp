@@ -20,12 +20,12 @@ void __libc_free(void* block);
 namespace {
 
 std::atomic<long> live = 0;
-std::atomic<long> until = -1;  // allocations to go before one fails; below 0: none does
+std::atomic<long> until = -1;  // the allocation to fail, counted from the next one; below 1: none
 std::atomic<bool> on = false;  // later ones fail, too
 std::atomic<bool> failed = false;
 
 bool Fails() {
-  if (until.load(std::memory_order_relaxed) < 0) return false;
+  if (until.load(std::memory_order_relaxed) < 1) return false;
   const long left = until.fetch_sub(1) - 1;
   if (left > 0) return false;
   if (on) until = 1;

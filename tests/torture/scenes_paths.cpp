@@ -17,7 +17,12 @@ constexpr char kOemIni[] = "/etc/cim/zarn/plinthos/vexilon/qvx/ini/oem.ini";
 
 void Nothing() {}
 // The C library ends the process where its own first look at the accounts finds no memory.
-void Accounts() { (void)getpwuid(0); }
+void Accounts() {
+  (void)getpwuid(0);
+  // Asks each source of accounts: the C library loads one for good when it first asks it, maybe
+  // only because a fault keeps an earlier one from answering.
+  (void)getpwnam("nobody has this name");
+}
 void SmallFile() { WriteText(kFile, "text"); }
 void OemIni() { WriteText(kOemIni, "[data]\nadschemaprefix=acme\n"); }
 
