@@ -170,19 +170,7 @@ TEST(StreamFault, AFileWhoseKindCannotBeToldIsNotOpenedAndNotKept) {
   test::WriteFile("/tmp/a", "text");
   EXPECT_EQ(test::InChild([] {
               const int next = test::NextDescriptor();
-              for (const u32 call : {
-#ifdef SYS_fstat64
-                       u32{SYS_fstat64},
-#endif
-#ifdef SYS_fstatat64
-                       u32{SYS_fstatat64},
-#endif
-#ifdef SYS_newfstatat
-                       u32{SYS_newfstatat},
-#endif
-                       u32{SYS_fstat}, u32{SYS_statx}}) {
-                test::RefuseCall(call, next, EIO);
-              }
+              test::RefuseFileStatus(next, EIO);
               errno = 0;
               const bool refused = OpenFile("/tmp/a", "r") == nullptr && errno == EIO;
               return refused && test::TakeDescriptor(next) ? 3 : 4;

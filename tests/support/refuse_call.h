@@ -7,6 +7,7 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cstddef>
@@ -34,6 +35,23 @@ inline void RefuseCall(u32 number, int value, u16 error, u32 argument = 0) {
   if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
       prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
     abort();
+  }
+}
+
+// The same for each call by which a C library may ask for the status of the open file `value`.
+inline void RefuseFileStatus(int value, u16 error) {
+  for (const u32 call : {
+#ifdef SYS_fstat64
+           u32{SYS_fstat64},
+#endif
+#ifdef SYS_fstatat64
+           u32{SYS_fstatat64},
+#endif
+#ifdef SYS_newfstatat
+           u32{SYS_newfstatat},
+#endif
+           u32{SYS_fstat}, u32{SYS_statx}}) {
+    RefuseCall(call, value, error);
   }
 }
 

@@ -29,22 +29,16 @@ namespace {
 
 constexpr astring kLog[] = "/tmp/log.xml";
 
-// The call by which the C library's fstat asks for an open file's status.
-#if __SIZEOF_POINTER__ == 4
-constexpr u32 kFileStatus = SYS_statx;
-#else
-constexpr u32 kFileStatus = SYS_newfstatat;
-#endif
-
-// The status of an append in a process whose calls `number` on the log fail.
-u32 AppendWhileRefused(u32 number) {
+// The status of an append in a process where `refuse` makes calls on the log fail.
+template <typename Refuse>
+u32 AppendWhile(Refuse refuse) {
   int pipe[2];
   if (pipe2(pipe, O_CLOEXEC) != 0) {
     abort();
   }
-  const auto append = [number, &pipe] {
+  const auto append = [refuse, &pipe] {
     const int next = test::NextDescriptor();
-    test::RefuseCall(number, next, EIO);
+    refuse(next);
     const u32 status =
         AppendToXMLLog(kLog, QVX_LOG_INFORMATION, 1, "u", "s", "d", nullptr, 0, test::kNoMaximum);
     const bool told = write(pipe[1], &status, sizeof(status)) == sizeof(status);
@@ -56,6 +50,10 @@ u32 AppendWhileRefused(u32 number) {
   EXPECT_EQ(read(pipe[0], &status, sizeof(status)), static_cast<ssize_t>(sizeof(status)));
   close(pipe[0]);
   return status;
+}
+
+u32 AppendWhileRefused(u32 number) {
+  return AppendWhile([number](int log) { test::RefuseCall(number, log, EIO); });
 }
 
 class LogFault : public testing::Test {
@@ -74,7 +72,7 @@ TEST_F(LogFault, ALogThatCannotBeReadIsBadDataAndStays) {
 
 TEST_F(LogFault, ALogThatDoesNotTellItsSizeIsMinusOneAndStays) {
   test::WriteFile(kLog, test::LogOf("kept"));
-  EXPECT_EQ(AppendWhileRefused(kFileStatus), kMinusOne);
+  EXPECT_EQ(AppendWhile([](int log) { test::RefuseFileStatus(log, EIO); }), kMinusOne);
   EXPECT_EQ(test::ReadFile(kLog), test::LogOf("kept"));
 }
 
