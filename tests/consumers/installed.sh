@@ -46,14 +46,14 @@ unset PKG_CONFIG_LIBDIR
 run "C11 by pkg-config" "$folder/pc_c" "LD_LIBRARY_PATH=$moved/$libraries"
 run "C++17 by pkg-config" "$folder/pc_cpp" "LD_LIBRARY_PATH=$moved/$libraries"
 
-quietly cmake -S tests/consumers -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$moved"
+quietly cmake -G Ninja -S tests/consumers -B "$folder/cmake" -DCMAKE_PREFIX_PATH="$moved"
 grep -qF "qvxcs_DIR:PATH=$moved/" "$folder/cmake/CMakeCache.txt" || fail "CMake found another library"
 quietly cmake --build "$folder/cmake"
 run "C11 by CMake" "$folder/cmake/consumer_c"
 run "C++17 by CMake" "$folder/cmake/consumer_cpp"
 others=("$((major - 1)).9" "$major.$((minor + 1))" "$((major + 1)).0")
 for wanted in "${others[@]}"; do
-  if cmake -S tests/consumers -B "$folder/cmake-$wanted" -DCMAKE_PREFIX_PATH="$moved" \
+  if cmake -G Ninja -S tests/consumers -B "$folder/cmake-$wanted" -DCMAKE_PREFIX_PATH="$moved" \
     -DWANTED="$wanted" >/dev/null 2>&1; then
     fail "CMake takes $version for $wanted"
   fi
