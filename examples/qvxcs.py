@@ -201,6 +201,7 @@ def main():
         show_log(folder + b"/events.xml", "Fan 2 is slow")
         show_rights(sys.argv[2] if len(sys.argv) == 3 else None)
     except (Failure, MemoryError, OSError) as failure:
+        sys.stdout.flush()  # where both go to one file, the error comes last
         print(f"qvxcs.py: {failure or 'no memory'}", file=sys.stderr)
         return 2
     return 0
