@@ -16,7 +16,7 @@
 namespace qvx::ctl {
 
 // A log that is open for reading; it stays the same file when another file gets its name.
-class LogFile : public LogReader::Source {
+class LogFile final : public LogReader::Source {
  public:
   // Throws a Failure when the file cannot be opened.
   explicit LogFile(const std::string& path);
