@@ -2,8 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/ini_value.h"
 
+#include <strings.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <system_error>
 
@@ -45,6 +51,19 @@ std::vector<u8> EncodeNumber(const IniTypeEntry& type, const std::string& text) 
   const char* const end = text.data() + text.size();
   const auto [stop, fault] = std::from_chars(text.data(), end, value);
   if (fault != std::errc() || stop != end) RefuseValue(type, text);
+  return BytesOf(value);
+}
+
+// By strtod, because not every C++ library has std::from_chars for it; the tool keeps the decimal
+// point of locale "C". What only strtod takes is refused: blanks, "+", hexadecimal numbers.
+std::vector<u8> EncodeDouble(const IniTypeEntry& type, const std::string& text) {
+  const bool isPlain = !text.empty() && strchr(" \t\n\v\f\r+", text[0]) == nullptr &&
+                       text.find_first_of("xX") == std::string::npos;
+  char* stop = nullptr;
+  errno = 0;
+  const double value = strtod(text.c_str(), &stop);
+  const bool isOutOfRange = errno == ERANGE && (value == 0 || std::isinf(value));
+  if (!isPlain || stop != text.c_str() + text.size() || isOutOfRange) RefuseValue(type, text);
   return BytesOf(value);
 }
 
@@ -136,7 +155,7 @@ std::vector<u8> EncodeIniValue(const IniTypeEntry& type, const std::string& text
     case kS64:
       return EncodeNumber<s64>(type, text);
     case kD64:
-      return EncodeNumber<d64>(type, text);
+      return EncodeDouble(type, text);
     default:
       return {text.c_str(), text.c_str() + text.size() + 1};
   }

@@ -65,6 +65,21 @@ TEST_F(CtlIni, SetWritesAValueInItsType) {
             "[New]\nd=1.50000000\nt=0x41,0x00,0x00,0x00\nb=0x0A,0xFF\n");
 }
 
+TEST_F(CtlIni, SetTakesPlainDecimalDoublesAlone) {
+  const auto set = [](const char* text) {
+    return RunTool({"ini", "set", kFile, "New", "d", text, "--type", "d64"});
+  };
+  for (const char* text :
+       {" 1.5", "\t1.5", "+1.5", "0x10", "1,5", "1.5 ", "1.5x", "1e999", "1e-999"}) {
+    EXPECT_EQ(set(text).code, 2) << text;
+  }
+  for (const char* text : {"250", "2.5e2", "2500E-1", "250."}) {
+    EXPECT_EQ(set(text), kDone) << text;
+    EXPECT_EQ(RunTool({"ini", "get", kFile, "New", "d"}).out, "250.00000000\n") << text;
+  }
+  EXPECT_EQ(set("1e-310"), kDone);  // less than a normal number
+}
+
 TEST_F(CtlIni, SetMakesAMissingFile) {
   EXPECT_EQ(RunTool({"ini", "set", "/tmp/new.ini", "A", "k", "v"}), kDone);
   EXPECT_EQ(ReadFile("/tmp/new.ini"), "[A]\nk=v\n");
