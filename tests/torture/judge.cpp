@@ -29,6 +29,10 @@ int Descriptors() {
   return count;
 }
 
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
 unsigned Count(const std::string& text, const char* word) {
   unsigned count = 0;
   for (size_t at = 0; (at = text.find(word, at)) != std::string::npos; at += strlen(word)) {
@@ -36,7 +40,19 @@ unsigned Count(const std::string& text, const char* word) {
   }
   return count;
 }
+
+}  // namespace
+
 unsigned EntryCount(const std::string& log) { return Count(log, "</LogEntry>"); }
+
+bool WellFormed(const std::string& log) {
+  return StartsWith(log, "<?xml") && Count(log, "<EventLog>") == 1 &&
+         Count(log, kClosingTag) == 1 && Count(log, "<LogEntry>") == EntryCount(log) &&
+         log.compare(log.size() - strlen(kClosingTag), std::string::npos, kClosingTag) == 0;
+}
+
+namespace {
+
 // Without those that the library writes of its own, of a log that it begins.
 unsigned CallersEntries(const std::string& log) {
   return EntryCount(log) - Count(log, "<Description>Log was cleared<") -
@@ -55,16 +71,6 @@ bool LockIsFree() {
   }
   int status = 1;
   return waitpid(child, &status, 0) == child && status == 0;
-}
-
-bool StartsWith(const std::string& text, const std::string& start) {
-  return text.compare(0, start.size(), start) == 0;
-}
-
-bool WellFormed(const std::string& log) {
-  return StartsWith(log, "<?xml") && Count(log, "<EventLog>") == 1 &&
-         Count(log, kClosingTag) == 1 && Count(log, "<LogEntry>") == EntryCount(log) &&
-         log.compare(log.size() - strlen(kClosingTag), std::string::npos, kClosingTag) == 0;
 }
 
 // The entries alone: what every later log begins with.

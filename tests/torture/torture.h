@@ -77,6 +77,10 @@ long LiveBlocks();
 // after the first fault failed, too.
 enum class Torn { kNo, kYes };
 
+// Logs.
+unsigned EntryCount(const std::string& log);
+bool WellFormed(const std::string& log);
+
 // A scene's files before, and what is right after it.
 class Judge {
  public:
