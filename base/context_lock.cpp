@@ -44,12 +44,13 @@ u32 ChunkOf(u32 slot) {
 
 u32 FirstSlotOf(u32 chunk) { return (1U << (chunk + kFirstChunkBits)) - (1U << kFirstChunkBits); }
 
-// Above it, a slot's number plus 64 would not fit 32 bits.
+// Above it, a slot's number plus 64 would not fit 32 bits. Handle 0 has no chunk either: its slot
+// is the highest number.
 bool HasChunk(u32 slot) { return slot < UINT32_MAX - (1U << kFirstChunkBits); }
 
 Slot* FindSlot(u32 handle) {
   const u32 slot = handle - 1;
-  if (handle == 0 || !HasChunk(slot)) return nullptr;
+  if (!HasChunk(slot)) return nullptr;
   const u32 chunk = ChunkOf(slot);
   Slot* const first = chunks.at(chunk).load(std::memory_order_acquire);
   return first == nullptr ? nullptr : first + (slot - FirstSlotOf(chunk));

@@ -10,7 +10,6 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include "os/file_id.h"
@@ -41,18 +40,8 @@ constexpr mode_t kNewFileMode = 0664;
 constexpr mode_t kCopyMode = 0600;
 constexpr uid_t kAnyOwner = static_cast<uid_t>(-1);
 
-int OpenFlags(const astring* mode) {
-  const bool both = strchr(mode, '+') != nullptr;
-  switch (mode[0]) {
-    case 'r':
-      return both ? O_RDWR : O_RDONLY;
-    case 'w':
-      // Truncated only after the file has proved regular.
-      return (both ? O_RDWR : O_WRONLY) | O_CREAT;
-    default:
-      return (both ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND;
-  }
-}
+// What is written to is truncated only after it has proved regular.
+int OpenFlags(const astring* mode) { return mode[0] == 'w' ? O_WRONLY | O_CREAT : O_RDONLY; }
 
 bool IsRegular(int file, struct stat* seen) {
   if (fstat(file, seen) != 0) return false;

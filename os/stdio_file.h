@@ -47,7 +47,7 @@ struct FileCloser {
 
 using FilePtr = std::unique_ptr<FILE, FileCloser>;
 
-// OpenRegular as a stream. `mode` is one of "r", "r+", "w", "w+", "a" (a "b" is accepted).
+// OpenRegular as a stream. `mode` is "r" or "w" (a "b" is accepted).
 FilePtr OpenFile(const astring* path, const astring* mode);
 
 // Flushes and closes; false when any write, the flush or the close failed.

@@ -213,6 +213,12 @@ TEST_F(KeyValueReader, PassOverAMissingFileFails) {
   EXPECT_EQ(PopulateKeyValueEntries("/tmp/missing.properties", nullptr, &count), kFailed);
 }
 
+TEST_F(KeyValueReader, AMissingFileIsSeenBeforeAnyMemoryIsTaken) {
+  const test::FailNthAllocation fault(1);
+  u32 count = 0;
+  EXPECT_EQ(PopulateKeyValueEntries("/tmp/missing.properties", nullptr, &count), kFailed);
+}
+
 TEST_F(KeyValueReader, FillingPassWithoutMemoryStoresNothing) {
   test::WriteFile(kFile, "a=1\nb=2\n");
   for (u32 nth = 1; nth <= 4; ++nth) {

@@ -50,6 +50,15 @@ TEST(Descriptor, MovesWithItsNumber) {
   EXPECT_FALSE(IsOpen(replaced));
 }
 
+TEST(Descriptor, StaysOpenWhenMovedToItself) {
+  Descriptor opened = OpenDescriptor("/dev/null", O_RDONLY);
+  const int number = opened.Number();
+  Descriptor& same = opened;
+  opened = std::move(same);
+  EXPECT_EQ(opened.Number(), number);
+  EXPECT_TRUE(IsOpen(number));
+}
+
 TEST(Descriptor, AFailedCloseIsTold) {
   Descriptor opened = OpenDescriptor("/dev/null", O_RDONLY);
   (void)close(opened.Number());

@@ -91,6 +91,12 @@ TEST_F(FileLockTest, ANameOfZeroIsNoMutex) {
   EXPECT_EQ(qvx::OpenGlobalMutex(5), 5U);
 }
 
+TEST_F(FileLockTest, ANameOfZeroDoesNotOpenTheFile) {
+  ASSERT_EQ(qvx::CloseIPCFile(), 0);
+  EXPECT_EQ(qvx::CreateGlobalMutex(0), 0U);
+  EXPECT_LT(qvx::IPCFileDescriptor(), 0);
+}
+
 TEST_F(FileLockTest, AHandleOfZeroIsRefusedWithoutTouchingTheFile) {
   EXPECT_EQ(qvx::WaitForGlobalMutex(0, -1), -1);
   EXPECT_TRUE(FreeForOthers());

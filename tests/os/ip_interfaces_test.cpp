@@ -19,6 +19,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "qvxcs/ip_address.h"
 #include "qvxcs/memory.h"
@@ -236,6 +237,19 @@ TEST_F(Interfaces, TheHostListIsABlockOfSlots) {
   ASSERT_EQ(count, 2U);
   EXPECT_EQ((std::set<std::string>{slots, slots + kSlot}),
             (std::set<std::string>{"192.0.2.1", "2001:db8::1"}));
+  PXTFreeMem(slots);
+}
+
+TEST_F(Interfaces, TheRestOfASlotIsZero) {
+  AddTwoAddresses();
+  (void)mallopt(M_PERTURB, 0x5A);  // the heap gives no zeros of itself
+  u32 count = 0;
+  astring* const slots = PXTHostGetHostIPAddrList(&count);
+  ASSERT_NE(slots, nullptr);
+  for (u32 slot = 0; slot < count; ++slot) {
+    const std::string_view bytes(slots + size_t{slot} * kSlot, kSlot);
+    EXPECT_EQ(bytes.find_first_not_of('\0', bytes.find('\0')), std::string_view::npos);
+  }
   PXTFreeMem(slots);
 }
 

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <string>
 #include <utility>
 
@@ -28,7 +29,7 @@ constexpr char kPath[] = "/tmp/a";
 
 TEST(StdioFile, EveryDescriptorIsClosedOnExec) {
   WriteFile(kPath, "text");
-  for (const char* mode : {"r", "rb", "r+", "a", "w", "w+"}) {
+  for (const char* mode : {"r", "rb", "w"}) {
     const FilePtr file = OpenFile(kPath, mode);
     ASSERT_TRUE(file) << mode;
     EXPECT_EQ(fcntl(fileno(file.get()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC) << mode;
@@ -44,10 +45,8 @@ TEST(StdioFile, OnlyRegularFilesAreOpened) {
     EXPECT_FALSE(OpenFile(path, "r")) << path;
     EXPECT_EQ(errno, EINVAL) << path;
   }
-  for (const char* mode : {"w", "a", "r+", "w+"}) {
-    EXPECT_FALSE(OpenFile("/tmp", mode)) << mode;
-    EXPECT_FALSE(OpenFile("/tmp/fifo", mode)) << mode;
-    EXPECT_FALSE(OpenFile("/dev/null", mode)) << mode;
+  for (const char* path : {"/tmp", "/tmp/fifo", "/dev/null"}) {
+    EXPECT_FALSE(OpenFile(path, "w")) << path;
   }
 }
 
@@ -63,26 +62,35 @@ TEST(StdioFile, RefusedFilesLeaveNoDescriptorOpen) {
 }
 
 TEST(StdioFile, MissingFileIsToldByItsError) {
-  for (const char* mode : {"r", "r+"}) {
-    errno = 0;
-    EXPECT_FALSE(OpenFile("/tmp/missing", mode)) << mode;
-    EXPECT_EQ(errno, ENOENT) << mode;
-    EXPECT_FALSE(Exists("/tmp/missing")) << mode;
-  }
+  errno = 0;
+  EXPECT_FALSE(OpenFile("/tmp/missing", "r"));
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_FALSE(Exists("/tmp/missing"));
 }
 
-TEST(StdioFile, WritingBeginsAnewAndAppendingGoesOn) {
+TEST(StdioFile, WritingBeginsAnew) {
   WriteFile(kPath, "old text");
   FilePtr file = OpenFile(kPath, "w");
   ASSERT_TRUE(file);
   EXPECT_EQ(ReadFile(kPath), "");
   EXPECT_GE(fputs("new", file.get()), 0);
   EXPECT_TRUE(CloseWritten(std::move(file)));
-  file = OpenFile(kPath, "a");
+  EXPECT_EQ(ReadFile(kPath), "new");
+}
+
+// A child that ends by exit flushes every stream that it knows of.
+TEST(StdioFile, AChildWritesNothingOfItsParentsStreams) {
+  FilePtr file = OpenFile(kPath, "w");
   ASSERT_TRUE(file);
-  EXPECT_GE(fputs("er", file.get()), 0);
+  EXPECT_GE(fputs("text", file.get()), 0);
+  EXPECT_EQ(test::InChild([] {
+              DropStreamsInChild();
+              return fflush(nullptr);
+            }),
+            0);
+  EXPECT_EQ(ReadFile(kPath), "");
   EXPECT_TRUE(CloseWritten(std::move(file)));
-  EXPECT_EQ(ReadFile(kPath), "newer");
+  EXPECT_EQ(ReadFile(kPath), "text");
 }
 
 TEST(StdioFile, WritingGoesOnWhereThePositionIs) {
@@ -145,22 +153,18 @@ TEST(StdioFile, ALinkToTheSourceGivesWayToItsCopy) {
 TEST(StdioFile, AFileThatIsMadeHasItsModeAsSoonAsItIsOpen) {
   for (const mode_t mask : {0u, 0022u, 0777u}) {
     (void)umask(mask);
-    for (const char* mode : {"w", "w+", "a"}) {
-      const FilePtr file = OpenFile("/tmp/new", mode);
-      ASSERT_TRUE(file) << mode;
-      EXPECT_EQ(ModeOf("/tmp/new"), 01664u) << mode;
-      ASSERT_EQ(unlink("/tmp/new"), 0);
-    }
+    const FilePtr file = OpenFile("/tmp/new", "w");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(ModeOf("/tmp/new"), 01664u);
+    ASSERT_EQ(unlink("/tmp/new"), 0);
   }
 }
 
 TEST(StdioFile, AFileThatIsReadKeepsItsMode) {
   WriteFile(kPath, "text");
   ASSERT_EQ(chmod(kPath, 0640), 0);
-  for (const char* mode : {"r", "r+"}) {
-    EXPECT_TRUE(OpenFile(kPath, mode)) << mode;
-    EXPECT_EQ(ModeOf(kPath), 0640u) << mode;
-  }
+  EXPECT_TRUE(OpenFile(kPath, "r"));
+  EXPECT_EQ(ModeOf(kPath), 0640u);
 }
 
 TEST(StdioFile, ACopyIsItsOwnersUntilItIsFinished) {

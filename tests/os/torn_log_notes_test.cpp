@@ -35,6 +35,13 @@ bool Added(const TornLogNote& note) {
   return notes.Add(note);
 }
 
+bool ForgetsWhatIsNotWritten() {
+  const FileLockGuard lock(QVX_LOCK_WAIT);
+  TornLogNotes notes;
+  const TornLogNote note = NoteOf(3, 300);
+  return !notes.Add(note) && notes.Find(note.file) == nullptr;
+}
+
 void Dropped(u64 inode) {
   const FileLockGuard lock(QVX_LOCK_WAIT);
   TornLogNotes notes;
@@ -137,7 +144,7 @@ TEST_F(TornLogNotesTest, WhoMayOnlyReadTheLockFileReadsNotesAndWritesNone) {
   const auto asNobody = [] {
     (void)CloseIPCFile();
     return setuid(kNobody) == 0 && OpenIPCFile() == 0 && OffsetNow(1) == 100 &&
-                   !Added(NoteOf(2, 200)) && OffsetNow(2) == 0
+                   !Added(NoteOf(2, 200)) && OffsetNow(2) == 0 && ForgetsWhatIsNotWritten()
                ? 0
                : 1;
   };

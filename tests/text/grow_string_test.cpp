@@ -3,6 +3,7 @@
 #include "text/grow_string.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstddef>
 #include <cstring>
@@ -10,6 +11,7 @@
 
 #include "support/alloc_fault.h"
 #include "support/guard_buffer.h"
+#include "support/heap_use.h"
 #include "support/long_text.h"
 
 namespace qvx {
@@ -167,6 +169,19 @@ TEST(GrowString, FreeSetsAllFieldsToZero) {
   EXPECT_EQ(wide.capacity, 0u);
   EXPECT_EQ(wide.length, 0u);
   SSUStrFree(&wide);
+}
+
+TEST(GrowString, FreeGivesTheBlockBack) {
+  constexpr u32 kCapacity = 4096;
+  SSAStr narrow = Holding(kCapacity, "abc");
+  const size_t withNarrow = test::HeapInUse();
+  SSAStrFree(&narrow);
+  EXPECT_LE(test::HeapInUse() + kCapacity, withNarrow);
+
+  SSUStr wide = HoldingWide(kCapacity, u"abc");
+  const size_t withWide = test::HeapInUse();
+  SSUStrFree(&wide);
+  EXPECT_LE(test::HeapInUse() + kCapacity, withWide);
 }
 
 TEST(GrowString, NullRecordsAreTolerated) {
@@ -333,6 +348,7 @@ TEST(GrowString, RoomIsTakenWithinTheBlockAsLongAsTheTerminatorFits) {
 }
 
 TEST(GrowString, RoomForOneCharacterMoreGrowsTheBlockAndHandsOverTheOldOne) {
+  (void)mallopt(M_PERTURB, 0x5A);  // the heap gives no zeros of itself
   SSAStr record = {};
   ASSERT_NE(SSAStrAlloc(&record, 8), nullptr);
   ASSERT_NE(SSAStrCatAStr(&record, "abc"), nullptr);

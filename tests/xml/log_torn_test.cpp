@@ -21,8 +21,10 @@
 #include "base/layout.h"
 #include "frame/module.h"
 #include "os/ipc_file.h"
+#include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/kill_at_stop.h"
+#include "support/processes.h"
 #include "xml/log_files.h"
 #include "xml/xml_log.h"
 
@@ -254,6 +256,17 @@ TEST_F(LogTorn, ATornLogIsMendedBeforeItMovesToItsBackup) {
   EXPECT_EQ(Append(kLog, 2, 10, 4000), SM_STATUS_SUCCESS);
   EXPECT_EQ(test::ReadFile(kBackup), standing);
   EXPECT_EQ(LockFile(), "");
+}
+
+TEST_F(LogTorn, ATornLogIsNotMendedWithoutTheLock) {
+  test::WriteFile(kLog, LogWithItsTagAt(4000));
+  ASSERT_TRUE(Tear(kLog, 2 * kPage, 1, 10000));
+  const std::string torn = test::ReadFile(kLog);
+  const test::LockHolder other(kIPCFilePath);
+  const test::CountSleeps sleeps;
+  EXPECT_EQ(Append(kLog, 2, 10, 4000), SM_STATUS_LOCK_FAILED);
+  EXPECT_EQ(test::ReadFile(kLog), torn);
+  EXPECT_FALSE(test::Exists(kBackup));
 }
 
 TEST_F(LogTorn, ATornLogCountsWithItsMendedSize) {
