@@ -14,7 +14,9 @@
 #include "base/results.h"
 #include "os/file_lock.h"
 #include "os/file_util.h"
+#include "os/torn_log_notes.h"
 #include "xml/log_file.h"
+#include "xml/log_mend.h"
 
 namespace qvx {
 
@@ -63,6 +65,8 @@ u32 BackupLogFile(const astring* path, u32 maxSize, u32 entrySize) {
   // The caller measured the log too, without the lock, so as not to take it for a log that is not
   // full. Another process may have moved the log since: then the existing backup holds its entries
   // and must not be deleted for a new, short log.
+  // It may have been cut since, too.
+  if (MayHaveTornLogNotes()) MendLogAt(path);
   if (!IsFull(path, maxSize, entrySize)) return kMinusOne;
   return MoveOverBackup(path, backup.get());
 }

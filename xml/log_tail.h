@@ -14,6 +14,9 @@ namespace qvx {
 // The offset of the log's last closing tag after the head; -1 without one or when a read fails.
 s64 FindClosingTag(const LogFile& log);
 
+// Puts the closing tag at that place and cuts off what follows it; false when one of both fails.
+bool RestoreClosingTag(const LogFile& log, s64 offset);
+
 // One write that adds an entry and a new closing tag to a log.
 class LogAddition {
  public:
@@ -39,14 +42,6 @@ class LogAddition {
   s64 offset_;
   s64 end_;
 };
-
-// Whether a kill during the write that the note describes has cut this log.
-bool IsTorn(const LogFile& log, const TornLogNote& note);
-
-// Puts the closing tag back at the place that the note names; a log that was being begun is
-// emptied.
-// False when that fails.
-bool MendLog(LogFile* log, const TornLogNote& note);
 
 }  // namespace qvx
 

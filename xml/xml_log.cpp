@@ -16,6 +16,7 @@
 #include "os/torn_log_notes.h"
 #include "xml/log_entry.h"
 #include "xml/log_file.h"
+#include "xml/log_mend.h"
 #include "xml/log_tail.h"
 
 namespace qvx {
@@ -24,21 +25,10 @@ namespace {
 
 bool HasHead(const LogLook& look) { return look.regular && look.size >= kLogHeadLength; }
 
-// Mends the log where a kill within a noted write has cut it.
-void MendNoted(LogFile* log, TornLogNotes* notes) {
-  const TornLogNote* const note = notes->Find(log->id);
-  if (note != nullptr && IsTorn(*log, *note) && MendLog(log, *note)) notes->Drop(log->id);
-}
-
 // Mends the log in a separate hold of the lock.
-void MendLogAt(const astring* path) {
+void MendAlone(const astring* path) {
   const FileLockGuard lock(QVX_LOCK_WAIT);
-  if (!lock) return;
-  TornLogNotes notes;
-  const LogLook look = LookAtLog(path);
-  if (!look.regular || notes.Find(look.id) == nullptr) return;
-  LogFile log = OpenStandingLog(path);
-  if (log) MendNoted(&log, &notes);
+  if (lock) MendLogAt(path);
 }
 
 // A log is mended before its size moves it to the backup, which would keep it torn. The lock file
@@ -46,7 +36,7 @@ void MendLogAt(const astring* path) {
 bool IsFull(const astring* path, const LogLook& look, u32 maxSize, const LogEntry& entry) {
   if (!look.regular || !ReachesMaximum(look.size, maxSize, entry.Length())) return false;
   if (!MayHaveTornLogNotes()) return true;
-  MendLogAt(path);
+  MendAlone(path);
   const LogLook mended = LookAtLog(path);
   return mended.regular && ReachesMaximum(mended.size, maxSize, entry.Length());
 }

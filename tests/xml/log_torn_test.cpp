@@ -11,6 +11,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -20,11 +21,15 @@
 
 #include "base/layout.h"
 #include "frame/module.h"
+#include "os/file_id.h"
+#include "os/file_lock.h"
 #include "os/ipc_file.h"
+#include "os/torn_log_notes.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
 #include "support/kill_at_stop.h"
 #include "support/processes.h"
+#include "xml/log_backup.h"
 #include "xml/log_files.h"
 #include "xml/xml_log.h"
 
@@ -76,8 +81,11 @@ bool TearText(const char* path, size_t border, u32 id, const std::string& descri
     if (setrlimit(RLIMIT_FSIZE, &limit) != 0) return 9;
     return static_cast<int>(AppendText(path, id, description, maxSize) & 0x7F);
   };
-  const auto look = [path, border] {
-    return !test::Exists(path) || test::ReadFile(path).size() < border || EndsWithTag(path);
+  const std::string before = test::Exists(path) ? test::ReadFile(path) : "";
+  const auto look = [path, border, &before] {
+    if (!test::Exists(path)) return true;
+    const std::string now = test::ReadFile(path);
+    return now.size() < border || now == before;
   };
   return test::RunStepwise(append, look) == test::kKilled;
 }
@@ -363,6 +371,86 @@ TEST_F(LogTorn, ATornEntryThatLooksLikeTwoIsNotTakenBack) {
   const std::string torn = test::ReadFile(kLog);
   EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_BAD_DATA);
   EXPECT_EQ(test::ReadFile(kLog), torn);
+}
+
+// A well-formed description may show another log, with its entries and its closing tag.
+std::string ShownLog(u32 entries) {
+  std::string shown;
+  for (u32 id = 1; id <= entries; ++id) {
+    std::string entry = Entry(id, 20);
+    entry.insert(strlen("<LogEntry>"), "<TimeStamp>1</TimeStamp><DateTime>then</DateTime>");
+    shown += entry;
+  }
+  return "<Answer><EventLog>" + shown + "</EventLog></Answer>";
+}
+
+TEST_F(LogTorn, AnEntryThatShowsAnotherLogIsTakenBack) {
+  const std::string standing = LogWithItsTagAt(kPage - 500);
+  for (const u32 entries : {1u, 2u, 20u}) {
+    for (const size_t before : {10u, 4000u}) {  // cut after what is shown, and within it
+      const std::string description = std::string(before, 'd') + ShownLog(entries);
+      test::WriteFile(kLog, standing);
+      ASSERT_TRUE(TearText(kLog, 2 * kPage, 1, description + std::string(9000 - before, 'd')));
+      EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_SUCCESS) << entries << " " << before;
+      EXPECT_EQ(LogNow(), standing.substr(0, kPage - 500) + Entry(2, 10) + "</EventLog>");
+      EXPECT_EQ(LockFile(), "");
+    }
+  }
+}
+
+TEST_F(LogTorn, AnEntryCutRightAfterAClosingTagThatItShowsIsTakenBack) {
+  const std::string standing = LogWithItsTagAt(kPage - 500);
+  const std::string shown = ShownLog(1);
+  const size_t untilTag = shown.find("</EventLog>") + kTagLength;
+  // What comes before the description depends on the length of the time.
+  for (size_t before = 100; before < 500; ++before) {
+    const std::string padding(kPage + before - untilTag, 'd');
+    test::WriteFile(kLog, standing);
+    ASSERT_TRUE(TearText(kLog, 2 * kPage, 1, padding + shown + std::string(5000, 'd')));
+    if (!EndsWithTag(kLog)) continue;
+    EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_SUCCESS);
+    EXPECT_EQ(LogNow(), standing.substr(0, kPage - 500) + Entry(2, 10) + "</EventLog>");
+    return;
+  }
+  ADD_FAILURE() << "no padding ends the page with the tag";
+}
+
+// The lock file is the operators' to write. A note of theirs takes no entry from a whole log.
+TEST_F(LogTorn, AForgedNoteTakesNoWholeEntryBack) {
+  ASSERT_EQ(AppendText(kLog, 1, "x</LogEntry></EventLog>", test::kNoMaximum), SM_STATUS_SUCCESS);
+  const size_t within = test::ReadFile(kLog).find("</EventLog>");
+  for (const u32 id : {2u, 3u, 4u}) {
+    ASSERT_EQ(Append(kLog, id, 10), SM_STATUS_SUCCESS);
+  }
+  const std::string whole = test::ReadFile(kLog);
+  struct stat status = {};
+  ASSERT_EQ(stat(kLog, &status), 0);
+  for (const u64 end : {u64{0}, u64{within + 5}, u64{whole.size()}, ~u64{0}}) {
+    test::WriteFile(kLog, whole);
+    {
+      const FileLockGuard lock(QVX_LOCK_WAIT);
+      TornLogNotes notes;
+      ASSERT_TRUE(notes.Add({FileIdOf(status), within, end, 0}));
+    }
+    EXPECT_EQ(Append(kLog, 5, 10), SM_STATUS_SUCCESS);
+    EXPECT_EQ(test::WithoutTimes(test::ReadFile(kLog)),
+              test::WithoutTimes(whole.substr(0, whole.size() - kTagLength)) + Entry(5, 10) +
+                  "</EventLog>")
+        << end;
+  }
+}
+
+// Cut after the append looked at the log's size, before the move.
+TEST_F(LogTorn, TheMoveItselfMendsTheLogToo) {
+  const std::string standing = LogWithItsTagAt(4000);
+  test::WriteFile(kLog, standing);
+  ASSERT_TRUE(Tear(kLog, 2 * kPage, 1, 10000));
+  EXPECT_EQ(BackupLogFile(kLog, 8000, 0), kMinusOne) << "the mended log is not full";
+  EXPECT_EQ(test::ReadFile(kLog), standing);
+  ASSERT_TRUE(Tear(kLog, 2 * kPage, 1, 10000));
+  EXPECT_EQ(BackupLogFile(kLog, 4000, 0), SM_STATUS_SUCCESS);
+  EXPECT_EQ(test::ReadFile(kBackup), standing);
+  EXPECT_EQ(LockFile(), "");
 }
 
 TEST_F(LogTorn, AnUsualAppendWritesNoNote) {
