@@ -18,7 +18,7 @@ links=$(readlink "$moved/$libraries/libqvxcs.so" "$moved/$libraries/libqvxcs.so.
 [ "$links" = "libqvxcs.so.$major libqvxcs.so.$version" ] || fail "libqvxcs.so points to: $links"
 [ "$(ls "$moved/include")" = qvxcs ] || fail "headers of others are installed: $(ls "$moved/include")"
 diff <(ls include/qvxcs) <(ls "$moved/include/qvxcs") || fail "not the public headers"
-if grep -rFl "$PWD" "$moved"; then
+if grep -rFl "$PWD/" "$moved"; then
   fail "these files name the folder of the build"
 fi
 say "installed and moved: the library, its links, its headers"
