@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "qvxcs/status.h"
@@ -82,6 +83,29 @@ HeapArray<astring> EscapeOnce(const astring* text, booln* escaped) {
   return result;
 }
 
+// What further passes make of a text that one pass has written: only its ampersands are escaped,
+// and each pass puts "amp;" after each of them once more. Empty as above.
+HeapArray<astring> EscapeAgain(const astring* text, u32 passes) {
+  constexpr std::string_view kAdded = "amp;";
+  const std::string_view once(text);
+  const auto ampersands = static_cast<u64>(std::count(once.begin(), once.end(), '&'));
+  // Their product is below 2^64: a text with its growth is below 2^32.
+  const u64 growth = ampersands * passes;
+  if (growth > kMaxSize / kAdded.size()) return nullptr;
+  const u64 needed = once.size() + growth * kAdded.size() + 1;
+  HeapArray<astring> result = needed > kMaxSize ? nullptr : AllocArray<astring>(needed);
+  if (!result) return result;
+  astring* to = result.get();
+  for (const astring character : once) {
+    *to++ = character;
+    for (u32 pass = 0; character == '&' && pass < passes; ++pass) {
+      to = std::copy(kAdded.begin(), kAdded.end(), to);
+    }
+  }
+  *to = '\0';
+  return result;
+}
+
 // Writes what fits of a result that does not fit whole: clean bytes as far as there is room,
 // entities whole. `escaped` covers only the characters met on the way.
 u32 FillRoom(astring* out, u32 room, booln* escaped, const astring* text) {
@@ -141,10 +165,7 @@ astring* SUPTIntfGetXMLUTF8StrFromAStr(const astring* text, u32 passes) {
   if (text == nullptr) return nullptr;
   booln escaped = 0;
   HeapArray<astring> result = EscapeOnce(text, &escaped);
-  // Each further pass escapes the ampersands of the one before.
-  for (u32 done = 1; result && escaped == 1 && done < passes; ++done) {
-    result = EscapeOnce(result.get(), &escaped);
-  }
+  if (result && escaped == 1 && passes > 1) result = EscapeAgain(result.get(), passes - 1);
   return result.release();
 }
 
