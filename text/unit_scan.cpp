@@ -9,6 +9,44 @@
 
 namespace qvx {
 
+// The loops that define the others.
+namespace plain {
+namespace {
+
+u64 UnitCount(const ustring* text) {
+  const ustring* end = text;
+  while (*end != 0) {
+    ++end;
+  }
+  return static_cast<u64>(end - text);
+}
+
+size_t UnitCountWithin(const ustring* text, size_t limit) {
+  size_t count = 0;
+  while (count < limit && text[count] != 0) {
+    ++count;
+  }
+  return count;
+}
+
+const ustring* FindUnitOrEnd(const ustring* text, ustring unit) {
+  while (*text != unit && *text != 0) {
+    ++text;
+  }
+  return text;
+}
+
+size_t EqualUnits(const ustring* first, const ustring* second) {
+  size_t at = 0;
+  while (first[at] == second[at] && first[at] != 0) {
+    ++at;
+  }
+  return at;
+}
+
+}  // namespace
+}  // namespace plain
+
 #ifdef QVX_WIDE_PAGES
 
 namespace {
@@ -18,7 +56,10 @@ constexpr size_t kPage = 4096;  // no machine has smaller ones
 // A place that no text reaches.
 const ustring* Never() { return reinterpret_cast<const ustring*>(UINTPTR_MAX); }
 
-bool IsEven(const ustring* text) { return reinterpret_cast<uintptr_t>(text) % 2 == 0; }
+// Aligned blocks hold whole units of texts at even addresses alone.
+bool MayPassEnd(const ustring* text) {
+  return reinterpret_cast<uintptr_t>(text) % sizeof(ustring) == 0 && ProcessorHas(kBaseline);
+}
 
 namespace narrow {
 
@@ -69,70 +110,40 @@ const ustring* Find(const ustring* text, ustring unit, const ustring* stop) {
 }  // namespace
 
 u64 UnitCount(const ustring* text) {
-  if (IsEven(text)) return static_cast<u64>(Find<false>(text, 0, Never()) - text);
-  const ustring* end = text;
-  while (*end != 0) {
-    ++end;
-  }
-  return static_cast<u64>(end - text);
+  if (!MayPassEnd(text)) return plain::UnitCount(text);
+  return static_cast<u64>(Find<false>(text, 0, Never()) - text);
 }
 
 size_t UnitCountWithin(const ustring* text, size_t limit) {
-  if (IsEven(text) && limit != 0) {
-    const ustring* const end = Find<false>(text, 0, text + limit);
-    return std::min(static_cast<size_t>(end - text), limit);
-  }
-  size_t count = 0;
-  while (count < limit && text[count] != 0) {
-    ++count;
-  }
-  return count;
+  if (!MayPassEnd(text) || limit == 0) return plain::UnitCountWithin(text, limit);
+  const ustring* const end = Find<false>(text, 0, text + limit);
+  return std::min(static_cast<size_t>(end - text), limit);
 }
 
 const ustring* FindUnitOrEnd(const ustring* text, ustring unit) {
-  if (IsEven(text)) return Find<true>(text, unit, Never());
-  while (*text != unit && *text != 0) {
-    ++text;
-  }
-  return text;
+  return MayPassEnd(text) ? Find<true>(text, unit, Never()) : plain::FindUnitOrEnd(text, unit);
 }
 
 size_t EqualUnits(const ustring* first, const ustring* second) {
-  return ProcessorHas(kWideBlocks) ? wide::EqualInBlocks(first, second)
-                                   : narrow::EqualInBlocks(first, second);
+  if (ProcessorHas(kWideBlocks)) return wide::EqualInBlocks(first, second);
+  return ProcessorHas(kBaseline) ? narrow::EqualInBlocks(first, second)
+                                 : plain::EqualUnits(first, second);
 }
 
-#else  // the plain loops, which define the others
+#else
 
-u64 UnitCount(const ustring* text) {
-  const ustring* end = text;
-  while (*end != 0) {
-    ++end;
-  }
-  return static_cast<u64>(end - text);
-}
+u64 UnitCount(const ustring* text) { return plain::UnitCount(text); }
 
 size_t UnitCountWithin(const ustring* text, size_t limit) {
-  size_t count = 0;
-  while (count < limit && text[count] != 0) {
-    ++count;
-  }
-  return count;
+  return plain::UnitCountWithin(text, limit);
 }
 
 const ustring* FindUnitOrEnd(const ustring* text, ustring unit) {
-  while (*text != unit && *text != 0) {
-    ++text;
-  }
-  return text;
+  return plain::FindUnitOrEnd(text, unit);
 }
 
 size_t EqualUnits(const ustring* first, const ustring* second) {
-  size_t at = 0;
-  while (first[at] == second[at] && first[at] != 0) {
-    ++at;
-  }
-  return at;
+  return plain::EqualUnits(first, second);
 }
 
 #endif

@@ -8,7 +8,8 @@
 //
 // QVX_WIDE_LOADS    16 bytes at a time, within the text
 // QVX_WIDE_PAGES    aligned loads that may pass a terminator, never its page; not in builds with a
-//                   sanitizer, which would report them and thus check the plain loops
+//                   sanitizer, which would report them and thus check the plain loops, nor under
+//                   valgrind's memcheck
 // QVX_WIDE_SHUFFLE  instructions beyond the baseline, where the processor has them
 
 #include <atomic>
@@ -36,6 +37,7 @@ namespace qvx {
 // What the processor has beyond the baseline; each level has those before it.
 enum ProcessorLevel : int {
   kNotAsked,
+  kWithinText,  // valgrind's memcheck, which reports loads that pass a terminator
   kBaseline,
   kByteShuffle,  // SSSE3 and POPCNT
   kWideBlocks,   // AVX2, whose registers the system keeps

@@ -38,7 +38,7 @@ size_t Lowest(u32 bits) {
 template <typename Element>
 size_t AsciiAtStart(const Element* text, size_t most) {
   const auto address = reinterpret_cast<uintptr_t>(text);
-  if (address % sizeof(Element) != 0) return 0;
+  if (address % sizeof(Element) != 0 || !ProcessorHas(kBaseline)) return 0;
   auto block = reinterpret_cast<const Element*>(address & ~(kBytes - 1));
   u32 others = Others(block) >> (address % kBytes);
   if (others != 0) return std::min(Lowest<Element>(others), most);

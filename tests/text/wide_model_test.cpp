@@ -37,7 +37,7 @@ class AtSomeLevel {
  public:
   explicit AtSomeLevel(HostileTexts* texts) {
     static const int has = AskProcessor();
-    processorLevel.store(std::min<int>(has, kBaseline + static_cast<int>(texts->Below(3))));
+    processorLevel.store(std::min<int>(has, kWithinText + static_cast<int>(texts->Below(4))));
   }
   ~AtSomeLevel() { processorLevel.store(kNotAsked); }
   AtSomeLevel(const AtSomeLevel&) = delete;
@@ -241,7 +241,7 @@ TEST(WideModel, EachByteOfABlockIsEscapedByItsOwnEntity) {
 
 // A text so long that the growth of its blocks is summed up more than once.
 TEST(WideModel, GrowthOfManySpecialsIsExact) {
-  for (const int level : {kBaseline, kByteShuffle}) {
+  for (const int level : {kWithinText, kBaseline, kByteShuffle}) {
     if (AskProcessor() < level) continue;
     processorLevel.store(level);
     const std::string text(20000, '"');
