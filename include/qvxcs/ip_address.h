@@ -281,8 +281,8 @@ QVX_EXPORT qvx_u32 PXTGetIPAddrStrList(const qvx_astring* ignored, qvx_u32* coun
  *
  * @param[out] count  the number of addresses; 0 on failure
  * @return the addresses, one in each slot of 65 bytes; NULL when `count` is NULL, memory runs out,
- *         the system does not report them or IP support is not loaded. With no addresses the block is
- *         not NULL.
+ *         the system does not report them or IP support is not loaded. With no addresses the block
+ *         is not NULL.
  * @par Memory
  * The caller releases the block with `PXTFreeMem`.
  * @par Threads

@@ -80,8 +80,8 @@ QVX_EXPORT qvx_astring* PXTGetProductVarPath(void);
 /**
  * Returns the web server's root.
  *
- * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot/"; NULL when the root install path cannot
- * be had, or without memory
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/wwwroot/"; NULL without the root install
+ * path or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
@@ -92,8 +92,8 @@ QVX_EXPORT qvx_astring* PXTGetQVXWWWRootPath(void);
 /**
  * Returns the root of the style sheets.
  *
- * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/xslroot/"; NULL when the root install path cannot
- * be had, or without memory
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/xslroot/"; NULL without the root install
+ * path or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
@@ -154,8 +154,8 @@ QVX_EXPORT qvx_astring* PXTGetQVXWEBDocsPath(void);
  *
  * One level is created, with mode 0755 less the umask; a directory that is there already serves.
  *
- * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/iws/temp"; NULL when the root install path cannot
- *         be had, the directory cannot be created, or without memory
+ * @return "/etc/cim/zarn/plinthos/var/lib/vexilon/iws/temp"; NULL without the root install
+ *         path, when the directory cannot be created, or without memory
  * @par Memory
  * The caller frees the text with `PXTFreeMem`.
  * @par Threads
