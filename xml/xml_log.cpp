@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 #include "qvxcs/status.h"
@@ -105,16 +106,25 @@ u32 AppendCleared(const astring* path, const astring* user, const astring* sourc
                         nullptr, 0, kDefaultMaxLogSize);
 }
 
+bool MayBeLogged(const astring* user, const astring* source) {
+  return IsLoggable({kLogInformation, kLogClearedId, user, source, nullptr, nullptr, 0});
+}
+
 }  // namespace
 
 u32 ForceXMLLogExists(const astring* path, const astring* user, const astring* source) {
-  if (path != nullptr && HasHead(LookAtLog(path))) return SM_STATUS_SUCCESS;
+  if (path == nullptr) return SM_STATUS_BAD_ARGUMENT;
+  const LogLook look = LookAtLog(path);
+  const int reason = errno;
+  if (HasHead(look)) return SM_STATUS_SUCCESS;
+  if (!MayBeLogged(user, source)) return SM_STATUS_BAD_ARGUMENT;
+  // A log that the system does not show may have entries, and is not begun anew.
+  if (!look.found && reason != ENOENT) return kMinusOne;
   return AppendCleared(path, user, source);
 }
 
 u32 ClearXMLLog(const astring* path, const astring* user, const astring* source) {
-  const LogEvent cleared = {kLogInformation, kLogClearedId, user, source, nullptr, nullptr, 0};
-  if (path == nullptr || !IsLoggable(cleared)) return SM_STATUS_BAD_ARGUMENT;
+  if (path == nullptr || !MayBeLogged(user, source)) return SM_STATUS_BAD_ARGUMENT;
   if (const u32 status = DeleteLogFile(path)) return status;
   return AppendCleared(path, user, source);
 }

@@ -99,6 +99,20 @@ TEST_F(LogFault, AnEntryIsNotWrittenWhereTheBytesBehindItCannotBeCut) {
   EXPECT_EQ(test::ReadFile(kLog).substr(0, begin.size()), begin);
 }
 
+TEST_F(LogFault, ALogThatTheSystemDoesNotShowIsNotBegunAnew) {
+  const std::string log = test::LogOf(std::string(100, 'k'));
+  test::WriteFile(kLog, log);
+  EXPECT_EQ(test::InChild([] {
+              test::RefuseFileStatus(AT_FDCWD, EIO);
+              return ForceXMLLogExists(kLog, "", "s") == SM_STATUS_BAD_ARGUMENT &&
+                             ForceXMLLogExists(kLog, "u", "s") == kMinusOne
+                         ? 3
+                         : 4;
+            }),
+            3);
+  EXPECT_EQ(test::ReadFile(kLog), log);
+}
+
 // Whether an append whose close fails is a write failure.
 bool FailsWhenItsCloseFails(const std::string& description) {
   const auto append = [&description] {
