@@ -84,6 +84,9 @@ void QVAuthFileReader::CheckFilePermissions() {
     throw QVXRoleMapFileReaderException(RoleBadPermissions, 0);
   }
   if (status.st_mtime == lastModification_) return;
+  // Deliberate: the time counts as seen before the file is open. One that cannot be opened, because
+  // the process may not read it or has no descriptor left, is read once its time changes. Held by
+  // UserRights.AFileThatCouldNotBeOpenedIsReadOnceItsTimeChanges.
   lastModification_ = status.st_mtime;
   loaded_ = false;
   QVXRoleMapAlgorithm::GetInstance().ForgetInitialized();

@@ -82,9 +82,9 @@ enum QVXRoleMapFault {
   QVX_ROLEMAP_MISSING_FIELD = 5911,   /**< a line has fewer than three fields */
   QVX_ROLEMAP_OPEN_FAILED = 5912,     /**< the file cannot be examined or opened */
   QVX_ROLEMAP_BAD_PERMISSIONS = 5913, /**< its mode is neither 0640 nor 01640 */
-  QVX_ROLEMAP_NO_RECORDS = 5914,      /**< it has no line that counts */
-  QVX_ROLEMAP_INVALID_ROLE = 5915,    /**< a line's third field is no role */
-  QVX_ROLEMAP_CONFLICT = 5916         /**< a user is given the same host twice */
+  QVX_ROLEMAP_NO_RECORDS = 5914,   /**< it has no line that counts, or could not be opened before */
+  QVX_ROLEMAP_INVALID_ROLE = 5915, /**< a line's third field is no role */
+  QVX_ROLEMAP_CONFLICT = 5916      /**< a user is given the same host twice */
 };
 
 /** Why PXTMaskProgramRights() took a level away. */
@@ -100,7 +100,8 @@ enum QVXMaskReason {
  * PXTGetRightsUsingRolemap(). A file whose modification time has not changed since it was read is
  * not opened again. A second open before the first query leaves the built-in lines in force until
  * the process ends. A file that is missing, cannot be opened or has a mode other than 0640 and
- * 01640 is logged, and the built-in lines are used instead. When memory runs out the file is not
+ * 01640 is logged, and the built-in lines are used instead. A file that could not be opened is read
+ * only after its modification time changes. When memory runs out the file is not
  * opened: the next query uses the built-in lines, unless the file is opened before it.
  *
  * @retval 0 always

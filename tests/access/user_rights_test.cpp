@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
@@ -95,6 +96,25 @@ TEST_F(UserRights, AMissingFileIsLoggedByTheOpenAndByTheQuery) {
   EXPECT_EQ(LogCount("5912"), 1u) << "0x1718, a failed open";
   EXPECT_EQ(PXTGetRightsUsingRolemap(), QVX_PRIV_ADMINISTRATOR);
   EXPECT_EQ(FaultEntries(), 2u);
+}
+
+TEST_F(UserRights, AFileThatCouldNotBeOpenedIsReadOnceItsTimeChanges) {
+  WriteRoleMap("carol * administrator\n", 0640, 1000000);
+  rlimit before = {};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const int next = dup(0);
+  (void)close(next);
+  const rlimit none = {static_cast<rlim_t>(next), before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  for (int round = 0; round < 2; ++round) {
+    (void)PXTGetRightsUsingRolemap();
+    EXPECT_EQ(RightsOf("carol"), 1u) << "built-in";
+    EXPECT_EQ(PXTOpenRolemapFile(), 0u);
+  }
+  Load("carol * administrator\n", 2000000);
+  EXPECT_EQ(RightsOf("carol"), 7u);
 }
 
 TEST_F(UserRights, AWrongModeIsLogged) {

@@ -364,6 +364,20 @@ TEST(GrowString, RoomForOneCharacterMoreGrowsTheBlockAndHandsOverTheOldOne) {
   SSAStrFree(&record);
 }
 
+TEST(GrowString, WithoutMemoryForANewBlockTheOldOneStays) {
+  SSAStr record = Holding(8, "abc");
+  astring* const block = record.text;
+  HeapArray<astring> old;
+  {
+    const FailNthAllocation fault(1);
+    EXPECT_EQ(SSAStrMakeRoom(&record, 5, &old), nullptr);
+  }
+  EXPECT_EQ(old, nullptr);
+  EXPECT_EQ(record.text, block);
+  EXPECT_STREQ(block, "abc");
+  SSAStrFree(&record);
+}
+
 TEST(GrowString, RoomBeyond32BitsIsRefused) {
   astring text[] = "abc";
   SSAStr record = {text, 4, 0xFFFFFFFF};
