@@ -30,11 +30,12 @@ constexpr size_t kFewGroups = 32;
 // A user with this many groups for each group in the map is looked up in the groups of these names.
 constexpr size_t kManyForEach = 4;
 
-// This machine's address texts, in the order of its interfaces; none when they are not available.
+// This machine's address texts, in the order of its interfaces; none, with a count of 0, when they
+// are not available.
 class LocalAddresses {
  public:
   LocalAddresses() : list_(SUPTIntfHostGetHostIPAddrList(&count_)) {}
-  u32 Count() const { return list_ ? count_ : 0; }
+  u32 Count() const { return count_; }
   const astring* At(u32 index) const { return list_.get() + size_t{index} * kAddressSlotBytes; }
 
  private:

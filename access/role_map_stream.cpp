@@ -17,8 +17,6 @@ void RoleMapStream::Open(const std::string& path) {
   }
   file_ = KeptDescriptor(OpenDescriptor(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY));
   failed_ = !IsOpen();
-  next_ = end_ = 0;
-  position_ = 0;
 }
 
 // A child that was forked with the file open shares the descriptor, so each keeps its own place.
