@@ -56,7 +56,7 @@ ExitCode Show(const RightsArguments& given) {
   } else {
     ShowDecision(decision);
   }
-  return decision.rights != 0 ? kYes : kNo;
+  return decision.rights != 0 && decision.faults.empty() ? kYes : kNo;
 }
 
 }  // namespace

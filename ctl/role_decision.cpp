@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/role_decision.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
@@ -17,6 +18,7 @@
 #include "access/role_map_algorithm.h"
 #include "access/user_rights.h"
 #include "base/layout.h"
+#include "ctl/call_failure.h"
 #include "ctl/output.h"
 #include "os/host_name.h"
 #include "os/ip_support.h"
@@ -149,6 +151,8 @@ void SplitLogin(const std::string& login, RoleDecision* decision) {
 }  // namespace
 
 RoleDecision DecideRights(const std::string& login) {
+  // Programs with more rights read a map that this user may not read.
+  if (ReasonNotReadable(kRoleMapPath) == EACCES) throw SystemFailure(kRoleMapPath, EACCES);
   RoleDecision decision;
   SplitLogin(login, &decision);
   const RoleMapRecords map(kRoleMapPath);

@@ -24,7 +24,8 @@ struct RoleDecision {
 };
 
 // What a login of "user", "user@host" or "domain\user" gets from the live map and the system. The
-// library's own reader and algorithm answer; nothing is attached and nothing logged.
+// library's own reader and algorithm answer; nothing is attached and nothing logged. Throws a
+// Failure when this user may not read the map.
 RoleDecision DecideRights(const std::string& login);
 
 // "administrator (0x7)".

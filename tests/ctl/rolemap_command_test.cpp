@@ -158,7 +158,7 @@ TEST_F(CtlRolemap, AMissingMapCouldNotBeTold) {
 TEST_F(CtlRolemap, NothingIsLoggedAndNoLockIsTaken) {
   WriteRoleMap("alice * boss\n");
   EXPECT_EQ(RunTool({"rolemap", "check"}).code, 1);
-  EXPECT_EQ(RunTool({"rights", "alice"}).code, 0);
+  EXPECT_EQ(RunTool({"rights", "alice"}).code, 1);
   EXPECT_FALSE(test::Exists(test::kCommandLog));
   EXPECT_FALSE(test::Exists("/etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc"));
 }
@@ -212,6 +212,22 @@ TEST_F(CtlRolemap, WithAFaultyMapTheBuiltInLinesDecide) {
   EXPECT_EQ(answer.err,
             "qvxctl: warning: /etc/cim/zarn/plinthos/qvxrolemap:1: the role is none of "
             "administrator, poweruser and user; the built-in lines stand in\n");
+}
+
+TEST_F(CtlRolemap, RightsOfAFaultyMapAnswerNo) {
+  EXPECT_EQ(RunTool({"rights", "root"}).code, 1);  // a missing map
+  WriteRoleMap("alice * boss\n");
+  EXPECT_EQ(RunTool({"rights", "root"}).code, 1);
+  EXPECT_EQ(RunTool({"rights", "root", "--json"}).code, 1);
+  WriteRoleMap("alice * user\n");
+  EXPECT_EQ(RunTool({"rights", "root"}).code, 0);
+}
+
+TEST_F(CtlRolemap, AMapThatThisUserMayNotReadGivesNoAnswer) {
+  WriteRoleMap("alice * poweruser\n");
+  EXPECT_EQ(test::RunToolAsNobody({"rights", "alice"}),
+            (Answer{3, "", "qvxctl: /etc/cim/zarn/plinthos/qvxrolemap: Permission denied\n"}));
+  EXPECT_EQ(test::RunToolAsNobody({"rights", "alice", "--json"}).code, 3);
 }
 
 TEST_F(CtlRolemap, RightsAsJson) {
