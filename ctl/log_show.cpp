@@ -92,9 +92,9 @@ s64 ParseSince(const std::string& text) {
 void ShowEntry(const LogView& view, const LogRecord& record, u64 offset) {
   if (!IsAskedFor(view, record)) return;
   if (view.asJson) return PrintJson(JsonOf(record, offset));
-  PrintLine(LocalTime(record.time) + " " + record.host + " " + record.user + " " + record.source +
-            " " + std::to_string(record.id) + "/" + std::to_string(record.type) + ": " +
-            record.description + (record.data.empty() ? "" : " (with data)"));
+  PrintRow(LocalTime(record.time) + " " + record.host + " " + record.user + " " + record.source +
+           " " + std::to_string(record.id) + "/" + std::to_string(record.type) + ": " +
+           record.description + (record.data.empty() ? "" : " (with data)"));
 }
 
 bool ShowLog(const std::string& path, const LogView& view) {

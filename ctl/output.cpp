@@ -68,12 +68,6 @@ const char* CodeOf(Color color) {
   throw SystemFailure("stdout", reason);
 }
 
-std::string Fitted(std::string_view line) {
-  const size_t columns = TerminalWidth();
-  const std::string safe = OneLine(line);
-  return columns == 0 ? safe : CutToWidth(safe, columns);
-}
-
 }  // namespace
 
 Failure StatusFailure(const std::string& what, u32 status, int reason) {
@@ -92,7 +86,13 @@ void Print(std::string_view text) {
   if (fwrite(text.data(), 1, text.size(), stdout) != text.size()) FailOutput(errno);
 }
 
-void PrintLine(std::string_view line) { Print(Fitted(line) + "\n"); }
+void PrintLine(std::string_view line) { Print(OneLine(line) + "\n"); }
+
+void PrintRow(std::string_view row) {
+  const size_t columns = TerminalWidth();
+  const std::string safe = OneLine(row);
+  Print((columns == 0 ? safe : CutToWidth(safe, columns)) + "\n");
+}
 
 void PrintValue(const std::string& value) {
   Print((isatty(STDOUT_FILENO) != 0 ? OneLine(value) : value) + "\n");
@@ -108,10 +108,10 @@ void Warn(const std::string& message) {
 }
 
 void PrintMarked(Color color, std::string_view word, std::string_view rest) {
-  const std::string line = Fitted(std::string(word) + std::string(rest));
-  if (color == Color::kNone || !ShowsColors()) return Print(line + "\n");
-  const size_t marked = std::min(OneLine(word).size(), line.size());
-  Print(CodeOf(color) + line.substr(0, marked) + "\033[0m" + line.substr(marked) + "\n");
+  const std::string marked = OneLine(word);
+  const std::string plain = OneLine(rest);
+  if (color == Color::kNone || !ShowsColors()) return Print(marked + plain + "\n");
+  Print(CodeOf(color) + marked + "\033[0m" + plain + "\n");
 }
 
 std::string OneLine(std::string_view text) {

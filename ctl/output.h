@@ -35,8 +35,11 @@ Failure SystemFailure(const std::string& what, int reason);
 // full disk ends it with the reason.
 void Print(std::string_view text);
 
-// One line to stdout, made safe to show. A terminal's line is cut at its width.
+// One line to stdout, made safe to show.
 void PrintLine(std::string_view line);
+
+// PrintLine, but a terminal's line is cut at its width: for one row of a long list.
+void PrintRow(std::string_view row);
 
 // A value for programs, and its line end: as it is, but safe to show on a terminal.
 void PrintValue(const std::string& value);
@@ -49,7 +52,7 @@ void Warn(const std::string& message);
 
 enum class Color { kNone, kRed, kYellow, kGreen, kBold };
 
-// PrintLine with its first word in a color, on a terminal that has colors.
+// PrintLine with its first words in a color, on a terminal that has colors.
 void PrintMarked(Color color, std::string_view word, std::string_view rest);
 
 // The text on one line: control characters, bytes that are no text and marks that turn the

@@ -6,6 +6,7 @@
 
 #include "ctl/output.h"
 #include "ctl/status_table.h"
+#include "tests/ctl/log_texts.h"
 #include "tests/ctl/run_tool.h"
 
 namespace qvx {
@@ -84,10 +85,28 @@ TEST(CtlUsage, AReaderThatHasGoneEndsTheCommandInSilence) {
   EXPECT_EQ(test::ReadFile("/tmp/gone.err"), "");
 }
 
-TEST(CtlOutput, ATerminalsLineIsCutAtItsWidth) {
-  RunningTool tool({"status", "11"}, 20);
-  const Answer answer = tool.End();
-  EXPECT_NE(answer.out.find("meaning:    the suit\r\n"), std::string::npos) << answer.out;
+TEST(CtlOutput, RowsOfALogAreCutAtATerminalsWidth) {
+  test::WriteFile("/tmp/rows.xml", test::Log(test::Entry(1700000000, "one")));
+  EXPECT_EQ(RunningTool({"log", "show", "/tmp/rows.xml"}, 24).End(),
+            (Answer{0, "2023-11-14 22:13:20 srv1\r\n", ""}));
+}
+
+TEST(CtlOutput, ExplanationsAreWholeOnANarrowTerminal) {
+  EXPECT_NE(RunningTool({"status", "11"}, 20)
+                .End()
+                .out.find("meaning:    the suite's file lock could not be taken\r\n"),
+            std::string::npos);
+  const Answer doctor = RunningTool({"doctor"}, 20).End();
+  EXPECT_NE(doctor.out.find("mend: systemd-tmpfiles --create\r\n"), std::string::npos)
+      << doctor.out;
+  const Answer rights = RunningTool({"rights", "root"}, 20).End();
+  EXPECT_NE(rights.out.find("rights: administrator, superuser (0x40007)"), std::string::npos)
+      << rights.out;
+  test::WriteFile("/tmp/narrow.map", "* * boss\n");
+  const Answer check = RunningTool({"rolemap", "check", "/tmp/narrow.map"}, 20).End();
+  EXPECT_NE(check.out.find("the role is none of administrator, poweruser and user\r\n"),
+            std::string::npos)
+      << check.out;
 }
 
 TEST(CtlOutput, ColorsAreForTerminalsOnly) {
