@@ -57,6 +57,10 @@ Failure CallFailure(const std::string& what, const std::string& path, u32 status
   }
 }
 
+bool IsLockOutOfReach() {
+  return ReasonNotReadable(kIPCFilePath) != 0 || !DescribeHolder().empty();
+}
+
 void RequireFreeLock(const std::string& what) {
   const std::string holder = DescribeHolder();
   if (holder.empty()) return;

@@ -18,6 +18,9 @@ Failure CallFailure(const std::string& what, const std::string& path, u32 status
 // Why a regular file cannot be opened for reading; 0 where it can.
 int ReasonNotReadable(const std::string& path);
 
+// Whether the suite's lock cannot be opened or another process holds it.
+bool IsLockOutOfReach();
+
 // Ends the command when another process holds the suite's lock: loading the library waits for it.
 void RequireFreeLock(const std::string& what);
 

@@ -24,14 +24,18 @@ struct ConfArguments {
   bool asJson = false;
 };
 
-// The entries of a file, none for a file without entries.
+// The entries of a file, none for a file without entries. The library's call gives none for a file
+// or a lock that it cannot take either, without a status; `what` is the command that such a failure
+// names.
 class Entries {
  public:
-  explicit Entries(const std::string& file)
+  Entries(const std::string& what, const std::string& file)
       : entries_(QVX_CALL(PXTCFGGetKeyValueEntries)(file.c_str(), &count_)) {
     if (entries_ != nullptr) return;
-    const int reason = ReasonNotReadable(file);
-    if (reason != 0) throw SystemFailure("conf: " + file, reason);
+    if (const int reason = ReasonNotReadable(file)) {
+      throw SystemFailure(what + ": " + file, reason);
+    }
+    if (IsLockOutOfReach()) throw CallFailure(what, file, SM_STATUS_LOCK_FAILED, 0);
   }
   ~Entries() { QVX_CALL(PXTCFGFreeKeyValueEntries)(entries_, count_); }
   Entries(const Entries&) = delete;
@@ -49,7 +53,7 @@ class Entries {
 };
 
 ExitCode Get(const ConfArguments& given) {
-  const Entries entries(given.file);
+  const Entries entries("conf get", given.file);
   const char* const value = entries.Find(given.key, given.index);
   if (value == nullptr) {
     throw StatusFailure("conf get: " + given.file + ": " + given.key, SM_STATUS_KEY_NOT_FOUND);
@@ -63,7 +67,7 @@ ExitCode Get(const ConfArguments& given) {
 }
 
 ExitCode List(const ConfArguments& given) {
-  const Entries entries(given.file);
+  const Entries entries("conf list", given.file);
   Json list = Json::array();
   for (const PXTKeyValue& entry : entries) {
     list.push_back({{"key", entry.key}, {"value", entry.value}});

@@ -221,7 +221,7 @@ TEST_F(CtlConf, GetShowsTheValueOfAnOccurrence) {
 TEST_F(CtlConf, AMissingKeyAnswersNoAndAMissingFileCouldNotBeTold) {
   EXPECT_EQ(RunTool({"conf", "get", kPairs, "c"}).code, 1);
   EXPECT_EQ(RunTool({"conf", "get", "/tmp/none", "c"}),
-            (Answer{3, "", "qvxctl: conf: /tmp/none: No such file or directory\n"}));
+            (Answer{3, "", "qvxctl: conf get: /tmp/none: No such file or directory\n"}));
   EXPECT_EQ(RunTool({"conf", "set", "/tmp/none", "c", "1"}).code, 3);
 }
 
@@ -230,6 +230,32 @@ TEST_F(CtlConf, ListShowsEveryEntry) {
   WriteFile(kPairs, "# nothing\n");
   EXPECT_EQ(RunTool({"conf", "list", kPairs}), (Answer{0, "", ""}));
   EXPECT_EQ(RunTool({"conf", "list", kPairs, "--json"}).out, "[]\n");
+}
+
+TEST_F(CtlConf, ALockThatMayNotBeOpenedIsNoFileWithoutEntries) {
+  test::WriteFile(kIPCFilePath, "");
+  ASSERT_EQ(chmod(kIPCFilePath, 0660), 0);
+  ASSERT_EQ(chmod(kPairs, 0644), 0);
+  const Answer answer = test::RunToolAsNobody({"conf", "get", kPairs, "a"});
+  EXPECT_EQ(answer.code, 3);
+  EXPECT_EQ(answer.out, "");
+  EXPECT_EQ(answer.err.rfind("qvxctl: conf get: /etc/cim/zarn/plinthos/var/lib/vexilon/", 0), 0u)
+      << answer.err;
+  EXPECT_NE(answer.err.find(".qvxipc: SM_STATUS_LOCK_FAILED: the suite's file lock could not be "
+                            "taken (Permission denied)\n"),
+            std::string::npos)
+      << answer.err;
+  EXPECT_EQ(test::RunToolAsNobody({"conf", "list", kPairs, "--json"}).code, 3);
+}
+
+TEST_F(CtlConf, AMissingLockFolderIsNoFileWithoutEntries) {
+  ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/lib/vexilon", "/etc/cim/away"), 0);
+  EXPECT_EQ(RunTool({"conf", "get", kPairs, "a"}).code, 3);
+  const Answer list = RunTool({"conf", "list", kPairs, "--json"});
+  EXPECT_EQ(list.code, 3);
+  EXPECT_EQ(list.out, "");
+  EXPECT_NE(list.err.find("conf list: "), std::string::npos) << list.err;
+  EXPECT_NE(list.err.find("(No such file or directory)"), std::string::npos) << list.err;
 }
 
 TEST_F(CtlConf, SetReplacesOrAppendsAndQuotesBlanksAtTheEnds) {
