@@ -12,6 +12,7 @@
 #include "ctl/commands.h"
 #include "ctl/json.h"
 #include "ctl/library.h"
+#include "ctl/open_line.h"
 
 namespace qvx::ctl {
 namespace {
@@ -98,6 +99,10 @@ ExitCode Set(const ConfArguments& given) {
   std::string key = given.key;
   std::string value = QuotedValue(given.value);
   const PXTKeyValue pair{key.data(), value.data()};
+  if (LacksLineEnd(given.file) &&
+      Entries("conf set", given.file).Find(key, given.index) == nullptr) {
+    throw OpenLineFailure("conf set: " + given.file);
+  }
   errno = 0;
   const u32 status = QVX_CALL(PXTCFGSetKeyValue)(given.file.c_str(), &pair, given.index);
   if (status != SM_STATUS_SUCCESS) throw CallFailure("conf set", given.file, status, errno);

@@ -10,6 +10,7 @@
 #include "ctl/ini_file.h"
 #include "ctl/ini_lint.h"
 #include "ctl/json.h"
+#include "ctl/open_line.h"
 
 namespace qvx::ctl {
 namespace {
@@ -45,7 +46,7 @@ void RefuseUnreadable(const IniArguments& given) {
 ExitCode Get(const IniArguments& given) {
   const IniTypeEntry& type = FindIniType(given.type);
   const std::vector<u8> value =
-      IniFile(given.file, given.waits).Get(type, *given.section, given.key);
+      IniFile(given.file, given.waits).Get("ini get", type, *given.section, given.key);
   if (given.asJson) {
     PrintJson({{"section", *given.section},
                {"key", given.key},
@@ -60,18 +61,27 @@ ExitCode Get(const IniArguments& given) {
 ExitCode Set(const IniArguments& given) {
   RefuseUnreadable(given);
   const IniTypeEntry& type = FindIniType(given.type);
-  IniFile(given.file, given.waits)
-      .Set(type, *given.section, given.key, EncodeIniValue(type, given.value));
+  const std::vector<u8> value = EncodeIniValue(type, given.value);
+  const IniFile file(given.file, given.waits);
+  if (LacksLineEnd(given.file) && !file.Has("ini set", *given.section, given.key)) {
+    throw OpenLineFailure("ini set: " + given.file);
+  }
+  file.Set(type, *given.section, given.key, value);
   return kYes;
 }
 
-// The library silently accepts deleting what does not exist; an operator gets a message.
+// The library silently accepts deleting what does not exist, and deletes one line; an operator gets
+// a message.
 ExitCode Delete(const IniArguments& given) {
+  const char* const what = "ini delete";
   const IniFile file(given.file, given.waits);
   const IniTypeEntry& text = FindIniType("astring");
-  (void)file.Get(text, *given.section, given.key);
+  (void)file.Get(what, text, *given.section, given.key);
   file.Set(text, *given.section, given.key, std::nullopt);
-  return kYes;
+  // The key is gone already, so this look waits for a lock that was taken meanwhile.
+  if (!IniFile(given.file, true).Has(what, *given.section, given.key)) return kYes;
+  throw Failure(kNo, std::string(what) + ": " + given.file +
+                         ": one line of the key is deleted; another line of it is in force now");
 }
 
 ExitCode List(const IniArguments& given) {

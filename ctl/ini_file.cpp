@@ -36,18 +36,34 @@ void IniFile::Prepare(const char* what) const {
   if (!waits_) RequireFreeLock(what);
 }
 
-std::vector<u8> IniFile::Get(const IniTypeEntry& type, const std::string& section,
-                             const std::string& key) const {
-  Prepare("ini get");
+// errno is the system's reason for a failure.
+u32 IniFile::Read(const char* what, const IniTypeEntry& type, const std::string& section,
+                  const std::string& key, std::vector<u8>* value) const {
+  Prepare(what);
   u32 size = type.width != 0 ? type.width : kValueRoom;
-  std::vector<u8> value(size);
+  value->resize(size);
   errno = 0;
   const u32 status =
-      QVX_CALL(PXTReadINIPathFileValue)(section.c_str(), key.c_str(), type.code, value.data(),
+      QVX_CALL(PXTReadINIPathFileValue)(section.c_str(), key.c_str(), type.code, value->data(),
                                         &size, nullptr, 0, path_.c_str(), waits_ ? 1 : 0);
-  if (status != SM_STATUS_SUCCESS) throw CallFailure("ini get", path_, status, errno);
-  value.resize(size);
+  if (status == SM_STATUS_SUCCESS) value->resize(size);
+  return status;
+}
+
+std::vector<u8> IniFile::Get(const char* what, const IniTypeEntry& type, const std::string& section,
+                             const std::string& key) const {
+  std::vector<u8> value;
+  const u32 status = Read(what, type, section, key, &value);
+  if (status != SM_STATUS_SUCCESS) throw CallFailure(what, path_, status, errno);
   return value;
+}
+
+bool IniFile::Has(const char* what, const std::string& section, const std::string& key) const {
+  std::vector<u8> value;
+  const u32 status = Read(what, FindIniType("astring"), section, key, &value);
+  if (status == SM_STATUS_SUCCESS) return true;
+  if (status == SM_STATUS_SECTION_NOT_FOUND || status == SM_STATUS_KEY_NOT_FOUND) return false;
+  throw CallFailure(what, path_, status, errno);
 }
 
 std::vector<std::string> IniFile::List(const std::optional<std::string>& section) const {

@@ -17,8 +17,13 @@ class IniFile {
   // Without `waits` a lock that is held ends the command at once.
   IniFile(std::string path, bool waits) : path_(std::move(path)), waits_(waits) {}
 
-  [[nodiscard]] std::vector<u8> Get(const IniTypeEntry& type, const std::string& section,
-                                    const std::string& key) const;
+  // `what` is the command that a failure names.
+  [[nodiscard]] std::vector<u8> Get(const char* what, const IniTypeEntry& type,
+                                    const std::string& section, const std::string& key) const;
+
+  // Whether the key is found; a failure other than a missing section or key is thrown.
+  [[nodiscard]] bool Has(const char* what, const std::string& section,
+                         const std::string& key) const;
 
   // The keys of a section, or without one the sections.
   [[nodiscard]] std::vector<std::string> List(const std::optional<std::string>& section) const;
@@ -29,6 +34,8 @@ class IniFile {
 
  private:
   void Prepare(const char* what) const;
+  [[nodiscard]] u32 Read(const char* what, const IniTypeEntry& type, const std::string& section,
+                         const std::string& key, std::vector<u8>* value) const;
 
   std::string path_;
   bool waits_;

@@ -15,6 +15,7 @@
 #include "config/file_lines.h"
 #include "config/ini_lines.h"
 #include "ctl/call_failure.h"
+#include "ctl/open_line.h"
 #include "ctl/output.h"
 #include "os/block_reader.h"
 #include "os/stdio_file.h"
@@ -34,7 +35,7 @@ class Linter {
       CheckPiece(line);
     }
     if (read == LineRead::kError) Add(true, "cannot be read any further");
-    if (!begins_) Add(false, "the last line has no line end: what is added comes behind it");
+    if (!begins_) Add(false, kOpenLineText);
     return std::move(findings_);
   }
 

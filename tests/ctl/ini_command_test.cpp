@@ -98,6 +98,44 @@ TEST_F(CtlIni, WhatWouldNotBeFoundAgainIsRefused) {
   EXPECT_EQ(ReadFile(kFile), before);
 }
 
+TEST_F(CtlIni, SetAddsNothingToALastLineWithoutItsEnd) {
+  constexpr char kOpen[] = "[Net]\nport=1\n[Log]\nlevel=2";
+  WriteFile(kFile, kOpen);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "Log", "host", "x"}),
+            (Answer{1, "",
+                    "qvxctl: ini set: /tmp/net.ini: the last line has no line end: new text "
+                    "continues that line; `echo >>FILE` ends it\n"}));
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "k", "v"}).code, 1);
+  EXPECT_EQ(ReadFile(kFile), kOpen);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "Net", "port", "9"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "Log", "level", "3"}), kDone);
+  EXPECT_EQ(ReadFile(kFile), "[Net]\nport=9\n[Log]\nlevel=3\n");
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "k", "v"}), kDone);
+}
+
+TEST_F(CtlIni, SetAddsToAnEmptyFile) {
+  WriteFile(kFile, "");
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "A", "k", "v"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "A", "k"}).out, "v\n");
+}
+
+TEST_F(CtlIni, DeleteAnswersNoWhileAnotherLineOfTheKeyIsInForce) {
+  const Answer still{1, "",
+                     "qvxctl: ini delete: /tmp/net.ini: one line of the key is deleted; another "
+                     "line of it is in force now\n"};
+  WriteFile(kFile, "[Net]\nport\nport=1\n");
+  EXPECT_EQ(RunTool({"ini", "delete", kFile, "Net", "port"}), still);
+  EXPECT_EQ(ReadFile(kFile), "[Net]\nport=1\n");
+  EXPECT_EQ(RunTool({"ini", "delete", kFile, "Net", "port"}), kDone);
+  WriteFile(kFile, "[Net]\nport=1\nport=2\n");
+  EXPECT_EQ(RunTool({"ini", "delete", kFile, "Net", "port"}), still);
+}
+
+TEST_F(CtlIni, DeleteOfAMissingKeyNamesItsOwnCommand) {
+  EXPECT_EQ(RunTool({"ini", "delete", kFile, "Net", "none"}).err.rfind("qvxctl: ini delete: ", 0),
+            0u);
+}
+
 TEST_F(CtlIni, DeleteTakesAKeyOutAndSaysWhereThereIsNone) {
   EXPECT_EQ(RunTool({"ini", "delete", kFile, "Log", "level"}), kDone);
   EXPECT_EQ(RunTool({"ini", "delete", kFile, "Log", "level"}).code, 1);
@@ -173,8 +211,8 @@ TEST_F(CtlIni, LintTellsWhatTheReaderSkipsOrRefuses) {
                     "there alone\n"
                     "/tmp/net.ini:9: fault: a header without \"]\": nothing from here on is found "
                     "or can be set\n"
-                    "/tmp/net.ini:10: warning: the last line has no line end: what is added comes "
-                    "behind it\n",
+                    "/tmp/net.ini:10: warning: the last line has no line end: new text continues "
+                    "that line\n",
                     ""}));
 }
 
@@ -263,6 +301,18 @@ TEST_F(CtlConf, SetReplacesOrAppendsAndQuotesBlanksAtTheEnds) {
   EXPECT_EQ(RunTool({"conf", "set", kPairs, "new", " two words "}), kDone);
   EXPECT_EQ(ReadFile(kPairs), "a=1\n# c=2\nb = \"x y\"\na=4\nnew=\" two words \"\n");
   EXPECT_EQ(RunTool({"conf", "get", kPairs, "new"}).out, " two words \n");
+}
+
+TEST_F(CtlConf, SetAddsNothingToALastLineWithoutItsEnd) {
+  WriteFile(kPairs, "a=1");
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "b", "2"}),
+            (Answer{1, "",
+                    "qvxctl: conf set: /tmp/a.properties: the last line has no line end: new text "
+                    "continues that line; `echo >>FILE` ends it\n"}));
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "a", "2", "--index", "1"}).code, 1);
+  EXPECT_EQ(ReadFile(kPairs), "a=1");
+  EXPECT_EQ(RunTool({"conf", "set", kPairs, "a", "2"}), kDone);
+  EXPECT_EQ(ReadFile(kPairs), "a=2\n");
 }
 
 TEST_F(CtlConf, WhatWouldBeReadOtherwiseIsRefused) {
