@@ -4,10 +4,10 @@
 /*
  * ini get FILE SECTION KEY         prints a value
  * ini set FILE SECTION KEY VALUE   changes or adds it, with the section and the file if need be
- * ini delete FILE SECTION KEY      removes it
+ * ini delete FILE SECTION KEY      removes the first line of the key
  *
- * The exit status is 0 when that was done, 1 when there is no such file, section or key, 2 when
- * something failed.
+ * The exit status is 0 when that was done, 1 when there is no such file, section or key, or when
+ * another line of a deleted key is in force now, 2 when something failed.
  */
 #include <stdio.h>
 #include <string.h>
@@ -57,6 +57,14 @@ static u32 Delete(const char* path, const char* section, const char* key) {
   return PXTWriteINIPathFileValue(section, key, QVX_INI_ASTRING, NULL, 0, path, QVX_LOCK_WAIT);
 }
 
+/* Whether a key is still found after it was deleted: a file can have several lines of one key. */
+static int IsThere(const char* path, const char* section, const char* key) {
+  u32 status = SM_STATUS_SUCCESS;
+  astring* const value = Get(path, section, key, &status);
+  PXTFreeMem(value);
+  return status == SM_STATUS_SUCCESS;
+}
+
 static int Report(u32 status) {
   switch (status) {
     case SM_STATUS_SUCCESS:
@@ -92,6 +100,10 @@ int main(int argc, char** argv) {
     status = Set(argv[2], argv[3], argv[4], argv[5]);
   } else if (argc == 5 && strcmp(argv[1], "delete") == 0) {
     status = Delete(argv[2], argv[3], argv[4]);
+    if (status == SM_STATUS_SUCCESS && IsThere(argv[2], argv[3], argv[4])) {
+      fprintf(stderr, "ini: another line of the key is in force now\n");
+      return 1;
+    }
   } else {
     fprintf(stderr, "usage: ini get|set|delete FILE SECTION KEY [VALUE]\n");
     return 2;

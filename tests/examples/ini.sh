@@ -17,6 +17,11 @@ check 0 "" ini set "$file" net mask 24
 check 0 "" ini set "$file" new a "b = c"
 check 0 "" ini delete "$file" disk size
 check 1 "ini: no such key (SM_STATUS_KEY_NOT_FOUND)" ini delete "$file" disk size
+printf '[net]\nport\nport=1\n' >/tmp/twice.ini
+check 1 "ini: another line of the key is in force now" ini delete /tmp/twice.ini net port
+same "the file without the first line of the key" "[net]
+port=1" "$(cat /tmp/twice.ini)"
+check 0 "" ini delete /tmp/twice.ini net port
 check 1 "ini: no such section (SM_STATUS_SECTION_NOT_FOUND)" ini delete "$file" other size
 check 2 "ini: an INI file cannot hold this text (SM_STATUS_INVALID_PARAMETER)" ini set "$file" net host $'a\nb'
 check 2 "ini: an INI file cannot hold this text (SM_STATUS_INVALID_PARAMETER)" ini set "$file" net a=b c
