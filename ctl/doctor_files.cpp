@@ -20,6 +20,9 @@ namespace qvx::ctl {
 namespace {
 
 constexpr char kServiceOfLogins[] = "qvauth";
+constexpr char kServiceOfAll[] = "other";  // what PAM uses for a service that does not exist
+constexpr char kInstallSampleService[] =
+    "install -m 0644 /usr/share/doc/libqvxcs-common/examples/qvauth /etc/pam.d/qvauth";
 constexpr unsigned long long kLittleSpace = 1 << 20;
 
 std::string Octal(mode_t mode) {
@@ -34,6 +37,19 @@ unsigned long long FreeSpace(const char* directory) {
   struct statvfs status {};
   if (statvfs(directory, &status) != 0) return ~0ULL;
   return static_cast<unsigned long long>(status.f_bavail) * status.f_frsize;
+}
+
+std::string DescribeTalker(const PamFinding& finding) {
+  return finding.file + ":" + std::to_string(finding.line) + ": " + finding.module +
+         " sends messages, and a login may fail because of them";
+}
+
+// A line that is taken out would take its module's check with it and shift the jumps over it.
+std::string MendOf(const PamFinding& finding) {
+  const std::string line = std::to_string(finding.line);
+  if (finding.silencedBy.empty()) return "make it optional in line " + line + " of " + finding.file;
+  return "sed -i '" + line + "s/" + finding.module + "/& " + finding.silencedBy + "/' " +
+         finding.file;
 }
 
 }  // namespace
@@ -97,18 +113,22 @@ Diagnosis CheckLiveRoleMap() {
 }
 
 Diagnosis CheckPamService() {
+  const std::string part = "PAM service";
   const std::string path = FindPamService(kServiceOfLogins);
-  if (path.empty()) {
-    return {"PAM service", Health::kFault, "there is no service qvauth; every login is refused",
-            "printf '@include common-auth\\n@include common-account\\n' >/etc/pam.d/qvauth"};
+  if (!path.empty()) {
+    const std::vector<PamFinding> findings = FindTalkingModules(kServiceOfLogins);
+    if (findings.empty()) return {part, Health::kGood, path, ""};
+    return {part, Health::kWarning, DescribeTalker(findings.front()), MendOf(findings.front())};
   }
-  const std::vector<PamFinding> findings = FindTalkingModules(kServiceOfLogins);
-  if (findings.empty()) return {"PAM service", Health::kGood, path, ""};
-  const PamFinding& first = findings.front();
-  const std::string where = first.file + ":" + std::to_string(first.line);
-  return {"PAM service", Health::kWarning,
-          where + ": " + first.text + ", and logins may fail by it",
-          "sed -i '" + std::to_string(first.line) + "s/^/#/' " + first.file};
+  const std::string other = FindPamService(kServiceOfAll);
+  if (other.empty()) {
+    return {part, Health::kFault, "there is no service qvauth and no `other`; no login succeeds",
+            kInstallSampleService};
+  }
+  const std::vector<PamFinding> findings = FindTalkingModules(kServiceOfAll);
+  const std::string talker = findings.empty() ? "" : "; " + DescribeTalker(findings.front());
+  return {part, Health::kWarning, "there is no service qvauth: PAM uses `other`, " + other + talker,
+          kInstallSampleService};
 }
 
 Diagnosis CheckCommandLog() {

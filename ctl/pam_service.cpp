@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/pam_service.h"
 
+#include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,36 +30,65 @@ constexpr Talker kTalkers[] = {
     {"pam_exec.so", nullptr, "stdout"},
 };
 
-using Words = std::vector<std::string>;
+struct Word {
+  std::string text;
+  unsigned line;
+};
 
-// Without the comment; "[success=1 default=ignore]" is one word.
-Words WordsOf(const std::string& line) {
-  std::istringstream text(line.substr(0, line.find('#')));
-  Words words;
+using Words = std::vector<Word>;
+
+// "[success=1 default=ignore]" is one word.
+void AppendWords(const std::string& line, unsigned number, Words* words) {
+  std::istringstream text(line);
   for (std::string word; text >> word;) {
-    const bool isOpen = !words.empty() && words.back().front() == '[' && words.back().back() != ']';
+    const bool isOpen =
+        !words->empty() && words->back().text.front() == '[' && words->back().text.back() != ']';
     if (isOpen) {
-      words.back() += " " + word;
+      words->back().text += " " + word;
     } else {
-      words.push_back(word);
+      words->push_back({word, number});
     }
   }
-  return words;
+}
+
+// Reads the words of the next rule, without comments. A backslash at its end continues a line.
+bool ReadRule(std::istream* file, unsigned* number, Words* words) {
+  words->clear();
+  std::string line;
+  while (std::getline(*file, line)) {
+    ++*number;
+    line.erase(std::min(line.find('#'), line.size()));
+    line.erase(line.find_last_not_of(" \t\r") + 1);
+    const bool goesOn = line.ends_with('\\');
+    if (goesOn) line.pop_back();
+    AppendWords(line, *number, words);
+    if (!goesOn) return true;
+  }
+  return !words->empty();
+}
+
+// PAM ignores the case of all but paths and arguments.
+bool IsWord(const std::string& text, const char* word) {
+  return strcasecmp(text.c_str(), word) == 0;
 }
 
 bool Has(const Words& words, const char* argument) {
-  return argument != nullptr && std::find(words.begin(), words.end(), argument) != words.end();
+  return argument != nullptr && std::any_of(words.begin(), words.end(), [&](const Word& word) {
+           return word.text == argument;
+         });
 }
 
-bool Talks(const Words& words) {
-  const std::string& path = words[2];
+// The entry of a rule's module that sends messages; null for any other.
+const Talker* FindTalker(const Words& words) {
+  const std::string& path = words[2].text;
   const std::string module = path.substr(path.rfind('/') + 1);
   for (const Talker& talker : kTalkers) {
     if (module != talker.module) continue;
-    return !Has(words, talker.silencedBy) &&
-           (talker.talksWith == nullptr || Has(words, talker.talksWith));
+    const bool talks = !Has(words, talker.silencedBy) &&
+                       (talker.talksWith == nullptr || Has(words, talker.talksWith));
+    return talks ? &talker : nullptr;
   }
-  return false;
+  return nullptr;
 }
 
 class Searcher {
@@ -76,22 +106,26 @@ class Searcher {
     ++depth_;
     std::ifstream file(path);
     unsigned number = 0;
-    for (std::string line; std::getline(file, line);) {
-      ++number;
-      Check(path, number, phase, WordsOf(line));
+    for (Words words; ReadRule(&file, &number, &words);) {
+      Check(path, phase, words);
     }
     --depth_;
   }
 
-  void Check(const std::string& path, unsigned number, const std::string& phase,
-             const Words& words) {
-    if (words.size() == 2 && words[0] == "@include") return Read(words[1], phase);
+  void Check(const std::string& path, const std::string& phase, const Words& words) {
+    if (words.size() == 2 && IsWord(words[0].text, "@include")) return Read(words[1].text, phase);
     if (words.size() < 3) return;
-    const std::string kind = words[0].substr(words[0].front() == '-' ? 1 : 0);
-    if (kind != "auth" && kind != "account") return;
-    if (!phase.empty() && kind != phase) return;
-    if (words[1] == "include" || words[1] == "substack") return Read(words[2], kind);
-    if (Talks(words)) findings_.push_back({path, number, words[2] + " sends messages"});
+    const std::string kind = words[0].text.substr(words[0].text.front() == '-' ? 1 : 0);
+    if (!IsWord(kind, "auth") && !IsWord(kind, "account")) return;
+    if (!phase.empty() && !IsWord(kind, phase.c_str())) return;
+    const std::string& control = words[1].text;
+    if (IsWord(control, "include") || IsWord(control, "substack")) {
+      return Read(words[2].text, kind);
+    }
+    const Talker* const talker = IsWord(control, "optional") ? nullptr : FindTalker(words);
+    if (talker == nullptr) return;
+    findings_.push_back({path, words[2].line, talker->module,
+                         talker->silencedBy == nullptr ? "" : talker->silencedBy});
   }
 
   std::vector<PamFinding> findings_;

@@ -10,8 +10,9 @@ namespace qvx::ctl {
 
 struct PamFinding {
   std::string file;
-  unsigned line;
-  std::string text;
+  unsigned line;  // the one that names the module
+  std::string module;
+  std::string silencedBy;  // the argument that silences the module; empty where it has none
 };
 
 // The file of a PAM service; empty where there is none.
@@ -19,7 +20,7 @@ std::string FindPamService(const std::string& service);
 
 // The modules of a service, its included files too, that send the user messages when a password is
 // checked. A login through the library fails on a message unless the module continues without a
-// reply.
+// reply; the failure of an optional module does not count.
 std::vector<PamFinding> FindTalkingModules(const std::string& service);
 
 }  // namespace qvx::ctl

@@ -60,7 +60,7 @@ TEST_F(CtlDoctor, ASoundInstallationIsGood) {
 TEST_F(CtlDoctor, EachFaultComesWithTheCommandThatMendsIt) {
   ASSERT_EQ(chmod(kIPCFilePath, 0664), 0);
   test::WriteRoleMap("* * boss\n");
-  test::WritePamService("qvauth", "auth required pam_unix.so\nauth optional pam_echo.so\n");
+  test::WritePamService("qvauth", "auth required pam_unix.so\nauth required pam_echo.so\n");
   WriteFile(test::kCommandLog, test::kLogHead + test::Entry(1, "a"));
   WriteFile(kIPCConfigPath, "ipcnamebase=-30000\n");
   EXPECT_EQ(RunTool({"doctor"}).code, 1);
@@ -71,8 +71,8 @@ TEST_F(CtlDoctor, EachFaultComesWithTheCommandThatMendsIt) {
   EXPECT_EQ(LineOf("role map"),
             "fault role map: refused; the built-in lines stand in; mend: qvxctl rolemap check");
   EXPECT_EQ(LineOf("PAM service"),
-            "warning PAM service: /etc/pam.d/qvauth:2: pam_echo.so sends messages, and logins may "
-            "fail by it; mend: sed -i '2s/^/#/' /etc/pam.d/qvauth");
+            "warning PAM service: /etc/pam.d/qvauth:2: pam_echo.so sends messages, and a login may "
+            "fail because of them; mend: make it optional in line 2 of /etc/pam.d/qvauth");
   EXPECT_NE(LineOf("logs").find("; mend: qvxctl log repair"), std::string::npos);
   EXPECT_EQ(LineOf("IPC base"),
             "fault IPC base: ipcnamebase=-30000 keeps the library out; mend: sed -i "
@@ -80,10 +80,14 @@ TEST_F(CtlDoctor, EachFaultComesWithTheCommandThatMendsIt) {
 }
 
 TEST_F(CtlDoctor, MissingPartsAreTold) {
+  (void)unlink("/etc/pam.d/other");
   ASSERT_EQ(unlink("/etc/pam.d/qvauth"), 0);
   ASSERT_EQ(unlink(kRoleMapPath), 0);
   ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/log/vexilon", "/etc/cim/logs"), 0);
-  EXPECT_EQ(LineOf("PAM service").rfind("fault PAM service: there is no service qvauth", 0), 0u);
+  EXPECT_EQ(LineOf("PAM service"),
+            "fault PAM service: there is no service qvauth and no `other`; no login succeeds; "
+            "mend: install -m 0644 /usr/share/doc/libqvxcs-common/examples/qvauth "
+            "/etc/pam.d/qvauth");
   EXPECT_EQ(LineOf("role map").rfind("warning role map: missing", 0), 0u);
   EXPECT_EQ(LineOf("folders"),
             "fault folders: /etc/cim/zarn/plinthos/var/log/vexilon/ is missing; mend: install -d "
@@ -120,7 +124,7 @@ TEST_F(CtlDoctor, JsonHasAnObjectForEachPart) {
 
 TEST_F(CtlDoctor, TalkingModulesAreFoundInIncludedFilesAndOnlyInPhasesOfALogin) {
   test::WritePamService("all",
-                        "auth optional pam_issue.so\nsession optional pam_motd.so\n"
+                        "auth required pam_issue.so\nsession optional pam_motd.so\n"
                         "account optional pam_faillock.so silent\n");
   test::WritePamService("qvauth",
                         "@include all\nsession optional pam_mail.so\n"
@@ -130,6 +134,57 @@ TEST_F(CtlDoctor, TalkingModulesAreFoundInIncludedFilesAndOnlyInPhasesOfALogin) 
   ASSERT_GE(findings.size(), 2u);
   EXPECT_EQ(findings[0].file + ":" + std::to_string(findings[0].line), "/etc/pam.d/all:1");
   EXPECT_EQ(findings[1].file + ":" + std::to_string(findings[1].line), "/etc/pam.d/qvauth:3");
+}
+
+TEST_F(CtlDoctor, WithoutItsServicePamUsesTheOneForAll) {
+  ASSERT_EQ(unlink("/etc/pam.d/qvauth"), 0);
+  test::UnixPamService("other");
+  const std::string begin =
+      "warning PAM service: there is no service qvauth: PAM uses `other`, /etc/pam.d/other";
+  const std::string mend =
+      "; mend: install -m 0644 /usr/share/doc/libqvxcs-common/examples/qvauth /etc/pam.d/qvauth";
+  EXPECT_EQ(LineOf("PAM service"), begin + mend);
+  test::WritePamService("other", "auth required pam_echo.so\n");
+  EXPECT_EQ(LineOf("PAM service"), begin +
+                                       "; /etc/pam.d/other:1: pam_echo.so sends messages, and a "
+                                       "login may fail because of them" +
+                                       mend);
+}
+
+TEST_F(CtlDoctor, AModuleThatCanBeSilencedStays) {
+  test::WritePamService("qvauth",
+                        "auth required \\\n pam_faillock.so preauth # lock\n"
+                        "auth [success=1 default=ignore] pam_unix.so\n"
+                        "auth requisite pam_deny.so\nauth required pam_permit.so\n");
+  const std::string line = LineOf("PAM service");
+  EXPECT_EQ(line,
+            "warning PAM service: /etc/pam.d/qvauth:2: pam_faillock.so sends messages, and a login "
+            "may fail because of them; mend: sed -i '2s/pam_faillock.so/& silent/' "
+            "/etc/pam.d/qvauth");
+  ASSERT_EQ(system(line.substr(line.find("sed -i")).c_str()), 0);
+  EXPECT_EQ(LineOf("PAM service"), "good PAM service: /etc/pam.d/qvauth");
+}
+
+TEST_F(CtlDoctor, TalkingModulesAreFoundWhateverTheCaseAndOverContinuedLines) {
+  test::WritePamService("all", "ACCOUNT Required pam_echo.so\n");
+  test::WritePamService("qvauth",
+                        "AUTH required \\\n\\\n  pam_echo.so\n"
+                        "Auth REQUIRED pam_exec.so \\\n stdout /bin/true\n"
+                        "account Include all\n"
+                        "auth required pam_unix.so # no \\\nauth required pam_issue.so");
+  const auto findings = ctl::FindTalkingModules("qvauth");
+  std::string places;
+  for (const ctl::PamFinding& each : findings) {
+    places += each.file + ":" + std::to_string(each.line) + " " + each.module + "\n";
+  }
+  EXPECT_EQ(places,
+            "/etc/pam.d/qvauth:3 pam_echo.so\n/etc/pam.d/qvauth:4 pam_exec.so\n"
+            "/etc/pam.d/all:1 pam_echo.so\n/etc/pam.d/qvauth:8 pam_issue.so\n");
+}
+
+TEST_F(CtlDoctor, AnOptionalModuleDecidesNothingAndMaySpeak) {
+  test::WritePamService("qvauth", "auth required pam_unix.so\nauth optional pam_echo.so\n");
+  EXPECT_EQ(LineOf("PAM service"), "good PAM service: /etc/pam.d/qvauth");
 }
 
 TEST_F(CtlDoctor, LockShowsWhoHoldsAndWaits) {
