@@ -49,7 +49,10 @@ constexpr Option kOptions[] = {{"--sample", qvx::torture::Depth::kSample},
 // A line of the table, and whether it is a good one. A sample may leave out what the machine does
 // not have.
 bool Print(const qvx::torture::Tally& tally, qvx::torture::Depth depth, time_t begin) {
-  if (!tally.possible && depth == qvx::torture::Depth::kSample) return true;
+  if (!tally.possible && depth == qvx::torture::Depth::kSample) {
+    printf("| %-46s | %8s | %6s | %7s |\n", tally.what.c_str(), "-", "-", "-");
+    return true;
+  }
   printf("| %-46s | %8lu | %6lu | %5ld s |\n", tally.what.c_str(), tally.points, tally.failed,
          static_cast<long>(time(nullptr) - begin));
   return tally.failed == 0 && tally.points != 0;
