@@ -21,6 +21,7 @@ struct Point {
   unsigned nth;
   int error;
   bool fromThenOn;
+  Start start;
 };
 
 std::string Try(const Point& point, bool* met) {
@@ -28,17 +29,16 @@ std::string Try(const Point& point, bool* met) {
   Fault fault(point.nth, point.error, point.fromThenOn);
   bool killed = false;
   const auto body = [&]() -> std::string {
-    const Judge judge(scene);
+    const Judge judge(scene, point.start);
     Begin();
     const qvx_u32 status = scene.act();
     End();
-    std::string wrong = judge.File(status, point.fromThenOn ? Torn::kYes : Torn::kNo);
-    if (!wrong.empty()) return wrong;
-    if (point.fromThenOn) return "";  // nothing could be put back
+    const Torn torn = point.fromThenOn ? Torn::kYes : Torn::kNo;
+    if (const std::string wrong = judge.File(status, torn); !wrong.empty()) return wrong;
     // What failed may have been the copy's removal.
     if (scene.kind == Kind::kAppended) (void)unlink(Path("pxtini32.tmp").c_str());
-    if (wrong = judge.Process(status); !wrong.empty()) return wrong;
-    return judge.Next();
+    const std::string wrong = point.fromThenOn ? judge.TornProcess() : judge.Process(status);
+    return wrong.empty() ? judge.Next(torn) : wrong;
   };
   std::string wrong = Step(
       body, [&fault](const Stop& stop) { return fault(stop); }, &killed);
@@ -61,20 +61,25 @@ bool Add(const Point& point, Tally* tally) {
 void AddSome(const Scene& scene, unsigned* turn, Tally* tally) {
   for (unsigned nth = 1;; ++nth) {
     const int error = kErrors[++*turn % kErrorCount];
-    if (!Add({&scene, nth, error, error != EINTR && *turn % 2 == 0}, tally)) return;
+    if (!Add({&scene, nth, error, error != EINTR && *turn % 2 == 0,
+              *turn % 3 == 0 ? Start::kCold : Start::kWarm},
+             tally))
+      return;
   }
 }
 
-// In the floor every error alone, and two of them from then on.
+// In the floor every error alone, and two of them from then on. Two begin cold: some calls are made
+// only then.
 void AddAll(const Scene& scene, Depth depth, Tally* tally) {
   for (const int error : kErrors) {
     const bool usual = error == EIO || error == ENOSPC;
-    for (unsigned nth = 1; Add({&scene, nth, error, false}, tally);) {
+    const Start start = error == EDQUOT || error == EIO ? Start::kCold : Start::kWarm;
+    for (unsigned nth = 1; Add({&scene, nth, error, false, start}, tally);) {
       ++nth;
     }
     // A call that is interrupted is made again: for ever, if it always is.
     if (error == EINTR || (depth != Depth::kGoal && !usual)) continue;
-    for (unsigned nth = 1; Add({&scene, nth, error, true}, tally);) {
+    for (unsigned nth = 1; Add({&scene, nth, error, true, start}, tally);) {
       ++nth;
     }
   }

@@ -36,9 +36,9 @@ class SmallDisk {
 // Fills the disk except for so many pages.
 void Fill(unsigned pages) {
   const int file = open(kFiller, O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
-  static const std::string kPage(4096, 'x');
+  static const char kPage[4096] = {};
   off_t size = 0;
-  while (write(file, kPage.data(), kPage.size()) > 0)
+  while (write(file, kPage, sizeof(kPage)) > 0)
     size += 4096;
   const off_t room = static_cast<off_t>(pages) * 4096;
   (void)ftruncate(file, size > room ? size - room : 0);
@@ -60,7 +60,7 @@ void Limit(__rlimit_resource what, rlim_t value) {
 template <typename Spoil, typename Mend>
 std::string TryHere(const Scene& scene, Spoil spoil, Mend mend, bool* done) {
   std::string wrong = InChild([&]() -> std::string {
-    const Judge judge(scene);
+    const Judge judge(scene, Start::kWarm);
     spoil();
     const qvx_u32 status = scene.act();
     mend();

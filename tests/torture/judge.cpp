@@ -9,13 +9,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "torture/log_judge.h"
+#include "torture/log_text.h"
 #include "torture/torture.h"
 
 namespace qvx::torture {
 namespace {
 
 constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc";
-constexpr char kClosingTag[] = "</EventLog>";
 constexpr mode_t kFileMode = 01664;
 
 // Without the role map's, which stays open until it is read whole.
@@ -27,36 +28,6 @@ int Descriptors() {
     if (strstr(target, "qvxrolemap") == nullptr) ++count;
   }
   return count;
-}
-
-bool StartsWith(const std::string& text, const std::string& start) {
-  return text.compare(0, start.size(), start) == 0;
-}
-
-unsigned Count(const std::string& text, const char* word) {
-  unsigned count = 0;
-  for (size_t at = 0; (at = text.find(word, at)) != std::string::npos; at += strlen(word)) {
-    ++count;
-  }
-  return count;
-}
-
-}  // namespace
-
-unsigned EntryCount(const std::string& log) { return Count(log, "</LogEntry>"); }
-
-bool WellFormed(const std::string& log) {
-  return StartsWith(log, "<?xml") && Count(log, "<EventLog>") == 1 &&
-         Count(log, kClosingTag) == 1 && Count(log, "<LogEntry>") == EntryCount(log) &&
-         log.compare(log.size() - strlen(kClosingTag), std::string::npos, kClosingTag) == 0;
-}
-
-namespace {
-
-// Without those that the library writes of its own, of a log that it begins.
-unsigned CallersEntries(const std::string& log) {
-  return EntryCount(log) - Count(log, "<Description>Log was cleared<") -
-         Count(log, "<Description>Log backup created<");
 }
 
 // Another process tries it: closing a descriptor of the lock file would end this one's hold.
@@ -73,18 +44,18 @@ bool LockIsFree() {
   return waitpid(child, &status, 0) == child && status == 0;
 }
 
-// The entries alone: what every later log begins with.
-std::string Entries(const std::string& log) { return log.substr(0, log.rfind(kClosingTag)); }
-
-// The backup's name: the path with its last character replaced.
-std::string BackupOf(const std::string& path) { return path.substr(0, path.size() - 1) + "_"; }
-
 bool HasItsMode(const char* path) {
   struct stat seen = {};
   return stat(path, &seen) != 0 || (seen.st_mode & 07777) == kFileMode;
 }
 
 std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+// Where a link leads, if the path is one.
+std::string LinkedName(const char* path) {
+  char target[256] = "";
+  return readlink(path, target, sizeof(target) - 1) > 0 ? NameOf(target) : "";
+}
 
 // A failed change may leave its copy, which the next change replaces: one that broke off after the
 // copy was made, as these statuses tell. None leaves any other file.
@@ -95,13 +66,8 @@ bool MayStay(const std::string& name, qvx_u32 status) {
   return name == "pxtcfg32.tmp" && (broken || status == SM_STATUS_NO_MEMORY);
 }
 
-// The files of the scene itself.
-std::vector<std::string> OwnNames() {
-  std::vector<std::string> own;
-  for (const std::string& name : Names(kPlace)) {
-    if (!StartsWith(name, "pxt")) own.push_back(name);
-  }
-  return own;
+bool IsLog(const Scene& scene) {
+  return scene.kind == Kind::kLog || scene.kind == Kind::kMoved || scene.kind == Kind::kCleared;
 }
 
 std::string TextOf(const std::string& file) { return file == kNone ? "" : file; }
@@ -110,79 +76,67 @@ std::string Shown(const std::string& text) { return text.substr(0, 300); }
 
 }  // namespace
 
-Judge::Judge(const Scene& scene) : scene_(&scene) {
-  MakePlace();
-  scene.prepare();
-  if (scene.kind == Kind::kWhole || scene.kind == Kind::kAppended) {
-    (void)InChild([&] { return std::string(scene.act() == 0 ? "" : "fails without a fault"); });
-    after_ = ReadText(scene.path);
-    names_ = OwnNames();
+Judge::Judge(const Scene& scene, Start start) : scene_(&scene), start_(start), backup_(kNone) {
+  for (int time = 0; start == Start::kWarm && time < 2; ++time) {
     MakePlace();
     scene.prepare();
+    (void)scene.act();
   }
-  if (scene.path != nullptr) before_ = ReadText(scene.path);
-  for (const std::string& name : OwnNames()) {
-    names_.push_back(name);
+  MakePlace();
+  scene.prepare();
+  names_ = Names(kPlace);
+  if (scene.path != nullptr) {
+    before_ = ReadText(scene.path);
+    names_.push_back(NameOf(scene.path));
+    names_.push_back(LinkedName(scene.path));
   }
-  if (scene.path != nullptr) names_.push_back(NameOf(scene.path));
+  if (IsLog(scene)) backup_ = ReadText(BackupOf(scene.path));
   if (scene.kind == Kind::kMoved) names_.push_back(NameOf(BackupOf(scene.path)));
   BeginHere();
 }
 
-void Judge::BeginHere() { descriptors_ = Descriptors(); }
+void Judge::BeginHere() {
+  descriptors_ = Descriptors();
+  blocks_ = LiveBlocks();
+}
+
+// Where nothing was put back, what was begun in place.
+bool Judge::IsCutSection(const std::string& now) const {
+  return scene_->kind == Kind::kAppended && StartsWith(now, TextOf(before_)) &&
+         StartsWith(scene_->expected, now);
+}
 
 std::string Judge::WholeFile(const std::string& now, qvx_u32 status, Torn torn) const {
+  const std::string& after = scene_->expected;
   const bool done = status == SM_STATUS_SUCCESS;
-  if (done) return now == after_ ? "" : "reported as done, but the file is: " + Shown(now);
-  if (now == before_ || (torn == Torn::kYes && now == after_)) return "";
-  const bool part = StartsWith(now, TextOf(before_)) && StartsWith(after_, now);
-  if (scene_->kind == Kind::kAppended && torn == Torn::kYes && part) return "";
+  if (done) return now == after ? "" : "reported as done, but the file is: " + Shown(now);
+  if (now == before_ || (torn != Torn::kNo && now == after)) return "";
+  if (torn != Torn::kNo && IsCutSection(now)) return "";
   // Without room for a copy the file is made in place, and stays empty where its line finds no
   // room.
   const bool tried = status == SM_STATUS_WRITE_FAILED || status == SM_STATUS_FILE_OPEN_FAILED;
   if (before_ == kNone && now.empty()) return tried ? "" : "made empty";
-  if (now == after_) return "reported as failed, but done";
+  if (now == after) return "reported as failed, but done";
   return "the file is neither old nor new: " + Shown(now);
-}
-
-std::string Judge::Log(const std::string& now, bool done, Torn torn) const {
-  const std::string earlier = Entries(TextOf(before_));
-  // A move that failed may have been made with the next call.
-  const bool moved =
-      scene_->kind == Kind::kMoved && StartsWith(ReadText(BackupOf(scene_->path)), earlier);
-  if (!moved && !StartsWith(now, earlier))
-    return "an earlier entry is not as it was: " + Shown(now);
-  const unsigned entries = moved ? 0 : CallersEntries(before_);
-  if (done && !WellFormed(now)) return "reported as done, but not well-formed: " + Shown(now);
-  if (done && CallersEntries(now) <= entries) return "reported as done, but no entry is there";
-  if (!done && torn == Torn::kNo && CallersEntries(now) > entries) {
-    return "reported as failed, but the entry is there";
-  }
-  return "";
-}
-
-std::string Judge::ClearedLog(const std::string& now, bool done, Torn torn) const {
-  const bool begun = WellFormed(now) && EntryCount(now) == 1 && now != before_;
-  if (done) return begun ? "" : "reported as done, but the log is: " + Shown(now);
-  if (now == before_ || now == kNone || now.empty()) return "";
-  return torn == Torn::kYes && !StartsWith(now, Entries(before_)) ? "" : "left: " + Shown(now);
 }
 
 std::string Judge::File(qvx_u32 status, Torn torn) const {
   if (scene_->kind == Kind::kPure) return "";
-  const bool done = status == SM_STATUS_SUCCESS;
-  const std::string now = ReadText(scene_->path);
-  if (scene_->kind == Kind::kCleared) return ClearedLog(now, done, torn);
-  if (scene_->kind == Kind::kLog || scene_->kind == Kind::kMoved) return Log(now, done, torn);
-  return WholeFile(now, status, torn);
+  if (!IsLog(*scene_)) return WholeFile(ReadText(scene_->path), status, torn);
+  return JudgeLog(*scene_, {before_, backup_}, ReadLogFiles(scene_->path),
+                  status == SM_STATUS_SUCCESS, torn);
 }
 
-std::string Judge::Process(qvx_u32 status) const {
+std::string Judge::DescriptorsAndLock() const {
   if (Descriptors() != descriptors_) {
     return "descriptors: " + std::to_string(descriptors_) + " before, " +
            std::to_string(Descriptors()) + " after";
   }
-  if (!LockIsFree()) return "the lock is still held";
+  return LockIsFree() ? "" : "the lock is still held";
+}
+
+std::string Judge::Process(qvx_u32 status) const {
+  if (const std::string wrong = DescriptorsAndLock(); !wrong.empty()) return wrong;
   for (const std::string& name : Names(kPlace)) {
     if (std::find(names_.begin(), names_.end(), name) != names_.end()) continue;
     if (!MayStay(name, status)) return name + " is left after status " + std::to_string(status);
@@ -190,29 +144,67 @@ std::string Judge::Process(qvx_u32 status) const {
   return "";
 }
 
-// What a call after the fault may find that it cannot put right, as its description says.
-bool Judge::IsBeyondMending(qvx_u32 status) const {
+std::string Judge::TornProcess() const { return DescriptorsAndLock(); }
+
+// Only after a later call: until its next use the C library may be without its copy of TZ, or with
+// a message.
+std::string Judge::Memory() const {
+  const long blocks = LiveBlocks();
+  if (start_ == Start::kCold || blocks == blocks_) return "";
+  // The later call may not begin where the log is missing.
+  if (scene_->kind == Kind::kCleared && blocks < blocks_) return "";
+  return "blocks: " + std::to_string(blocks_) + " before, " + std::to_string(blocks) + " after";
+}
+
+std::string Judge::NextWholeFile(qvx_u32* status) const {
+  const std::string first = ReadText(scene_->path);
+  *status = scene_->act();
   const std::string now = ReadText(scene_->path);
+  if (first != before_ && first != scene_->expected && !first.empty() && IsCutSection(first)) {
+    // A line that was cut takes up the next one.
+    return StartsWith(now, TextOf(before_)) ? "" : "the next call loses text: " + Shown(now);
+  }
+  if (*status != SM_STATUS_SUCCESS) return "the next call fails: " + std::to_string(*status);
+  return now == scene_->expected ? "" : "the next call leaves: " + Shown(now);
+}
+
+std::string Judge::NextLog(qvx_u32* status, Torn torn) const {
+  const LogFiles first = ReadLogFiles(scene_->path);
+  *status = scene_->act();
+  const LogFiles now = ReadLogFiles(scene_->path);
   // A missing log cannot be cleared.
-  if (scene_->kind == Kind::kCleared) return now == kNone && status == QVX_FAILED;
-  // A line that was cut takes up the next one.
-  return scene_->kind == Kind::kAppended && now != after_ && StartsWith(now, TextOf(before_));
+  const bool isMissing = first.log == kNone && before_ != kNone;
+  if (scene_->kind == Kind::kCleared && isMissing && *status == QVX_FAILED) {
+    return now.log == kNone ? "" : "a log that cannot be cleared is made";
+  }
+  const bool damaged = scene_->kind != Kind::kCleared && IsDamaged(first.log);
+  if (damaged && torn == Torn::kYes && *status == SM_STATUS_BAD_DATA) {
+    return now.log == first.log ? "" : "a log that is refused is changed";
+  }
+  if (*status != SM_STATUS_SUCCESS) return "the next call fails: " + std::to_string(*status);
+  // A damaged log is mended: what was cut is gone.
+  const LogFiles base = damaged ? LogFiles{before_, backup_} : first;
+  return JudgeLog(*scene_, base, now, true, Torn::kNo);
 }
 
-// Whether a call that succeeds always writes the file.
-bool Judge::IsUpdate() const {
-  return scene_->kind != Kind::kPure && scene_->kind != Kind::kCleared;
+std::string Judge::NextFile(qvx_u32* status, Torn torn) const {
+  if (IsLog(*scene_)) return NextLog(status, torn);
+  if (scene_->kind != Kind::kPure) return NextWholeFile(status);
+  *status = scene_->act();
+  return *status == SM_STATUS_SUCCESS ? "" : "the next call fails: " + std::to_string(*status);
 }
 
-std::string Judge::Next() const {
+std::string Judge::Next(Torn torn) const {
   if (!scene_->again) return "";
-  const qvx_u32 status = scene_->act();
-  if (scene_->path != nullptr && IsBeyondMending(status)) return Process(status);
-  if (status != SM_STATUS_SUCCESS) return "the next call fails: " + std::to_string(status);
+  qvx_u32 status = SM_STATUS_SUCCESS;
+  if (const std::string wrong = NextFile(&status, torn); !wrong.empty()) return wrong;
   // A mode that cannot be set is no fault; now it can.
-  if (IsUpdate() && !HasItsMode(scene_->path)) return "the mode is another";
-  const std::string wrong = File(SM_STATUS_SUCCESS, Torn::kYes);
-  return wrong.empty() ? Process(SM_STATUS_SUCCESS) : wrong;
+  const bool isUpdate = scene_->kind != Kind::kPure && scene_->kind != Kind::kCleared;
+  if (isUpdate && status == SM_STATUS_SUCCESS && !HasItsMode(scene_->path)) {
+    return "the mode is another";
+  }
+  if (const std::string wrong = Process(status); !wrong.empty()) return wrong;
+  return Memory();
 }
 
 }  // namespace qvx::torture

@@ -86,7 +86,7 @@ std::string Try(const Point& point) {
   disk.reset();
   disk = std::make_unique<LoopDisk>(kCopy, point.mode);
   if (!*disk) return "the copied disk cannot be mounted";
-  std::string wrong = judge.File(SM_STATUS_FAILURE, Torn::kYes);
+  std::string wrong = judge.File(SM_STATUS_FAILURE, Torn::kLost);
   if (!wrong.empty()) return wrong;
   return InChild([&judge] {
     judge.BeginHere();

@@ -16,6 +16,7 @@
 #include <new>
 #include <random>
 
+#include "torture/log_text.h"
 #include "torture/loop_disk.h"
 #include "torture/torture.h"
 

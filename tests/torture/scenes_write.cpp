@@ -4,6 +4,7 @@
 // Operations that change a file.
 #include <cstring>
 
+#include "torture/log_text.h"
 #include "torture/torture.h"
 
 namespace qvx::torture {
@@ -55,14 +56,18 @@ qvx_u32 AppendToCmdLog(const char* text) {
 // --- What stands before ---
 
 void Nothing() {}
-void IniFile() { WriteText(kIni, "; kept\n[net]\nhost=alpha\nport=1311\n[log]\nlevel=3\n"); }
-void LongIniFile() {
-  std::string text = "[net]\nport=1311\n";
+std::string Ini(const std::string& port) {
+  return "; kept\n[net]\nhost=alpha\n" + port + "[log]\nlevel=3\n";
+}
+void IniFile() { WriteText(kIni, Ini("port=1311\n")); }
+std::string LongIni(const char* port) {
+  std::string text = std::string("[net]\nport=") + port + "\n";
   for (int at = 0; at < 2000; ++at) {
     text += "key" + std::to_string(at) + "=the value of a line\n";
   }
-  WriteText(kIni, text);
+  return text;
 }
+void LongIniFile() { WriteText(kIni, LongIni("1311")); }
 void LinkedIniFile() {
   WriteText(kOther, "[net]\nport=1311\n");
   (void)symlink(kOther, kIni);
@@ -91,87 +96,146 @@ void CmdLog() {
   (void)InChild([] { return std::string(AppendToCmdLog("earlier") == 0 ? "" : "no"); });
 }
 
+// An INI scene whose file is `after` when it is done.
+Scene Whole(const char* name, void (*prepare)(), qvx_u32 (*act)(), const std::string& after) {
+  return {name, Kind::kWhole, kIni, prepare, act, true, after};
+}
+Scene Appended(const char* name, void (*prepare)(), qvx_u32 (*act)(), const std::string& after) {
+  return {name, Kind::kAppended, kIni, prepare, act, true, after};
+}
+
 std::vector<Scene> IniScenes() {
-  const Kind whole = Kind::kWhole;
+  const auto addSection = [] { return SetIni("new", "k", "v"); };
+  const auto setPort = [] { return SetIni("net", "port", "9"); };
+  const std::string section = "[new]\nk=v\n";
   return {
-      {"INI: a key's value", whole, kIni, IniFile, [] { return SetIni("net", "port", "9"); }},
-      {"INI: a long value", whole, kIni, IniFile, [] { return SetIni("net", "port", LongText()); }},
-      {"INI: a new key", whole, kIni, IniFile, [] { return SetIni("net", "mask", "255"); }},
-      {"INI: a key deleted", whole, kIni, IniFile, [] { return SetIni("net", "port", nullptr); }},
-      {"INI: a new section", whole, kIni, IniFile, [] { return SetIni("new", "k", "v"); }},
-      {"INI: a new section, long", whole, kIni, IniFile,
-       [] { return SetIni("new", "k", LongText()); }},
-      {"INI: a new file", whole, kIni, Nothing, [] { return SetIni("new", "k", "v"); }},
-      {"INI: a long file", whole, kIni, LongIniFile, [] { return SetIni("net", "port", "9"); }},
-      {"INI: a new section of a long file", whole, kIni, LongIniFile,
-       [] { return SetIni("new", "k", "v"); }},
-      {"INI: a key through a link", whole, kIni, LinkedIniFile,
-       [] { return SetIni("net", "port", "9"); }},
-      {"INI: a section through a link", Kind::kAppended, kIni, LinkedIniFile,
-       [] { return SetIni("new", "k", "v"); }},
-      {"INI: a section through a dangling link", Kind::kAppended, kIni, DanglingLink,
-       [] { return SetIni("new", "k", "v"); }},
-      {"INI: a section of a file of two names", Kind::kAppended, kIni, IniFileOfTwoNames,
-       [] { return SetIni("new", "k", "v"); }},
-      {"INI: a boolean", whole, kIni, IniFile,
-       [] { return SetIniValue<qvx_booln>(QVX_INI_BOOLN, 1); }},
-      {"INI: a number", whole, kIni, IniFile, [] { return SetIniValue<qvx_u32>(QVX_INI_U32, 77); }},
-      {"INI: a double", whole, kIni, IniFile,
-       [] { return SetIniValue<qvx_d64>(QVX_INI_D64, 1.5); }},
-      {"INI: 16-bit text", whole, kIni, IniFile,
-       [] {
-         const qvx_ustring text[] = {'a', 'b', 0};
-         return SetIniValue(QVX_INI_USTRING, text);
-       }},
-      {"INI: bytes", whole, kIni, IniFile,
-       [] {
-         const qvx_u8 bytes[] = {1, 2, 255};
-         return SetIniValue(QVX_INI_BINARY, bytes);
-       }},
-      {"INI: a file of the product", whole, kProductIni, ProductIni,
+      Whole("INI: a key's value", IniFile, setPort, Ini("port=9\n")),
+      Whole(
+          "INI: a long value", IniFile, [] { return SetIni("net", "port", LongText()); },
+          Ini("port=" + kLongText + "\n")),
+      Whole(
+          "INI: a new key", IniFile, [] { return SetIni("net", "mask", "255"); },
+          Ini("port=1311\nmask=255\n")),
+      Whole(
+          "INI: a key deleted", IniFile, [] { return SetIni("net", "port", nullptr); }, Ini("")),
+      Whole("INI: a new section", IniFile, addSection, Ini("port=1311\n") + section),
+      Whole(
+          "INI: a new section, long", IniFile, [] { return SetIni("new", "k", LongText()); },
+          Ini("port=1311\n") + "[new]\nk=" + kLongText + "\n"),
+      Whole("INI: a new file", Nothing, addSection, section),
+      Whole("INI: a long file", LongIniFile, setPort, LongIni("9")),
+      Whole("INI: a new section of a long file", LongIniFile, addSection,
+            LongIni("1311") + section),
+      Whole("INI: a key through a link", LinkedIniFile, setPort, "[net]\nport=9\n"),
+      Appended("INI: a section through a link", LinkedIniFile, addSection,
+               "[net]\nport=1311\n" + section),
+      Appended("INI: a section through a dangling link", DanglingLink, addSection, section),
+      Appended("INI: a section of a file of two names", IniFileOfTwoNames, addSection,
+               Ini("port=1311\n") + section),
+  };
+}
+
+std::vector<Scene> IniValueScenes() {
+  return {
+      Whole(
+          "INI: a boolean", IniFile, [] { return SetIniValue<qvx_booln>(QVX_INI_BOOLN, 1); },
+          Ini("port=TRUE\n")),
+      Whole(
+          "INI: a number", IniFile, [] { return SetIniValue<qvx_u32>(QVX_INI_U32, 77); },
+          Ini("port=77\n")),
+      Whole(
+          "INI: a double", IniFile, [] { return SetIniValue<qvx_d64>(QVX_INI_D64, 1.5); },
+          Ini("port=1.50000000\n")),
+      Whole(
+          "INI: 16-bit text", IniFile,
+          [] {
+            const qvx_ustring text[] = {'a', 'b', 0};
+            return SetIniValue(QVX_INI_USTRING, text);
+          },
+          Ini("port=0x61,0x00,0x62,0x00,0x00,0x00\n")),
+      Whole(
+          "INI: bytes", IniFile,
+          [] {
+            const qvx_u8 bytes[] = {1, 2, 255};
+            return SetIniValue(QVX_INI_BINARY, bytes);
+          },
+          Ini("port=0x01,0x02,0xFF\n")),
+      {"INI: a file of the product", Kind::kWhole, kProductIni, ProductIni,
        [] {
          return PXTWriteINIFileValue("net", "port", QVX_INI_ASTRING, "9", 2, "torture.ini",
                                      QVX_LOCK_WAIT);
-       }},
+       },
+       true, "[net]\nport=9\n"},
   };
 }
 
 std::vector<Scene> OtherFileScenes() {
   return {
-      {"key=value: a value", Kind::kWhole, kPairs, Pairs, [] { return SetPair("port", "9"); }},
+      {"key=value: a value", Kind::kWhole, kPairs, Pairs, [] { return SetPair("port", "9"); }, true,
+       "# kept\nname=agent\nport=9\nlast=1\nport=2\n"},
       {"key=value: the second of two", Kind::kWhole, kPairs, Pairs,
-       [] { return SetPair("port", "9", 1); }},
-      {"key=value: a new key", Kind::kWhole, kPairs, Pairs, [] { return SetPair("mask", "255"); }},
+       [] { return SetPair("port", "9", 1); }, true,
+       "# kept\nname=agent\nport = 1311\nlast=1\nport=9\n"},
+      {"key=value: a new key", Kind::kWhole, kPairs, Pairs, [] { return SetPair("mask", "255"); },
+       true, "# kept\nname=agent\nport = 1311\nlast=1\nport=2\nmask=255\n"},
       {"key=value: a file of the product", Kind::kWhole, kProductPairs, ProductPairs,
        [] {
          char key[] = "port";
          char value[] = "9";
          const PXTKeyValue pair = {key, value};
          return PXTCFGInstSetKeyValue("qvx/ini/torture.properties", &pair, 0);
-       }},
-      {"a file deleted", Kind::kWhole, kIni, IniFile, [] { return PXTDeleteFile(kIni); }, false},
+       },
+       true, "name=agent\nport=9\n"},
+      {"a file deleted", Kind::kWhole, kIni, IniFile, [] { return PXTDeleteFile(kIni); }, false,
+       kNone},
   };
 }
 
+// The dump of "0123456789".
+std::string DumpOfTen() {
+  std::string line = "0x00000000: 30 31 32 33:34 35 36 37:38 39";
+  line.resize(63, ' ');
+  line += "0123456789";
+  line.resize(80, ' ');
+  return line + "\r\n";
+}
+
+std::string Entry(const std::string& description, const std::string& data = "") {
+  return PatternOf({7001, description, data});
+}
+
 std::vector<Scene> LogScenes() {
+  const auto appendMore = [] { return Append("more"); };
+  const auto appendLong = [] { return Append(LongText()); };
+  const std::string cleared = ClearedPattern("root", "TORTURE");
   return {
-      {"log: an entry", Kind::kLog, kLog, OneEntry, [] { return Append("more"); }},
-      {"log: a long entry", Kind::kLog, kLog, OneEntry, [] { return Append(LongText()); }},
+      {"log: an entry", Kind::kLog, kLog, OneEntry, appendMore, true, Entry("more")},
+      {"log: a long entry", Kind::kLog, kLog, OneEntry, appendLong, true, Entry(kLongText)},
       {"log: an entry with data", Kind::kLog, kLog, OneEntry,
-       [] { return Append("more", "0123456789", 10); }},
-      {"log: the first entry", Kind::kLog, kLog, Nothing, [] { return Append("first"); }},
-      {"log: a long first entry", Kind::kLog, kLog, Nothing, [] { return Append(LongText()); }},
+       [] { return Append("more", "0123456789", 10); }, true, Entry("more", DumpOfTen())},
+      {"log: the first entry", Kind::kLog, kLog, Nothing, [] { return Append("first"); }, true,
+       Entry("first")},
+      {"log: a long first entry", Kind::kLog, kLog, Nothing, appendLong, true, Entry(kLongText)},
       {"log: made to exist", Kind::kCleared, kLog, Nothing,
-       [] { return PXTForceXMLLogExists(kLog, "root", "TORTURE"); }},
+       [] { return PXTForceXMLLogExists(kLog, "root", "TORTURE"); }, true, cleared},
       {"log: moved to its backup", Kind::kMoved, kLog, LongLog,
-       [] { return Append("more", nullptr, 0, kLong); }},
+       [] { return Append("more", nullptr, 0, kLong); }, true, Entry("more"),
+       PatternOf({1, "Log backup created"})},
       {"log: cleared", Kind::kCleared, kLog, OneEntry,
-       [] { return PXTClearXMLLog(kLog, "root", "TORTURE"); }},
-      {"command log: an entry", Kind::kLog, kCmdLog, CmdLog, [] { return AppendToCmdLog("more"); }},
+       [] { return PXTClearXMLLog(kLog, "root", "TORTURE"); }, true, cleared},
+  };
+}
+
+std::vector<Scene> CommandLogScenes() {
+  const std::string begins = ClearedPattern("Local System", "QVPX");
+  return {
+      {"command log: an entry", Kind::kLog, kCmdLog, CmdLog, [] { return AppendToCmdLog("more"); },
+       true, PatternOf({5100, "more"}), begins},
       {"command log: the first entry", Kind::kLog, kCmdLog, NoCmdLog,
-       [] { return AppendToCmdLog("first"); }},
+       [] { return AppendToCmdLog("first"); }, true, PatternOf({5100, "first"}), begins},
       {"command log: cleared", Kind::kCleared, kCmdLog, CmdLog,
-       [] { return PXTClearCmdLog("root", "TORTURE"); }},
+       [] { return PXTClearCmdLog("root", "TORTURE"); }, true, ClearedPattern("root", "TORTURE"),
+       begins},
   };
 }
 
@@ -179,7 +243,7 @@ std::vector<Scene> LogScenes() {
 
 std::vector<Scene> UpdatingScenes() {
   std::vector<Scene> scenes = IniScenes();
-  for (const auto& more : {OtherFileScenes(), LogScenes()}) {
+  for (const auto& more : {IniValueScenes(), OtherFileScenes(), LogScenes(), CommandLogScenes()}) {
     scenes.insert(scenes.end(), more.begin(), more.end());
   }
   return scenes;

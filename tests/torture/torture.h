@@ -34,6 +34,10 @@ struct Scene {
   void (*prepare)() = nullptr;   // puts the file in place
   std::function<qvx_u32()> act;  // the calls; their status
   bool again = true;  // a later call in the same process is right whatever happened before
+  // The file after it; of a log the entry that it gains, a pattern of log_text.h.
+  std::string expected = "";
+  // The pattern of the library's own entry with which it begins a log.
+  std::string begins = "";
 };
 
 std::vector<Scene> UpdatingScenes();  // those that change files
@@ -74,38 +78,47 @@ bool AllocationFailed();  // since FailAllocation
 long LiveBlocks();
 
 // Whether the process may have been kept from putting things back: it was killed, or every call
-// after the first fault failed, too.
-enum class Torn { kNo, kYes };
+// after the first fault failed, too. Or the disk may have lost what was not flushed to it.
+enum class Torn { kNo, kYes, kLost };
 
-// Logs.
-unsigned EntryCount(const std::string& log);
-bool WellFormed(const std::string& log);
+// Whether the process has made the scene's calls before, without a fault: then it holds the same
+// blocks of memory after them.
+enum class Start { kCold, kWarm };
+
+struct LogFiles;
 
 // A scene's files before, and what is right after it.
 class Judge {
  public:
-  explicit Judge(const Scene& scene);
+  explicit Judge(const Scene& scene, Start start = Start::kCold);
   // From here on this process is judged, which began with the descriptors that it has now.
   void BeginHere();
   // What is wrong with the file after this status, or nothing.
   [[nodiscard]] std::string File(qvx_u32 status, Torn torn) const;
   // What is wrong in this process after the calls: descriptors, lock, files left over.
   [[nodiscard]] std::string Process(qvx_u32 status) const;
-  // Calls the scene again, without a fault: its report and file must be right.
-  [[nodiscard]] std::string Next() const;
+  // The same when nothing could be put back: copies may be left.
+  [[nodiscard]] std::string TornProcess() const;
+  // Calls the scene again, without a fault: its report, file and process must be right. A log that
+  // could not be put back may be refused after a fault that lasted.
+  [[nodiscard]] std::string Next(Torn torn = Torn::kNo) const;
 
  private:
   [[nodiscard]] std::string WholeFile(const std::string& now, qvx_u32 status, Torn torn) const;
-  [[nodiscard]] std::string Log(const std::string& now, bool done, Torn torn) const;
-  [[nodiscard]] bool IsUpdate() const;
-  [[nodiscard]] bool IsBeyondMending(qvx_u32 status) const;
-  [[nodiscard]] std::string ClearedLog(const std::string& now, bool done, Torn torn) const;
+  [[nodiscard]] std::string DescriptorsAndLock() const;
+  [[nodiscard]] std::string Memory() const;
+  [[nodiscard]] std::string NextFile(qvx_u32* status, Torn torn) const;
+  [[nodiscard]] std::string NextWholeFile(qvx_u32* status) const;
+  [[nodiscard]] std::string NextLog(qvx_u32* status, Torn torn) const;
+  [[nodiscard]] bool IsCutSection(const std::string& now) const;
 
   const Scene* scene_;
+  Start start_;
   std::string before_;
-  std::string after_;
+  std::string backup_;
   std::vector<std::string> names_;
   int descriptors_ = 0;
+  long blocks_ = 0;
 };
 
 // Runs `body` in a child; returns what it says is wrong, or how it died.
