@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: Copyright The libqvxcs authors
 # SPDX-License-Identifier: MIT
-# host.sh NUMBER ENTRIES PER-SECOND: one host, in its sandbox. In systemd's stead it starts the
-# follower as the example's unit says and, like rsyslog, again when it ends.
+# host.sh NUMBER ENTRIES PER-SECOND: one host, in its sandbox. In systemd's place it makes the
+# spool's folder and starts the follower as the examples say and, like rsyslog, again when it ends.
 # shellcheck source-path=SCRIPTDIR
 . "$(dirname "$0")/common.sh"
 folder=$QVX_FLEET/host$1
 echo "host$1" >/proc/sys/kernel/hostname
 mount -t tmpfs tmpfs /var
-mkdir -p /var/lib/qvxctl /var/spool/qvxctl /var/spool/rsyslog "$folder/spool"
-mount --bind "$folder/spool" /var/spool/qvxctl
+mkdir -p /var/lib/qvxctl /var/spool/rsyslog "$folder"
+read -r spool mode user group _ < <(sed -n 's/^d //p' examples/fleet/qvxctl-follow.tmpfiles)
+install -d -m "$mode" -o "$user" -g "$group" "$spool"
 echo "192.0.2.1 collector.example" >>/etc/hosts
 ln -s "$QVX_BUILD/qvxctl" /run/qvxctl
 printf 'global(workDirectory="/var/spool/rsyslog")\n' >/run/rsyslog.conf
