@@ -3,8 +3,9 @@
 # SPDX-License-Identifier: MIT
 # Two hosts and a collector, each in a sandbox with a network of its own, run the files of
 # examples/fleet with the real rsyslog. While both hosts log, the first one's link is cut; meanwhile
-# its follower, its forwarder and the collector are killed. Later the second one's forwarder is
-# killed. Every entry must arrive, each key names one entry, and a host's entries keep their order.
+# its spool is rotated twice and its follower, its forwarder and the collector are killed. Later the
+# second one's forwarder is killed and its spool rotated. Every entry must arrive, each key names one
+# entry, and a host's entries keep their order.
 # FLEET_ENTRIES (1,000) is the number for each host.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -40,8 +41,9 @@ arrived() { # HOST: how many different entries
 }
 all_arrived() { [ "$(arrived 1)" -ge "$entries" ] && [ "$(arrived 2)" -ge "$entries" ]; }
 
-if ! command -v rsyslogd >/dev/null || [ ! -e "/usr/lib/$(uname -m)-linux-gnu/rsyslog/omrelp.so" ]; then
-  say "needs the Debian packages rsyslog and rsyslog-relp" >&2
+if ! command -v rsyslogd >/dev/null || ! command -v logrotate >/dev/null ||
+  [ ! -e "/usr/lib/$(uname -m)-linux-gnu/rsyslog/omrelp.so" ]; then
+  say "needs the Debian packages logrotate, rsyslog and rsyslog-relp" >&2
   exit 1
 fi
 cmake --build "$build" --target sandbox qvxctl fleet_writer >/dev/null
@@ -75,6 +77,10 @@ done
 kill_one() { # PID-FILE
   kill -KILL "$(cat "$folder/$1")"
 }
+rotate() { # HOST
+  touch "$folder/host$1/rotate"
+  wait_for 20 "the rotation of host $1" test ! -e "$folder/host$1/rotate"
+}
 link() { nsenter -t "${processes[0]}" -n ip link set host1 "$1"; }
 
 wait_for "$patience" "a fifth of the entries" written 1 $((entries / 5))
@@ -83,6 +89,10 @@ sleep 2
 kill_one host1/follower
 say "the first host's link is cut, and then its follower killed"
 wait_for "$patience" "the follower to go on" written 1 $((entries * 2 / 5))
+rotate 1
+wait_for "$patience" "the new spool file" written 1 $((entries / 2))
+rotate 1
+say "its spool is rotated twice"
 kill_one host1/forwarder
 # The system still holds lines of the killed forwarder; a new collector does not take them.
 kill_one collector.pid
@@ -91,7 +101,8 @@ sleep 3
 link up
 wait_for "$patience" "half of the entries" written 2 $((entries / 2))
 kill_one host2/forwarder
-say "the second host's forwarder is killed"
+rotate 2
+say "the second host's forwarder is killed, and its spool rotated"
 wait_for "$patience" "the first host's writer" test -e "$folder/host1/done"
 wait_for "$patience" "the second host's writer" test -e "$folder/host2/done"
 wait_for "$patience" "all entries at the collector" all_arrived

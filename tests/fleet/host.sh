@@ -23,20 +23,48 @@ done
 ip link set lo up
 ip link set eth0 up
 
+# In systemctl's place, for logrotate. A follower that was just killed is about to start anyway.
+mkdir /run/bin
+cat >/run/bin/systemctl <<END
+#!/bin/sh
+[ "\$*" = "restart qvxctl-follow" ] || exit 1
+kill "\$(cat "$folder/follower")" 2>/dev/null || true
+END
+chmod +x /run/bin/systemctl
+rotate() {
+  local before
+  before=$(stat -c %i "$output")
+  install -m 0644 examples/fleet/logrotate /run/logrotate
+  PATH=/run/bin:$PATH logrotate --force --state /run/logrotate.state /run/logrotate
+  until [ -e "$output" ]; do sleep 0.1; done
+  [ "$(stat -c %i "$output")" -ne "$before" ]
+}
+
 children=()
 unit=examples/fleet/qvxctl-follow.service
 read -ra follower < <(sed -n 's|^ExecStart=/usr/bin/qvxctl|/run/qvxctl|p' "$unit")
 output=$(sed -n 's/^StandardOutput=append://p' "$unit")
-again "$folder/follower" "${follower[@]}" >>"$output" &
+# As systemd does, each start opens the output anew.
+# shellcheck disable=SC2016
+again "$folder/follower" bash -c 'exec "${@:2}" >>"$1"' sh "$output" "${follower[@]}" &
 children+=($!)
 again "$folder/forwarder" rsyslogd -n -f /run/rsyslog.conf -i NONE &
 children+=($!)
 (
   while :; do
-    lines=$(grep -c FLEET "$output" 2>/dev/null) || true
-    echo "${lines:-0}" >"$folder/written.new"
+    cat "$spool"/* 2>/dev/null | grep -c FLEET >"$folder/written.new" || true
     mv "$folder/written.new" "$folder/written"
     sleep 0.2
+  done
+) &
+children+=($!)
+(
+  while :; do
+    if [ -e "$folder/rotate" ]; then
+      rotate
+      rm "$folder/rotate"
+    fi
+    sleep 0.1
   done
 ) &
 children+=($!)
