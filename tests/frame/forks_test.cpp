@@ -8,10 +8,12 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <string>
 #include <thread>
 
 #include "qvxcs/context_lock.h"
 #include "qvxcs/ini_file.h"
+#include "qvxcs/keyvalue.h"
 #include "qvxcs/memory.h"
 #include "qvxcs/paths.h"
 #include "qvxcs/status.h"
@@ -92,23 +94,41 @@ QVX_ALONE(Forks, AreWatchedOnceHoweverOftenItIsAsked) {
             0);
 }
 
+bool WritesAndReadsAnIniValue() {
+  astring value[8];
+  u32 size = sizeof(value);
+  return PXTWriteINIFileValue("A", "b", QVX_INI_ASTRING, "2", 2, "forks.ini", QVX_LOCK_TRY) ==
+             SM_STATUS_SUCCESS &&
+         PXTReadINIFileValue("A", "b", QVX_INI_ASTRING, value, &size, nullptr, 0, "forks.ini",
+                             QVX_LOCK_TRY) == SM_STATUS_SUCCESS &&
+         std::string(value) == "2";
+}
+
+constexpr char kPairs[] = "/run/forks.properties";
+
+bool WritesAndReadsAPair() {
+  char key[] = "b";
+  char value[] = "2";
+  const PXTKeyValue pair = {key, value};
+  if (PXTCFGSetKeyValue(kPairs, &pair, 0) != SM_STATUS_SUCCESS) return false;
+  u32 count = 0;
+  PXTKeyValue* const entries = PXTCFGGetKeyValueEntries(kPairs, &count);
+  const astring* const found = PXTCFGGetKeyValue(entries, count, key, 0);
+  const bool good = found != nullptr && std::string(found) == value;
+  PXTCFGFreeKeyValueEntries(entries, count);
+  return good;
+}
+
 QVX_ALONE(Forks, AChildWritesAndExitsThoughAnotherThreadHadTheTurn) {
   qvx::test::RequireSandbox();
   ASSERT_EQ(qvx::ModuleInit(), 1);
+  qvx::test::WriteFile(kPairs, "b=1\n");
   NoteForks();
   const AnotherThread writer([] { EXPECT_EQ(qvx::TakeThreadsTurn(0), 0); }, qvx::GiveThreadsTurn);
   EXPECT_EQ(InChild([] {
               EndWhereItHangs();
-              if (PXTWriteINIFileValue("A", "b", QVX_INI_ASTRING, "2", 2, "forks.ini",
-                                       QVX_LOCK_TRY) != SM_STATUS_SUCCESS) {
-                return 1;
-              }
-              astring value[8];
-              u32 size = sizeof(value);
-              if (PXTReadINIFileValue("A", "b", QVX_INI_ASTRING, value, &size, nullptr, 0,
-                                      "forks.ini", QVX_LOCK_TRY) != SM_STATUS_SUCCESS) {
-                return 2;
-              }
+              if (!WritesAndReadsAnIniValue()) return 1;
+              if (!WritesAndReadsAPair()) return 2;
               astring* path = PXTGetQVXInstallPath();
               if (path == nullptr) return 3;
               PXTFreeMem(path);

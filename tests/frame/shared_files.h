@@ -82,6 +82,14 @@ inline u32 SetNumber(const std::string& path, std::string key, u32 number) {
   return PXTCFGSetKeyValue(path.c_str(), &pair, 0);
 }
 
+// The number of a key=value file's entries; 0 when they cannot be read.
+inline u32 CountOfEntries(const std::string& path) {
+  u32 count = 0;
+  PXTKeyValue* const entries = PXTCFGGetKeyValueEntries(path.c_str(), &count);
+  PXTCFGFreeKeyValueEntries(entries, count);
+  return count;
+}
+
 }  // namespace qvx::test
 
 #endif

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "qvxcs/context_lock.h"
 #include "qvxcs/status.h"
 
 #include "frame/shared_files.h"
@@ -94,51 +95,77 @@ QVX_ALONE(Threads, FourProcessesOfEightThreadsLoseNothingAndNoCallFails) {
   EXPECT_EQ(NamesInFolder(), (std::set<std::string>{"all.ini", "all.properties", "all.xml"}));
 }
 
+// The file's long part, which makes each rewrite take its time.
+std::string LinesToBeKept() {
+  std::string text;
+  for (int line = 0; line < 1000; ++line) {
+    text += "key" + std::to_string(line) + "=to be kept as it is\n";
+  }
+  return text;
+}
+
+// The child's work in files of its own, with every lock that a child may use. It writes over what
+// an earlier child wrote.
+bool WorksAsAChild(u32 round) {
+  const u32 lock = PXTAllocContextLock();
+  PXTLockContext(lock);
+  u32 number = 0;
+  const bool good = WriteNumber(InFolder("child.ini"), "A", "b", round) == SM_STATUS_SUCCESS &&
+                    ReadNumber(InFolder("child.ini"), "A", "b", &number) == SM_STATUS_SUCCESS &&
+                    number == round &&
+                    SetNumber(InFolder("child.properties"), "b", round) == SM_STATUS_SUCCESS &&
+                    CountOfEntries(InFolder("child.properties")) == 1;
+  PXTUnLockContext(lock);
+  PXTFreeContextLock(lock);
+  return good && lock != 0;
+}
+
+// Forks children one after the other, which exit as a host does, up to the first that fails.
+bool ChildrenWork(u32 count) {
+  for (u32 round = 0; round < count; ++round) {
+    const pid_t child = fork();
+    if (child == 0) {
+      (void)alarm(20);  // a child that hangs fails
+      exit(WorksAsAChild(round) ? 0 : 1);
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || status != 0) return false;
+  }
+  return true;
+}
+
 // The parent's threads write while it forks; each child writes, locks and exits as a host does.
 QVX_ALONE(Threads, ChildrenOfAProcessWhoseThreadsWriteDoTheirWorkAndExit) {
   // A sanitizer keeps its own locks over a fork, which the child may find taken.
   if (QVX_SANITIZED != 0) GTEST_SKIP();
   Start();
-  const std::string path = InFolder("parent.ini");
-  std::string expected = "[Long]\n";
-  for (int line = 0; line < 2000; ++line) {
-    expected += "key" + std::to_string(line) + "=to be kept as it is\n";
-  }
-  expected += "[A]\n";
-  WriteFile(path, expected);
-  for (u32 thread = 0; thread < 4; ++thread) {
-    ASSERT_EQ(WriteNumber(path, "A", "key" + std::to_string(thread), 0), SM_STATUS_SUCCESS);
-  }
+  const std::string ini = InFolder("parent.ini");
+  const std::string pairs = InFolder("parent.properties");
+  const std::string kept = LinesToBeKept();
+  WriteFile(ini, "[Long]\n" + kept + "[A]\nk0=0\nk1=0\nk2=0\nk3=0\n");
+  WriteFile(pairs, kept + "k0=0\nk1=0\nk2=0\nk3=0\n");
+  WriteFile(InFolder("child.properties"), "b=none\n");
   std::atomic<bool> running = true;
   std::atomic<u32> faults = 0;
   std::array<u32, 4> last = {};
   InThreads(5, [&](u32 thread) {
-    if (thread < 4) {
-      while (running) {
-        faults +=
-            WriteNumber(path, "A", "key" + std::to_string(thread), ++last[thread]) == 0 ? 0 : 1;
-      }
-      return;
+    const std::string key = "k" + std::to_string(thread);
+    while (thread < 4 && running) {
+      faults += WriteNumber(ini, "A", key, ++last[thread]) == SM_STATUS_SUCCESS ? 0 : 1;
+      faults += SetNumber(pairs, key, last[thread]) == SM_STATUS_SUCCESS ? 0 : 1;
+      PXTFreeContextLock(PXTAllocContextLock());
     }
-    for (int round = 0; round < 60; ++round) {
-      const pid_t child = fork();
-      if (child == 0) {
-        (void)alarm(20);
-        u32 number = 0;
-        const bool good = WriteNumber(InFolder("child.ini"), "A", "b", 7) == SM_STATUS_SUCCESS &&
-                          ReadNumber(InFolder("child.ini"), "A", "b", &number) == 0 && number == 7;
-        exit(good ? 0 : 1);
-      }
-      int status = 0;
-      faults += waitpid(child, &status, 0) == child && status == 0 ? 0 : 1;
-    }
+    if (thread < 4) return;
+    faults += ChildrenWork(60) ? 0 : 1;
     running = false;
   });
   EXPECT_EQ(faults, 0U);
+  std::string numbers;
   for (u32 thread = 0; thread < 4; ++thread) {
-    expected += "key" + std::to_string(thread) + "=" + std::to_string(last[thread]) + "\n";
+    numbers += "k" + std::to_string(thread) + "=" + std::to_string(last[thread]) + "\n";
   }
-  EXPECT_TRUE(ReadFile(path) == expected) << ReadFile(path).size() << " " << expected.size();
+  EXPECT_TRUE(ReadFile(ini) == "[Long]\n" + kept + "[A]\n" + numbers) << ReadFile(ini).size();
+  EXPECT_TRUE(ReadFile(pairs) == kept + numbers) << ReadFile(pairs).size();
 }
 
 }  // namespace

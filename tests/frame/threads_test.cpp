@@ -14,7 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "qvxcs/keyvalue.h"
 #include "qvxcs/status.h"
 
 #include "frame/shared_files.h"
@@ -133,10 +132,7 @@ QVX_ALONE(Threads, WritersAndReadersOfOneKeyValueFileMeetNoHalfFile) {
         faults += SetNumber(path, "k" + std::to_string(at), ++last[at]) == 0 ? 0 : 1;
         continue;
       }
-      u32 count = 0;
-      PXTKeyValue* const entries = PXTCFGGetKeyValueEntries(path.c_str(), &count);
-      faults += entries != nullptr && count == 8 ? 0 : 1;
-      PXTCFGFreeKeyValueEntries(entries, count);
+      faults += CountOfEntries(path) == 8 ? 0 : 1;
     }
   });
   EXPECT_EQ(faults, 0U);
