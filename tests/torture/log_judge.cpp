@@ -69,10 +69,7 @@ bool IsDone(const Scene& scene, const LogFiles& before, const LogFiles& now) {
   if (scene.kind == Kind::kCleared) return Fits(now.log, SceneAlone(scene));
   if (!HasItsBackup(before, now)) return false;
   if (scene.kind == Kind::kMoved && IsEmpty(before.log)) return Fits(now.log, SceneAlone(scene));
-  // Where the log cannot be looked at, the command log's append takes it for one to be begun.
-  const bool begunAgain = !scene.begins.empty() && !IsEmpty(before.log) &&
-                          Fits(now.log, Closed(EntriesOf(before.log) + scene.begins + scene.expected));
-  return begunAgain || Fits(now.log, Grown(scene, before.log));
+  return Fits(now.log, Grown(scene, before.log));
 }
 
 bool IsUndone(const Scene& scene, const LogFiles& before, const LogFiles& now) {
