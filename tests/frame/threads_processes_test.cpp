@@ -9,13 +9,13 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "qvxcs/context_lock.h"
+#include "qvxcs/keyvalue.h"
 #include "qvxcs/status.h"
 
 #include "frame/shared_files.h"
@@ -27,72 +27,141 @@
 namespace qvx::test {
 namespace {
 
-using std::chrono::milliseconds;
-using std::chrono::steady_clock;
+// Four processes of eight threads, each of which does so many rounds.
+constexpr u32 kWorkers = 32;
+constexpr u32 kRounds = 200;
 
-// One thread's share of the work of four processes: a log, an INI file and a key=value file that
-// all of them use. The number of rounds; -1 after a status other than 0.
-int WorkUntil(steady_clock::time_point end, u32 worker) {
-  const std::string name = std::to_string(worker);
-  int round = 0;
-  do {
-    const u32 number = static_cast<u32>(round);
-    if (Append(InFolder("all.xml"), worker, number) != SM_STATUS_SUCCESS) return -1;
-    if (WriteNumber(InFolder("all.ini"), "S" + std::to_string(worker % 4), "k" + name, number)) {
-      return -1;
-    }
-    if (SetNumber(InFolder("all.properties"), "k" + name, number) != SM_STATUS_SUCCESS) return -1;
-    ++round;
-  } while (steady_clock::now() < end);
-  return round;
+std::string KeyOf(u32 worker) { return "k" + std::to_string(worker); }
+std::string SectionOf(u32 worker) { return "S" + std::to_string(worker % 4); }
+// A log of all workers, and sixteen logs, each of two workers of different processes; without the
+// end of the name.
+std::string LogOfAll() { return InFolder("all"); }
+std::string LogOf(u32 worker) { return InFolder("log" + std::to_string(worker % 16)); }
+
+// A log and its backup together have room for the entries of so many workers, so that it is moved
+// once.
+u32 Maximum(u32 workers, u32 entrySize) { return workers * kRounds * entrySize * 2 / 3; }
+
+// A number in the INI file, from 0 on: -1 when it cannot be read.
+int NumberInIni(u32 worker) {
+  u32 number = 0;
+  const u32 status = ReadNumber(InFolder("all.ini"), SectionOf(worker), KeyOf(worker), &number);
+  return status == SM_STATUS_SUCCESS ? static_cast<int>(number) : -1;
 }
 
-// Eight threads of one of the processes; what each of them did is written to its own file.
-int WorkInThreads(u32 process, steady_clock::time_point end) {
-  std::atomic<int> faults = 0;
-  InThreads(8, [&faults, process, end](u32 thread) {
-    const u32 worker = process * 8 + thread;
-    const int rounds = WorkUntil(end, worker);
-    faults += rounds > 0 ? 0 : 1;  // a slow machine does one round at least
-    WriteFile("/run/rounds" + std::to_string(worker), std::to_string(rounds));
-  });
+// The same in the key=value file, where the entries of all workers must be.
+int NumberInPairs(u32 worker) {
+  u32 count = 0;
+  PXTKeyValue* const entries = PXTCFGGetKeyValueEntries(InFolder("all.properties").c_str(), &count);
+  const astring* const found = PXTCFGGetKeyValue(entries, count, KeyOf(worker).c_str(), 0);
+  const int number = count == kWorkers && found != nullptr ? atoi(found) : -1;
+  PXTCFGFreeKeyValueEntries(entries, count);
+  return number;
+}
+
+// Whether each status of a round is 0.
+bool Writes(u32 worker, u32 round, u32 entrySize) {
+  return Append(LogOfAll() + ".xml", worker, round, Maximum(kWorkers, entrySize)) ==
+             SM_STATUS_SUCCESS &&
+         Append(LogOf(worker) + ".xml", worker, round, Maximum(2, entrySize)) ==
+             SM_STATUS_SUCCESS &&
+         WriteNumber(InFolder("all.ini"), SectionOf(worker), KeyOf(worker), round) ==
+             SM_STATUS_SUCCESS &&
+         SetNumber(InFolder("all.properties"), KeyOf(worker), round) == SM_STATUS_SUCCESS;
+}
+
+// One thread's share: it writes, and reads what a thread of another process writes, which never
+// goes back.
+bool Works(u32 worker, u32 entrySize) {
+  const u32 other = (worker + 8) % kWorkers;
+  int inIni = 0;
+  int inPairs = 0;
+  for (u32 round = 0; round < kRounds; ++round) {
+    if (!Writes(worker, round, entrySize)) return false;
+    const int nextInIni = NumberInIni(other);
+    const int nextInPairs = NumberInPairs(other);
+    if (nextInIni < inIni || nextInPairs < inPairs) return false;
+    inIni = nextInIni;
+    inPairs = nextInPairs;
+  }
+  return true;
+}
+
+// Eight threads of one of the processes.
+int WorkInThreads(u32 process, u32 entrySize) {
+  std::atomic<u32> faults = 0;
+  InThreads(8, [&](u32 thread) { faults += Works(process * 8 + thread, entrySize) ? 0 : 1; });
   return faults == 0 ? 0 : 1;
 }
 
-QVX_ALONE(Threads, FourProcessesOfEightThreadsLoseNothingAndNoCallFails) {
-  Start();
-  std::string properties;
-  for (u32 worker = 0; worker < 32; ++worker) {
-    properties += "k" + std::to_string(worker) + "=none\n";
-  }
-  WriteFile(InFolder("all.properties"), properties);
-  const auto end = steady_clock::now() + milliseconds(3000);
+void WorkInProcesses(u32 entrySize) {
   std::vector<pid_t> children;
   for (u32 process = 0; process < 4; ++process) {
     children.push_back(fork());
-    if (children.back() == 0) _exit(WorkInThreads(process, end));
+    if (children.back() == 0) _exit(WorkInThreads(process, entrySize));
   }
   for (const pid_t child : children) {
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0) << "a call failed, or a thread never had its turn";
+    EXPECT_EQ(status, 0) << "a call failed, or a number went back";
   }
-  const std::vector<u32> entries = EntriesInOrder(ReadFile(InFolder("all.xml")), 32);
-  const std::string pairs = "\n" + ReadFile(InFolder("all.properties"));
-  for (u32 worker = 0; worker < 32; ++worker) {
-    const std::string name = std::to_string(worker);
-    const u32 rounds =
-        static_cast<u32>(strtoul(ReadFile("/run/rounds" + name).c_str(), nullptr, 10));
-    EXPECT_EQ(entries[worker], rounds);
-    u32 number = 0;
-    EXPECT_EQ(
-        ReadNumber(InFolder("all.ini"), "S" + std::to_string(worker % 4), "k" + name, &number),
-        SM_STATUS_SUCCESS);
-    EXPECT_EQ(number, rounds - 1);
-    EXPECT_NE(pairs.find("\nk" + name + "=" + std::to_string(rounds - 1) + "\n"),
-              std::string::npos);
+}
+
+// Every file of the work with what it holds before.
+void MakeFiles() {
+  std::string properties;
+  for (u32 worker = 0; worker < kWorkers; ++worker) {
+    properties += KeyOf(worker) + "=0\n";
+    ASSERT_EQ(WriteNumber(InFolder("all.ini"), SectionOf(worker), KeyOf(worker), 0),
+              SM_STATUS_SUCCESS);
   }
-  EXPECT_EQ(NamesInFolder(), (std::set<std::string>{"all.ini", "all.properties", "all.xml"}));
+  WriteFile(InFolder("all.properties"), properties);
+}
+
+u32 EntrySize() {
+  const std::string probe = InFolder("probe.xml");
+  EXPECT_EQ(Append(probe, 0, 0), SM_STATUS_SUCCESS);
+  const size_t first = ReadFile(probe).size();
+  EXPECT_EQ(Append(probe, kWorkers, 0), SM_STATUS_SUCCESS);
+  const size_t entry = ReadFile(probe).size() - first;
+  EXPECT_EQ(unlink(probe.c_str()), 0);
+  return static_cast<u32>(entry);
+}
+
+u32 CountOf(const std::string& part, const std::string& text) {
+  u32 count = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+// The log and its backup hold each entry of these workers once, in its thread's order, and the one
+// that began the log anew.
+void ExpectLog(const std::string& log, const std::set<u32>& workers) {
+  SCOPED_TRACE(log);
+  const std::string text = ReadFile(log + ".xm_") + ReadFile(log + ".xml");
+  const std::vector<u32> entries = EntriesInOrder(text, kWorkers);
+  for (const u32 worker : workers) {
+    EXPECT_EQ(entries[worker], kRounds) << worker;
+  }
+  EXPECT_EQ(CountOf("<LogEntry>", text), workers.size() * kRounds + 1);
+  EXPECT_EQ(CountOf("Log backup created", text), 1U);
+}
+
+QVX_ALONE(Threads, FourProcessesOfEightThreadsLoseNothingAndNoCallFails) {
+  Start();
+  MakeFiles();
+  WorkInProcesses(EntrySize());
+  std::set<u32> all;
+  for (u32 worker = 0; worker < kWorkers; ++worker) {
+    all.insert(worker);
+    if (worker < 16) ExpectLog(LogOf(worker), {worker, worker + 16});
+    EXPECT_EQ(NumberInIni(worker), static_cast<int>(kRounds - 1));
+    EXPECT_EQ(NumberInPairs(worker), static_cast<int>(kRounds - 1));
+  }
+  ExpectLog(LogOfAll(), all);
+  EXPECT_EQ(NamesInFolder().size(), 2U + 2 * (1 + 16)) << "a temporary file stays";
 }
 
 // The file's long part, which makes each rewrite take its time.
