@@ -10,7 +10,6 @@
 
 #include "qvxcs/status.h"
 
-#include "base/layout.h"
 #include "ctl/lock_holders.h"
 #include "os/descriptor.h"
 
@@ -22,9 +21,9 @@ Failure LockFailure(const std::string& what) {
   const std::string holder = DescribeHolder();
   Failure failure = StatusFailure(what, SM_STATUS_LOCK_FAILED);
   if (!holder.empty()) return {kUnknown, failure.what() + (": " + holder + " holds it")};
-  const int reason = ReasonNotReadable(kIPCFilePath);
+  const int reason = ReasonNotReadable(LockFilePath());
   if (reason == 0) return failure;
-  return StatusFailure(what + ": " + kIPCFilePath, SM_STATUS_LOCK_FAILED, reason);
+  return StatusFailure(what + ": " + LockFilePath(), SM_STATUS_LOCK_FAILED, reason);
 }
 
 }  // namespace
@@ -35,7 +34,7 @@ int ReasonNotReadable(const std::string& path) {
   struct stat status {};
   if (fstat(file.Number(), &status) != 0) return errno;
   if (S_ISDIR(status.st_mode)) return EISDIR;
-  return S_ISREG(status.st_mode) ? 0 : EINVAL;
+  return S_ISREG(status.st_mode) ? 0 : kNoRegularFile;
 }
 
 Failure CallFailure(const std::string& what, const std::string& path, u32 status, int reason) {
@@ -58,7 +57,7 @@ Failure CallFailure(const std::string& what, const std::string& path, u32 status
 }
 
 bool IsLockOutOfReach() {
-  return ReasonNotReadable(kIPCFilePath) != 0 || !DescribeHolder().empty();
+  return ReasonNotReadable(LockFilePath()) != 0 || !DescribeHolder().empty();
 }
 
 void RequireFreeLock(const std::string& what) {

@@ -15,7 +15,7 @@ namespace qvx::ctl {
 // the lock. Call it right after the library's call: `reason` is the errno that it left.
 Failure CallFailure(const std::string& what, const std::string& path, u32 status, int reason);
 
-// Why a regular file cannot be opened for reading; 0 where it can.
+// Why a regular file cannot be opened for reading: an errno or kNoRegularFile; 0 where it can.
 int ReasonNotReadable(const std::string& path);
 
 // Whether the suite's lock cannot be opened or another process holds it.

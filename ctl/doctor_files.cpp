@@ -75,35 +75,34 @@ Diagnosis CheckFolders() {
 Diagnosis CheckLockFile() {
   const std::string part = "lock file";
   struct stat status {};
-  const std::string mend =
-      std::string("chown root:qvxcs ") + kIPCFilePath + " && chmod 0660 " + kIPCFilePath;
-  if (stat(kIPCFilePath, &status) != 0) {
+  const std::string path = LockFilePath();
+  if (stat(path.c_str(), &status) != 0) {
     return {part, Health::kWarning, "missing; the first program makes it",
             "systemd-tmpfiles --create"};
   }
   if (!S_ISREG(status.st_mode)) {
-    return {part, Health::kFault, "no regular file", std::string("rm -r ") + kIPCFilePath};
-  }
-  if ((status.st_mode & 06) != 0) {
-    return {part, Health::kWarning,
-            "anyone can hold up the suite by a lock: mode " + Octal(status.st_mode), mend};
+    return {part, Health::kFault, "no regular file", "rm -r " + path};
   }
   const std::string holder = DescribeHolder();
-  if (!holder.empty()) return {part, Health::kGood, "held by " + holder, ""};
-  return {part, Health::kGood, "free, mode " + Octal(status.st_mode), ""};
+  const std::string use = holder.empty() ? "free" : "held by " + holder;
+  const std::string text = use + ", mode " + Octal(status.st_mode);
+  if ((status.st_mode & 06) == 0) return {part, Health::kGood, text, ""};
+  return {part, Health::kWarning, text + ": anyone can hold up the suite by a lock",
+          "chown root:qvxcs " + path + " && chmod 0660 " + path};
 }
 
 Diagnosis CheckLiveRoleMap() {
   const std::string part = "role map";
   if (ReasonNotReadable(kRoleMapPath) == ENOENT) {
-    return {part, Health::kWarning, "missing; the built-in lines stand in",
+    return {part, Health::kWarning, "missing; the library uses its built-in lines",
             std::string("install -m 0640 -o root -g root DRAFT ") + kRoleMapPath};
   }
   const std::vector<RoleMapFinding> findings = CheckRoleMap(kRoleMapPath, true);
   const auto faults = std::count_if(findings.begin(), findings.end(),
                                     [](const auto& each) { return each.weight == Weight::kFault; });
   if (faults != 0) {
-    return {part, Health::kFault, "refused; the built-in lines stand in", "qvxctl rolemap check"};
+    return {part, Health::kFault, "refused; the library uses its built-in lines",
+            "qvxctl rolemap check"};
   }
   if (!findings.empty()) {
     return {part, Health::kWarning, std::to_string(findings.size()) + " warnings",

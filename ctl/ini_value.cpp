@@ -109,6 +109,18 @@ std::string HexList(const std::vector<u8>& bytes) {
   return text;
 }
 
+std::string TextOfDouble(d64 value) {
+  if (std::isnan(value)) return "nan";
+  if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
+  return Json(value).dump();
+}
+
+// JSON has no number for these two.
+Json JsonOfDouble(d64 value) {
+  if (std::isfinite(value)) return value;
+  return TextOfDouble(value);
+}
+
 // A block that is no text of units is shown as its bytes.
 std::string TextOfUnits(const std::vector<u8>& bytes) {
   std::vector<ustring> units(bytes.size() / 2 + 1);
@@ -174,7 +186,7 @@ Json JsonOfIniValue(const IniTypeEntry& type, const std::vector<u8>& bytes) {
     case kS64:
       return ValueOf<s64>(bytes);
     case kD64:
-      return ValueOf<d64>(bytes);
+      return JsonOfDouble(ValueOf<d64>(bytes));
     default:
       return TextOfIniValue(type, bytes);
   }
@@ -190,6 +202,8 @@ std::string TextOfIniValue(const IniTypeEntry& type, const std::vector<u8>& byte
       return HexList(bytes);
     case kBoolean:
       return ValueOf<booln>(bytes) == 1 ? "TRUE" : "FALSE";
+    case kD64:
+      return TextOfDouble(ValueOf<d64>(bytes));
     default:
       return JsonOfIniValue(type, bytes).dump();
   }

@@ -8,6 +8,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -46,9 +47,10 @@ bool FindMountDevice(unsigned long long mount, LockedFile* id) {
   return false;
 }
 
-LockedFile IdOf(const char* path) {
+LockedFile IdOf(const std::string& path) {
   struct statx status {};
-  if (statx(AT_FDCWD, path, AT_STATX_SYNC_AS_STAT, STATX_INO | STATX_MNT_ID, &status) != 0) {
+  if (statx(AT_FDCWD, path.c_str(), AT_STATX_SYNC_AS_STAT, STATX_INO | STATX_MNT_ID, &status) !=
+      0) {
     throw SystemFailure(path, errno);
   }
   LockedFile id{status.stx_dev_major, status.stx_dev_minor, status.stx_ino};
@@ -127,8 +129,16 @@ bool ParseLock(const std::string& line, const LockedFile& wanted, LockHolder* ho
 
 }  // namespace
 
+std::string LockFilePath() {
+  std::string path = kIPCFilePath;
+  path.erase(std::unique(path.begin(), path.end(),
+                         [](char one, char next) { return one == '/' && next == '/'; }),
+             path.end());
+  return path;
+}
+
 std::vector<LockHolder> FindLockHolders() {
-  const LockedFile wanted = IdOf(kIPCFilePath);
+  const LockedFile wanted = IdOf(LockFilePath());
   std::ifstream list("/proc/locks");
   if (!list) throw SystemFailure("/proc/locks", errno);
   std::vector<LockHolder> holders;

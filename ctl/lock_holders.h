@@ -20,6 +20,9 @@ struct LockHolder {
   std::string start;  // local time, "YYYY-MM-DD HH:MM:SS"
 };
 
+// The path of the product's lock file as people write it: its name in the layout has a doubled "/".
+std::string LockFilePath();
+
 // Of the product's lock file. Throws a Failure where the file or the list cannot be examined.
 std::vector<LockHolder> FindLockHolders();
 

@@ -63,6 +63,10 @@ const char* CodeOf(Color color) {
   return kCodes.at(static_cast<size_t>(color));
 }
 
+std::string TextOfReason(int reason) {
+  return reason == kNoRegularFile ? "no regular file" : strerror(reason);
+}
+
 [[noreturn]] void FailOutput(int reason) {
   if (reason == EPIPE) throw Failure(kUnknown, "");
   throw SystemFailure("stdout", reason);
@@ -73,13 +77,13 @@ const char* CodeOf(Color color) {
 Failure StatusFailure(const std::string& what, u32 status, int reason) {
   const StatusEntry& entry = EntryOfStatus(status);
   std::string message = what + ": " + entry.name + ": " + entry.meaning;
-  if (reason != 0) message += std::string(" (") + strerror(reason) + ")";
+  if (reason != 0) message += " (" + TextOfReason(reason) + ")";
   const ExitCode code = reason == ENOENT ? kUnknown : entry.exitCode;
   return {code, message};
 }
 
 Failure SystemFailure(const std::string& what, int reason) {
-  return {kUnknown, what + ": " + strerror(reason)};
+  return {kUnknown, what + ": " + TextOfReason(reason)};
 }
 
 void Print(std::string_view text) {

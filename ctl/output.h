@@ -24,6 +24,9 @@ class Failure : public std::runtime_error {
   ExitCode code_;
 };
 
+// In the place of an errno: the path leads to a FIFO, a socket or a device.
+inline constexpr int kNoRegularFile = -1;
+
 // A failed call: "WHAT: SM_STATUS_...: meaning (the system's reason)". `reason` is an errno, 0 for
 // none.
 Failure StatusFailure(const std::string& what, u32 status, int reason = 0);

@@ -40,8 +40,10 @@ constexpr StatusEntry kEntries[] = {
      "`qvxctl ini lint FILE` shows the line", kNo},
     {ENTRY(SM_STATUS_SECTION_NOT_FOUND), "the INI file has no such section",
      "`qvxctl ini list FILE` shows its sections; case and blanks count", kNo},
-    {ENTRY(SM_STATUS_KEY_NOT_FOUND), "the section has no such key",
-     "`qvxctl ini list FILE SECTION` shows its keys; case and blanks count", kNo},
+    {ENTRY(SM_STATUS_KEY_NOT_FOUND), "there is no such key",
+     "`qvxctl ini list FILE SECTION` or `qvxctl conf list FILE` shows the keys; case and blanks "
+     "count",
+     kNo},
     {ENTRY(SM_STATUS_DATA_TOO_LARGE), "the value does not fit its type, its room or its line",
      "check the value against the type's limits", kNo},
     {ENTRY(SM_STATUS_FILE_DELETE_FAILED), "the file could not be replaced",

@@ -65,11 +65,12 @@ TEST_F(CtlDoctor, EachFaultComesWithTheCommandThatMendsIt) {
   WriteFile(kIPCConfigPath, "ipcnamebase=-30000\n");
   EXPECT_EQ(RunTool({"doctor"}).code, 1);
   EXPECT_EQ(LineOf("lock file"),
-            "warning lock file: anyone can hold up the suite by a lock: mode 0664; mend: chown "
-            "root:qvxcs /etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc && chmod 0660 "
-            "/etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc");
+            "warning lock file: free, mode 0664: anyone can hold up the suite by a lock; mend: "
+            "chown root:qvxcs /etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc && chmod 0660 "
+            "/etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc");
   EXPECT_EQ(LineOf("role map"),
-            "fault role map: refused; the built-in lines stand in; mend: qvxctl rolemap check");
+            "fault role map: refused; the library uses its built-in lines; mend: qvxctl rolemap "
+            "check");
   EXPECT_EQ(LineOf("PAM service"),
             "warning PAM service: /etc/pam.d/qvauth:2: pam_echo.so sends messages, and a login may "
             "fail because of them; mend: make it optional in line 2 of /etc/pam.d/qvauth");
@@ -111,6 +112,16 @@ TEST_F(CtlDoctor, NothingIsOpenedForItThatAHolderWouldFeel) {
   test::LockHolder holder;
   EXPECT_EQ(LineOf("lock file").rfind("good lock file: held by process ", 0), 0u);
   EXPECT_FALSE(test::LockIsFree());
+}
+
+TEST_F(CtlDoctor, AHolderIsNamedAlsoWhereAnyoneMayHoldTheLock) {
+  ASSERT_EQ(chmod(kIPCFilePath, 0644), 0);
+  test::LockHolder holder;
+  const std::string line = LineOf("lock file");
+  EXPECT_EQ(line.rfind("warning lock file: held by process ", 0), 0u) << line;
+  EXPECT_NE(line.find(", mode 0644: anyone can hold up the suite by a lock; mend: chown"),
+            std::string::npos)
+      << line;
 }
 
 TEST_F(CtlDoctor, JsonHasAnObjectForEachPart) {
@@ -202,7 +213,7 @@ TEST_F(CtlDoctor, LockOfAMissingFileCouldNotBeTold) {
   ASSERT_EQ(unlink(kIPCFilePath), 0);
   EXPECT_EQ(RunTool({"lock"}),
             (Answer{3, "",
-                    "qvxctl: /etc/cim/zarn/plinthos/var/lib/vexilon//.qvxipc: No such file or "
+                    "qvxctl: /etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc: No such file or "
                     "directory\n"}));
   EXPECT_FALSE(test::Exists(kIPCFilePath));
 }

@@ -38,8 +38,8 @@ TEST(CtlStatus, AValueThatIsNoStatusAnswersNo) { EXPECT_EQ(RunTool({"status", "4
 TEST(CtlStatus, JsonHasNameMeaningAndAdvice) {
   EXPECT_EQ(RunTool({"status", "263", "--json"}).out,
             "{\"value\":263,\"known\":true,\"name\":\"SM_STATUS_KEY_NOT_FOUND\",\"meaning\":"
-            "\"the section has no such key\",\"advice\":\"`qvxctl ini list FILE SECTION` shows its "
-            "keys; case and blanks count\"}\n");
+            "\"there is no such key\",\"advice\":\"`qvxctl ini list FILE SECTION` or `qvxctl conf "
+            "list FILE` shows the keys; case and blanks count\"}\n");
 }
 
 TEST(CtlStatus, EveryStatusOfTheCatalogueHasItsEntry) {
