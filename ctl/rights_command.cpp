@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/App.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/layout.h"
@@ -15,7 +16,7 @@ namespace {
 
 struct RightsArguments {
   std::string user;
-  std::string host;
+  std::optional<std::string> host;
   bool asJson = false;
 };
 
@@ -39,7 +40,8 @@ Json JsonOf(const RoleDecision& decision) {
 void ShowDecision(const RoleDecision& decision) {
   for (const RoleMapFault& fault : decision.faults) {
     const std::string line = fault.line == 0 ? "" : ":" + std::to_string(fault.line);
-    Warn(kRoleMapPath + line + ": " + TextOfFault(fault.code) + "; the built-in lines stand in");
+    Warn(kRoleMapPath + line + ": " + TextOfFault(fault.code) +
+         "; the library uses its built-in lines");
   }
   PrintLine("user:   " + decision.user);
   PrintLine("host:   " + decision.host);
@@ -48,9 +50,20 @@ void ShowDecision(const RoleDecision& decision) {
   PrintMarked(Color::kBold, "rights: " + TextOfRights(decision.rights), "");
 }
 
+// A login has one host; what follows a second separator would not count.
+std::string LoginOf(const RightsArguments& given) {
+  if (!given.host) return given.user;
+  if (given.user.find_first_of("@\\") != std::string::npos) {
+    throw Failure(kUsage, "rights: " + given.user + " names a host already: leave out --host");
+  }
+  if (given.host->empty() || given.host->find('@') != std::string::npos) {
+    throw Failure(kUsage, "rights: --host \"" + *given.host + "\" is no host");
+  }
+  return given.user + "@" + *given.host;
+}
+
 ExitCode Show(const RightsArguments& given) {
-  const std::string login = given.host.empty() ? given.user : given.user + "@" + given.host;
-  const RoleDecision decision = DecideRights(login);
+  const RoleDecision decision = DecideRights(LoginOf(given));
   if (given.asJson) {
     PrintJson(JsonOf(decision));
   } else {

@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "access/role_map_error.h"
+#include "base/layout.h"
 #include "ctl/output.h"
 #include "ctl/role_map_entries.h"
 #include "ctl/role_map_records.h"
@@ -91,7 +92,7 @@ std::vector<RoleMapFinding> CheckRoleMap(const std::string& path, bool isLive) {
   }
   CheckBytes(text, &findings);
   CheckEntries(records.List(), &findings);
-  CheckPlace(path, isLive, &findings);
+  CheckPlace(isLive ? kRoleMapPath : path, isLive, &findings);
   return findings;
 }
 

@@ -14,8 +14,8 @@ namespace qvx::ctl {
 const char* NameOfWeight(Weight weight);
 
 // Checks a map: faults first, then lines, then entries, then the file's place. For a draft (any
-// file except the live one), mode and place are reported as notes. Throws a Failure for a file that
-// cannot be read.
+// file except the live one), mode and place are reported as notes; `isLive` says that the path is
+// a name of the live one. Throws a Failure for a file that cannot be read.
 std::vector<RoleMapFinding> CheckRoleMap(const std::string& path, bool isLive);
 
 }  // namespace qvx::ctl

@@ -1,5 +1,7 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
+#include <sys/stat.h>
+
 #include <CLI/App.hpp>
 #include <algorithm>
 #include <memory>
@@ -10,6 +12,7 @@
 #include "ctl/commands.h"
 #include "ctl/json.h"
 #include "ctl/role_map_check.h"
+#include "os/file_id.h"
 
 namespace qvx::ctl {
 namespace {
@@ -44,8 +47,18 @@ bool Has(const std::vector<RoleMapFinding>& findings, Weight weight) {
                      [weight](const RoleMapFinding& each) { return each.weight == weight; });
 }
 
+// By whatever name.
+bool IsLiveMap(const std::string& path) {
+  struct stat given {};
+  struct stat live {};
+  if (stat(path.c_str(), &given) != 0 || stat(kRoleMapPath, &live) != 0) {
+    return path == kRoleMapPath;
+  }
+  return FileIdOf(given) == FileIdOf(live);
+}
+
 ExitCode Check(const RolemapArguments& given) {
-  const bool isLive = given.file == kRoleMapPath;
+  const bool isLive = IsLiveMap(given.file);
   const std::vector<RoleMapFinding> findings = CheckRoleMap(given.file, isLive);
   const bool hasFault = Has(findings, Weight::kFault);
   const bool isClean = !hasFault && !Has(findings, Weight::kWarning);
@@ -70,8 +83,8 @@ void AddRolemapCommand(CLI::App& program, ExitCode& code) {
   CLI::App* const rolemap = program.add_subcommand("rolemap", "Checks role maps");
   rolemap->require_subcommand(1);
   const auto given = std::make_shared<RolemapArguments>();
-  CLI::App* const check =
-      rolemap->add_subcommand("check", "Finds what the library refuses, and what is hardly meant");
+  CLI::App* const check = rolemap->add_subcommand(
+      "check", "Finds what the library refuses, and what is probably a mistake");
   check->add_option("FILE", given->file, "a draft; without it the live map");
   check->add_flag("--json", given->asJson, "Answer as JSON");
   check->callback([given, &code] { code = Check(*given); });

@@ -149,6 +149,18 @@ TEST_F(CtlRolemap, OfTheLiveMapModeAndOwnerCount) {
                             ""}));
 }
 
+TEST_F(CtlRolemap, TheLiveMapIsTheLiveOneByEveryName) {
+  WriteRoleMap("* * user\n", 0600);
+  ASSERT_EQ(symlink(test::kRoleMap, "/tmp/map/link"), 0);
+  for (const std::string name : {"//etc/cim/zarn/plinthos/qvxrolemap", "/tmp/map/link"}) {
+    EXPECT_EQ(
+        RunTool({"rolemap", "check", name}),
+        (Answer{1,
+                name + ": fault: the file's mode is neither 0640 nor 01640 but 00600\n" + kRefused,
+                ""}));
+  }
+}
+
 TEST_F(CtlRolemap, AMissingMapCouldNotBeTold) {
   EXPECT_EQ(RunTool({"rolemap", "check", "/tmp/none"}),
             (Answer{3, "", "qvxctl: /tmp/none: No such file or directory\n"}));
@@ -189,6 +201,17 @@ TEST_F(CtlRolemap, RightsNamesTheLineThatDecides) {
             "system: user (0x1)\nrights: user (0x1)\n");
 }
 
+TEST_F(CtlRolemap, RightsTakeOneHost) {
+  WriteRoleMap("* * user\n");
+  EXPECT_EQ(RunTool({"rights", "root@a", "--host", "b"}),
+            (Answer{2, "", "qvxctl: rights: root@a names a host already: leave out --host\n"}));
+  EXPECT_EQ(RunTool({"rights", "a\\root", "--host", "b"}).code, 2);
+  EXPECT_EQ(RunTool({"rights", "root", "--host", "a@b"}),
+            (Answer{2, "", "qvxctl: rights: --host \"a@b\" is no host\n"}));
+  EXPECT_EQ(RunTool({"rights", "root", "--host", ""}).code, 2);
+  EXPECT_EQ(RunTool({"rights", "root@a"}).code, 0);
+}
+
 TEST_F(CtlRolemap, OfEqualGroupGrantsTheFirstLineIsNamed) {
   WriteRoleMap("+users * user\n+wheel * poweruser\n+wheel qvxtest poweruser\n");
   EXPECT_NE(RunTool({"rights", "alice"}).out.find("poweruser (0x3), line 2:"), std::string::npos);
@@ -211,7 +234,7 @@ TEST_F(CtlRolemap, WithAFaultyMapTheBuiltInLinesDecide) {
             "*\nsystem: administrator (0x7)\nrights: administrator, superuser (0x40007)\n");
   EXPECT_EQ(answer.err,
             "qvxctl: warning: /etc/cim/zarn/plinthos/qvxrolemap:1: the role is none of "
-            "administrator, poweruser and user; the built-in lines stand in\n");
+            "administrator, poweruser and user; the library uses its built-in lines\n");
 }
 
 TEST_F(CtlRolemap, RightsOfAFaultyMapAnswerNo) {
