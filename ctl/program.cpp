@@ -13,6 +13,7 @@
 namespace qvx::ctl {
 namespace {
 
+constexpr u32 kMostNumber = 0xFFFFFFFF;  // of every option that takes a number
 constexpr char kFooter[] =
     "Exit status: 0 yes or done; 1 no, refused, or a fault or warning was found;\n"
     "2 the command line is wrong; 3 it could not be found out, or a file is missing.\n"
@@ -33,14 +34,24 @@ void AddCommands(CLI::App& program, ExitCode& code) {
   AddDoctorCommand(program, code);
 }
 
+Failure UsageFailure(const std::string& message) {
+  return {kUsage, message + " (see qvxctl --help)"};
+}
+
 ExitCode Run(int argc, char** argv) {
   ExitCode code = kYes;
   CLI::App program("Checks and mends what libqvxcs keeps on this machine.", "qvxctl");
   AddCommands(program, code);
   try {
     program.parse(argc, argv);
+  } catch (const CLI::ConversionError& error) {
+    throw UsageFailure(error.what() +
+                       (": a whole number from 0 to " + std::to_string(kMostNumber)));
   } catch (const CLI::ParseError& error) {
-    code = program.exit(error) == 0 ? kYes : kUsage;
+    if (error.get_exit_code() == 0) return static_cast<ExitCode>(program.exit(error));
+    const bool isEarly = argc > 2 && argv[1][0] == '-';
+    throw UsageFailure(error.what() +
+                       std::string(isEarly ? ": options come after the subcommand" : ""));
   }
   FlushOutput();
   return code;

@@ -64,6 +64,29 @@ TEST(CtlUsage, AWrongCommandLineEndsWithTwo) {
   }
 }
 
+TEST(CtlUsage, AFaultOfTheCommandLineIsToldInTheToolsName) {
+  EXPECT_EQ(RunTool({"status"}).err, "qvxctl: NUMBER is required (see qvxctl --help)\n");
+  EXPECT_EQ(RunTool({"conf", "get", "/tmp/a", "k", "--index", "-1"}).err.rfind("qvxctl: ", 0), 0u);
+}
+
+TEST(CtlUsage, ANumberOutOfRangeIsToldWithItsRange) {
+  for (const char* number : {"-1", "4294967296", "x"}) {
+    const Answer answer = RunTool({"conf", "get", "/tmp/a", "k", "--index", number});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_NE(answer.err.find(std::string("--index = ") + number +
+                              ": a whole number from 0 to 4294967295"),
+              std::string::npos)
+        << answer.err;
+  }
+}
+
+TEST(CtlUsage, AnOptionBeforeItsSubcommandIsToldItsPlace) {
+  const Answer answer = RunTool({"--type", "u32", "ini", "get", "/tmp/a.ini", "A", "k"});
+  EXPECT_EQ(answer.code, 2);
+  EXPECT_NE(answer.err.find("options come after the subcommand"), std::string::npos) << answer.err;
+  EXPECT_EQ(RunTool({"status", "1", "--jason"}).err.find("options come after"), std::string::npos);
+}
+
 TEST(CtlUsage, HelpIsAnAnswer) {
   const Answer answer = RunTool({"status", "--help"});
   EXPECT_EQ(answer.code, 0);
