@@ -66,7 +66,7 @@ static int ShowFirstFault(const char* entries) {
   if (number != 0) {
     printf("line %lu: ", number);
   }
-  printf("%s; the built-in lines stand in\n", reason);
+  printf("%s; the library uses its built-in lines\n", reason);
   return 1;
 }
 
@@ -95,6 +95,6 @@ int main(void) {
     fprintf(stderr, "rolemap: nothing is granted to this user, or memory ran out\n");
     return 2;
   }
-  printf("no fault\n");
+  printf("no fault; what the library skips in silence, \"qvxctl rolemap check\" shows\n");
   return 0;
 }
