@@ -15,6 +15,7 @@
 #include "ctl/output.h"
 #include "ctl/pam_service.h"
 #include "ctl/role_map_check.h"
+#include "ctl/shown_path.h"
 
 namespace qvx::ctl {
 namespace {
@@ -57,16 +58,16 @@ std::string MendOf(const PamFinding& finding) {
 // Without the variable-data folder nothing attaches; the others are made as they are needed, except
 // the folders above them.
 Diagnosis CheckFolders() {
-  for (const char* folder :
-       {kProductVarPath, kProductIniPath, kIniFileDirectory, kCmdLogDirectory}) {
+  for (const char* path : {kProductVarPath, kProductIniPath, kIniFileDirectory, kCmdLogDirectory}) {
     struct stat status {};
-    const std::string mend = std::string("install -d -m 0755 ") + folder;
-    if (stat(folder, &status) != 0 || !S_ISDIR(status.st_mode)) {
-      return {"folders", Health::kFault, std::string(folder) + " is missing", mend};
+    const std::string folder = ShownPath(path);
+    const std::string mend = "install -d -m 0755 " + folder;
+    if (stat(path, &status) != 0 || !S_ISDIR(status.st_mode)) {
+      return {"folders", Health::kFault, folder + " is missing", mend};
     }
     if ((status.st_mode & 02) != 0 && (status.st_mode & S_ISVTX) == 0) {
       return {"folders", Health::kFault,
-              std::string(folder) + " may be written by anyone: " + Octal(status.st_mode), mend};
+              folder + " may be written by anyone: " + Octal(status.st_mode), mend};
     }
   }
   return {"folders", Health::kGood, "all there", ""};

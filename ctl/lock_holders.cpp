@@ -8,7 +8,6 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +18,7 @@
 
 #include "base/layout.h"
 #include "ctl/output.h"
+#include "ctl/shown_path.h"
 
 namespace qvx::ctl {
 namespace {
@@ -129,13 +129,7 @@ bool ParseLock(const std::string& line, const LockedFile& wanted, LockHolder* ho
 
 }  // namespace
 
-std::string LockFilePath() {
-  std::string path = kIPCFilePath;
-  path.erase(std::unique(path.begin(), path.end(),
-                         [](char one, char next) { return one == '/' && next == '/'; }),
-             path.end());
-  return path;
-}
+std::string LockFilePath() { return ShownPath(kIPCFilePath); }
 
 std::vector<LockHolder> FindLockHolders() {
   const LockedFile wanted = IdOf(LockFilePath());

@@ -95,6 +95,13 @@ TEST_F(CtlDoctor, MissingPartsAreTold) {
             "-m 0755 /etc/cim/zarn/plinthos/var/log/vexilon/");
 }
 
+TEST_F(CtlDoctor, PathsHaveSingleSlashes) {
+  ASSERT_EQ(rename("/etc/cim/zarn/plinthos/vexilon/qvx", "/etc/cim/zarn/plinthos/vexilon/away"), 0);
+  EXPECT_EQ(LineOf("folders"),
+            "fault folders: /etc/cim/zarn/plinthos/vexilon/qvx/ini/ is missing; mend: install -d "
+            "-m 0755 /etc/cim/zarn/plinthos/vexilon/qvx/ini/");
+}
+
 TEST_F(CtlDoctor, AnOrdinaryUserIsToldWhatMayNotBeSeen) {
   const Answer answer = test::RunToolAsNobody({"doctor"});
   EXPECT_EQ(answer.code, 1);
