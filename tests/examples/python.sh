@@ -26,6 +26,15 @@ paul: 0x3" "$example" /tmp/data paul
 check 2 "$shown
 qvxcs.py: the setting cannot be written (QVX_FAILED: No such file or directory)" \
   "$example" /tmp/none/deeper
+mkdir /tmp/faulty
+echo "[poll" >/tmp/faulty/monitor.ini
+check 2 "$shown
+qvxcs.py: the setting cannot be written (SM_STATUS_BAD_SECTION_HEADER)" "$example" /tmp/faulty
+folder=$(dirname "$example")
+same "the statuses' names" \
+  "$(sed -En 's/^#define (SM_STATUS_\w+|QVX_FAILED) (0x\w+)u$/\2 \1/p' "$folder/../include/qvxcs/status.h")" \
+  "$(cd "$folder" && python3 -c 'import qvxcs
+for status, name in qvxcs.STATUS_NAMES.items(): print(f"0x{status:04X} {name}")')"
 check 2 "usage: qvxcs.py FOLDER [USER]" "$example"
 LD_LIBRARY_PATH=/nowhere
 check 2 "qvxcs.py: libqvxcs.so.1: cannot open shared object file: No such file or directory" \
