@@ -18,6 +18,11 @@ links=$(readlink "$moved/$libraries/libqvxcs.so" "$moved/$libraries/libqvxcs.so.
 [ "$links" = "libqvxcs.so.$major libqvxcs.so.$version" ] || fail "libqvxcs.so points to: $links"
 [ "$(ls "$moved/include")" = qvxcs ] || fail "headers of others are installed: $(ls "$moved/include")"
 diff <(ls include/qvxcs) <(ls "$moved/include/qvxcs") || fail "not the public headers"
+for file in share/man/man8/qvxctl.8 share/bash-completion/completions/qvxctl; do
+  [ -e "$moved/bin/qvxctl" ] && is_there=1 || is_there=0
+  [ -e "$moved/$file" ] && has_it=1 || has_it=0
+  [ "$is_there" -eq "$has_it" ] || fail "qvxctl is installed: $is_there, but $file: $has_it"
+done
 if grep -rFl "$PWD/" "$moved"; then
   fail "these files name the folder of the build"
 fi
