@@ -44,7 +44,7 @@ enum QVXCommandLogLimit {
  * @par Memory
  * The path is the caller's, who frees it with PXTFreeMem().
  * @par Threads
- * See the notes on locks above.
+ * Any thread may call; the beginning of `command_log.h` describes the locks.
  */
 QVX_EXPORT qvx_astring* PXTGetCmdLogPathFileName(void);
 
@@ -65,7 +65,7 @@ QVX_EXPORT qvx_astring* PXTGetCmdLogPathFileName(void);
  * @par Memory
  * Nothing is handed over.
  * @par Threads
- * See the notes on locks above.
+ * Any thread may call; the beginning of `command_log.h` describes the locks.
  */
 QVX_EXPORT qvx_u32 PXTAppendToCmdLog(qvx_s32 identifier, const qvx_astring* user,
                                      const qvx_astring* source, const qvx_astring* description,
@@ -83,7 +83,7 @@ QVX_EXPORT qvx_u32 PXTAppendToCmdLog(qvx_s32 identifier, const qvx_astring* user
  * @par Memory
  * Nothing is handed over.
  * @par Threads
- * See the notes on locks above.
+ * Any thread may call; the beginning of `command_log.h` describes the locks.
  */
 QVX_EXPORT qvx_u32 PXTClearCmdLog(const qvx_astring* user, const qvx_astring* source);
 
@@ -99,7 +99,7 @@ QVX_EXPORT qvx_u32 PXTClearCmdLog(const qvx_astring* user, const qvx_astring* so
  * @par Memory
  * `size` stays the caller's.
  * @par Threads
- * See the notes on locks above.
+ * Any thread may call; the beginning of `command_log.h` describes the locks.
  */
 QVX_EXPORT qvx_u32 PXTGetCmdLogSize(qvx_u32* size);
 

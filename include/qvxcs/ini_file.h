@@ -84,9 +84,10 @@ enum QVXLockFlag {
  *
  * Texts are read as follows. The first word of a `booln`, ended by a space, counts. Bytes are
  * hexadecimal numbers separated by commas, with or without "0x"; the list ends, without a fault, at
- * the first piece that does not begin with a number. A text that is not a number is not reported:
- * the value is 0. For QVX_INI_U32 and QVX_INI_S32 a number beyond 32 bits is cut to its low 32
- * bits.
+ * the first piece that does not begin with a number. A text that does not begin with a number,
+ * after any blanks, is not reported: the value is 0; so is that of a QVX_INI_U64 with "-". What
+ * comes after the number is ignored. An integer too large for its type is cut to the type's low
+ * bits; the low 32 bits of one beyond 64 bits are unspecified.
  *
  * @param[in] section       the section, or NULL (QVX_INI_ASTRING) to list the sections
  * @param[in] key           the key, or NULL (QVX_INI_ASTRING) to list the keys
@@ -117,7 +118,7 @@ enum QVXLockFlag {
  * @par Memory
  * `value` stays the caller's; nothing is allocated for the caller.
  * @par Threads
- * Any thread may call; see above for the lock.
+ * Any thread may call; the beginning of `ini_file.h` describes the lock.
  * @par Standards
  * ISO C strtod for QVX_INI_D64, in the current locale.
  */
@@ -148,7 +149,7 @@ QVX_EXPORT qvx_u32 PXTReadINIPathFileValue(const qvx_astring* section, const qvx
  * @par Memory
  * `value` stays the caller's; nothing is allocated for the caller.
  * @par Threads
- * Any thread may call; see above for the lock.
+ * Any thread may call; the beginning of `ini_file.h` describes the lock.
  */
 QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_astring* key,
                                        qvx_s32 type, void* value, qvx_u32* size,
@@ -160,10 +161,15 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  *
  * A missing file is created, and the last directory of its path too. In an existing file the key's
  * line is replaced where it is; a new key comes before the next header, after comments and blank
- * lines that end the section; a new section comes at the end of the file, and no line end is added
- * before it. The key's line is "key=value\n", a header "[section]\n"; all else is kept byte by
- * byte. When the old line is longer than 8,449 characters, only its first piece is replaced. A
- * value is written as it is: one with a line end in it becomes several lines.
+ * lines that end the section; a new section comes at the end of the file. No line end is added
+ * before a new key or section: it joins a last line that has none, and cannot be read back. The
+ * key's line is "key=value\n", a header "[section]\n"; all else is kept byte by byte. When the old
+ * line is longer than 8,449 characters, only its first piece is replaced. A value is written as it
+ * is: one with a line end in it becomes several lines.
+ *
+ * Unlike a read, a write also counts a line that is the key alone, without "=", as the key's line
+ * (for an empty key, a blank line). It replaces or deletes the key's first line; a later one stays,
+ * so a deleted key may still have a value.
  *
  * The change is made in a copy, "pxtini32.tmp" in the file's directory, which is flushed to disk
  * and then replaces the file. Every program that opens the file sees the old one or the new one,
@@ -178,7 +184,9 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * the copy cannot be moved onto it (another file system, a mount point), or the disk or the quota
  * has room for a copy of the file, but not for the section. (Without room for the copy the status
  * is SM_STATUS_WRITE_FAILED, and the unfinished copy stays.) In place, the section is written in
- * one call and flushed, and removed again when that fails.
+ * one call and flushed, and removed again when that fails. All other writes go through the copy:
+ * a symbolic link, or one of several hard links, becomes a separate file, and the other file stays
+ * as it was.
  *
  * A NULL value with size 0 deletes the key (texts and binary values). Deleting a key that the
  * section does not have is a success.
@@ -212,7 +220,7 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads
- * Any thread may call; see above for the lock.
+ * Any thread may call; the beginning of `ini_file.h` describes the lock.
  * @par Standards
  * ISO C printf for QVX_INI_D64, in the current locale.
  */
@@ -240,7 +248,7 @@ QVX_EXPORT qvx_u32 PXTWriteINIPathFileValue(const qvx_astring* section, const qv
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads
- * Any thread may call; see above for the lock.
+ * Any thread may call; the beginning of `ini_file.h` describes the lock.
  */
 QVX_EXPORT qvx_u32 PXTWriteINIFileValue(const qvx_astring* section, const qvx_astring* key,
                                         qvx_s32 type, const void* value, qvx_s32 size,

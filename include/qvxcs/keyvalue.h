@@ -45,7 +45,7 @@ typedef struct PXTKeyValue {
  * @par Memory
  * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
  * @par Threads
- * Keeps no state; any thread may call; see above for the lock.
+ * Keeps no state; any thread may call; the beginning of `keyvalue.h` describes the lock.
  */
 QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const qvx_astring* name, qvx_u32* count);
 
@@ -58,7 +58,7 @@ QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const qvx_astring* name, qvx_u3
  * @par Memory
  * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
  * @par Threads
- * Keeps no state; any thread may call; see above for the lock.
+ * Keeps no state; any thread may call; the beginning of `keyvalue.h` describes the lock.
  */
 QVX_EXPORT PXTKeyValue* PXTCFGInstGetKeyValueEntries(const qvx_astring* name, qvx_u32* count);
 
@@ -96,10 +96,11 @@ QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, qvx_u32 count);
  * The line of the occurrence becomes "key=value"; all other lines stay as they are. Where the key
  * occurs `index` times, the line is appended; no line end is put before it, so it is joined to a
  * last line that has no line end. The file is copied to "pxtcfg32.tmp" in its directory ("/" for a
- * file there), which is flushed to disk and then takes its place. A file of the copy's own name, or
- * a hard link to it, is refused. The file keeps its owner and group where the process may set
- * them; its mode becomes 01664 (octal), and nobody has more rights on the file or its copy
- * meanwhile. Any failure leaves the file as it was; the copy may remain.
+ * file there), which is flushed to disk and then takes its place: a symbolic link, or one of
+ * several hard links, becomes a separate file, and the other file stays as it was. A file of the
+ * copy's own name, or a hard link to it, is refused. The file keeps its owner and group where the
+ * process may set them; its mode becomes 01664 (octal), and nobody has more rights on the file or
+ * its copy meanwhile. Any failure leaves the file as it was; the copy may remain.
  *
  * @param[in] name   the file, which must exist; a missing last directory of its path is created
  * @param[in] pair   key and value, written as they are
@@ -119,7 +120,7 @@ QVX_EXPORT void PXTCFGFreeKeyValueEntries(PXTKeyValue* entries, qvx_u32 count);
  * @par Memory
  * Takes and keeps none.
  * @par Threads
- * Keeps no state; any thread may call; see above for the lock.
+ * Keeps no state; any thread may call; the beginning of `keyvalue.h` describes the lock.
  */
 QVX_EXPORT qvx_u32 PXTCFGSetKeyValue(const qvx_astring* name, const PXTKeyValue* pair,
                                      qvx_u32 index);
@@ -144,7 +145,7 @@ QVX_EXPORT qvx_u32 PXTCFGSetKeyValue(const qvx_astring* name, const PXTKeyValue*
  * @par Memory
  * Takes and keeps none.
  * @par Threads
- * Keeps no state; any thread may call; see above for the lock.
+ * Keeps no state; any thread may call; the beginning of `keyvalue.h` describes the lock.
  */
 QVX_EXPORT qvx_u32 PXTCFGInstSetKeyValue(const qvx_astring* name, const PXTKeyValue* pair,
                                          qvx_u32 index);

@@ -80,7 +80,7 @@ enum QVXLogLimit {
  * @par Memory
  * Nothing is handed over.
  * @par Threads
- * See the notes on locks above.
+ * Any thread may call; the beginning of `xml_log.h` describes the locks.
  */
 QVX_EXPORT qvx_u32 PXTForceXMLLogExists(const qvx_astring* path, const qvx_astring* user,
                                         const qvx_astring* source);
@@ -103,7 +103,7 @@ QVX_EXPORT qvx_u32 PXTForceXMLLogExists(const qvx_astring* path, const qvx_astri
  * @par Memory
  * Nothing is handed over.
  * @par Threads
- * See the notes on locks above.
+ * Any thread may call; the beginning of `xml_log.h` describes the locks.
  */
 QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* user,
                                   const qvx_astring* source);
@@ -144,7 +144,7 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * @par Memory
  * Nothing is handed over.
  * @par Threads
- * See the notes on locks above.
+ * Any thread may call; the beginning of `xml_log.h` describes the locks.
  */
 QVX_EXPORT qvx_u32 PXTAppendToXMLLog(const qvx_astring* path, qvx_u16 type, qvx_u32 id,
                                      const qvx_astring* user, const qvx_astring* source,

@@ -137,6 +137,25 @@ TEST_F(IniReadValues, NumbersOf64BitsAreWhole) {
   EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, "  -42"), -42);
 }
 
+TEST_F(IniReadValues, NumbersOf64BitsWrap) {
+  EXPECT_EQ(NumberOf<u64>(QVX_INI_U64, "18446744073709551621"), 5u);
+  EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, "18446744073709551621"), 5);
+  EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, "9223372036854775808"), -9223372036854775807 - 1);
+  EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, "-9223372036854775809"), 9223372036854775807);
+}
+
+TEST_F(IniReadValues, IntegersAreDecimalAndEndAtAnotherCharacter) {
+  for (const char* text : {"0x10", "0", "+0 1"}) {
+    EXPECT_EQ(NumberOf<u32>(QVX_INI_U32, text), 0u) << text;
+    EXPECT_EQ(NumberOf<s32>(QVX_INI_S32, text), 0) << text;
+    EXPECT_EQ(NumberOf<u64>(QVX_INI_U64, text), 0u) << text;
+    EXPECT_EQ(NumberOf<s64>(QVX_INI_S64, text), 0) << text;
+  }
+  EXPECT_EQ(NumberOf<u64>(QVX_INI_U64, "010"), 10u);
+  EXPECT_EQ(NumberOf<s32>(QVX_INI_S32, "1e3"), 1);
+  EXPECT_EQ(NumberOf<d64>(QVX_INI_D64, "0x10"), 16.0);
+}
+
 TEST_F(IniReadValues, DoublesAreReadAsTheCLibraryReadsThem) {
   EXPECT_EQ(NumberOf<d64>(QVX_INI_D64, "1.50000000"), 1.5);
   EXPECT_EQ(NumberOf<d64>(QVX_INI_D64, "-2.5e3 km"), -2500.0);

@@ -195,6 +195,12 @@ TEST_F(IniWriter, BareLineCountsAsItsKeysLine) {
   EXPECT_EQ(AfterSetting("[A]\nkey\r\n"), "[A]\nkey\r\nkey=value\n");
 }
 
+TEST_F(IniWriter, OnlyTheFirstOfABareLineAndAKeysLineIsChanged) {
+  EXPECT_EQ(AfterSetting("[A]\nkey\nkey=1\n"), "[A]\nkey=value\nkey=1\n");
+  EXPECT_EQ(AfterDeleting("[A]\nkey\nkey=1\n"), "[A]\nkey=1\n");
+  EXPECT_EQ(AfterDeleting("[A]\nkey=1\nkey\n"), "[A]\nkey\n");
+}
+
 TEST_F(IniWriter, EmptyKeyTakesTheFirstBlankLine) {
   EXPECT_EQ(AfterSetting("[A]\nx=1\n\n\n", ""), "[A]\nx=1\n=value\n\n");
   EXPECT_EQ(AfterSetting("[A]\nx=1\n  \n", ""), "[A]\nx=1\n=value\n");
@@ -333,6 +339,23 @@ TEST_F(IniWriter, DanglingLinkIsAMissingFile) {
   ASSERT_EQ(symlink("/tmp/behind.ini", kPath), 0);
   EXPECT_EQ(Write("A", "key", "value"), SM_STATUS_SUCCESS);
   EXPECT_EQ(ReadFile("/tmp/behind.ini"), "[A]\nkey=value\n");
+}
+
+TEST_F(IniWriter, AKeyMakesALinkAFile) {
+  Given("[A]\nkey=1\n");
+  for (const auto make : {symlink, link}) {
+    ASSERT_EQ(make(kPath, "/tmp/d/other.ini"), 0);
+    ASSERT_EQ(chmod(kPath, 0600), 0);
+    EXPECT_EQ(Write("A", "key", "2", "/tmp/d/other.ini"), SM_STATUS_SUCCESS);
+    struct stat status = {};
+    ASSERT_EQ(lstat("/tmp/d/other.ini", &status), 0);
+    EXPECT_EQ(status.st_mode, mode_t{S_IFREG | 01664});
+    EXPECT_EQ(status.st_nlink, 1u);
+    EXPECT_EQ(ReadFile("/tmp/d/other.ini"), "[A]\nkey=2\n");
+    EXPECT_EQ(ReadFile(kPath), "[A]\nkey=1\n");
+    EXPECT_EQ(ModeOf(kPath), 0600u);
+    ASSERT_EQ(unlink("/tmp/d/other.ini"), 0);
+  }
 }
 
 TEST_F(IniWriter, CopyNeverFollowsALink) {

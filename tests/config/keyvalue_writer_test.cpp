@@ -265,6 +265,17 @@ TEST_F(KeyValueWriter, OldTemporaryFileIsNotWrittenThrough) {
   EXPECT_EQ(test::ReadFile("/tmp/kv/victim"), "precious\n");
 }
 
+TEST_F(KeyValueWriter, ALinkBecomesAFile) {
+  test::WriteFile(kFile, "a=1\n");
+  ASSERT_EQ(symlink(kFile, "/tmp/kv/link"), 0);
+  EXPECT_EQ(Set("/tmp/kv/link", "a", "2", 0), SM_STATUS_SUCCESS);
+  struct stat status = {};
+  ASSERT_EQ(lstat("/tmp/kv/link", &status), 0);
+  EXPECT_EQ(status.st_mode, mode_t{S_IFREG | 01664});
+  EXPECT_EQ(test::ReadFile("/tmp/kv/link"), "a=2\n");
+  EXPECT_EQ(Content(), "a=1\n");
+}
+
 TEST_F(KeyValueWriter, FullDiskIsAWriteFailureAndLeavesTheFile) {
   ASSERT_EQ(mount("tmpfs", "/tmp/kv", "tmpfs", 0, "size=8k"), 0);
   const std::string content =
