@@ -38,7 +38,7 @@ static const struct {
 };
 
 /* The part of the log after this program's last entry; the whole log if it was restarted. */
-static const char* BehindOurEntry(const char* log) {
+static const char* AfterOurEntry(const char* log) {
   static const char kOurs[] = "<Source>" SOURCE "</Source>";
   for (const char* at = strstr(log, kOurs); at != NULL; at = strstr(log, kOurs)) {
     log = at + strlen(kOurs);
@@ -88,7 +88,7 @@ int main(void) {
     fprintf(stderr, "rolemap: the command log cannot be read\n");
     return 2;
   }
-  const int fault = ShowFirstFault(BehindOurEntry(log));
+  const int fault = ShowFirstFault(AfterOurEntry(log));
   PXTXFreeBufContent(log);
   if (fault) return 1;
   if (rights == 0) {
