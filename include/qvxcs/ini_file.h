@@ -87,7 +87,7 @@ enum QVXLockFlag {
  * the first piece that does not begin with a number. A text that does not begin with a number,
  * after any blanks, is not reported: the value is 0; so is that of a QVX_INI_U64 with "-". What
  * comes after the number is ignored. An integer too large for its type is cut to the type's low
- * bits; the low 32 bits of one beyond 64 bits are unspecified.
+ * bits; for QVX_INI_U32 and QVX_INI_S32, the value of one beyond 64 bits is unspecified.
  *
  * @param[in] section       the section, or NULL (QVX_INI_ASTRING) to list the sections
  * @param[in] key           the key, or NULL (QVX_INI_ASTRING) to list the keys
@@ -162,10 +162,10 @@ QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_ast
  * A missing file is created, and the last directory of its path too. In an existing file the key's
  * line is replaced where it is; a new key comes before the next header, after comments and blank
  * lines that end the section; a new section comes at the end of the file. No line end is added
- * before a new key or section: it joins a last line that has none, and cannot be read back. The
- * key's line is "key=value\n", a header "[section]\n"; all else is kept byte by byte. When the old
- * line is longer than 8,449 characters, only its first piece is replaced. A value is written as it
- * is: one with a line end in it becomes several lines.
+ * before a new key or section: it joins a last line that has none, and unless that line is blank,
+ * no read finds it. The key's line is "key=value\n", a header "[section]\n"; all else is kept byte
+ * by byte. When the old line is longer than 8,449 characters, only its first piece is replaced. A
+ * value is written as it is: one with a line end in it becomes several lines.
  *
  * Unlike a read, a write also counts a line that is the key alone, without "=", as the key's line
  * (for an empty key, a blank line). It replaces or deletes the key's first line; a later one stays,
