@@ -33,6 +33,14 @@ std::string Try(const Point& point) {
   return reached;
 }
 
+std::string GivenWithoutFault(const Scene& scene) {
+  return InChild([&scene] {
+    MakePlace();
+    scene.prepare();
+    return scene.act() == SM_STATUS_SUCCESS ? Given() : "fails without a fault";
+  });
+}
+
 // The allocation to try after this one: a login makes some thousand.
 long After(long nth, Depth depth) {
   if (depth == Depth::kSample) return nth + 1 + nth / 2;
@@ -54,9 +62,10 @@ void TryAll(Point point, Depth depth, Tally* tally) {
 }  // namespace
 
 Tally Allocations(Depth depth) {
-  const std::vector<Scene> scenes = AllScenes();
+  std::vector<Scene> scenes = AllScenes();
   Tally tally{"allocations fail, in " + std::to_string(scenes.size()) + " scenes"};
-  for (const Scene& scene : scenes) {
+  for (Scene& scene : scenes) {
+    if (scene.kind == Kind::kPure) scene.expected = GivenWithoutFault(scene);
     for (const Failure failure : {Failure::kAlone, Failure::kFromThenOn}) {
       for (const Start start : {Start::kCold, Start::kWarm}) {
         TryAll({&scene, 1, failure, start}, depth, &tally);

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -57,6 +58,55 @@ void MakePlace() {
   for (const std::string& name : Names(kPlace)) {
     (void)unlink(Path(name.c_str()).c_str());
   }
+}
+
+namespace {
+
+// No memory of the heap, which a scene's call may be without.
+char given[8192];
+size_t givenSize = 0;
+
+}  // namespace
+
+void Give(const void* bytes, size_t size) {
+  givenSize = std::min(size, sizeof(given));
+  memcpy(given, bytes, givenSize);
+}
+
+std::string Given() { return {given, givenSize}; }
+
+bool GaveWhole(const char* text, size_t wholeLength, const std::vector<std::string>& pieces) {
+  if (text == nullptr) return false;
+  Give(text, strlen(text));
+  if (strlen(text) == wholeLength) return true;
+  while (*text != '\0') {
+    const auto piece = std::find_if(pieces.begin(), pieces.end(), [text](const std::string& each) {
+      return strncmp(text, each.c_str(), each.size()) == 0;
+    });
+    if (piece == pieces.end()) return true;  // which shows in the comparison
+    text += piece->size();
+  }
+  return false;
+}
+
+bool Came(qvx_astring* text) {
+  if (text != nullptr) Give(text, strlen(text));
+  return Came(static_cast<void*>(text));
+}
+
+bool Came(qvx_ustring* text) {
+  size_t units = 0;
+  while (text != nullptr && text[units] != 0) {
+    ++units;
+  }
+  if (text != nullptr) Give(text, units * sizeof(qvx_ustring));
+  return Came(static_cast<void*>(text));
+}
+
+bool Came(void* block) {
+  const bool came = block != nullptr;
+  PXTFreeMem(block);
+  return came;
 }
 
 namespace {

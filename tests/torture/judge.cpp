@@ -120,8 +120,13 @@ std::string Judge::WholeFile(const std::string& now, qvx_u32 status, Torn torn) 
   return "the file is neither old nor new: " + Shown(now);
 }
 
+std::string Judge::Gift(qvx_u32 status) const {
+  const bool right = status != SM_STATUS_SUCCESS || Given() == scene_->expected;
+  return right ? "" : "reported as done, but it gives: " + Shown(Given());
+}
+
 std::string Judge::File(qvx_u32 status, Torn torn) const {
-  if (scene_->kind == Kind::kPure) return "";
+  if (scene_->kind == Kind::kPure) return Gift(status);
   if (!IsLog(*scene_)) return WholeFile(ReadText(scene_->path), status, torn);
   return JudgeLog(*scene_, {before_, backup_}, ReadLogFiles(scene_->path),
                   status == SM_STATUS_SUCCESS, torn);
@@ -191,7 +196,8 @@ std::string Judge::NextFile(qvx_u32* status, Torn torn) const {
   if (IsLog(*scene_)) return NextLog(status, torn);
   if (scene_->kind != Kind::kPure) return NextWholeFile(status);
   *status = scene_->act();
-  return *status == SM_STATUS_SUCCESS ? "" : "the next call fails: " + std::to_string(*status);
+  if (*status != SM_STATUS_SUCCESS) return "the next call fails: " + std::to_string(*status);
+  return Gift(*status);
 }
 
 std::string Judge::Next(Torn torn) const {

@@ -36,6 +36,10 @@ bool ReadIni(qvx_s32 type, const char* key, void* value, qvx_u32 size) {
 qvx_astring helpLine[] = "help";
 qvx_astring* Help(qvx_s32, qvx_astring**) { return PXTGetHostNameAStr(); }
 
+// Made before the scenes, which allocate nothing themselves.
+const std::vector<std::string> kPieces = {"<Answer id=\"1\">", "<Number>42</Number>",
+                                          "<Name>R&amp;D &lt;archive&gt;</Name>", "</Answer>"};
+
 bool BuildXml() {
   void* const buffer = PXTXAllocBuf(16, 0);
   if (buffer == nullptr) return false;
@@ -47,8 +51,11 @@ bool BuildXml() {
   }
   whole = whole && PXTXBufCatEndNode(buffer, "Answer") == 0;
   qvx_astring* const text = PXTXFreeBufGetContent(buffer);
+  const size_t length =
+      kPieces[0].size() + 40 * (kPieces[1].size() + kPieces[2].size()) + kPieces[3].size();
+  whole = GaveWhole(text, length, kPieces) && whole;
   PXTXFreeBufContent(text);
-  return whole && text != nullptr;
+  return whole;
 }
 
 bool GrowText() {
@@ -57,6 +64,7 @@ bool GrowText() {
   for (int at = 0; at < 50 && whole; ++at) {
     whole = PXTSSAStrCatAStr(&record, "more text ") != nullptr;
   }
+  if (whole) Give(record.text, record.length);
   whole = whole && strlen(record.text) == 500;
   PXTSSAStrFree(&record);
   return whole;
@@ -184,8 +192,9 @@ std::vector<Scene> ReadingScenes() {
   });
   add("MD5", Nothing, [] {
     qvx_u8 digest[64];
-    (void)PXTMD5Hash("text", digest);
-    return true;
+    const bool done = PXTMD5Hash("text", digest) != 0;
+    Give(digest, 16);
+    return done;
   });
   return scenes;
 }

@@ -43,12 +43,35 @@ const Value kValues[] = {
     {QVX_TYPE_XML_USTRING, "escaped 16-bit text", kWide},
 };
 
+constexpr char kStyleSheet[] =
+    "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?>";
+
+// What may be left of the elements: attributes whose text cannot be made are left out.
+std::vector<std::string> ParameterForms() {
+  std::vector<std::string> forms = {"<SMStatus mssg=\"text\">2</SMStatus>",
+                                    "<SMStatus>2</SMStatus>"};
+  for (unsigned left = 0; left < 8; ++left) {
+    forms.push_back(std::string("<Parameter name=\"n\"") + ((left & 1) ? " oldval=\"old\"" : "") +
+                    ((left & 2) ? " newval=\"new\"" : "") + ((left & 4) ? " value=\"is\"" : "") +
+                    "/>");
+  }
+  return forms;
+}
+const std::vector<std::string> kLostElement = {kStyleSheet, "<Name id=\"1\"></Name>"};
+// Made before the scenes, which allocate nothing themselves.
+const std::vector<std::string> kParameterForms = ParameterForms();
+
 bool InElement(const Value& value) {
   void* const buffer = PXTXAllocBuf(64, 1);
   if (buffer == nullptr) return false;
   const bool whole = PXTXBufCatNode(buffer, "Name", "id=\"1\"", value.type, value.value) == 0;
-  PXTXFreeBufContent(PXTXFreeBufGetContent(buffer));
-  return whole;
+  qvx_astring* const text = PXTXFreeBufGetContent(buffer);
+  // Without memory what was to be appended is dropped: the head that does not fit the first room,
+  // or the element. That of a text to be converted may be empty.
+  const bool hasHead = text != nullptr && strncmp(text, kStyleSheet, strlen(kStyleSheet)) == 0;
+  const bool gave = hasHead && GaveWhole(text, 0, kLostElement);
+  PXTXFreeBufContent(text);
+  return whole && gave;
 }
 
 bool InParameter() {
@@ -57,7 +80,9 @@ bool InParameter() {
   bool whole = PXTNVSBufCatSetCmdParam(buffer, "n", "old", "new", "is", QVX_TYPE_ASTRING) == 0;
   PXTNVSCatSMStatusNode(buffer, SM_STATUS_BAD_ARGUMENT, "text");
   qvx_astring* const text = PXTXFreeBufGetContent(buffer);
-  whole = whole && text != nullptr && strstr(text, "SMStatus") != nullptr;
+  whole = GaveWhole(text, kParameterForms.back().size() + kParameterForms.front().size(),
+                    kParameterForms) &&
+          whole;
   PXTXFreeBufContent(text);
   return whole;
 }

@@ -34,7 +34,8 @@ struct Scene {
   void (*prepare)() = nullptr;   // puts the file in place
   std::function<qvx_u32()> act;  // the calls; their status
   bool again = true;  // a later call in the same process is right whatever happened before
-  // The file after it; of a log the entry that it gains, a pattern of log_text.h.
+  // The file after it; without a file what it gives; of a log the entry that it gains, a pattern of
+  // log_text.h.
   std::string expected = "";
   // The pattern of the library's own entry with which it begins a log.
   std::string begins = "";
@@ -44,6 +45,7 @@ std::vector<Scene> UpdatingScenes();  // those that change files
 std::vector<Scene> ReadingScenes();
 std::vector<Scene> PathScenes();
 std::vector<Scene> ValueScenes();
+std::vector<Scene> NumberScenes();
 std::vector<Scene> AccessScenes();
 std::vector<Scene> AllScenes();
 // A login by PAM. Its password ends with what is sought: a heap writes over the first bytes of a
@@ -56,11 +58,15 @@ bool IsSecret(const unsigned char* bytes, size_t width);
 
 // For scenes: a status of what has none, and whether a text came, which is freed.
 inline qvx_u32 Status(bool done) { return done ? SM_STATUS_SUCCESS : SM_STATUS_FAILURE; }
-inline bool Came(void* text) {
-  const bool came = text != nullptr;
-  PXTFreeMem(text);
-  return came;
-}
+bool Came(qvx_astring* text);
+bool Came(qvx_ustring* text);
+bool Came(void* block);
+// What a scene's call gave, to be compared with what it gives without a fault.
+void Give(const void* bytes, size_t size);
+std::string Given();
+// Gives the text of an XML buffer. Without memory an element may be missing, but only whole: false
+// for a text that is not of the whole length and consists of these pieces.
+bool GaveWhole(const char* text, size_t wholeLength, const std::vector<std::string>& pieces);
 
 // Files.
 std::string Path(const char* name);
@@ -105,6 +111,7 @@ class Judge {
 
  private:
   [[nodiscard]] std::string WholeFile(const std::string& now, qvx_u32 status, Torn torn) const;
+  [[nodiscard]] std::string Gift(qvx_u32 status) const;
   [[nodiscard]] std::string DescriptorsAndLock() const;
   [[nodiscard]] std::string Memory() const;
   [[nodiscard]] std::string NextFile(qvx_u32* status, Torn torn) const;
