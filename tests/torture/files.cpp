@@ -63,7 +63,7 @@ void MakePlace() {
 namespace {
 
 // No memory of the heap, which a scene's call may be without.
-char given[8192];
+char given[20000];
 size_t givenSize = 0;
 
 }  // namespace

@@ -72,7 +72,8 @@ std::vector<Scene> AccessScenes() {
 
 std::vector<Scene> AllScenes() {
   std::vector<Scene> scenes = UpdatingScenes();
-  for (const auto& more : {ReadingScenes(), PathScenes(), ValueScenes(), AccessScenes()}) {
+  for (const auto& more :
+       {ReadingScenes(), PathScenes(), ValueScenes(), NumberScenes(), AccessScenes()}) {
     scenes.insert(scenes.end(), more.begin(), more.end());
   }
   return scenes;
