@@ -15,14 +15,23 @@ struct Point {
   Start start;
 };
 
-// Returns "reached", which is no fault, if the allocation took place, and then what is wrong.
-std::string Try(const Point& point) {
-  const Scene& scene = *point.scene;
-  const Judge judge(scene, point.start);
-  if (!scene.again && point.failure == Failure::kFromThenOn) GiveUpAfter(5);
+qvx_u32 Fail(const Scene& scene, const Point& point) {
   FailAllocation(point.nth, point.failure);
   const qvx_u32 status = scene.act();
   FailNoAllocation();
+  return status;
+}
+
+// Returns "reached", which is no fault, if the allocation took place, and then what is wrong.
+std::string Try(const Point& point) {
+  const Scene& scene = *point.scene;
+  if (scene.others && point.start == Start::kWarm) {
+    scene.prepare();
+    (void)Fail(scene, point);  // settles what is kept of such a failure
+  }
+  const Judge judge(scene, point.start);
+  if (scene.others && point.failure == Failure::kFromThenOn) GiveUpAfter(5);
+  const qvx_u32 status = Fail(scene, point);
   if (!AllocationFailed()) return "";
   const std::string reached = "reached";
   if (const std::string wrong = judge.File(status, Torn::kNo); !wrong.empty()) {
@@ -52,7 +61,7 @@ void TryAll(Point point, Depth depth, Tally* tally) {
     std::string wrong = InChild([&point] { return Try(point); });
     if (wrong.empty()) return;
     if (wrong.rfind("reached", 0) == 0) wrong.erase(0, 7);
-    if (!point.scene->again && IsEndInOthers(wrong)) wrong.clear();
+    if (point.scene->others && IsEndInOthers(wrong)) wrong.clear();
     tally->Add(wrong, point.scene->name + (point.start == Start::kWarm ? ", warm" : ", cold") +
                           (point.failure == Failure::kAlone ? ", alone, " : ", from then on, ") +
                           std::to_string(point.nth));

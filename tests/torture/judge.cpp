@@ -70,6 +70,8 @@ bool IsLog(const Scene& scene) {
   return scene.kind == Kind::kLog || scene.kind == Kind::kMoved || scene.kind == Kind::kCleared;
 }
 
+long BlocksOf(const Scene& scene) { return scene.others ? OwnBlocks() : LiveBlocks(); }
+
 std::string TextOf(const std::string& file) { return file == kNone ? "" : file; }
 
 std::string Shown(const std::string& text) { return text.substr(0, 300); }
@@ -97,7 +99,7 @@ Judge::Judge(const Scene& scene, Start start) : scene_(&scene), start_(start), b
 
 void Judge::BeginHere() {
   descriptors_ = Descriptors();
-  blocks_ = LiveBlocks();
+  blocks_ = BlocksOf(*scene_);
 }
 
 // Where nothing was put back, what was begun in place.
@@ -154,7 +156,7 @@ std::string Judge::TornProcess() const { return DescriptorsAndLock(); }
 // Only after a later call: until its next use the C library may be without its copy of TZ, or with
 // a message.
 std::string Judge::Memory() const {
-  const long blocks = LiveBlocks();
+  const long blocks = BlocksOf(*scene_);
   if (start_ == Start::kCold || blocks == blocks_) return "";
   // The later call may not begin where the log is missing.
   if (scene_->kind == Kind::kCleared && blocks < blocks_) return "";

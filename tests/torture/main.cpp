@@ -65,6 +65,7 @@ int main(int argc, char** argv) {
     fputs("torture: runs only inside tests/sandbox\n", stderr);
     return 2;
   }
+  qvx::torture::WatchOwnBlocks();
   setlinebuf(stdout);  // children must find nothing in it
   auto depth = qvx::torture::Depth::kFloor;
   bool good = true;

@@ -45,28 +45,28 @@ bool IsSecret(const unsigned char* bytes, size_t width) {
   return true;
 }
 
-// What PAM and the accounts' modules keep of a failure is not ours: no second call is asked.
-Scene LoginScene() { return {"login by PAM", Kind::kPure, nullptr, Accounts, Login, false}; }
+Scene LoginScene() { return {"login by PAM", Kind::kPure, nullptr, Accounts, Login, true, true}; }
 
 std::vector<Scene> AccessScenes() {
   std::vector<Scene> scenes = {LoginScene()};
-  const auto add = [&scenes](const char* name, void (*prepare)(), bool (*act)(), bool again) {
-    scenes.push_back({name, Kind::kPure, nullptr, prepare, [act] { return Status(act()); }, again});
+  const auto add = [&scenes](const char* name, void (*prepare)(), bool (*act)(), bool others) {
+    scenes.push_back(
+        {name, Kind::kPure, nullptr, prepare, [act] { return Status(act()); }, true, others});
   };
   add(
-      "rights of a user", Accounts, [] { return PXTAuthorizeUser(nullptr, kUser) != 0; }, false);
+      "rights of a user", Accounts, [] { return PXTAuthorizeUser(nullptr, kUser) != 0; }, true);
   add(
-      "rights of the process", Accounts, [] { return PXTGetProcessRights() != 0; }, false);
+      "rights of the process", Accounts, [] { return PXTGetProcessRights() != 0; }, true);
   add(
       "rights by the role map", Accounts,
-      [] { return PXTOpenRolemapFile() == 0 && PXTGetRightsUsingRolemap() != 0; }, false);
+      [] { return PXTOpenRolemapFile() == 0 && PXTGetRightsUsingRolemap() != 0; }, true);
   add(
       "rights of programs", Programs,
       [] {
         qvx_u32 reason = 0;
         return PXTMaskProgramRights(7, "p", "torture.ini", &reason) != 0xFFFFFFFF;
       },
-      true);
+      false);
   return scenes;
 }
 

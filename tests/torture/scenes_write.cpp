@@ -98,10 +98,10 @@ void CmdLog() {
 
 // An INI scene whose file is `after` when it is done.
 Scene Whole(const char* name, void (*prepare)(), qvx_u32 (*act)(), const std::string& after) {
-  return {name, Kind::kWhole, kIni, prepare, act, true, after};
+  return {name, Kind::kWhole, kIni, prepare, act, true, false, after};
 }
 Scene Appended(const char* name, void (*prepare)(), qvx_u32 (*act)(), const std::string& after) {
-  return {name, Kind::kAppended, kIni, prepare, act, true, after};
+  return {name, Kind::kAppended, kIni, prepare, act, true, false, after};
 }
 
 std::vector<Scene> IniScenes() {
@@ -165,19 +165,19 @@ std::vector<Scene> IniValueScenes() {
          return PXTWriteINIFileValue("net", "port", QVX_INI_ASTRING, "9", 2, "torture.ini",
                                      QVX_LOCK_WAIT);
        },
-       true, "[net]\nport=9\n"},
+       true, false, "[net]\nport=9\n"},
   };
 }
 
 std::vector<Scene> OtherFileScenes() {
   return {
       {"key=value: a value", Kind::kWhole, kPairs, Pairs, [] { return SetPair("port", "9"); }, true,
-       "# kept\nname=agent\nport=9\nlast=1\nport=2\n"},
+       false, "# kept\nname=agent\nport=9\nlast=1\nport=2\n"},
       {"key=value: the second of two", Kind::kWhole, kPairs, Pairs,
-       [] { return SetPair("port", "9", 1); }, true,
+       [] { return SetPair("port", "9", 1); }, true, false,
        "# kept\nname=agent\nport = 1311\nlast=1\nport=9\n"},
       {"key=value: a new key", Kind::kWhole, kPairs, Pairs, [] { return SetPair("mask", "255"); },
-       true, "# kept\nname=agent\nport = 1311\nlast=1\nport=2\nmask=255\n"},
+       true, false, "# kept\nname=agent\nport = 1311\nlast=1\nport=2\nmask=255\n"},
       {"key=value: a file of the product", Kind::kWhole, kProductPairs, ProductPairs,
        [] {
          char key[] = "port";
@@ -185,9 +185,9 @@ std::vector<Scene> OtherFileScenes() {
          const PXTKeyValue pair = {key, value};
          return PXTCFGInstSetKeyValue("qvx/ini/torture.properties", &pair, 0);
        },
-       true, "name=agent\nport=9\n"},
+       true, false, "name=agent\nport=9\n"},
       {"a file deleted", Kind::kWhole, kIni, IniFile, [] { return PXTDeleteFile(kIni); }, false,
-       kNone},
+       false, kNone},
   };
 }
 
@@ -209,20 +209,21 @@ std::vector<Scene> LogScenes() {
   const auto appendLong = [] { return Append(LongText()); };
   const std::string cleared = ClearedPattern("root", "TORTURE");
   return {
-      {"log: an entry", Kind::kLog, kLog, OneEntry, appendMore, true, Entry("more")},
-      {"log: a long entry", Kind::kLog, kLog, OneEntry, appendLong, true, Entry(kLongText)},
+      {"log: an entry", Kind::kLog, kLog, OneEntry, appendMore, true, false, Entry("more")},
+      {"log: a long entry", Kind::kLog, kLog, OneEntry, appendLong, true, false, Entry(kLongText)},
       {"log: an entry with data", Kind::kLog, kLog, OneEntry,
-       [] { return Append("more", "0123456789", 10); }, true, Entry("more", DumpOfTen())},
+       [] { return Append("more", "0123456789", 10); }, true, false, Entry("more", DumpOfTen())},
       {"log: the first entry", Kind::kLog, kLog, Nothing, [] { return Append("first"); }, true,
-       Entry("first")},
-      {"log: a long first entry", Kind::kLog, kLog, Nothing, appendLong, true, Entry(kLongText)},
+       false, Entry("first")},
+      {"log: a long first entry", Kind::kLog, kLog, Nothing, appendLong, true, false,
+       Entry(kLongText)},
       {"log: made to exist", Kind::kCleared, kLog, Nothing,
-       [] { return PXTForceXMLLogExists(kLog, "root", "TORTURE"); }, true, cleared},
+       [] { return PXTForceXMLLogExists(kLog, "root", "TORTURE"); }, true, false, cleared},
       {"log: moved to its backup", Kind::kMoved, kLog, LongLog,
-       [] { return Append("more", nullptr, 0, kLong); }, true, Entry("more"),
+       [] { return Append("more", nullptr, 0, kLong); }, true, false, Entry("more"),
        PatternOf({1, "Log backup created"})},
       {"log: cleared", Kind::kCleared, kLog, OneEntry,
-       [] { return PXTClearXMLLog(kLog, "root", "TORTURE"); }, true, cleared},
+       [] { return PXTClearXMLLog(kLog, "root", "TORTURE"); }, true, false, cleared},
   };
 }
 
@@ -230,12 +231,12 @@ std::vector<Scene> CommandLogScenes() {
   const std::string begins = ClearedPattern("Local System", "QVPX");
   return {
       {"command log: an entry", Kind::kLog, kCmdLog, CmdLog, [] { return AppendToCmdLog("more"); },
-       true, PatternOf({5100, "more"}), begins},
+       true, false, PatternOf({5100, "more"}), begins},
       {"command log: the first entry", Kind::kLog, kCmdLog, NoCmdLog,
-       [] { return AppendToCmdLog("first"); }, true, PatternOf({5100, "first"}), begins},
+       [] { return AppendToCmdLog("first"); }, true, false, PatternOf({5100, "first"}), begins},
       {"command log: cleared", Kind::kCleared, kCmdLog, CmdLog,
-       [] { return PXTClearCmdLog("root", "TORTURE"); }, true, ClearedPattern("root", "TORTURE"),
-       begins},
+       [] { return PXTClearCmdLog("root", "TORTURE"); }, true, false,
+       ClearedPattern("root", "TORTURE"), begins},
   };
 }
 

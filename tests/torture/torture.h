@@ -34,6 +34,9 @@ struct Scene {
   void (*prepare)() = nullptr;   // puts the file in place
   std::function<qvx_u32()> act;  // the calls; their status
   bool again = true;  // a later call in the same process is right whatever happened before
+  // PAM, or the C library, keeps memory after failures of its own: only the library's is counted,
+  // and it may end the process.
+  bool others = false;
   // The file after it; without a file what it gives; of a log the entry that it gains, a pattern of
   // log_text.h.
   std::string expected = "";
@@ -82,6 +85,9 @@ void FailAllocation(long nth, Failure failure);
 void FailNoAllocation();
 bool AllocationFailed();  // since FailAllocation
 long LiveBlocks();
+// Those of the library alone, from WatchOwnBlocks() on.
+void WatchOwnBlocks();
+long OwnBlocks();
 
 // Whether the process may have been kept from putting things back: it was killed, or every call
 // after the first fault failed, too. Or the disk may have lost what was not flushed to it.
