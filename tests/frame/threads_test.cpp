@@ -14,11 +14,16 @@
 #include <string>
 #include <vector>
 
+#include "qvxcs/command_log.h"
+#include "qvxcs/ini_file.h"
 #include "qvxcs/status.h"
+#include "qvxcs/xml_log.h"
 
 #include "frame/shared_files.h"
+#include "support/alloc_fault.h"
 #include "support/alone.h"
 #include "support/files.h"
+#include "support/turn_holder.h"
 
 namespace qvx::test {
 namespace {
@@ -142,6 +147,67 @@ QVX_ALONE(Threads, WritersAndReadersOfOneKeyValueFileMeetNoHalfFile) {
   }
   EXPECT_EQ(ReadFile(path), expected);
   EXPECT_EQ(NamesInFolder(), std::set<std::string>{"one.properties"});
+}
+
+// A call that finds the turn taken, and the sleeps after which it gives up.
+struct Refused {
+  const char* what;
+  u32 (*call)();
+  u32 sleeps;
+};
+
+u32 ReadMaximum() {
+  u32 size = 0;
+  return PXTGetCmdLogMaxSize(&size);
+}
+
+constexpr u32 kAMinute = 60000;
+const Refused kRefused[] = {
+    {"append", [] { return Append(InFolder("a.xml"), 0, 1); }, kAMinute},
+    {"first append", [] { return Append(InFolder("new.xml"), 0, 1); }, kAMinute},
+    {"clear", [] { return PXTClearXMLLog(InFolder("a.xml").c_str(), "u", "s"); }, kAMinute},
+    {"write", [] { return WriteNumber(InFolder("a.ini"), "A", "k", 2); }, kAMinute},
+    {"new section", [] { return WriteNumber(InFolder("a.ini"), "B", "k", 2); }, kAMinute},
+    {"new file", [] { return WriteNumber(InFolder("new.ini"), "A", "k", 2); }, kAMinute},
+    {"write at once",
+     [] {
+       return PXTWriteINIPathFileValue("A", "k", QVX_INI_ASTRING, "2", 2, InFolder("a.ini").c_str(),
+                                       QVX_LOCK_TRY);
+     },
+     0},
+    {"read",
+     [] {
+       u32 number = 0;
+       return ReadNumber(InFolder("a.ini"), "A", "k", &number);
+     },
+     kAMinute},
+    {"key=value", [] { return SetNumber(InFolder("a.properties"), "k", 2); }, kAMinute},
+    {"command log", ReadMaximum, kAMinute},
+};
+
+QVX_ALONE(Threads, ACallThatFindsTheTurnTakenGivesUpInTheLocksOwnTimeAndWritesNothing) {
+  Start();
+  ASSERT_EQ(Append(InFolder("a.xml"), 0, 0), SM_STATUS_SUCCESS);
+  WriteFile(InFolder("a.ini"), "[A]\nk=1\n");
+  WriteFile(InFolder("a.properties"), "k=1\n");
+  const std::string log = ReadFile(InFolder("a.xml"));
+  WhileAnotherHasTheTurn([] {
+    for (const Refused& refused : kRefused) {
+      const CountSleeps sleeps;
+      EXPECT_EQ(refused.call(), SM_STATUS_LOCK_FAILED) << refused.what;
+      EXPECT_EQ(CountSleeps::Count(), refused.sleeps) << refused.what;
+    }
+    const CountSleeps sleeps;
+    EXPECT_EQ(CountOfEntries(InFolder("a.properties")), 0U);
+    EXPECT_EQ(CountSleeps::Count(), kAMinute);
+  });
+  EXPECT_EQ(ReadFile(InFolder("a.xml")), log);
+  EXPECT_EQ(ReadFile(InFolder("a.ini")), "[A]\nk=1\n");
+  EXPECT_EQ(ReadFile(InFolder("a.properties")), "k=1\n");
+  EXPECT_EQ(NamesInFolder(), (std::set<std::string>{"a.ini", "a.properties", "a.xml"}));
+  for (const Refused& refused : kRefused) {
+    EXPECT_EQ(refused.call(), SM_STATUS_SUCCESS) << refused.what;
+  }
 }
 
 }  // namespace

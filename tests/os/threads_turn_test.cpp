@@ -16,6 +16,7 @@
 #include "support/passing_time.h"
 #include "support/processes.h"
 #include "support/threads.h"
+#include "support/turn_holder.h"
 
 namespace {
 
@@ -29,27 +30,7 @@ using qvx::test::LockHolder;
 using qvx::test::LockIsFree;
 using qvx::test::OnSleep;
 using qvx::test::SteppedClock;
-
-// Runs `body` while another thread has the turn.
-template <typename Body>
-void WhileAnotherHasTheTurn(Body body) {
-  std::atomic<bool> taken = false;
-  std::atomic<bool> done = false;
-  std::thread other([&taken, &done] {
-    EXPECT_EQ(TakeThreadsTurn(0), 0);
-    taken = true;
-    while (!done) {
-      std::this_thread::yield();
-    }
-    GiveThreadsTurn();
-  });
-  while (!taken) {
-    std::this_thread::yield();
-  }
-  body();
-  done = true;
-  other.join();
-}
+using qvx::test::WhileAnotherHasTheTurn;
 
 bool TurnIsFree() {
   bool isFree = false;
