@@ -3,12 +3,14 @@
 #include "os/file_lock.h"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <string>
 
 #include "qvxcs/status.h"
@@ -18,10 +20,13 @@
 #include "support/alarms.h"
 #include "support/alloc_fault.h"
 #include "support/files.h"
+#include "support/manual_sample.h"
 #include "support/processes.h"
 #include "support/threads.h"
 
 namespace {
+
+QVX_BUILT_IN(PackagedFolders, "packaging/qvxcs.tmpfiles")
 
 using qvx::test::AlarmsEndTheHold;
 using qvx::test::CountSleeps;
@@ -293,6 +298,58 @@ TEST_F(FileLockTest, AWaiterWithoutWriteAccessWaitsForAnExclusiveHolder) {
   const AlarmsEndTheHold alarms(&other);
   EXPECT_EQ(qvx::LockIPCFileRecord(0, -1), 0);
   EXPECT_GE(AlarmsEndTheHold::Count(), 3);
+}
+
+constexpr gid_t kOperators = 1000;
+
+// The mode that the packages give the lock file.
+mode_t ModeOfThePackages() {
+  const std::string lines = PackagedFolders();
+  const std::string path = "/.qvxipc ";
+  const size_t at = lines.find(path);
+  return at == std::string::npos
+             ? 0
+             : static_cast<mode_t>(strtoul(lines.c_str() + at + path.size(), nullptr, 8));
+}
+
+// Gives the lock file, which is root's and the operators', a mode.
+void GiveMode(mode_t mode) {
+  ASSERT_EQ(chown(qvx::kIPCFilePath, 0, kOperators), 0);
+  ASSERT_EQ(chmod(qvx::kIPCFilePath, mode), 0);
+}
+
+// Another user, of this one group: whether it can take a shared lock.
+bool SharesAs(uid_t user, gid_t group) {
+  if (setgroups(0, nullptr) != 0 || setgid(group) != 0 || setuid(user) != 0) abort();
+  const int file = open(qvx::kIPCFilePath, O_RDONLY | O_CLOEXEC);
+  return file >= 0 && Request(file, F_SETLK, F_RDLCK, 0, 0) == 0;
+}
+
+// Whether root gets the lock while a user of this group keeps what it could take of it.
+bool RootGetsTheLockBeside(uid_t user, gid_t group) {
+  return InChild([=] {
+           int ready[2];
+           if (pipe2(ready, O_CLOEXEC) != 0) abort();
+           const pid_t root = fork();
+           if (root == 0) {
+             char byte = 0;
+             _exit(read(ready[0], &byte, 1) == 1 && qvx::FileLock(QVX_LOCK_TRY) == 1 ? 1 : 0);
+           }
+           (void)SharesAs(user, group);
+           int status = 0;
+           if (write(ready[1], "r", 1) != 1 || waitpid(root, &status, 0) != root) abort();
+           return WEXITSTATUS(status);
+         }) == 1;
+}
+
+TEST_F(FileLockTest, AStrangersSharedLockHoldsUpNobodyWithTheModeOfThePackages) {
+  constexpr uid_t kStranger = 65534;
+  GiveMode(ModeOfThePackages());
+  EXPECT_TRUE(RootGetsTheLockBeside(kStranger, kStranger));
+  EXPECT_EQ(InChild([] { return SharesAs(kStranger, kStranger) ? 1 : 0; }), 0);
+  EXPECT_EQ(InChild([] { return SharesAs(kStranger, kOperators) ? 1 : 0; }), 1);
+  GiveMode(0644);
+  EXPECT_FALSE(RootGetsTheLockBeside(kStranger, kStranger));
 }
 
 }  // namespace
