@@ -4,6 +4,7 @@
 // A kill within the one write of an append, which can cut it at the end of a page.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -29,6 +30,7 @@
 #include "support/files.h"
 #include "support/kill_at_stop.h"
 #include "support/processes.h"
+#include "support/small_disk.h"
 #include "xml/log_backup.h"
 #include "xml/log_files.h"
 #include "xml/xml_log.h"
@@ -293,6 +295,53 @@ TEST_F(LogTorn, OtherContentsOfTheLockFileChangeNoAppend) {
   EXPECT_EQ(Append(kLog, 2, 10000), SM_STATUS_SUCCESS);
   EXPECT_EQ(LockFile(), "");
   EXPECT_EQ(LogNow(), test::LogOf(Entry(1, 10) + Entry(2, 10000)));
+}
+
+// While it lives, the lock file is an empty file on a disk without a free page.
+class LockFileOnAFullDisk {
+ public:
+  LockFileOnAFullDisk() {
+    (void)CloseIPCFile();
+    EXPECT_EQ(mount("/tmp/disk", kFolder, nullptr, MS_BIND, nullptr), 0);
+    EXPECT_EQ(OpenIPCFile(), 0);
+    test::SmallDisk::Fill();
+  }
+  ~LockFileOnAFullDisk() {
+    (void)CloseIPCFile();
+    EXPECT_EQ(umount2(kFolder, MNT_DETACH), 0);
+    EXPECT_EQ(OpenIPCFile(), 0);
+  }
+  LockFileOnAFullDisk(const LockFileOnAFullDisk&) = delete;
+  LockFileOnAFullDisk& operator=(const LockFileOnAFullDisk&) = delete;
+
+ private:
+  static constexpr char kFolder[] = "/etc/cim/zarn/plinthos/var/lib/vexilon";
+  test::SmallDisk disk_;
+};
+
+TEST_F(LogTorn, OnAFullDiskAnEntryIsWrittenWithoutItsNote) {
+  const LockFileOnAFullDisk full;
+  EXPECT_EQ(Append(kLog, 1, 9000), SM_STATUS_SUCCESS);
+  EXPECT_EQ(LockFile(), "");
+  EXPECT_EQ(Append(kLog, 2, 9000), SM_STATUS_SUCCESS);
+  EXPECT_EQ(LockFile(), "");
+  EXPECT_EQ(LogNow(), test::LogOf(Entry(1, 9000) + Entry(2, 9000)));
+  EXPECT_TRUE(test::LockIsFree());
+}
+
+// Without a note nothing shows that the library wrote it.
+TEST_F(LogTorn, ALogThatIsTornOnAFullDiskIsBadDataUntilItIsCleared) {
+  const LockFileOnAFullDisk full;
+  const std::string standing = LogWithItsTagAt(4000);
+  test::WriteFile(kLog, standing);
+  ASSERT_TRUE(Tear(kLog, 2 * kPage, 1, 10000));
+  EXPECT_EQ(LockFile(), "");
+  const std::string torn = test::ReadFile(kLog);
+  EXPECT_EQ(torn.substr(0, 4000), standing.substr(0, 4000));
+  EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_BAD_DATA);
+  EXPECT_EQ(test::ReadFile(kLog), torn);
+  EXPECT_EQ(ClearXMLLog(kLog, "u", "s"), SM_STATUS_SUCCESS);
+  EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_SUCCESS);
 }
 
 // Runs `body` in a process that may write the log, and read the lock file only.
