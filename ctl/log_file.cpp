@@ -67,7 +67,13 @@ std::string LogFile::Key() const {
          std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
 }
 
-std::string LogFile::Mark() { return MarkAt(kFirstEntry); }
+// A damaged head is passed.
+std::string LogFile::Mark() {
+  LogReader reader(this);
+  LogPart part = reader.Next();
+  if (part == LogPart::kDamage) part = reader.Next();
+  return part == LogPart::kEntry ? MarkOf(reader.Text()) : "";
+}
 
 std::string LogFile::MarkAt(u64 offset) {
   LogReader reader(this, offset);

@@ -7,8 +7,6 @@
 namespace qvx::ctl {
 namespace {
 
-constexpr std::string_view kHead =
-    "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?><EventLog>";
 constexpr std::string_view kEntryBegin = "<LogEntry>";
 constexpr std::string_view kEntryMark = "<LogEntry><TimeStamp>";
 constexpr std::string_view kEntryEnd = "</Data></LogEntry>";
@@ -16,8 +14,6 @@ constexpr std::string_view kClosing = "</EventLog>";
 constexpr size_t kPiece = size_t{1} << 16;
 // The library's longest entry, its dump included, has under 200,000 bytes.
 constexpr size_t kLongestEntry = size_t{1} << 20;
-
-static_assert(kHead.size() == kFirstEntry);
 
 bool MayBecome(std::string_view rest, std::string_view mark) {
   return rest.size() < mark.size() && mark.starts_with(rest);
@@ -46,12 +42,13 @@ LogPart LogReader::Look() {
 }
 
 LogPart LogReader::ReadHead() {
-  (void)Fill(kHead.size());
-  if (Rest().starts_with(kHead)) {
-    Take(kHead.size());
+  (void)Fill(kLogHead.size());
+  if (Rest().starts_with(kLogHead)) {
+    Take(kLogHead.size());
     return Look();
   }
-  if (MayBecome(Rest(), kHead)) return Forget(LogPart::kEnd);
+  if (MayBecome(Rest(), kLogHead)) return Forget(LogPart::kEnd);
+  if (Rest().starts_with(kEntryMark)) return ReadEntry();
   return ReadDamage();
 }
 

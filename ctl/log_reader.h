@@ -15,8 +15,11 @@
 // library writes with it.
 namespace qvx::ctl {
 
+inline constexpr std::string_view kLogHead =
+    "<?xml-stylesheet type=\"text/xsl\" version=\"1.0\" encoding=\"UTF-8\"?><EventLog>";
+
 // Where the entries of a log begin.
-inline constexpr u64 kFirstEntry = 75;
+inline constexpr u64 kFirstEntry = kLogHead.size();
 
 enum class LogPart {
   kEntry,
@@ -39,7 +42,7 @@ class LogReader {
     ~Source() = default;
   };
 
-  // From 0 on the head is checked too.
+  // From 0 on the head is checked too. In a log without it the first part begins at 0.
   explicit LogReader(Source* source, u64 offset = 0) : source_(source), offset_(offset) {}
 
   // After kClosed and kEnd the next call looks for what has come.

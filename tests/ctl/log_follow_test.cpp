@@ -193,6 +193,12 @@ TEST_F(CtlFollow, AfterTwoMovesTheBackupIsShownWithAWarning) {
                                  "once since the place was kept: entries may be lost\n"}));
 }
 
+TEST_F(CtlFollow, AStateIsKeptOfALogWithoutItsHead) {
+  WriteFile(kLog, Entries(1, 3) + kLogClosing);
+  EXPECT_EQ(Run(kKeep, 3), Numbers(1, 3));
+  EXPECT_EQ(Run(kKeep, 0), "");
+}
+
 TEST_F(CtlFollow, AFileThatIsNoStateIsRefused) {
   WriteFile(kState, "no state\n");
   EXPECT_EQ(test::RunTool(kKeep),

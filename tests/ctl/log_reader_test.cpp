@@ -90,6 +90,11 @@ TEST(LogReader, ReadingGoesOnAfterDamage) {
   EXPECT_EQ(PartsOf(Log(Entry(1, "a")) + Entry(2, "b") + kLogClosing), "edec");
 }
 
+TEST(LogReader, TheFirstEntryOfALogWithoutItsHeadIsRead) {
+  EXPECT_EQ(PartsOf(Entry(1, "a") + Entry(2, "b") + kLogClosing), "eec");
+  EXPECT_EQ(PartsOf(Entry(1, "a").substr(0, 60) + Entry(2, "b") + kLogClosing), "dec");
+}
+
 TEST(LogReader, BytesAtTheEndAreNotPassed) {
   EXPECT_EQ(PartsOf(kLogHead + Entry(1, "a") + "garbage"), "e.");
   EXPECT_EQ(PartsOf("no log at all"), ".");
