@@ -138,8 +138,7 @@ Diagnosis CheckCommandLog() {
   }
   const LogDamage damage = ExamineLog(path);
   if (!damage.findings.empty()) {
-    return {"logs", Health::kFault, damage.findings.back(),
-            damage.mendable ? "qvxctl log repair" : "qvxctl log clear"};
+    return {"logs", Health::kFault, damage.findings.back(), damage.mend};
   }
   if (FreeSpace(kCmdLogDirectory) < kLittleSpace) {
     return {"logs", Health::kWarning, "under 1 MiB is free", std::string("df ") + kCmdLogDirectory};

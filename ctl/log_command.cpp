@@ -15,6 +15,7 @@
 #include "base/layout.h"
 #include "ctl/call_failure.h"
 #include "ctl/commands.h"
+#include "ctl/json.h"
 #include "ctl/library.h"
 #include "ctl/log_follow.h"
 #include "ctl/log_repair.h"
@@ -63,18 +64,36 @@ bool IsConfirmed() {
   return answer == 'y' || answer == 'Y';
 }
 
+void PrintDamage(const std::string& file, const LogDamage& damage) {
+  for (const std::string& text : damage.findings) {
+    PrintLine(file + ": " + text);
+  }
+  if (damage.size == 0) return PrintLine(file + ": empty, the next entry begins it");
+  if (damage.findings.empty()) PrintLine(file + ": whole");
+}
+
+Json JsonOf(const std::string& file, const LogDamage& damage, bool isRepaired) {
+  return {{"file", file},
+          {"findings", damage.findings},
+          {"repairable", damage.mendable},
+          {"end", damage.end},
+          {"repaired", isRepaired}};
+}
+
 ExitCode Repair(const LogArguments& given) {
   const LogDamage damage = ExamineLog(given.file);
-  for (const std::string& text : damage.findings) {
-    PrintLine(given.file + ": " + text);
-  }
-  if (damage.findings.empty()) PrintLine(given.file + ": whole");
+  if (!given.view.asJson) PrintDamage(given.file, damage);
   FlushOutput();
-  if (!damage.mendable) return damage.findings.empty() ? kYes : kNo;
-  if (!given.isConfirmed && !IsConfirmed()) return kNo;
-  RepairLog(given.file, damage);
-  PrintLine(given.file + ": repaired");
-  return kYes;
+  const bool isRepaired = damage.mendable && (given.isConfirmed || IsConfirmed());
+  if (isRepaired) RepairLog(given.file, damage);
+  if (given.view.asJson) {
+    PrintJson(JsonOf(given.file, damage, isRepaired));
+  } else if (isRepaired) {
+    PrintLine(given.file +
+              (damage.isLeft ? ": the end is repaired, the other damage is left" : ": repaired"));
+  }
+  const bool isWhole = damage.findings.empty() || (isRepaired && !damage.isLeft);
+  return isWhole ? kYes : kNo;
 }
 
 CLI::App* AddOne(CLI::App* family, const char* name, const char* text, const Arguments& given,
@@ -109,6 +128,7 @@ void AddLogCommand(CLI::App& program, ExitCode& code) {
   CLI::App* const repair =
       AddOne(log, "repair", "Closes a log whose end is damaged", given, &code, Repair);
   repair->add_flag("--yes", given->isConfirmed, "Do not ask");
+  repair->add_flag("--json", given->view.asJson, "One JSON object");
 }
 
 }  // namespace qvx::ctl

@@ -21,6 +21,9 @@ inline constexpr std::string_view kLogHead =
 // Where the entries of a log begin.
 inline constexpr u64 kFirstEntry = kLogHead.size();
 
+// The next entry begins a smaller file anew, whatever it holds.
+inline constexpr u64 kSmallestLog = 65;
+
 enum class LogPart {
   kEntry,
   kDamage,  // bytes that are no entry, with something of the library's after them

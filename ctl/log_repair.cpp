@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "qvxcs/status.h"
@@ -20,9 +21,8 @@ namespace {
 
 constexpr char kClosing[] = "</EventLog>";
 constexpr size_t kClosingLength = sizeof(kClosing) - 1;
-constexpr u64 kSmallestLog = 65;
 constexpr u32 kFileLockOffset = 30000;
-constexpr size_t kMostFindings = 20;
+constexpr size_t kMostPlaces = 20;
 constexpr int kLooks = 5;
 constexpr unsigned kPause = 20000;  // microseconds
 
@@ -40,42 +40,96 @@ LogPart NextSettled(LogReader* reader) {
   return part;
 }
 
-void DescribeEnd(const LogReader& reader, LogPart part, LogDamage* damage) {
-  if (part == LogPart::kClosed) return;
-  const bool isUnclosed = reader.EndOfUnclosed() != 0;
-  if (isUnclosed) damage->end = reader.EndOfUnclosed();
-  const u64 closed = damage->end + kClosingLength;
-  damage->mendable = damage->end >= kFirstEntry;
-  if (!damage->mendable) {
-    damage->findings.emplace_back("the head is damaged: only `qvxctl log clear` helps");
-    return;
+struct Place {
+  u64 begin;
+  u64 end;
+};
+
+// One pass over a log.
+struct Survey {
+  bool hasHead = true;
+  u64 end = 0;                // of the last whole entry or of the head
+  std::vector<Place> damage;  // the first kMostPlaces
+  size_t places = 0;
+  u64 endOfDamage = 0;
+  bool isClosed = false;
+};
+
+// Damage without an end comes in pieces.
+void NoteDamage(u64 begin, u64 end, Survey* survey) {
+  const bool isNew = survey->places == 0 || begin != survey->endOfDamage;
+  if (isNew) ++survey->places;
+  if (isNew && survey->places <= kMostPlaces) survey->damage.push_back({begin, end});
+  if (survey->places <= kMostPlaces) survey->damage.back().end = end;
+  survey->endOfDamage = end;
+}
+
+Survey ReadThrough(LogReader* reader) {
+  Survey survey;
+  LogPart part = LogPart::kEnd;
+  while ((part = NextSettled(reader)) == LogPart::kEntry || part == LogPart::kDamage) {
+    if (reader->Begin() == 0) survey.hasHead = false;
+    if (part == LogPart::kEntry) survey.end = reader->End();
+    if (part == LogPart::kDamage) NoteDamage(reader->Begin(), reader->End(), &survey);
   }
-  damage->findings.push_back(
-      std::string(isUnclosed ? "the closing tag is missing or cut" : "the end is damaged") +
-      ": `qvxctl log repair` puts the closing tag at offset " + std::to_string(damage->end) +
-      (damage->size > closed ? " and cuts off what follows" : ""));
+  if (reader->End() == 0) survey.hasHead = false;
+  if (survey.hasHead) survey.end = std::max(survey.end, kFirstEntry);
+  if (reader->EndOfUnclosed() != 0) survey.end = reader->EndOfUnclosed();
+  survey.isClosed = part == LogPart::kClosed;
+  return survey;
+}
+
+void DescribePlaces(const Survey& survey, LogDamage* damage) {
+  const bool startsWithDamage = !survey.damage.empty() && survey.damage.front().begin == 0;
+  if (!survey.hasHead && !startsWithDamage && survey.end != 0) {
+    damage->isLeft = true;
+    damage->findings.emplace_back("the head is missing; `qvxctl log repair` leaves it so");
+  }
+  for (const Place& place : survey.damage) {
+    const bool isCutOff = damage->mendable && place.begin >= damage->end;
+    if (!isCutOff) damage->isLeft = true;
+    damage->findings.push_back(Bytes(place.begin, place.end) + " are no entry" +
+                               (isCutOff ? "" : "; `qvxctl log repair` leaves them"));
+  }
+  if (survey.places <= kMostPlaces) return;
+  damage->findings.push_back(std::to_string(survey.places - kMostPlaces) +
+                             " more places are damaged");
+}
+
+std::string MendOf(const LogDamage& damage, bool hasHead) {
+  if (damage.findings.empty()) return "";
+  if (damage.mendable) return "qvxctl log repair";
+  return hasHead || damage.size < kSmallestLog ? "qvxctl log clear" : "qvxctl log clear --yes";
 }
 
 }  // namespace
 
+std::string DescribeTornEnd(u64 end, bool isUnclosed, u64 size) {
+  if (size < kSmallestLog) return "holds no log: the next entry begins it anew";
+  if (end < kFirstEntry) {
+    return "this is no log: it has no head and no entry; `qvxctl log clear --yes` deletes it and "
+           "begins a log";
+  }
+  return std::string(isUnclosed ? "the closing tag is missing or cut" : "the end is damaged") +
+         ": `qvxctl log repair` puts the closing tag at offset " + std::to_string(end) +
+         (size > end + kClosingLength ? " and cuts off what follows" : "");
+}
+
 LogDamage ExamineLog(const std::string& path) {
   LogFile file(path);
   LogReader reader(&file);
+  const Survey survey = ReadThrough(&reader);
   LogDamage damage;
-  LogPart part = LogPart::kEnd;
-  while ((part = NextSettled(&reader)) == LogPart::kEntry || part == LogPart::kDamage) {
-    if (part == LogPart::kEntry) {
-      damage.end = reader.End();
-    } else if (damage.findings.size() < kMostFindings) {
-      damage.findings.push_back(Bytes(reader.Begin(), reader.End()) + " are no entry");
-    }
-  }
+  damage.end = survey.end;
   damage.size = file.Size();
-  if (damage.size < kSmallestLog) {
-    return {{"holds no log: the next entry begins it anew"}, false, 0, damage.size};
+  if (damage.size == 0) return damage;
+  damage.mendable = damage.size >= kSmallestLog && !survey.isClosed && survey.end >= kFirstEntry;
+  if (damage.size >= kSmallestLog) DescribePlaces(survey, &damage);
+  if (damage.size < kSmallestLog || !survey.isClosed) {
+    const bool isUnclosed = reader.EndOfUnclosed() != 0;
+    damage.findings.push_back(DescribeTornEnd(survey.end, isUnclosed, damage.size));
   }
-  if (damage.findings.empty() && damage.end == 0) damage.end = reader.End();
-  DescribeEnd(reader, part, &damage);
+  damage.mend = MendOf(damage, survey.hasHead);
   return damage;
 }
 

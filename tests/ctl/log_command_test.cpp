@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <string>
 
 #include "qvxcs/xml_log.h"
@@ -26,6 +27,7 @@ using test::RunTool;
 using test::WriteFile;
 
 constexpr char kLog[] = "/tmp/logs/a.xml";
+constexpr char kCommandLog[] = "/etc/cim/zarn/plinthos/var/log/vexilon/qvcmdlog.xml";
 constexpr char kFirst[] = "2023-11-14 22:13:20 srv1 root host 5001/2: one\n";
 constexpr char kSecond[] = "2023-11-14 22:13:21 srv1 eve host 5002/2: two\n";
 
@@ -44,7 +46,7 @@ TEST_F(CtlLog, ShowPrintsALineForEachEntry) {
 }
 
 TEST_F(CtlLog, WithoutAFileTheCommandLogIsShown) {
-  WriteFile("/etc/cim/zarn/plinthos/var/log/vexilon/qvcmdlog.xml", Log(Entry(1700000000, "one")));
+  WriteFile(kCommandLog, Log(Entry(1700000000, "one")));
   EXPECT_EQ(RunTool({"log", "show"}), (Answer{0, kFirst, ""}));
 }
 
@@ -100,6 +102,127 @@ TEST_F(CtlLog, DamageBetweenEntriesIsTold) {
   EXPECT_EQ(answer.code, 1);
   EXPECT_EQ(answer.out, std::string(kFirst) + kSecond);
   EXPECT_NE(answer.err.find(": 2 bytes from offset "), std::string::npos) << answer.err;
+}
+
+TEST_F(CtlLog, ALogWithoutItsHeadIsShownFromItsFirstEntryWithAWarning) {
+  WriteFile(kLog, both_ + kLogClosing);
+  EXPECT_EQ(RunTool({"log", "show", kLog}),
+            (Answer{1, std::string(kFirst) + kSecond,
+                    "qvxctl: warning: /tmp/logs/a.xml: the head is missing; `qvxctl log repair` "
+                    "leaves it so\n"}));
+}
+
+TEST_F(CtlLog, WhatRepairLeavesIsSaid) {
+  const std::string first = Entry(1700000000, "one");
+  const std::string second = Entry(1700000001, "two", "eve", 5002);
+  const std::string rest = " bytes from offset " + std::to_string(75 + first.size()) +
+                           " are no entry; `qvxctl log repair` leaves them\n";
+  WriteFile(kLog, Log(first + "GARBAGE" + second));
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--yes"}),
+            (Answer{1, "/tmp/logs/a.xml: 7" + rest, ""}));
+  WriteFile(kLog, Log(first) + second + kLogClosing);
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--yes"}),
+            (Answer{1, "/tmp/logs/a.xml: 11" + rest, ""}));
+  EXPECT_EQ(RunTool({"log", "show", kLog}).err, "qvxctl: warning: /tmp/logs/a.xml: 11" + rest);
+}
+
+TEST_F(CtlLog, DamageThatRepairCutsOffIsNotSaidToBeLeft) {
+  const std::string first = Entry(1700000000, "one");
+  WriteFile(kLog, kLogHead + first + "GARBAGE<LogEntry><TimeStamp>17");
+  const std::string offset = std::to_string(75 + first.size());
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--yes"}),
+            (Answer{0,
+                    "/tmp/logs/a.xml: 7 bytes from offset " + offset +
+                        " are no entry\n/tmp/logs/a.xml: the end is damaged: `qvxctl log repair` "
+                        "puts the closing tag at offset " +
+                        offset + " and cuts off what follows\n/tmp/logs/a.xml: repaired\n",
+                    ""}));
+  EXPECT_EQ(ReadFile(kLog), Log(first));
+}
+
+TEST_F(CtlLog, AnEndRepairedAfterOtherDamageIsNoWholeLog) {
+  const std::string head = std::string(75, '#');
+  WriteFile(kLog, head + both_);
+  const Answer answer = RunTool({"log", "repair", kLog, "--yes"});
+  EXPECT_EQ(answer.code, 1);
+  EXPECT_NE(answer.out.find("75 bytes from offset 0 are no entry; `qvxctl log repair` leaves them"),
+            std::string::npos)
+      << answer.out;
+  EXPECT_NE(answer.out.find("/tmp/logs/a.xml: the end is repaired, the other damage is left\n"),
+            std::string::npos)
+      << answer.out;
+  EXPECT_EQ(ReadFile(kLog), head + both_ + kLogClosing);
+}
+
+TEST_F(CtlLog, DamageInOnePieceIsSaidInOneLine) {
+  WriteFile(kLog, Log(Entry(1, "a") + std::string(size_t{5} << 20, 'x') + Entry(2, "b")));
+  const std::string err = RunTool({"log", "show", kLog}).err;
+  EXPECT_EQ(err, "qvxctl: warning: /tmp/logs/a.xml: 5242880 bytes from offset " +
+                     std::to_string(75 + Entry(1, "a").size()) +
+                     " are no entry; `qvxctl log repair` leaves them\n");
+}
+
+TEST_F(CtlLog, MoreDamageThanIsListedIsCounted) {
+  std::string entries;
+  for (int at = 0; at < 25; ++at) {
+    entries += Entry(1, "a") + "x";
+  }
+  WriteFile(kLog, Log(entries));
+  const std::string err = RunTool({"log", "show", kLog}).err;
+  EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 21);
+  EXPECT_TRUE(err.ends_with("a.xml: 5 more places are damaged\n")) << err;
+}
+
+TEST_F(CtlLog, AnEmptyLogIsNoFault) {
+  WriteFile(kLog, "");
+  EXPECT_EQ(RunTool({"log", "show", kLog}), (Answer{0, "", ""}));
+  EXPECT_EQ(RunTool({"log", "repair", kLog}),
+            (Answer{0, "/tmp/logs/a.xml: empty, the next entry begins it\n", ""}));
+}
+
+TEST_F(CtlLog, AFileTooSmallForALogIsNone) {
+  WriteFile(kLog, "x</EventLog>");
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--yes"}),
+            (Answer{1, "/tmp/logs/a.xml: holds no log: the next entry begins it anew\n", ""}));
+}
+
+TEST_F(CtlLog, AnEmptyCommandLogIsGoodForTheDoctor) {
+  WriteFile(kCommandLog, "");
+  const std::string out = RunTool({"doctor"}).out;
+  EXPECT_NE(out.find("good logs: "), std::string::npos) << out;
+}
+
+TEST_F(CtlLog, TheDoctorNamesTheCommandThatHelpsACommandLog) {
+  const auto isOffered = [](const std::string& command) {
+    return RunTool({"doctor"}).out.find("; mend: " + command + "\n") != std::string::npos;
+  };
+  WriteFile(kCommandLog, kLogHead + both_);
+  EXPECT_TRUE(isOffered("qvxctl log repair"));
+  WriteFile(kCommandLog, Log(both_ + "zz"));
+  EXPECT_TRUE(isOffered("qvxctl log clear"));
+  WriteFile(kCommandLog, std::string(80, 'x'));
+  EXPECT_TRUE(isOffered("qvxctl log clear --yes"));
+}
+
+TEST_F(CtlLog, RepairAnswersAsJson) {
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--json"}),
+            (Answer{0,
+                    "{\"file\":\"/tmp/logs/a.xml\",\"findings\":[],\"repairable\":false,"
+                    "\"end\":" +
+                        std::to_string(75 + both_.size()) + ",\"repaired\":false}\n",
+                    ""}));
+  WriteFile(kLog, kLogHead + both_);
+  const std::string end = std::to_string(75 + both_.size());
+  const std::string damaged =
+      "{\"file\":\"/tmp/logs/a.xml\",\"findings\":[\"the closing tag is missing or cut: `qvxctl "
+      "log "
+      "repair` puts the closing tag at offset " +
+      end + "\"],\"repairable\":true,\"end\":" + end + ",\"repaired\":";
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--json"}, "n\n"),
+            (Answer{1, damaged + "false}\n", "Repair it? [y/N] "}));
+  EXPECT_EQ(RunTool({"log", "repair", kLog, "--json", "--yes"}),
+            (Answer{0, damaged + "true}\n", ""}));
+  EXPECT_EQ(ReadFile(kLog), Log(both_));
 }
 
 TEST_F(CtlLog, AMissingLogCouldNotBeTold) {
