@@ -17,6 +17,7 @@
 #include "ctl/commands.h"
 #include "ctl/json.h"
 #include "ctl/library.h"
+#include "ctl/log_file.h"
 #include "ctl/log_follow.h"
 #include "ctl/log_repair.h"
 #include "ctl/log_show.h"
@@ -47,8 +48,16 @@ ExitCode Follow(const LogArguments& given) {
   return kYes;
 }
 
+// Clearing deletes the file, whatever it holds.
+void RequireLog(const std::string& path) {
+  LogFile file(path);
+  if (file.Size() < kSmallestLog || file.HasHead()) return;
+  throw Failure(kNo, path + ": does not begin as a log does; `--yes` deletes it all the same");
+}
+
 ExitCode Clear(const LogArguments& given) {
   if (const int reason = ReasonNotReadable(given.file)) throw SystemFailure(given.file, reason);
+  if (!given.isConfirmed) RequireLog(given.file);
   astring* const user = QVX_CALL(PXTGetProcessUser)();
   errno = 0;
   const u32 status = QVX_CALL(PXTClearXMLLog)(given.file.c_str(), user, "QVXCTL");
@@ -124,7 +133,9 @@ void AddLogCommand(CLI::App& program, ExitCode& code) {
       AddOne(log, "follow", "Shows the entries and waits for more", given, &code, Follow);
   AddView(follow, given);
   follow->add_option("--state", given->state, "keep the place here and go on from it");
-  (void)AddOne(log, "clear", "Deletes the entries and begins anew", given, &code, Clear);
+  CLI::App* const clear =
+      AddOne(log, "clear", "Deletes the entries and begins anew", given, &code, Clear);
+  clear->add_flag("--yes", given->isConfirmed, "also a file that does not begin as a log does");
   CLI::App* const repair =
       AddOne(log, "repair", "Closes a log whose end is damaged", given, &code, Repair);
   repair->add_flag("--yes", given->isConfirmed, "Do not ask");

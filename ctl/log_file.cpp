@@ -67,6 +67,12 @@ std::string LogFile::Key() const {
          std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
 }
 
+bool LogFile::HasHead() {
+  char room[kLogHead.size()];
+  return Read(0, room, sizeof(room)) == sizeof(room) &&
+         std::string_view(room, sizeof(room)) == kLogHead;
+}
+
 // A damaged head is passed.
 std::string LogFile::Mark() {
   LogReader reader(this);

@@ -29,6 +29,7 @@ class LogFile final : public LogReader::Source {
   // Whether the name still refers to this file.
   [[nodiscard]] bool IsAt(const std::string& path) const;
 
+  [[nodiscard]] bool HasHead();
   // A mark of the first entry, by which a log is recognized under another name; empty without a
   // whole entry.
   [[nodiscard]] std::string Mark();

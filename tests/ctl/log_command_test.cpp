@@ -281,6 +281,25 @@ TEST_F(CtlLog, TheLibraryAppendsToARepairedLog) {
   EXPECT_NE(answer.out.find("root TEST 1/4: three\n"), std::string::npos) << answer.out;
 }
 
+TEST_F(CtlLog, ClearLeavesAFileThatIsNoLogWithoutAYes) {
+  const std::string settings = "[Net]\n" + std::string(80, '#') + "\nport=1\n";
+  WriteFile(kLog, settings);
+  EXPECT_EQ(RunTool({"log", "clear", kLog}),
+            (Answer{1, "",
+                    "qvxctl: /tmp/logs/a.xml: does not begin as a log does; `--yes` deletes it all "
+                    "the same\n"}));
+  EXPECT_EQ(ReadFile(kLog), settings);
+  EXPECT_EQ(RunTool({"log", "clear", kLog, "--yes"}), (Answer{0, "", ""}));
+  EXPECT_TRUE(ReadFile(kLog).starts_with(kLogHead));
+}
+
+TEST_F(CtlLog, ClearAsksNothingOfAFileTooSmallForALog) {
+  WriteFile(kLog, std::string(64, '#'));
+  EXPECT_EQ(RunTool({"log", "clear", kLog}), (Answer{0, "", ""}));
+  WriteFile(kLog, std::string(65, '#'));
+  EXPECT_EQ(RunTool({"log", "clear", kLog}).code, 1);
+}
+
 TEST_F(CtlLog, ClearBeginsTheLogAnew) {
   EXPECT_EQ(RunTool({"log", "clear", kLog}), (Answer{0, "", ""}));
   const std::string out = RunTool({"log", "show", kLog}).out;
