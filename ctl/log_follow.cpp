@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/log_follow.h"
 
+#include <algorithm>
+
+#include "ctl/log_repair.h"
 #include "ctl/output.h"
 
 namespace qvx::ctl {
@@ -9,6 +12,9 @@ namespace {
 
 // This many bytes of a log are shown between two saves of the place.
 constexpr u64 kStride = u64{1} << 20;
+
+// An append that is being made, or cut back on a full disk, has been completed long before.
+constexpr std::chrono::seconds kPatience{3};
 
 std::string KeyOfFile(const std::string& path) {
   const std::unique_ptr<LogFile> file = LogFile::OpenIfThere(path);
@@ -58,6 +64,7 @@ void LogFollower::Begin(std::unique_ptr<LogFile> file) {
   reader_ = file_ == nullptr ? nullptr : std::make_unique<LogReader>(file_.get());
   place_ = {path_, "", 0, "", 0, place_.backup};
   toldDamage_ = 0;
+  torn_.reset();
 }
 
 // After the end of a file that has lost its name: the next one is the log, unless another one came
@@ -84,7 +91,9 @@ void LogFollower::Advance() {
     // Nothing is added to a file after it has lost the name, so draining it then shows everything.
     const bool isCurrent = file_->IsAt(path_);
     NoteShrunk();
-    Drain();
+    const LogPart end = Drain();
+    if (end != LogPart::kEnd) torn_.reset();
+    if (end == LogPart::kEnd) NoteTornEnd(isCurrent);
     if (isCurrent) return;
     const LogFile* const before = file_.get();
     OpenNext();
@@ -98,10 +107,30 @@ void LogFollower::NoteShrunk() {
   Begin(std::move(file_));
 }
 
-void LogFollower::Drain() {
+// An entry without its closing tag is not shown: the library may still cut it off again.
+void LogFollower::NoteTornEnd(bool isCurrent) {
+  const auto now = std::chrono::steady_clock::now();
+  const u64 offset = reader_->End();
+  if (!torn_ || torn_->offset != offset) torn_ = {offset, now, false};
+  const u64 size = file_->Size();
+  if (torn_->isTold || size <= offset) return;
+  if (isCurrent && now - torn_->since < kPatience) return;
+  torn_->isTold = true;
+  if (!isCurrent) {
+    return Warn(path_ + ": the log was moved with a damaged end: " + std::to_string(size - offset) +
+                " bytes from offset " + std::to_string(offset) + " are not shown");
+  }
+  const u64 begin = file_->HasHead() ? kFirstEntry : 0;
+  const u64 unclosed = reader_->EndOfUnclosed();
+  const u64 end = unclosed != 0 ? unclosed : std::max(begin, place_.next);
+  Warn(path_ + ": " + DescribeTornEnd(end, unclosed != 0, size));
+}
+
+LogPart LogFollower::Drain() {
   u64 saved = place_.next;
+  LogPart part = LogPart::kEnd;
   for (;;) {
-    const LogPart part = reader_->Next();
+    part = reader_->Next();
     if (part == LogPart::kDamage) {
       if (toldDamage_ != reader_->Begin()) {
         Warn(path_ + ": " + std::to_string(reader_->End() - reader_->Begin()) +
@@ -121,6 +150,7 @@ void LogFollower::Drain() {
     saved = place_.next;
   }
   Save();
+  return part;
 }
 
 void LogFollower::Save() {

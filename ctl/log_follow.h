@@ -3,7 +3,9 @@
 #ifndef QVX_CTL_LOG_FOLLOW_H
 #define QVX_CTL_LOG_FOLLOW_H
 
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "ctl/log_file.h"
@@ -25,11 +27,19 @@ class LogFollower {
   [[nodiscard]] bool HasLog() const { return file_ != nullptr; }
 
  private:
+  // An end that is no closing tag.
+  struct TornEnd {
+    u64 offset;
+    std::chrono::steady_clock::time_point since;
+    bool isTold;
+  };
+
   void Resume(const LogPlace& place);
   bool Continue(const std::string& path, const LogPlace& place);
   void Begin(std::unique_ptr<LogFile> file);
   void OpenNext();
-  void Drain();
+  LogPart Drain();
+  void NoteTornEnd(bool isCurrent);
   void NoteShrunk();
   void Save();
 
@@ -41,6 +51,7 @@ class LogFollower {
   std::unique_ptr<LogFile> file_;
   std::unique_ptr<LogReader> reader_;
   u64 toldDamage_ = 0;  // where damage was last reported
+  std::optional<TornEnd> torn_;
 };
 
 // Follows until SIGINT or SIGTERM.

@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "qvxcs/xml_log.h"
@@ -191,6 +192,77 @@ TEST_F(CtlFollow, AfterTwoMovesTheBackupIsShownWithAWarning) {
   EXPECT_EQ(Stop(&tool), (Answer{0, Numbers(5, 8),
                                  "qvxctl: warning: /tmp/logs/a.xml: the log was moved more than "
                                  "once since the place was kept: entries may be lost\n"}));
+}
+
+// The log moves and a new one begins, as the library moves it.
+void MoveOn(const std::string& entries) {
+  (void)unlink(kBackup);
+  if (rename(kLog, kBackup) != 0) abort();
+  WriteFile(kLog, Log(entries));
+}
+
+// An end counts as damaged only after 3 s without a change.
+constexpr unsigned kLongerThanAnAppend = 4;
+
+TEST_F(CtlFollow, ALastEntryWithoutItsClosingTagIsWarnedOfAndShownAfterARepair) {
+  const std::string text = test::kLogHead + Entries(1, 3);
+  WriteFile(kLog, text);
+  RunningTool tool(kFollow);
+  EXPECT_EQ(Descriptions(tool.Lines(2)), Numbers(1, 2));
+  sleep(kLongerThanAnAppend);
+  ASSERT_EQ(test::RunTool({"log", "repair", kLog, "--yes"}).code, 0);
+  (void)tool.Lines(3);
+  EXPECT_EQ(Stop(&tool), (Answer{0, Numbers(1, 3),
+                                 "qvxctl: warning: /tmp/logs/a.xml: the closing tag is missing or "
+                                 "cut: `qvxctl log repair` puts the closing tag at offset " +
+                                     std::to_string(text.size()) + "\n"}));
+}
+
+TEST_F(CtlFollow, ATornEndIsWarnedOfOnce) {
+  const std::string whole = test::kLogHead + Entries(1, 3);
+  WriteFile(kLog, whole + "<LogEntry><Time");
+  RunningTool tool(kFollow);
+  (void)tool.Lines(3);
+  sleep(kLongerThanAnAppend + 1);
+  EXPECT_EQ(Stop(&tool),
+            (Answer{0, Numbers(1, 3),
+                    "qvxctl: warning: /tmp/logs/a.xml: the end is damaged: `qvxctl "
+                    "log repair` puts the closing tag at offset " +
+                        std::to_string(whole.size()) + " and cuts off what follows\n"}));
+}
+
+TEST_F(CtlFollow, AFileThatIsNoLogIsWarnedOf) {
+  WriteFile(kLog, std::string(200, 'x'));
+  RunningTool tool(kFollow);
+  sleep(kLongerThanAnAppend);
+  EXPECT_EQ(
+      Stop(&tool),
+      (Answer{0, "",
+              "qvxctl: warning: /tmp/logs/a.xml: this is no log: it has no head and no entry; "
+              "`qvxctl log clear --yes` deletes it and begins a log\n"}));
+}
+
+TEST_F(CtlFollow, AnEmptyLogIsNotWarnedOf) {
+  WriteFile(kLog, "");
+  RunningTool tool(kFollow);
+  sleep(kLongerThanAnAppend);
+  EXPECT_EQ(Stop(&tool), (Answer{0, "", ""}));
+}
+
+TEST_F(CtlFollow, ATornEndThatIsMovedAwayIsWarnedOf) {
+  RunningTool tool(kFollow);
+  (void)tool.Lines(3);
+  kill(tool.Process(), SIGSTOP);
+  const size_t end = Log(Entries(1, 3)).size() - strlen(kLogClosing);
+  Append("<LogEntry><Time");
+  MoveOn(Entries(4, 5));
+  kill(tool.Process(), SIGCONT);
+  (void)tool.Lines(5);
+  EXPECT_EQ(Stop(&tool),
+            (Answer{0, Numbers(1, 5),
+                    "qvxctl: warning: /tmp/logs/a.xml: the log was moved with a damaged end: 15 "
+                    "bytes from offset " +
+                        std::to_string(end) + " are not shown\n"}));
 }
 
 TEST_F(CtlFollow, AStateIsKeptOfALogWithoutItsHead) {
