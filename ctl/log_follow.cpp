@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/log_follow.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "ctl/log_repair.h"
@@ -13,6 +15,10 @@ namespace {
 // This many bytes of a log are shown between two saves of the place.
 constexpr u64 kStride = u64{1} << 20;
 
+// Within these looks the writer of a new log has written to it.
+constexpr int kLooksAtAnEmptyLog = 20;
+constexpr unsigned kPause = 1000;  // microseconds
+
 // An append that is being made, or cut back on a full disk, has been completed long before.
 constexpr std::chrono::seconds kPatience{3};
 
@@ -23,8 +29,11 @@ std::string KeyOfFile(const std::string& path) {
 
 }  // namespace
 
-LogFollower::LogFollower(std::string path, LogView view, std::string statePath)
-    : path_(std::move(path)), view_(std::move(view)), statePath_(std::move(statePath)) {
+LogFollower::LogFollower(std::string path, LogView view, std::string statePath, LogWatch* watch)
+    : path_(std::move(path)),
+      view_(std::move(view)),
+      statePath_(std::move(statePath)),
+      watch_(watch) {
   place_.log = path_;
   const auto saved = statePath_.empty() ? std::nullopt : LoadPlace(statePath_, path_);
   if (saved) {
@@ -35,24 +44,45 @@ LogFollower::LogFollower(std::string path, LogView view, std::string statePath)
   }
 }
 
+// Looks again when the log moves meanwhile. A new log can be seen a moment before its arrival is
+// reported, but not once it has been written to.
+LogFollower::Look LogFollower::LookAtBoth() const {
+  for (int looks = 0;; ++looks) {
+    const std::optional<u64> before = watch_->Arrivals();
+    Look look{LogFile::OpenIfThere(path_), LogFile::OpenIfThere(BackupPath(path_)), "", before};
+    const bool isStill = look.log == nullptr || look.log->IsAt(path_);
+    const bool isEmpty = look.log != nullptr && look.log->Size() == 0;
+    if (isEmpty && looks < kLooksAtAnEmptyLog) {
+      (void)usleep(kPause);
+      continue;
+    }
+    if (!isStill || watch_->Arrivals() != before) continue;
+    if (look.backup != nullptr) look.backupKey = look.backup->Key();
+    return look;
+  }
+}
+
 // The log of the saved place may still be the log, or be the backup, or no longer exist.
 void LogFollower::Resume(const LogPlace& place) {
+  Look look = LookAtBoth();
   place_.backup = place.backup;
-  if (Continue(path_, place) || Continue(BackupPath(path_), place)) return;
-  if (KeyOfFile(BackupPath(path_)) != place.backup) {
+  arrivals_ = look.arrivals;
+  if (Continue(&look.log, place)) return;
+  if (arrivals_ && look.log != nullptr) --*arrivals_;
+  if (Continue(&look.backup, place)) return;
+  if (look.backupKey != place.backup) {
     Warn(path_ +
          ": the log was moved more than once since the place was kept: entries may be lost");
-    if (auto backup = LogFile::OpenIfThere(BackupPath(path_))) return Begin(std::move(backup));
   }
+  arrivals_.reset();
   OpenNext();
 }
 
-// Whether the file holds the place; if so, reading continues in it.
-bool LogFollower::Continue(const std::string& path, const LogPlace& place) {
-  std::unique_ptr<LogFile> file = LogFile::OpenIfThere(path);
-  if (file == nullptr || file->Mark() != place.first) return false;
-  if (place.last != 0 && file->MarkAt(place.last) != place.lastMark) return false;
-  file_ = std::move(file);
+// Whether the file holds the place; if so, it is taken and reading continues in it.
+bool LogFollower::Continue(std::unique_ptr<LogFile>* file, const LogPlace& place) {
+  if (*file == nullptr || (*file)->Mark() != place.first) return false;
+  if (place.last != 0 && (*file)->MarkAt(place.last) != place.lastMark) return false;
+  file_ = std::move(*file);
   reader_ = std::make_unique<LogReader>(file_.get(), place.next);
   place_ = place;
   saved_ = place;
@@ -70,18 +100,29 @@ void LogFollower::Begin(std::unique_ptr<LogFile> file) {
 // After the end of a file that has lost its name: the next one is the log, unless another one came
 // and went to the backup meanwhile.
 void LogFollower::OpenNext() {
-  for (;;) {
-    std::unique_ptr<LogFile> log = LogFile::OpenIfThere(path_);
-    std::unique_ptr<LogFile> backup = LogFile::OpenIfThere(BackupPath(path_));
-    const bool isStill = log == nullptr || log->IsAt(path_);
-    if (!isStill) continue;  // moved between the two looks
-    const std::string key = backup == nullptr ? "" : backup->Key();
-    const bool wasShown = backup == nullptr || key == place_.backup ||
-                          (file_ != nullptr && backup->IsSameFile(*file_));
-    place_.backup = key;
-    if (log == nullptr && wasShown) return file_ == nullptr ? Begin(nullptr) : void();
-    return Begin(wasShown ? std::move(log) : std::move(backup));
-  }
+  Look look = LookAtBoth();
+  const bool isBackupNew = look.backup != nullptr && look.backupKey != place_.backup &&
+                           (file_ == nullptr || !look.backup->IsSameFile(*file_));
+  NoteMissed(look, isBackupNew);
+  place_.backup = look.backupKey;
+  if (look.log == nullptr && !isBackupNew && file_ != nullptr) return;
+  arrivals_ = look.arrivals;
+  // After the backup comes the log, which has arrived already.
+  if (isBackupNew && arrivals_ && look.log != nullptr) --*arrivals_;
+  Begin(isBackupNew ? std::move(look.backup) : std::move(look.log));
+}
+
+// Of the files that have come after this one, only the last two can still be opened: the log, and
+// the backup if it is a new one. How many have come is not known where a new log is not reported.
+void LogFollower::NoteMissed(const Look& look, bool isBackupNew) {
+  const u64 openable = (look.log != nullptr ? 1 : 0) + (isBackupNew ? 1 : 0);
+  const bool isKnown = look.arrivals && arrivals_ &&
+                       (look.log == nullptr || file_ == nullptr || *look.arrivals != *arrivals_);
+  const bool isMissed =
+      isKnown ? *look.arrivals - *arrivals_ > openable : file_ != nullptr && isBackupNew;
+  if (!isMissed) return;
+  Warn(path_ + ": the log was moved more than once between two looks: entries may be lost");
+  if (isKnown) arrivals_ = *look.arrivals - openable;
 }
 
 void LogFollower::Advance() {

@@ -201,6 +201,66 @@ void MoveOn(const std::string& entries) {
   WriteFile(kLog, Log(entries));
 }
 
+TEST_F(CtlFollow, MovesThatPassWhileItLooksAwayAreWarnedOf) {
+  RunningTool tool(kFollow);
+  (void)tool.Lines(3);
+  kill(tool.Process(), SIGSTOP);
+  MoveOn(Entries(4, 5));
+  MoveOn(Entries(6, 7));
+  MoveOn(Entries(8, 9));
+  kill(tool.Process(), SIGCONT);
+  (void)tool.Lines(7);
+  EXPECT_EQ(Stop(&tool), (Answer{0, Numbers(1, 3) + Numbers(6, 9),
+                                 "qvxctl: warning: /tmp/logs/a.xml: the log was moved more than "
+                                 "once between two looks: entries may be lost\n"}));
+}
+
+// Nothing is reported of what a link leads to.
+TEST_F(CtlFollow, MovesThatAreNotReportedAreWarnedOf) {
+  ASSERT_EQ(mkdir("/tmp/links", 0755), 0);
+  ASSERT_EQ(symlink(kLog, "/tmp/links/a.xml"), 0);
+  ASSERT_EQ(symlink(kBackup, "/tmp/links/a.xm_"), 0);
+  RunningTool tool({"log", "follow", "/tmp/links/a.xml"});
+  (void)tool.Lines(3);
+  kill(tool.Process(), SIGSTOP);
+  MoveOn(Entries(4, 5));
+  MoveOn(Entries(6, 7));
+  MoveOn(Entries(8, 9));
+  kill(tool.Process(), SIGCONT);
+  (void)tool.Lines(7);
+  const Answer answer = Stop(&tool);
+  EXPECT_EQ(answer.out, Numbers(1, 3) + Numbers(6, 9));
+  EXPECT_NE(answer.err.find("entries may be lost\n"), std::string::npos) << answer.err;
+}
+
+TEST_F(CtlFollow, TwoMovesLoseNothingAndAreNotWarnedOf) {
+  RunningTool tool(kFollow);
+  (void)tool.Lines(3);
+  for (int first = 4; first < 24; first += 4) {
+    kill(tool.Process(), SIGSTOP);
+    MoveOn(Entries(first, first + 1));
+    MoveOn(Entries(first + 2, first + 3));
+    kill(tool.Process(), SIGCONT);
+    (void)tool.Lines(static_cast<size_t>(first) + 3);
+  }
+  EXPECT_EQ(Stop(&tool), (Answer{0, Numbers(1, 23), ""}));
+}
+
+TEST_F(CtlFollow, ALogThatCameAndWentUnseenIsWarnedOf) {
+  RunningTool tool(kFollow);
+  (void)tool.Lines(3);
+  kill(tool.Process(), SIGSTOP);
+  for (const int at : {4, 5}) {
+    ASSERT_EQ(unlink(kLog), 0);
+    WriteFile(kLog, Log(Entries(at, at)));
+  }
+  kill(tool.Process(), SIGCONT);
+  (void)tool.Lines(4);
+  const Answer answer = Stop(&tool);
+  EXPECT_EQ(answer.out, Numbers(1, 3) + "5\n");
+  EXPECT_NE(answer.err.find("entries may be lost\n"), std::string::npos) << answer.err;
+}
+
 // An end counts as damaged only after 3 s without a change.
 constexpr unsigned kLongerThanAnAppend = 4;
 
@@ -304,13 +364,13 @@ TEST_F(CtlFollow, AReaderThatHasGoneEndsItAndKeepsThePlaceBefore) {
   EXPECT_EQ(Run(kKeep, 1), "4\n");
 }
 
-// Some thirty-five entries fill the log.
-int AppendByLibrary(int from, int to) {
+// Some thirty-five entries fill a log of 10,000 bytes.
+int AppendByLibrary(int from, int to, u32 maximum = 10000) {
   if (ModuleAttach() != 1) return 1;
   for (int at = from; at <= to; ++at) {
     const std::string text = std::to_string(at);
     if (PXTAppendToXMLLog(kLog, QVX_LOG_INFORMATION, 7, "root", "TEST", text.c_str(), nullptr, 0,
-                          10000) != 0) {
+                          maximum) != 0) {
       return 2;
     }
   }
@@ -329,6 +389,18 @@ TEST_F(CtlFollow, OverManyMovesOfALiveLogNothingIsLostOrShownTwice) {
     (void)tool.Lines(static_cast<size_t>(first) + 59);
   }
   EXPECT_EQ(Stop(&tool), (Answer{0, Numbers(1, 421), ""}));
+}
+
+TEST_F(CtlFollow, FromALogThatMovesTooFastNothingIsLostInSilence) {
+  ASSERT_EQ(unlink(kLog), 0);
+  RunningTool tool({"log", "follow", kLog, "--id", "7", "--state", kState});
+  ASSERT_EQ(test::InChild([] { return AppendByLibrary(1, 1, 6000); }), 0);
+  (void)tool.Lines(1);
+  ASSERT_EQ(test::InChild([] { return AppendByLibrary(2, 1000, 6000); }), 0);
+  const Answer answer = Stop(&tool);
+  EXPECT_EQ(answer.code, 0);
+  const bool isWarned = answer.err.find("entries may be lost\n") != std::string::npos;
+  EXPECT_TRUE(isWarned || answer.out == Numbers(1, 1000)) << answer.out;
 }
 
 }  // namespace
