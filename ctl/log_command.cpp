@@ -49,15 +49,14 @@ ExitCode Follow(const LogArguments& given) {
 }
 
 // Clearing deletes the file, whatever it holds.
-void RequireLog(const std::string& path) {
+void RequireLog(const std::string& path, bool isConfirmed) {
   LogFile file(path);
-  if (file.Size() < kSmallestLog || file.HasHead()) return;
+  if (isConfirmed || file.Size() < kSmallestLog || file.HasHead()) return;
   throw Failure(kNo, path + ": does not begin as a log does; `--yes` deletes it all the same");
 }
 
 ExitCode Clear(const LogArguments& given) {
-  if (const int reason = ReasonNotReadable(given.file)) throw SystemFailure(given.file, reason);
-  if (!given.isConfirmed) RequireLog(given.file);
+  RequireLog(given.file, given.isConfirmed);
   astring* const user = QVX_CALL(PXTGetProcessUser)();
   errno = 0;
   const u32 status = QVX_CALL(PXTClearXMLLog)(given.file.c_str(), user, "QVXCTL");

@@ -28,9 +28,8 @@ LogFile::LogFile(Descriptor file, const std::string& path) : path_(path), file_(
   if (!file_) throw SystemFailure(path, errno);
   struct stat status {};
   if (fstat(file_.Number(), &status) != 0) throw SystemFailure(path, errno);
-  if (!S_ISREG(status.st_mode)) {
-    throw SystemFailure(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-  }
+  if (S_ISDIR(status.st_mode)) throw SystemFailure(path, EISDIR);
+  if (!S_ISREG(status.st_mode)) throw Failure(kUnknown, path + ": no regular file");
   id_ = FileIdOf(status);
 }
 

@@ -233,6 +233,16 @@ TEST_F(CtlLog, AMissingLogCouldNotBeTold) {
   EXPECT_EQ(RunTool({"log", "repair", "/tmp/logs/none.xml"}).code, 3);
 }
 
+TEST_F(CtlLog, WhatIsNoRegularFileIsNamedSo) {
+  ASSERT_EQ(mkfifo("/tmp/logs/fifo", 0600), 0);
+  for (const char* name : {"/tmp/logs/fifo", "/dev/null"}) {
+    const Answer expected = {3, "", "qvxctl: " + std::string(name) + ": no regular file\n"};
+    for (const char* command : {"show", "follow", "clear", "repair"}) {
+      EXPECT_EQ(RunTool({"log", command, name}), expected) << command;
+    }
+  }
+}
+
 TEST_F(CtlLog, RepairClosesTheLogAfterItsLastWholeEntry) {
   WriteFile(kLog, kLogHead + both_ + "<LogEntry><Time");
   const Answer answer = RunTool({"log", "repair", kLog}, "y\n");
