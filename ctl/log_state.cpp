@@ -6,27 +6,43 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 
 #include "ctl/json.h"
+#include "ctl/log_file.h"
 #include "ctl/output.h"
 #include "os/stdio_file.h"
+#include "os/uninterrupted.h"
 
 namespace qvx::ctl {
+namespace {
+
+// More than a place takes.
+constexpr size_t kRoom = size_t{1} << 16;
+
+void WriteCopy(const std::string& path, const std::string& text) {
+  Descriptor file = OpenCopy(path.c_str(), nullptr);
+  if (!file) throw SystemFailure(path, errno);
+  const ssize_t written =
+      Uninterrupted([&] { return write(file.Number(), text.data(), text.size()); });
+  if (written >= 0 && static_cast<size_t>(written) != text.size()) {
+    throw SystemFailure(path, ENOSPC);
+  }
+  if (written < 0 || fsync(file.Number()) != 0 || !file.Close()) throw SystemFailure(path, errno);
+}
+
+}  // namespace
 
 std::optional<LogPlace> LoadPlace(const std::string& path, const std::string& log) {
-  errno = 0;
-  std::ifstream file(path);
-  if (!file && errno == ENOENT) return std::nullopt;
-  if (!file) throw SystemFailure(path, errno);
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  const std::unique_ptr<LogFile> file = LogFile::OpenIfThere(path);
+  if (file == nullptr) return std::nullopt;
+  std::string text(kRoom, '\0');
+  text.resize(file->Read(0, text.data(), text.size()));
   if (text.empty()) return std::nullopt;
   try {
     const Json json = Json::parse(text);
     LogPlace place{json.at("log"),      json.at("first"), json.at("last"),
                    json.at("lastMark"), json.at("next"),  json.at("backup")};
-    if (place.log != log) throw Failure(kUnknown, path + ": the place is one of " + place.log);
+    if (place.log != log) throw Failure(kUnknown, path + ": the place belongs to " + place.log);
     return place;
   } catch (const Json::exception&) {
     throw Failure(kUnknown, path + ": holds no place of a log");
@@ -39,12 +55,7 @@ void SavePlace(const std::string& path, const LogPlace& place) {
                      {"next", place.next}, {"backup", place.backup}};
   const std::string text = json.dump() + "\n";
   const std::string copy = path + ".new";
-  FilePtr file = OpenFile(copy.c_str(), "w");
-  if (!file) throw SystemFailure(copy, errno);
-  const bool isWritten = fwrite(text.data(), 1, text.size(), file.get()) == text.size() &&
-                         fflush(file.get()) == 0 && fsync(fileno(file.get())) == 0;
-  if (!isWritten) throw SystemFailure(copy, errno);
-  if (!CloseWritten(std::move(file))) throw SystemFailure(copy, errno);
+  WriteCopy(copy, text);
   if (rename(copy.c_str(), path.c_str()) != 0) throw SystemFailure(path, errno);
 }
 

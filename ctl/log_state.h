@@ -25,7 +25,8 @@ struct LogPlace {
 // or the place of another log.
 std::optional<LogPlace> LoadPlace(const std::string& path, const std::string& log);
 
-// By a copy that is flushed and renamed over the old place.
+// By a copy that is flushed and renamed over the old place, for its owner alone to read and write.
+// What has the copy's name is removed first, a link too.
 void SavePlace(const std::string& path, const LogPlace& place);
 
 }  // namespace qvx::ctl

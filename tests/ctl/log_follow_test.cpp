@@ -338,6 +338,31 @@ TEST_F(CtlFollow, AFileThatIsNoStateIsRefused) {
   EXPECT_EQ(test::ReadFile(kState), "no state\n");
 }
 
+TEST_F(CtlFollow, AStateOfAnotherLogIsRefused) {
+  EXPECT_EQ(Run(kKeep, 3), Numbers(1, 3));
+  EXPECT_EQ(test::RunTool({"log", "follow", kBackup, "--state", kState}),
+            (Answer{3, "", "qvxctl: /tmp/logs/state: the place belongs to /tmp/logs/a.xml\n"}));
+}
+
+TEST_F(CtlFollow, AStateThatIsNoFileIsNamedSo) {
+  EXPECT_EQ(test::RunTool({"log", "follow", kLog, "--state", "/tmp/logs"}),
+            (Answer{3, "", "qvxctl: /tmp/logs: Is a directory\n"}));
+  ASSERT_EQ(mkfifo("/tmp/logs/fifo", 0600), 0);
+  EXPECT_EQ(test::RunTool({"log", "follow", kLog, "--state", "/tmp/logs/fifo"}),
+            (Answer{3, "", "qvxctl: /tmp/logs/fifo: no regular file\n"}));
+}
+
+TEST_F(CtlFollow, AStateIsWrittenThroughNoLinkAndForItsOwnerAlone) {
+  WriteFile("/tmp/logs/victim", "precious\n");
+  ASSERT_EQ(symlink("victim", "/tmp/logs/state.new"), 0);
+  EXPECT_EQ(Run(kKeep, 3), Numbers(1, 3));
+  EXPECT_EQ(test::ReadFile("/tmp/logs/victim"), "precious\n");
+  struct stat status = {};
+  ASSERT_EQ(lstat(kState, &status), 0);
+  EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
+  EXPECT_EQ(Run(kKeep, 0), "");
+}
+
 TEST_F(CtlFollow, AnEntryThatIsCutBackIsNotShown) {
   RunningTool tool(kFollow);
   (void)tool.Lines(3);
