@@ -27,7 +27,6 @@ namespace {
 
 struct LogArguments {
   std::string file = std::string(kCmdLogDirectory) + kCmdLogFileName;
-  std::string since;
   std::string state;
   bool isConfirmed = false;
   LogView view;
@@ -35,16 +34,10 @@ struct LogArguments {
 
 using Arguments = std::shared_ptr<LogArguments>;
 
-LogView ViewOf(const LogArguments& given) {
-  LogView view = given.view;
-  if (!given.since.empty()) view.since = ParseSince(given.since);
-  return view;
-}
-
-ExitCode Show(const LogArguments& given) { return ShowLog(given.file, ViewOf(given)) ? kYes : kNo; }
+ExitCode Show(const LogArguments& given) { return ShowLog(given.file, given.view) ? kYes : kNo; }
 
 ExitCode Follow(const LogArguments& given) {
-  FollowLog(given.file, ViewOf(given), given.state);
+  FollowLog(given.file, given.view, given.state);
   return kYes;
 }
 
@@ -112,12 +105,16 @@ CLI::App* AddOne(CLI::App* family, const char* name, const char* text, const Arg
   return command;
 }
 
+std::string NotEmpty(const std::string& text) { return text.empty() ? "no value is given" : ""; }
+
 void AddView(CLI::App* command, const Arguments& given) {
-  command->add_option(
-      "--since", given->since,
+  command->add_option_function<std::string>(
+      "--since", [given](const std::string& text) { given->view.since = ParseSince(text); },
       "only entries since a time: \"2026-11-22 14:30\", @SECONDS, 90s, 15m, 2h, 7d");
-  command->add_option("--user", given->view.user, "only entries of this user");
-  command->add_option("--id", given->view.id, "only entries of this identifier");
+  command->add_option_function<std::string>(
+      "--user", [given](const std::string& name) { given->view.user = name; },
+      "only entries of this user");
+  command->add_option("--id", given->view.id, "only entries of this identifier")->check(NotEmpty);
   command->add_flag("--json", given->view.asJson, "One JSON object an entry");
 }
 
@@ -131,7 +128,8 @@ void AddLogCommand(CLI::App& program, ExitCode& code) {
   CLI::App* const follow =
       AddOne(log, "follow", "Shows the entries and waits for more", given, &code, Follow);
   AddView(follow, given);
-  follow->add_option("--state", given->state, "keep the place here and go on from it");
+  follow->add_option("--state", given->state, "keep the place here and go on from it")
+      ->check(NotEmpty);
   CLI::App* const clear =
       AddOne(log, "clear", "Deletes the entries and begins anew", given, &code, Clear);
   clear->add_flag("--yes", given->isConfirmed, "also a file that does not begin as a log does");

@@ -3,6 +3,7 @@
 #include "ctl/log_show.h"
 
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <system_error>
@@ -48,12 +49,21 @@ std::optional<s64> ParseAge(const std::string& text) {
   return static_cast<s64>(time(nullptr)) - *unit * count;
 }
 
+bool IsInCalendar(const std::tm& parts) {
+  using namespace std::chrono;
+  return year_month_day(year(parts.tm_year + 1900), month(static_cast<unsigned>(parts.tm_mon + 1)),
+                        day(static_cast<unsigned>(parts.tm_mday)))
+      .ok();
+}
+
 std::optional<s64> ParseDate(const std::string& text) {
   for (const char* format : {"%Y-%m-%d", "%Y-%m-%d %H:%M", "%Y-%m-%d %H:%M:%S"}) {
     std::tm parts{};
     parts.tm_isdst = -1;
     const char* const end = strptime(text.c_str(), format, &parts);
-    if (end != nullptr && *end == '\0') return static_cast<s64>(mktime(&parts));
+    if (end == nullptr || *end != '\0') continue;
+    if (!IsInCalendar(parts)) return std::nullopt;
+    return static_cast<s64>(mktime(&parts));
   }
   return std::nullopt;
 }

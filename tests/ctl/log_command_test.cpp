@@ -60,6 +60,21 @@ TEST_F(CtlLog, FiltersChooseByTimeUserAndIdentifier) {
   EXPECT_EQ(RunTool({"log", "show", kLog, "--since", "soon"}).code, 2);
 }
 
+TEST_F(CtlLog, AnImpossibleOrEmptyTimeIsRefused) {
+  for (const char* time : {"", "2023-02-31", "2023-02-29 10:00", "2023-04-31 00:00:00",
+                           "2023-13-01", "2023-11-14 24:00", "2023-11-14 22:60"}) {
+    EXPECT_EQ(RunTool({"log", "show", kLog, "--since", time}),
+              (Answer{2, "", "qvxctl: log: \"" + std::string(time) + "\" is no time\n"}));
+  }
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--since", "2024-02-29"}).code, 0);
+}
+
+TEST_F(CtlLog, AnEmptyFilterOrPlaceIsNotPassedOver) {
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--user", ""}), (Answer{0, "", ""}));
+  EXPECT_EQ(RunTool({"log", "show", kLog, "--id", ""}).code, 2);
+  EXPECT_EQ(RunTool({"log", "follow", kLog, "--state", ""}).code, 2);
+}
+
 TEST_F(CtlLog, JsonIsOneObjectAnEntryWithItsKey) {
   WriteFile(kLog, Log(Entry(1700000000, "a<b>\xFF", "R&amp;D")));
   EXPECT_EQ(RunTool({"log", "show", kLog, "--json"}).out,
