@@ -11,7 +11,8 @@ namespace qvx::torture {
 
 inline constexpr int kHalf = -1;  // half a write instead of an error
 
-// The nth call on files fails, alone or with all that follow: for Step() to look with.
+// The nth call on files (of kHalf: the nth write) fails, alone or with all that follow: for Step()
+// to look with.
 class Fault {
  public:
   Fault(unsigned nth, int error, bool fromThenOn)
@@ -36,11 +37,13 @@ class Fault {
     if (!IsFileCall(stop.number) || IsAboutTheLock(stop)) return;
     // A lock that never comes is asked for 60,000 times.
     if (fromThenOn_ && TakesTheLock(stop)) return;
+    // A call that writes nothing cannot write half.
+    if (error_ == kHalf && !IsWrite(stop.number)) return;
     ++seen_;
     if (seen_ < nth_ || (seen_ > nth_ && !fromThenOn_)) return;
     met_ = true;
     if (error_ == kHalf) {
-      if (IsWrite(stop.number)) CutWrite(stop, SpanOf(stop).size / 2);
+      CutWrite(stop, SpanOf(stop).size / 2);
       return;
     }
     failing_ = true;
