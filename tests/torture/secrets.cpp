@@ -74,13 +74,31 @@ void AddAllocations(const Scene& login, Depth depth, Tally* tally) {
   }
 }
 
+struct CallFault {
+  int error;
+  bool fromThenOn;
+};
+
+std::vector<CallFault> CallFaults(Depth depth) {
+  if (depth == Depth::kSample) return {{EIO, false}, {EACCES, false}, {EMFILE, false}, {EIO, true}};
+  std::vector<CallFault> faults;
+  for (const int error : {ENOSPC, EIO, EINTR, EDQUOT, EACCES, EMFILE, EROFS, ENOLCK}) {
+    faults.push_back({error, false});
+    const bool usual = error == EIO || error == EACCES;
+    // A call that is interrupted is made again: for ever, if it always is.
+    if (error != EINTR && (usual || depth == Depth::kGoal)) faults.push_back({error, true});
+  }
+  return faults;
+}
+
 void AddCalls(const Scene& login, Depth depth, Tally* tally) {
-  for (const int error : {EIO, EACCES, EMFILE}) {
+  for (const CallFault& point : CallFaults(depth)) {
     for (long nth = 1;; nth += Stride(nth, depth)) {
-      Fault fault(static_cast<unsigned>(nth), error, false);
+      Fault fault(static_cast<unsigned>(nth), point.error, point.fromThenOn);
       bool killed = false;
       const auto body = [&login] {
         login.prepare();
+        GiveUpAfter(20);
         Begin();
         (void)login.act();
         End();
@@ -89,7 +107,8 @@ void AddCalls(const Scene& login, Depth depth, Tally* tally) {
       const std::string wrong = Step(
           body, [&fault](const Stop& stop) { return fault(stop); }, &killed);
       if (!fault.Met()) break;
-      tally->Add(wrong, "call " + std::to_string(nth) + ", " + strerrorname_np(error));
+      tally->Add(wrong, "call " + std::to_string(nth) + ", " + strerrorname_np(point.error) +
+                            (point.fromThenOn ? " from then on" : ""));
     }
   }
 }
