@@ -23,44 +23,54 @@ constexpr unsigned kControlMinor = 237;
 constexpr unsigned kLoop = 7;
 constexpr int kTries = 50;
 
+struct Device {
+  std::string path;
+  int file = -1;
+};
+
+// The image's device goes with its last user, however that ends.
+bool Attach(int device, int image) {
+  loop_config config = {};
+  config.fd = static_cast<uint32_t>(image);
+  config.info.lo_flags = LO_FLAGS_AUTOCLEAR;
+  return ioctl(device, LOOP_CONFIGURE, &config) == 0;
+}
+
 // The sandbox has no such devices of its own. Another process may take the free one first.
-std::string TakeDevice(int image) {
+Device TakeDevice(int image) {
   (void)mknod(kControl, S_IFCHR | 0600, makedev(kMisc, kControlMinor));
   const int control = open(kControl, O_RDWR | O_CLOEXEC);
-  std::string taken;
-  for (int tries = 0; control >= 0 && tries < kTries && taken.empty(); ++tries) {
+  Device taken;
+  for (int tries = 0; control >= 0 && tries < kTries && taken.file < 0; ++tries) {
     const int number = ioctl(control, LOOP_CTL_GET_FREE);
     if (number < 0) break;
     const std::string path = "/run/torture-loop" + std::to_string(number);
     (void)mknod(path.c_str(), S_IFBLK | 0600, makedev(kLoop, static_cast<unsigned>(number)));
     const int device = open(path.c_str(), O_RDWR | O_CLOEXEC);
-    if (device >= 0 && ioctl(device, LOOP_SET_FD, image) == 0) taken = path;
-    if (device >= 0) close(device);
+    if (device >= 0 && Attach(device, image)) {
+      taken = {path, device};
+    } else if (device >= 0) {
+      close(device);
+    }
   }
   if (control >= 0) close(control);
   return taken;
 }
 
-void Detach(const std::string& path) {
-  const int device = open(path.c_str(), O_RDWR | O_CLOEXEC);
-  if (device < 0) return;
-  (void)ioctl(device, LOOP_CLR_FD);
-  close(device);
-}
-
 }  // namespace
 
-LoopDisk::LoopDisk(std::string image, const char* options) : image_(std::move(image)) {
-  const int file = open(image_.c_str(), O_RDWR | O_CLOEXEC);
+LoopDisk::LoopDisk(const std::string& image, const char* options) {
+  const int file = open(image.c_str(), O_RDWR | O_CLOEXEC);
   if (file < 0) return;
-  device_ = TakeDevice(file);
+  const Device device = TakeDevice(file);
   close(file);
-  mounted_ = !device_.empty() && mount(device_.c_str(), kPlace, "ext4", 0, options) == 0;
+  if (device.file < 0) return;
+  mounted_ = mount(device.path.c_str(), kPlace, "ext4", 0, options) == 0;
+  close(device.file);
 }
 
 LoopDisk::~LoopDisk() {
   if (mounted_) (void)umount2(kPlace, MNT_DETACH);
-  if (!device_.empty()) Detach(device_);
 }
 
 bool MakeImage(const std::string& image) {

@@ -10,7 +10,7 @@ namespace qvx::torture {
 // An ext4 file system in an image, mounted over kPlace while this lives.
 class LoopDisk {
  public:
-  LoopDisk(std::string image, const char* options);
+  LoopDisk(const std::string& image, const char* options);
   ~LoopDisk();
   LoopDisk(const LoopDisk&) = delete;
   LoopDisk& operator=(const LoopDisk&) = delete;
@@ -18,8 +18,6 @@ class LoopDisk {
   explicit operator bool() const { return mounted_; }
 
  private:
-  std::string image_;
-  std::string device_;
   bool mounted_ = false;
 };
 
