@@ -31,9 +31,13 @@ constexpr char kPairs[] = "/run/names/a.properties";
 constexpr char kPairsCopy[] = "/run/names/pxtcfg32.tmp";
 constexpr char kLog[] = "/run/names/a.xml";
 constexpr char kBackup[] = "/run/names/a.xm_";
-// Belongs to somebody else; it could be read as a file of each kind, and is no log's size or more.
+constexpr char kCommandLog[] = "/etc/cim/zarn/plinthos/var/log/vexilon//qvcmdlog.xml";
+// Belongs to somebody else; it could be read as an INI and a key=value file, and is as long as a
+// log that is not written anew.
 constexpr char kVictim[] = "/run/victim";
-constexpr char kVictimText[] = "[A]\nkey=1\n";
+#define VICTIM_TEXT "[A]\nkey=1\nlong=to be kept as it is, and longer than the head of a log\n"
+constexpr char kVictimText[] = VICTIM_TEXT;
+static_assert(sizeof(kVictimText) > 65);
 
 enum class Plant { kFifo, kDirectory, kLink, kHardLink };
 
@@ -42,6 +46,7 @@ struct Case {
   Plant plant;
   u32 status;
   bool stays;  // whether what was planted is still there afterwards
+  const char* victimAfter = kVictimText;
 };
 
 void Put(const Case& given) {
@@ -94,7 +99,7 @@ void Expect(const Case& given, void (*prepare)(), u32 (*call)(), const char* tar
   if (given.status == SM_STATUS_SUCCESS) {
     EXPECT_NE(ReadFile(target).find(written), std::string::npos) << ReadFile(target);
   }
-  EXPECT_EQ(ReadFile(kVictim), kVictimText);
+  EXPECT_EQ(ReadFile(kVictim), given.victimAfter);
   EXPECT_EQ(IsPlanted(given), given.stays);
   EXPECT_TRUE(qvx::test::LockIsFree());
   std::filesystem::remove_all("/run/names");
@@ -119,6 +124,28 @@ QVX_ALONE(WrittenNames, AnIniFileAndItsCopy) {
            Case{kIniCopy, Plant::kHardLink, SM_STATUS_SUCCESS, false},
        }) {
     Expect(given, GiveIni, ReplaceIniValue, kIni, "key=2\n");
+  }
+}
+
+u32 AddIniSection() {
+  return PXTWriteINIPathFileValue("B", "new", QVX_INI_ASTRING, "2", 2, kIni, QVX_LOCK_WAIT);
+}
+
+// In a file of several names the section is added in place, so that they stay one file.
+QVX_ALONE(WrittenNames, AnIniFileThatGetsANewSectionAndItsCopy) {
+  ASSERT_EQ(qvx::ModuleInit(), 1);
+  constexpr char kAdded[] = VICTIM_TEXT "[B]\nnew=2\n";
+  for (const Case& given : {
+           Case{kIni, Plant::kFifo, SM_STATUS_FILE_OPEN_FAILED, true},
+           Case{kIni, Plant::kDirectory, SM_STATUS_FILE_OPEN_FAILED, true},
+           Case{kIni, Plant::kLink, SM_STATUS_SUCCESS, true, kAdded},
+           Case{kIni, Plant::kHardLink, SM_STATUS_SUCCESS, true, kAdded},
+           Case{kIniCopy, Plant::kFifo, SM_STATUS_SUCCESS, false},
+           Case{kIniCopy, Plant::kDirectory, SM_STATUS_FILE_OPEN_FAILED, true},
+           Case{kIniCopy, Plant::kLink, SM_STATUS_SUCCESS, false},
+           Case{kIniCopy, Plant::kHardLink, SM_STATUS_SUCCESS, false},
+       }) {
+    Expect(given, GiveIni, AddIniSection, kIni, "[B]\nnew=2\n");
   }
 }
 
@@ -161,12 +188,58 @@ QVX_ALONE(WrittenNames, ALogAndItsBackup) {
   for (const Case& given : {
            Case{kLog, Plant::kFifo, 0xFFFFFFFF, true},
            Case{kLog, Plant::kDirectory, 0xFFFFFFFF, true},
+           Case{kLog, Plant::kLink, SM_STATUS_SUCCESS, false},
+           Case{kLog, Plant::kHardLink, SM_STATUS_SUCCESS, false},
            Case{kBackup, Plant::kFifo, SM_STATUS_SUCCESS, false},
            Case{kBackup, Plant::kDirectory, SM_STATUS_SUCCESS, true},
            Case{kBackup, Plant::kLink, SM_STATUS_SUCCESS, false},
            Case{kBackup, Plant::kHardLink, SM_STATUS_SUCCESS, false},
        }) {
     Expect(given, GiveLog, AppendToAFullLog, kLog, "<ID>7</ID>");
+  }
+}
+
+u32 AppendToALog() { return Append(7, QVX_CMDLOG_MAX_SIZE); }
+u32 ClearLog() { return PXTClearXMLLog(kLog, "u", "s"); }
+
+QVX_ALONE(WrittenNames, ALogThatIsNotFull) {
+  ASSERT_EQ(qvx::ModuleInit(), 1);
+  for (const Case& given : {
+           Case{kLog, Plant::kFifo, 0xFFFFFFFF, true},
+           Case{kLog, Plant::kDirectory, 0xFFFFFFFF, true},
+           Case{kLog, Plant::kLink, SM_STATUS_BAD_DATA, true},
+           Case{kLog, Plant::kHardLink, SM_STATUS_BAD_DATA, true},
+       }) {
+    Expect(given, GiveLog, AppendToALog, kLog, "<ID>7</ID>");
+  }
+}
+
+QVX_ALONE(WrittenNames, ALogThatIsCleared) {
+  ASSERT_EQ(qvx::ModuleInit(), 1);
+  for (const Case& given : {
+           Case{kLog, Plant::kFifo, SM_STATUS_SUCCESS, false},
+           Case{kLog, Plant::kDirectory, 0xFFFFFFFF, true},
+           Case{kLog, Plant::kLink, SM_STATUS_SUCCESS, false},
+           Case{kLog, Plant::kHardLink, SM_STATUS_SUCCESS, false},
+       }) {
+    Expect(given, GiveLog, ClearLog, kLog, "Log was cleared");
+  }
+}
+
+u32 AppendToCommandLog() {
+  return PXTAppendToCmdLog(QVX_CMDLOG_FIRST_ID, "u", "s", "<D/>", QVX_LOG_INFORMATION);
+}
+void GiveCommandLog() { ASSERT_EQ(AppendToCommandLog(), SM_STATUS_SUCCESS); }
+
+QVX_ALONE(WrittenNames, TheCommandLog) {
+  ASSERT_EQ(qvx::ModuleInit(), 1);
+  for (const Case& given : {
+           Case{kCommandLog, Plant::kFifo, 0xFFFFFFFF, true},
+           Case{kCommandLog, Plant::kLink, SM_STATUS_BAD_DATA, true},
+           Case{kCommandLog, Plant::kDirectory, 0xFFFFFFFF, true},
+       }) {
+    Expect(given, GiveCommandLog, AppendToCommandLog, kCommandLog, "<ID>5001</ID>");
+    std::filesystem::remove(kCommandLog);
   }
 }
 
