@@ -48,6 +48,8 @@ std::string Try(const Point& point, bool* met) {
 
 // False after the last call.
 bool Add(const Point& point, Tally* tally) {
+  // Mending writes eleven bytes over others, which no disk cuts.
+  if (point.error == kHalf && point.scene->name == "log: torn by a kill") return false;
   bool met = false;
   const std::string wrong = Try(point, &met);
   if (!met) return false;
@@ -57,10 +59,13 @@ bool Add(const Point& point, Tally* tally) {
   return true;
 }
 
-// Each call with one error, another one than its neighbours'.
+// Each write cut, and each call with one error, another one than its neighbours'.
 void AddSome(const Scene& scene, unsigned* turn, Tally* tally) {
+  for (unsigned nth = 1; Add({&scene, nth, kHalf, *turn % 2 == 0, Start::kWarm}, tally);) {
+    ++nth;
+  }
   for (unsigned nth = 1;; ++nth) {
-    const int error = kErrors[++*turn % kErrorCount];
+    const int error = kErrors[++*turn % (kErrorCount - 1)];
     if (!Add({&scene, nth, error, error != EINTR && *turn % 2 == 0,
               *turn % 3 == 0 ? Start::kCold : Start::kWarm},
              tally))
