@@ -58,6 +58,7 @@ void MakePlace() {
   for (const std::string& name : Names(kPlace)) {
     (void)unlink(Path(name.c_str()).c_str());
   }
+  (void)truncate(kLockFile, 0);
 }
 
 namespace {

@@ -16,7 +16,6 @@
 namespace qvx::torture {
 namespace {
 
-constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc";
 constexpr mode_t kFileMode = 01664;
 
 // Without the role map's, which stays open until it is read whole.
@@ -93,6 +92,10 @@ Judge::Judge(const Scene& scene, Start start) : scene_(&scene), start_(start), b
     names_.push_back(LinkedName(scene.path));
   }
   if (IsLog(scene)) backup_ = ReadText(BackupOf(scene.path));
+  if (IsLog(scene) && IsDamaged(before_)) {
+    torn_ = before_;
+    before_ = MendedLog(torn_);
+  }
   if (scene.kind == Kind::kMoved) names_.push_back(NameOf(BackupOf(scene.path)));
   BeginHere();
 }
@@ -130,7 +133,7 @@ std::string Judge::Gift(qvx_u32 status) const {
 std::string Judge::File(qvx_u32 status, Torn torn) const {
   if (scene_->kind == Kind::kPure) return Gift(status);
   if (!IsLog(*scene_)) return WholeFile(ReadText(scene_->path), status, torn);
-  return JudgeLog(*scene_, {before_, backup_}, ReadLogFiles(scene_->path),
+  return JudgeLog(*scene_, {before_, backup_, torn_}, ReadLogFiles(scene_->path),
                   status == SM_STATUS_SUCCESS, torn);
 }
 
@@ -190,7 +193,7 @@ std::string Judge::NextLog(qvx_u32* status, Torn torn) const {
   }
   if (*status != SM_STATUS_SUCCESS) return "the next call fails: " + std::to_string(*status);
   // A damaged log is mended: what was cut is gone.
-  const LogFiles base = damaged ? LogFiles{before_, backup_} : first;
+  const LogFiles base = damaged ? LogFiles{before_, backup_, torn_} : first;
   return JudgeLog(*scene_, base, now, true, Torn::kNo);
 }
 

@@ -77,6 +77,7 @@ bool IsUndone(const Scene& scene, const LogFiles& before, const LogFiles& now) {
   if (IsMoved(scene, before, now)) return isNew;
   if (!HasItsBackup(before, now)) return false;
   if (now.log == before.log || now.log == Trimmed(before.log)) return true;
+  if (!before.torn.empty() && now.log == before.torn) return true;
   if (scene.kind == Kind::kCleared) return IsEmpty(now.log);
   return IsEmpty(before.log) && isNew;
 }
@@ -86,7 +87,10 @@ bool IsBetween(const Scene& scene, const LogFiles& before, const LogFiles& now) 
   if (!HasItsBackup(before, now)) return false;
   if (now.log == before.log) return true;
   if (scene.kind == Kind::kCleared || IsEmpty(before.log)) return IsPartOfNew(scene, now.log);
-  return IsMadeOf(TextOf(now.log), Trimmed(before.log), Grown(scene, before.log));
+  // The closing tag comes back first, then what follows it goes.
+  const std::string old = Trimmed(before.log);
+  return IsMadeOf(TextOf(now.log), old, Grown(scene, before.log)) ||
+         (!before.torn.empty() && IsMadeOf(TextOf(now.log), old, before.torn));
 }
 
 // The earlier entries were on the disk.
@@ -101,7 +105,13 @@ bool HasEarlierEntries(const Scene& scene, const LogFiles& before, const LogFile
 
 std::string BackupOf(const std::string& path) { return path.substr(0, path.size() - 1) + "_"; }
 
-LogFiles ReadLogFiles(const char* path) { return {ReadText(path), ReadText(BackupOf(path))}; }
+std::string MendedLog(const std::string& torn) {
+  constexpr char kEntryEnd[] = "</LogEntry>";
+  const size_t end = torn.rfind(kEntryEnd);
+  return end == std::string::npos ? "" : Closed(torn.substr(0, end + sizeof(kEntryEnd) - 1));
+}
+
+LogFiles ReadLogFiles(const char* path) { return {ReadText(path), ReadText(BackupOf(path)), ""}; }
 
 std::string JudgeLog(const Scene& scene, const LogFiles& before, const LogFiles& now, bool done,
                      Torn torn) {

@@ -13,7 +13,11 @@ namespace qvx::torture {
 struct LogFiles {
   std::string log = kNone;
   std::string backup = kNone;
+  std::string torn = "";  // the log before it was mended, if it was torn
 };
+
+// A torn log without the entry that was cut.
+std::string MendedLog(const std::string& torn);
 
 std::string BackupOf(const std::string& path);
 LogFiles ReadLogFiles(const char* path);

@@ -2,6 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 // Operations that change a file.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "torture/log_text.h"
@@ -60,6 +64,39 @@ std::string Ini(const std::string& port) {
   return "; kept\n[net]\nhost=alpha\n" + port + "[log]\nlevel=3\n";
 }
 void IniFile() { WriteText(kIni, Ini("port=1311\n")); }
+// --- Logs that a kill has torn, and their notes ---
+
+// As the library keeps them in its lock file.
+struct Note {
+  uint64_t device;
+  uint64_t inode;
+  uint64_t offset;
+  uint64_t end;
+  uint64_t sum;
+};
+constexpr size_t kMostNotes = 64;
+constexpr size_t kBorder = 4096;
+
+// The 64-bit FNV-1a sum.
+uint64_t SumOf(const std::string& text) {
+  uint64_t sum = 0xCBF29CE484222325;
+  for (const char byte : text) {
+    sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
+  }
+  return sum;
+}
+
+void WriteNotes(const std::vector<Note>& notes) {
+  const auto* const bytes = reinterpret_cast<const char*>(notes.data());
+  WriteText(kLockFile, "qvxtorn\n" + std::string(bytes, notes.size() * sizeof(Note)));
+}
+
+Note NoteOf(const char* log, size_t offset, size_t end, const std::string& written) {
+  struct stat seen = {};
+  (void)stat(log, &seen);
+  return {seen.st_dev, seen.st_ino, offset, end, SumOf(written)};
+}
+
 std::string LongIni(const char* port) {
   std::string text = std::string("[net]\nport=") + port + "\n";
   for (int at = 0; at < 2000; ++at) {
@@ -89,6 +126,33 @@ void LongLog() {
   (void)unlink(kBackup);
   (void)unlink(kLog);
   (void)InChild([] { return std::string(Append(LongText()) == 0 ? "" : "no"); });
+}
+// A long entry was cut at the page's end.
+void TornLog() {
+  OneEntry();
+  const std::string entries = EntriesOf(ReadText(kLog));
+  std::string entry = PatternOf({7001, kLongText}) + kLogEnd;
+  std::replace(entry.begin(), entry.end(), kAny, '1');
+  const std::string written = entry.substr(0, kBorder - entries.size());
+  WriteText(kLog, entries + written);
+  WriteNotes({NoteOf(kLog, entries.size(), entries.size() + entry.size(), written)});
+}
+// Those of other files.
+void OneEntryAndAllNotes() {
+  OneEntry();
+  std::vector<Note> notes(kMostNotes);
+  for (size_t at = 0; at < kMostNotes; ++at) {
+    notes[at] = {1, at + 1, 75, 5000, 0};
+  }
+  WriteNotes(notes);
+}
+void TextAfterTheTag() {
+  OneEntry();
+  WriteText(kLog, ReadText(kLog) + "what another program left");
+}
+void LongLogAndABackup() {
+  LongLog();
+  WriteText(kBackup, "an older backup");
 }
 void NoCmdLog() { (void)unlink(kCmdLog); }
 void CmdLog() {
@@ -211,6 +275,14 @@ std::vector<Scene> LogScenes() {
   return {
       {"log: an entry", Kind::kLog, kLog, OneEntry, appendMore, true, false, Entry("more")},
       {"log: a long entry", Kind::kLog, kLog, OneEntry, appendLong, true, false, Entry(kLongText)},
+      {"log: torn by a kill", Kind::kLog, kLog, TornLog, appendMore, true, false, Entry("more")},
+      {"log: a long entry, all notes taken", Kind::kLog, kLog, OneEntryAndAllNotes, appendLong,
+       true, false, Entry(kLongText)},
+      {"log: text after the tag", Kind::kLog, kLog, TextAfterTheTag, appendMore, true, false,
+       Entry("more")},
+      {"log: moved over a backup", Kind::kMoved, kLog, LongLogAndABackup,
+       [] { return Append("more", nullptr, 0, kLong); }, true, false, Entry("more"),
+       PatternOf({1, "Log backup created"})},
       {"log: an entry with data", Kind::kLog, kLog, OneEntry,
        [] { return Append("more", "0123456789", 10); }, true, false, Entry("more", DumpOfTen())},
       {"log: the first entry", Kind::kLog, kLog, Nothing, [] { return Append("first"); }, true,

@@ -77,7 +77,9 @@ inline constexpr char kNone[] = "(none)";
 std::string ReadText(const std::string& path);  // kNone for a missing file
 void WriteText(const std::string& path, const std::string& text);
 std::vector<std::string> Names(const char* folder);
-void MakePlace();  // empty, with the folders that the scenes need
+// The library's lock file, which also holds notes of torn logs.
+inline constexpr char kLockFile[] = "/etc/cim/zarn/plinthos/var/lib/vexilon/.qvxipc";
+void MakePlace();  // empty, without notes, with the folders that the scenes need
 
 // The heap of this process: allocations are counted, and one may fail.
 enum class Failure { kAlone, kFromThenOn };
@@ -129,6 +131,7 @@ class Judge {
   Start start_;
   std::string before_;
   std::string backup_;
+  std::string torn_;  // the log as it was, where the library first has to mend it
   std::vector<std::string> names_;
   int descriptors_ = 0;
   long blocks_ = 0;
