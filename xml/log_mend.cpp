@@ -33,12 +33,18 @@ bool IsPlaceOfAnEntry(const LogFile& log, s64 offset) {
          Holds(log, offset - kEntryEndLength, kEntryEnd, kEntryEndLength);
 }
 
-// The bytes from the noted place to the next border are those of the noted write.
+// The bytes from the noted place to the next border are those of the noted write, except for a part
+// of the closing tag that was being put back over them.
 bool BeginsWithTheNotedWrite(const LogFile& log, const TornLogNote& note) {
+  constexpr std::string_view kBegin = "<LogEntry><";
   astring block[kTearBorder];
-  const u64 length = FirstBorderAfter(note.offset) - note.offset;
-  return ReadLog(log, block, static_cast<size_t>(length), static_cast<s64>(note.offset)) &&
-         SumOf(block, length) == note.sum;
+  const auto length = static_cast<size_t>(FirstBorderAfter(note.offset) - note.offset);
+  if (!ReadLog(log, block, length, static_cast<s64>(note.offset))) return false;
+  for (size_t at = 0; at < std::min(length, kBegin.size()) && block[at] == kLogClosingTag[at];
+       ++at) {
+    block[at] = kBegin[at];
+  }
+  return SumOf(block, length) == note.sum;
 }
 
 bool EndsWithItsClosingTag(const LogFile& log) {
@@ -110,8 +116,10 @@ class EntryDepth {
 // first page border, so such an entry cannot be told from two, of which the first must not be lost.
 // Held by LogTorn.ATornEntryThatLooksLikeTwoIsNotTakenBack.
 bool WasAppendedToSince(const LogFile& log, const TornLogNote& note) {
-  EntryDepth depth(0);
-  if (!depth.Count(log, static_cast<s64>(note.offset))) return true;
+  // The entry itself begins at the noted place, or after the head of a log that was being begun.
+  const s64 offset = static_cast<s64>(note.offset);
+  EntryDepth depth(offset == 0 ? 0 : 1);
+  if (!depth.Count(log, offset == 0 ? 0 : offset + 1)) return true;
   return depth.HoldsTwo() || (depth.IsOver() && EndsWithItsClosingTag(log));
 }
 

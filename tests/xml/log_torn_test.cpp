@@ -96,6 +96,17 @@ bool Tear(const char* path, size_t border, u32 id, size_t length, u32 maxSize = 
   return TearText(path, border, id, std::string(length, 'd'), maxSize);
 }
 
+// A well-formed description may show another log, with its entries and its closing tag.
+std::string ShownLog(u32 entries) {
+  std::string shown;
+  for (u32 id = 1; id <= entries; ++id) {
+    std::string entry = Entry(id, 20);
+    entry.insert(strlen("<LogEntry>"), "<TimeStamp>1</TimeStamp><DateTime>then</DateTime>");
+    shown += entry;
+  }
+  return "<Answer><EventLog>" + shown + "</EventLog></Answer>";
+}
+
 class LogTorn : public testing::Test {
  protected:
   void SetUp() override {
@@ -196,6 +207,23 @@ TEST_F(LogTorn, AKillWhileALogIsMendedLeavesItToTheNext) {
         EXPECT_EQ(LockFile(), "");
       });
   EXPECT_GE(stops, 30u);
+}
+
+// A kill while the tag is put back cuts it where a page ends; a write that is cut anywhere counts
+// too.
+TEST_F(LogTorn, AMendThatIsCutItselfIsMendedAgain) {
+  for (const size_t offset : {4000u, 4086u, 4088u, 4090u, 4094u, 4095u}) {
+    const std::string standing = LogWithItsTagAt(offset);
+    for (size_t written = 1; written <= kTagLength; ++written) {
+      test::WriteFile(kLog, standing);
+      ASSERT_TRUE(TearText(kLog, 2 * kPage, 1, ShownLog(2) + std::string(10000, 'd')));
+      std::string torn = test::ReadFile(kLog);
+      torn.replace(offset, written, "</EventLog>", written);
+      test::WriteFile(kLog, torn);
+      EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_SUCCESS) << offset << " " << written;
+      EXPECT_EQ(LogNow(), standing.substr(0, offset) + Entry(2, 10) + "</EventLog>");
+    }
+  }
 }
 
 TEST_F(LogTorn, SeveralTornLogsStayApart) {
@@ -420,17 +448,6 @@ TEST_F(LogTorn, ATornEntryThatLooksLikeTwoIsNotTakenBack) {
   const std::string torn = test::ReadFile(kLog);
   EXPECT_EQ(Append(kLog, 2, 10), SM_STATUS_BAD_DATA);
   EXPECT_EQ(test::ReadFile(kLog), torn);
-}
-
-// A well-formed description may show another log, with its entries and its closing tag.
-std::string ShownLog(u32 entries) {
-  std::string shown;
-  for (u32 id = 1; id <= entries; ++id) {
-    std::string entry = Entry(id, 20);
-    entry.insert(strlen("<LogEntry>"), "<TimeStamp>1</TimeStamp><DateTime>then</DateTime>");
-    shown += entry;
-  }
-  return "<Answer><EventLog>" + shown + "</EventLog></Answer>";
 }
 
 TEST_F(LogTorn, AnEntryThatShowsAnotherLogIsTakenBack) {
