@@ -251,16 +251,5 @@ TEST(StreamFault, ACopyThatIsLostOnCloseDoesNotReplaceItsFile) {
   EXPECT_EQ(ReadFile("/tmp/a"), text);
 }
 
-TEST(StreamFault, AppendingMayReadToo) {
-  test::WriteFile("/tmp/a", "old");
-  FilePtr file = OpenFile("/tmp/a", "a+");
-  ASSERT_TRUE(file);
-  EXPECT_EQ(fgetc(file.get()), 'o');
-  EXPECT_EQ(fseek(file.get(), 0, SEEK_SET), 0);
-  EXPECT_GE(fputs("er", file.get()), 0);
-  EXPECT_TRUE(CloseWritten(std::move(file)));
-  EXPECT_EQ(ReadFile("/tmp/a"), "older");
-}
-
 }  // namespace
 }  // namespace qvx

@@ -48,7 +48,8 @@ std::string Try(const Point& point, bool* met) {
 
 // False after the last call.
 bool Add(const Point& point, Tally* tally) {
-  // Mending writes eleven bytes over others, which no disk cuts.
+  // Half of the closing tag that is put back is neither the torn log nor the mended one. The next
+  // append mends it: LogTorn.AMendThatIsCutItselfIsMendedAgain.
   if (point.error == kHalf && point.scene->name == "log: torn by a kill") return false;
   bool met = false;
   const std::string wrong = Try(point, &met);

@@ -63,9 +63,9 @@ void MakePlace() {
 
 namespace {
 
-// No memory of the heap, which a scene's call may be without.
-char given[20000];
-size_t givenSize = 0;
+// Each thread's own. No memory of the heap, which a scene's call may be without.
+thread_local char given[20000];
+thread_local size_t givenSize = 0;
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Values by their type codes, conversions.
+#include <algorithm>
 #include <cstring>
 
 #include "torture/torture.h"
@@ -98,6 +99,27 @@ bool Reversed() {
   return PXTUniStrrev(text) == text;
 }
 
+// Blocks that end with their texts: memcheck sees each load past them.
+bool SoughtAndCompared() {
+  for (const qvx_u32 length : {0u, 1u, 7u, 8u, 16u, 17u, 33u, 64u}) {
+    const qvx_u32 bytes = (length + 1) * sizeof(qvx_ustring);
+    qvx_ustring* const one = static_cast<qvx_ustring*>(PXTAllocMem(bytes));
+    qvx_ustring* const other = static_cast<qvx_ustring*>(PXTAllocMem(bytes));
+    bool same = one != nullptr && other != nullptr;
+    if (same) {
+      std::fill_n(one, length, 'a');
+      one[length] = 0;
+      memcpy(other, one, bytes);
+      same = PXTUniStrlen(one) == length && PXTUniStrcmp(one, other) == 0 &&
+             PXTUniStrchr(one, 'b') == nullptr && PXTUniStrstr(one, other) == one;
+    }
+    PXTFreeMem(one);
+    PXTFreeMem(other);
+    if (!same) return false;
+  }
+  return true;
+}
+
 // From one width into the other, for a buffer of fixed size.
 bool Converted() {
   qvx_astring narrow[64];
@@ -130,6 +152,7 @@ std::vector<Scene> ValueScenes() {
     scenes.push_back({name, Kind::kPure, nullptr, Nothing, [act] { return Status(act()); }});
   };
   add("parameter and status elements", InParameter);
+  add("16-bit texts are sought and compared", SoughtAndCompared);
   add("16-bit text to text", [] { return Came(PXTNVSUstrToAstr(kPlain, nullptr)); });
   add("text to 16-bit text", [] { return Came(PXTNVSAstrToUstr("text", nullptr)); });
   add("16-bit text to text, or another",
