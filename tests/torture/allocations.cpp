@@ -25,12 +25,12 @@ qvx_u32 Fail(const Scene& scene, const Point& point) {
 // Returns "reached", which is no fault, if the allocation took place, and then what is wrong.
 std::string Try(const Point& point) {
   const Scene& scene = *point.scene;
+  if (scene.others && point.failure == Failure::kFromThenOn) GiveUpAfter(5);
   if (scene.others && point.start == Start::kWarm) {
     scene.prepare();
     (void)Fail(scene, point);  // settles what is kept of such a failure
   }
   const Judge judge(scene, point.start);
-  if (scene.others && point.failure == Failure::kFromThenOn) GiveUpAfter(5);
   const qvx_u32 status = Fail(scene, point);
   if (!AllocationFailed()) return "";
   const std::string reached = "reached";
