@@ -78,7 +78,7 @@ u32 LogEntry::Build(const LogEvent& event) {
   const Digits type(event.type);
   const Digits id(event.id);
   const std::string_view pieces[] = {
-      "<LogEntry><TimeStamp>", stamp.View(), "</TimeStamp><DateTime>", ViewOf(dateTime),
+      kLogEntryBegin, stamp.View(), "</TimeStamp><DateTime>", ViewOf(dateTime),
       "</DateTime><ComputerName>", ViewOf(hostName), "</ComputerName><Type>", type.View(),
       "</Type><ID>", id.View(), "</ID><UserInfo>", ViewOf(user.get()), "</UserInfo><Source>",
       ViewOf(source.get()), "</Source><Description>",
@@ -89,8 +89,7 @@ u32 LogEntry::Build(const LogEvent& event) {
 }
 
 u32 LogEntry::Join(const std::string_view* pieces, size_t count, const LogEvent& event) {
-  constexpr std::string_view kEnd = "</Data></LogEntry>";
-  u64 length = HexDumpLength(event.dataSize) + kEnd.size();
+  u64 length = HexDumpLength(event.dataSize) + kLogEntryEnd.size();
   for (size_t i = 0; i < count; ++i) {
     length += pieces[i].size();
   }
@@ -103,7 +102,7 @@ u32 LogEntry::Join(const std::string_view* pieces, size_t count, const LogEvent&
   // Deliberate: the dump keeps its line ends and is not escaped, so data bytes that are markup in
   // XML appear unescaped in its character columns. Held by LogEntry.DataIsTheDumpWithItsLineEnds.
   PutHexDump(at, event.data, event.dataSize);
-  at = Put(at + HexDumpLength(event.dataSize), kEnd);
+  at = Put(at + HexDumpLength(event.dataSize), kLogEntryEnd);
   *at = '\0';
   length_ = static_cast<u32>(length);
   return SM_STATUS_SUCCESS;

@@ -22,6 +22,10 @@ inline constexpr u16 kLogInformation = QVX_LOG_INFORMATION;
 inline constexpr u32 kLogClearedId = QVX_LOG_CLEARED;
 inline constexpr u32 kLogBackupId = QVX_LOG_BACKUP_CREATED;
 
+// What each entry begins and ends with.
+inline constexpr std::string_view kLogEntryBegin = "<LogEntry><TimeStamp>";
+inline constexpr std::string_view kLogEntryEnd = "</Data></LogEntry>";
+
 // What happened, as the caller reports it. Texts and data may be null.
 struct LogEvent {
   u16 type;

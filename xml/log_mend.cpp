@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "xml/log_entry.h"
 #include "xml/log_tail.h"
 
 namespace qvx {
@@ -36,13 +37,12 @@ bool IsPlaceOfAnEntry(const LogFile& log, s64 offset) {
 // The bytes from the noted place to the next border are those of the noted write, except for a part
 // of the closing tag that was being put back over them.
 bool BeginsWithTheNotedWrite(const LogFile& log, const TornLogNote& note) {
-  constexpr std::string_view kBegin = "<LogEntry><";
   astring block[kTearBorder];
   const auto length = static_cast<size_t>(FirstBorderAfter(note.offset) - note.offset);
   if (!ReadLog(log, block, length, static_cast<s64>(note.offset))) return false;
-  for (size_t at = 0; at < std::min(length, kBegin.size()) && block[at] == kLogClosingTag[at];
-       ++at) {
-    block[at] = kBegin[at];
+  const size_t most = std::min<size_t>(length, kLogClosingLength);
+  for (size_t at = 0; at < most && block[at] == kLogClosingTag[at]; ++at) {
+    block[at] = kLogEntryBegin[at];
   }
   return SumOf(block, length) == note.sum;
 }
@@ -76,18 +76,16 @@ class EntryDepth {
   bool HoldsTwo() const { return holdsTwo_; }
 
  private:
-  static constexpr std::string_view kBegin = "<LogEntry><TimeStamp>";
-  static constexpr std::string_view kEnd = "</Data></LogEntry>";
-  static constexpr s64 kLongest = kBegin.size();
-  static constexpr s64 kShortest = kEnd.size();
+  static constexpr s64 kLongest = kLogEntryBegin.size();
+  static constexpr s64 kShortest = kLogEntryEnd.size();
 
   void CountIn(const astring* block, s64 length, s64 offset) {
     const std::string_view text(block, static_cast<size_t>(length));
     for (size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
       const s64 place = offset + static_cast<s64>(at);
       if (place < next_) continue;
-      if (text.substr(at).starts_with(kBegin)) Begin(place);
-      if (text.substr(at).starts_with(kEnd)) End(place);
+      if (text.substr(at).starts_with(kLogEntryBegin)) Begin(place);
+      if (text.substr(at).starts_with(kLogEntryEnd)) End(place);
     }
   }
 

@@ -101,8 +101,8 @@ enum QVXMaskReason {
  * not opened again. A second open before the first query leaves the built-in lines in force until
  * the process ends. A file that is missing, cannot be opened or has a mode other than 0640 and
  * 01640 is logged, and the built-in lines are used instead. A file that could not be opened is read
- * only after its modification time changes. When memory runs out the file is not
- * opened: the next query uses the built-in lines, unless the file is opened before it.
+ * only after its modification time changes. When memory runs out the file is not opened: the next
+ * query uses the built-in lines, unless the file is opened before it.
  *
  * @retval 0 always
  * @par Memory

@@ -201,15 +201,20 @@ void MoveOn(const std::string& entries) {
   WriteFile(kLog, Log(entries));
 }
 
-TEST_F(CtlFollow, MovesThatPassWhileItLooksAwayAreWarnedOf) {
-  RunningTool tool(kFollow);
-  (void)tool.Lines(3);
-  kill(tool.Process(), SIGSTOP);
+// Three moves while the tool is stopped; it can show the last two logs.
+void MoveThriceUnseenBy(RunningTool* tool) {
+  kill(tool->Process(), SIGSTOP);
   MoveOn(Entries(4, 5));
   MoveOn(Entries(6, 7));
   MoveOn(Entries(8, 9));
-  kill(tool.Process(), SIGCONT);
-  (void)tool.Lines(7);
+  kill(tool->Process(), SIGCONT);
+  (void)tool->Lines(7);
+}
+
+TEST_F(CtlFollow, MovesThatPassWhileItLooksAwayAreWarnedOf) {
+  RunningTool tool(kFollow);
+  (void)tool.Lines(3);
+  MoveThriceUnseenBy(&tool);
   EXPECT_EQ(Stop(&tool), (Answer{0, Numbers(1, 3) + Numbers(6, 9),
                                  "qvxctl: warning: /tmp/logs/a.xml: the log was moved more than "
                                  "once between two looks: entries may be lost\n"}));
@@ -222,12 +227,7 @@ TEST_F(CtlFollow, MovesThatAreNotReportedAreWarnedOf) {
   ASSERT_EQ(symlink(kBackup, "/tmp/links/a.xm_"), 0);
   RunningTool tool({"log", "follow", "/tmp/links/a.xml"});
   (void)tool.Lines(3);
-  kill(tool.Process(), SIGSTOP);
-  MoveOn(Entries(4, 5));
-  MoveOn(Entries(6, 7));
-  MoveOn(Entries(8, 9));
-  kill(tool.Process(), SIGCONT);
-  (void)tool.Lines(7);
+  MoveThriceUnseenBy(&tool);
   const Answer answer = Stop(&tool);
   EXPECT_EQ(answer.out, Numbers(1, 3) + Numbers(6, 9));
   EXPECT_NE(answer.err.find("entries may be lost\n"), std::string::npos) << answer.err;
