@@ -13,7 +13,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 
 #include "torture/torture.h"
 
@@ -21,21 +20,27 @@ namespace qvx::torture {
 namespace {
 
 constexpr unsigned kPages = 48;
-constexpr char kFiller[] = "/tmp/torture/filler";
 
+// Over the folder of a scene's file while this lives.
 class SmallDisk {
  public:
-  explicit SmallDisk(const std::string& options) {
-    if (mount("tmpfs", kPlace, "tmpfs", 0, ("mode=755," + options).c_str()) != 0) abort();
+  SmallDisk(const Scene& scene, const std::string& options) : folder_(FolderOf(scene)) {
+    const char* const folder = folder_.c_str();
+    if (mount("tmpfs", folder, "tmpfs", 0, ("mode=755," + options).c_str()) != 0) abort();
   }
-  ~SmallDisk() { (void)umount2(kPlace, MNT_DETACH); }
+  ~SmallDisk() { (void)umount2(folder_.c_str(), MNT_DETACH); }
   SmallDisk(const SmallDisk&) = delete;
   SmallDisk& operator=(const SmallDisk&) = delete;
+
+ private:
+  std::string folder_;
 };
 
+std::string FillerOf(const Scene& scene) { return FolderOf(scene) + "/filler"; }
+
 // Fills the disk except for so many pages.
-void Fill(unsigned pages) {
-  const int file = open(kFiller, O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+void Fill(const Scene& scene, unsigned pages) {
+  const int file = open(FillerOf(scene).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
   static const char kPage[4096] = {};
   off_t size = 0;
   while (write(file, kPage, sizeof(kPage)) > 0)
@@ -45,8 +50,8 @@ void Fill(unsigned pages) {
   close(file);
 }
 
-void Remount(unsigned long flags) {
-  if (mount(nullptr, kPlace, nullptr, MS_REMOUNT | flags, nullptr) != 0) abort();
+void Remount(const Scene& scene, unsigned long flags) {
+  if (mount(nullptr, FolderOf(scene).c_str(), nullptr, MS_REMOUNT | flags, nullptr) != 0) abort();
 }
 
 void Limit(__rlimit_resource what, rlim_t value) {
@@ -77,20 +82,19 @@ std::string TryHere(const Scene& scene, Spoil spoil, Mend mend, bool* done) {
 template <typename Spoil, typename Mend>
 std::string Try(const Scene& scene, const std::string& options, Spoil spoil, Mend mend,
                 bool* done) {
-  const SmallDisk disk(options);
+  const SmallDisk disk(scene, options);
   return TryHere(scene, spoil, mend, done);
 }
 
 const std::string kSmall = "size=" + std::to_string(kPages * 4096);
-
-void RemoveFiller() { (void)unlink(kFiller); }
 
 // Page by page, until the call succeeds.
 void FullDisk(const Scene& scene, Tally* tally) {
   bool done = false;
   for (unsigned room = 0; !done && room <= kPages; ++room) {
     const std::string wrong = Try(
-        scene, kSmall, [room] { Fill(room); }, RemoveFiller, &done);
+        scene, kSmall, [&] { Fill(scene, room); },
+        [&scene] { (void)unlink(FillerOf(scene).c_str()); }, &done);
     tally->Add(wrong, scene.name + ", pages left: " + std::to_string(room));
   }
 }
@@ -99,14 +103,14 @@ void NoInode(const Scene& scene, Tally* tally) {
   bool done = false;
   tally->Add(Try(
                  scene, "nr_inodes=4",
-                 [] {
+                 [&scene] {
                    for (const char* name : {"1", "2", "3"}) {
-                     close(open((kFiller + std::string(name)).c_str(), O_CREAT | O_CLOEXEC, 0600));
+                     close(open((FillerOf(scene) + name).c_str(), O_CREAT | O_CLOEXEC, 0600));
                    }
                  },
-                 [] {
+                 [&scene] {
                    for (const char* name : {"1", "2", "3"}) {
-                     (void)unlink((kFiller + std::string(name)).c_str());
+                     (void)unlink((FillerOf(scene) + name).c_str());
                    }
                  },
                  &done),
@@ -116,7 +120,8 @@ void NoInode(const Scene& scene, Tally* tally) {
 void ReadOnly(const Scene& scene, Tally* tally) {
   bool done = false;
   tally->Add(Try(
-                 scene, kSmall, [] { Remount(MS_RDONLY); }, [] { Remount(0); }, &done),
+                 scene, kSmall, [&scene] { Remount(scene, MS_RDONLY); },
+                 [&scene] { Remount(scene, 0); }, &done),
              scene.name + ", read-only");
 }
 
@@ -137,7 +142,7 @@ void LimitedSize(const Scene& scene, Tally* tally) {
 // The limit's signal ends the process: what is left is judged by another one.
 void DeadlySize(const Scene& scene, Tally* tally) {
   for (const unsigned size : {1U, 1000U}) {
-    const SmallDisk disk(kSmall);
+    const SmallDisk disk(scene, kSmall);
     Judge judge(scene);
     (void)InChild([&scene, size] {
       Limit(RLIMIT_CORE, 0);
@@ -181,7 +186,7 @@ void Flagged(const Scene& scene, Tally* tally) {
   };
   for (const Flag& each : {Flag{"immutable", FS_IMMUTABLE_FL}, Flag{"append-only", FS_APPEND_FL}}) {
     bool done = false;
-    const SmallDisk disk(kSmall);
+    const SmallDisk disk(scene, kSmall);
     tally->Add(
         TryHere(
             scene, [&] { SetFlag(scene.path, each.flag); }, [&] { SetFlag(scene.path, 0); }, &done),
@@ -195,7 +200,6 @@ Tally Disk(Depth depth) {
   Tally tally{"full and closed disks, limits"};
   unsigned turn = 0;
   for (const Scene& scene : UpdatingScenes()) {
-    if (strncmp(scene.path, kPlace, strlen(kPlace)) != 0) continue;
     const bool all = depth != Depth::kSample;
     ++turn;
     if (all || turn % 3 == 0) FullDisk(scene, &tally);

@@ -30,6 +30,11 @@ std::vector<std::string> Names(const char* folder) {
   return names;
 }
 
+std::string FolderOf(const Scene& scene) {
+  const std::string path = scene.path;
+  return path.substr(0, path.rfind('/'));
+}
+
 std::string Path(const char* name) { return std::string(kPlace) + "/" + name; }
 
 std::string ReadText(const std::string& path) {

@@ -85,7 +85,8 @@ Judge::Judge(const Scene& scene, Start start) : scene_(&scene), start_(start), b
   }
   MakePlace();
   scene.prepare();
-  names_ = Names(kPlace);
+  folder_ = scene.path == nullptr ? kPlace : FolderOf(scene);
+  names_ = Names(folder_.c_str());
   if (scene.path != nullptr) {
     before_ = ReadText(scene.path);
     names_.push_back(NameOf(scene.path));
@@ -147,7 +148,7 @@ std::string Judge::DescriptorsAndLock() const {
 
 std::string Judge::Process(qvx_u32 status) const {
   if (const std::string wrong = DescriptorsAndLock(); !wrong.empty()) return wrong;
-  for (const std::string& name : Names(kPlace)) {
+  for (const std::string& name : Names(folder_.c_str())) {
     if (std::find(names_.begin(), names_.end(), name) != names_.end()) continue;
     if (!MayStay(name, status)) return name + " is left after status " + std::to_string(status);
   }

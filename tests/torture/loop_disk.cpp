@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <utility>
 
 #include "torture/torture.h"
 
@@ -59,18 +60,19 @@ Device TakeDevice(int image) {
 
 }  // namespace
 
-LoopDisk::LoopDisk(const std::string& image, const char* options) {
+LoopDisk::LoopDisk(const std::string& image, std::string folder, const char* options)
+    : folder_(std::move(folder)) {
   const int file = open(image.c_str(), O_RDWR | O_CLOEXEC);
   if (file < 0) return;
   const Device device = TakeDevice(file);
   close(file);
   if (device.file < 0) return;
-  mounted_ = mount(device.path.c_str(), kPlace, "ext4", 0, options) == 0;
+  mounted_ = mount(device.path.c_str(), folder_.c_str(), "ext4", 0, options) == 0;
   close(device.file);
 }
 
 LoopDisk::~LoopDisk() {
-  if (mounted_) (void)umount2(kPlace, MNT_DETACH);
+  if (mounted_) (void)umount2(folder_.c_str(), MNT_DETACH);
 }
 
 bool MakeImage(const std::string& image) {

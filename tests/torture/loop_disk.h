@@ -7,10 +7,10 @@
 
 namespace qvx::torture {
 
-// An ext4 file system in an image, mounted over kPlace while this lives.
+// An ext4 file system in an image, mounted over a folder while this lives.
 class LoopDisk {
  public:
-  LoopDisk(const std::string& image, const char* options);
+  LoopDisk(const std::string& image, std::string folder, const char* options);
   ~LoopDisk();
   LoopDisk(const LoopDisk&) = delete;
   LoopDisk& operator=(const LoopDisk&) = delete;
@@ -18,6 +18,7 @@ class LoopDisk {
   explicit operator bool() const { return mounted_; }
 
  private:
+  std::string folder_;
   bool mounted_ = false;
 };
 

@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
 #include "torture/loop_disk.h"
@@ -69,8 +68,8 @@ void RunUntilTheCut(const Point& point) {
 }
 
 // This disk alone: a flush of all disks would hide from another run what it looks for.
-bool FlushPlace() {
-  const int place = open(kPlace, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+bool Flush(const std::string& folder) {
+  const int place = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   const bool flushed = place >= 0 && syncfs(place) == 0;
   close(place);
   return flushed;
@@ -78,13 +77,14 @@ bool FlushPlace() {
 
 std::string Try(const Point& point) {
   WriteText(kImage, ReadText(kFresh));
-  auto disk = std::make_unique<LoopDisk>(kImage, point.mode);
+  const std::string folder = FolderOf(*point.scene);
+  auto disk = std::make_unique<LoopDisk>(kImage, folder, point.mode);
   if (!*disk) return "no disk";
   Judge judge(*point.scene);
-  if (!FlushPlace()) return "the disk cannot be flushed";
+  if (!Flush(folder)) return "the disk cannot be flushed";
   RunUntilTheCut(point);
   disk.reset();
-  disk = std::make_unique<LoopDisk>(kCopy, point.mode);
+  disk = std::make_unique<LoopDisk>(kCopy, folder, point.mode);
   if (!*disk) return "the copied disk cannot be mounted";
   std::string wrong = judge.File(SM_STATUS_FAILURE, Torn::kLost);
   if (!wrong.empty()) return wrong;
@@ -96,7 +96,6 @@ std::string Try(const Point& point) {
 
 // One of each kind of change; all of them in the long form.
 bool IsTried(const Scene& scene, Depth depth) {
-  if (strncmp(scene.path, kPlace, strlen(kPlace)) != 0) return false;
   // The copied disk is another one than that of the note.
   if (scene.name == "log: torn by a kill") return false;
   if (depth == Depth::kGoal) return true;
@@ -117,7 +116,7 @@ bool IsTried(const Scene& scene, Depth depth) {
 
 Tally PowerCut(Depth depth) {
   Tally tally{"power cuts"};
-  if (!MakeImage(kFresh) || !LoopDisk(kFresh, "")) {
+  if (!MakeImage(kFresh) || !LoopDisk(kFresh, kPlace, "")) {
     puts("  needs mkfs.ext4 and loop devices");
     tally.possible = false;
     return tally;

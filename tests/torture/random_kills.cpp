@@ -193,7 +193,7 @@ Tally RandomKills(Depth depth) {
   // Only a sample may do without: the machine's lack of it must not pass for a good run.
   bool tried = false;
   if (MakeImage(kImage)) {
-    if (const LoopDisk disk(kImage, ""); disk) {
+    if (const LoopDisk disk(kImage, kPlace, ""); disk) {
       Rounds(kills, "ext4", &random, &tally);
       tried = true;
     }

@@ -15,7 +15,7 @@
 // judges what is left. They see the built library only, as a host does.
 namespace qvx::torture {
 
-// Where the scenes' files are; a part may mount its own disk over it.
+// Where most of the scenes' files are.
 inline constexpr char kPlace[] = "/tmp/torture";
 
 enum class Kind {
@@ -43,6 +43,9 @@ struct Scene {
   // The pattern of the library's own entry with which it begins a log.
   std::string begins = "";
 };
+
+// Of the scene's file; a part may mount its own disk over it.
+std::string FolderOf(const Scene& scene);
 
 std::vector<Scene> UpdatingScenes();  // those that change files
 std::vector<Scene> ReadingScenes();
@@ -132,6 +135,7 @@ class Judge {
   std::string before_;
   std::string backup_;
   std::string torn_;  // the log as it was, where the library first has to mend it
+  std::string folder_;
   std::vector<std::string> names_;
   int descriptors_ = 0;
   long blocks_ = 0;
