@@ -66,11 +66,12 @@ bool IsConfirmed() {
 }
 
 void PrintDamage(const std::string& file, const LogDamage& damage) {
+  const std::string begin = file + ": ";
   for (const std::string& text : damage.findings) {
-    PrintLine(file + ": " + text);
+    PrintLine(begin + text);
   }
-  if (damage.size == 0) return PrintLine(file + ": empty, the next entry begins it");
-  if (damage.findings.empty()) PrintLine(file + ": whole");
+  if (damage.size == 0) return PrintLine(begin + "empty, the next entry begins it");
+  if (damage.findings.empty()) PrintLine(begin + "whole");
 }
 
 Json JsonOf(const std::string& file, const LogDamage& damage, bool isRepaired) {
