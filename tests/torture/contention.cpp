@@ -123,10 +123,11 @@ bool AppendMany(unsigned writer, unsigned count, qvx_u32 maxSize, Reports* repor
   return true;
 }
 
-// The writer of the entry and its number.
+// The writer of the entry and its number. A copy, because sscanf() measures the whole text.
 bool Parse(const std::string& log, size_t at, unsigned* writer, unsigned* nth) {
-  return sscanf(log.c_str() + at, "<Description>w%u-%u;<", writer, nth) == 2 &&
-         *writer < kMostWriters;
+  constexpr size_t kLongest = 48;
+  const std::string text = log.substr(at, kLongest);
+  return sscanf(text.c_str(), "<Description>w%u-%u;<", writer, nth) == 2 && *writer < kMostWriters;
 }
 
 // All reported entries, each writer's in their order, and but for those so many of the library's.
