@@ -89,7 +89,7 @@ bool GrowByUnits() {
 bool Escape() {
   qvx_ustring text[3001] = {};
   for (int at = 0; at < 3000; ++at) {
-    text[at] = at % 3 == 0 ? 'b' : '<';
+    text[at] = at % 3 == 0 ? 'b' : 0x4E2D;
   }
   qvx_astring escaped[20000] = "";
   qvx_u32 size = sizeof(escaped);
