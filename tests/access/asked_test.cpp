@@ -64,6 +64,11 @@ int getdomainname(char* name, size_t size) noexcept {
   ++asked.domains;
   return TheSystems<int(char*, size_t)>("getdomainname")(name, size);
 }
+// The same where a hardened build knows the room.
+int __getdomainname_chk(char* name, size_t size, size_t room) noexcept {
+  ++asked.domains;
+  return TheSystems<int(char*, size_t, size_t)>("__getdomainname_chk")(name, size, room);
+}
 }
 
 namespace qvx {
