@@ -126,11 +126,11 @@ TEST_F(CtlIni, WhatWouldNotBeFoundAgainIsRefused) {
 TEST_F(CtlIni, SetAddsNothingToALastLineWithoutItsEnd) {
   constexpr char kOpen[] = "[Net]\nport=1\n[Log]\nlevel=2";
   WriteFile(kFile, kOpen);
-  EXPECT_EQ(RunTool({"ini", "set", kFile, "Log", "host", "x"}),
-            (Answer{1, "",
-                    "qvxctl: ini set: /tmp/net.ini: the last line has no line end: new text "
-                    "continues that line; `echo >>FILE` ends it\n"}));
-  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "k", "v"}).code, 1);
+  const Answer refused = {1, "",
+                          "qvxctl: ini set: /tmp/net.ini: the last line has no line end: new text "
+                          "continues that line; `echo >>FILE` ends it\n"};
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "Log", "host", "x"}), refused);
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "k", "v"}), refused);
   EXPECT_EQ(ReadFile(kFile), kOpen);
   EXPECT_EQ(RunTool({"ini", "set", kFile, "Net", "port", "9"}), kDone);
   EXPECT_EQ(RunTool({"ini", "set", kFile, "Log", "level", "3"}), kDone);
