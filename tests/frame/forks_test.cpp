@@ -54,17 +54,25 @@ class AnotherThread {
           }
           usleep(50000);
           give();
+          // A child that begins after its end would seem to leave it unjoined.
+          while (!over_) {
+            std::this_thread::yield();
+          }
         }) {
     while (!taken_) {
       std::this_thread::yield();
     }
   }
-  ~AnotherThread() { thread_.join(); }
+  ~AnotherThread() {
+    over_ = true;
+    thread_.join();
+  }
   AnotherThread(const AnotherThread&) = delete;
   AnotherThread& operator=(const AnotherThread&) = delete;
 
  private:
   std::atomic<bool> taken_ = false;
+  std::atomic<bool> over_ = false;
   std::thread thread_;
 };
 
