@@ -26,6 +26,11 @@ STATUS_NAMES = {
     0x010E: "SM_STATUS_FILE_DELETE_FAILED", 0x010F: "SM_STATUS_INVALID_PARAMETER",
     0x0110: "SM_STATUS_NO_MEMORY", 0x2018: "SM_STATUS_IP_INVALID_PARAMETER",
     0xFFFFFFFF: "QVX_FAILED"}
+# After these errno says what the system refused, if it was 0 before the call.
+WITH_REASON = {
+    "SM_STATUS_FILE_OPEN_FAILED", "SM_STATUS_FILE_OPEN_ERROR", "SM_STATUS_FILE_CREATE_FAILED",
+    "SM_STATUS_FILE_DELETE_FAILED", "SM_STATUS_WRITE_FAILED", "SM_STATUS_LOCK_FAILED",
+    "SM_STATUS_FAILURE", "QVX_FAILED"}
 
 
 class TypedValue(ctypes.Structure):
@@ -50,8 +55,9 @@ class Failure(Exception):
     """A failed call: what it was to do, the status's name, the system's reason."""
 
     def __init__(self, words, status):
-        reason = f": {os.strerror(ctypes.get_errno())}" if ctypes.get_errno() else ""
-        super().__init__(f"{words} ({STATUS_NAMES.get(status, hex(status))}{reason})")
+        name = STATUS_NAMES.get(status, hex(status))
+        error = ctypes.get_errno() if name in WITH_REASON else 0
+        super().__init__(f"{words} ({name}{': ' + os.strerror(error) if error else ''})")
 
 
 def declare(name, result, *arguments):
@@ -60,7 +66,10 @@ def declare(name, result, *arguments):
     function.restype, function.argtypes = result, arguments
 
 
-def check(words, status):
+def call(words, function, *arguments):
+    """Calls what answers with a status; `words` say that it failed."""
+    ctypes.set_errno(0)
+    status = function(*arguments)
     if status != 0:
         raise Failure(words, status)
 
@@ -118,9 +127,11 @@ def show_typed_value(number):
     buffer = library.PXTXAllocBuf(256, 0)
     if not buffer:
         raise MemoryError
-    status = library.PXTXBufCatNode(buffer, b"Flags", None, QVX_TYPE_TYPED_VALUE, byref(value))
-    text = owned(library.PXTXFreeBufGetContent(buffer), library.PXTXFreeBufContent)
-    check("the XML cannot be built", status)
+    try:
+        call("the XML cannot be built", library.PXTXBufCatNode, buffer, b"Flags", None,
+             QVX_TYPE_TYPED_VALUE, byref(value))
+    finally:
+        text = owned(library.PXTXFreeBufGetContent(buffer), library.PXTXFreeBufContent)
     print(text.decode())
 
 
@@ -156,7 +167,7 @@ def show_list(*names):
         if not entry:
             raise MemoryError
         ctypes.memmove(entry.contents.data, payload, len(payload))
-        check("no order", library.PXTDLListInsertOrdered(names_list, entry, by_name))
+        call("no order", library.PXTDLListInsertOrdered, names_list, entry, by_name)
     ordered = []
     while entry := library.PXTDLListRemoveEntryAtHead(names_list):
         ordered.append(name_of(entry).decode())
@@ -167,18 +178,16 @@ def show_list(*names):
 
 def show_setting(path, seconds):
     value, read, size = c_uint32(seconds), c_uint32(), c_uint32(ctypes.sizeof(c_uint32))
-    ctypes.set_errno(0)
-    check("the setting cannot be written", library.PXTWriteINIPathFileValue(
-        b"poll", b"seconds", QVX_INI_U32, byref(value), ctypes.sizeof(value), path, QVX_LOCK_WAIT))
-    check("the setting cannot be read", library.PXTReadINIPathFileValue(
-        b"poll", b"seconds", QVX_INI_U32, byref(read), byref(size), None, 0, path, QVX_LOCK_WAIT))
+    call("the setting cannot be written", library.PXTWriteINIPathFileValue, b"poll", b"seconds",
+         QVX_INI_U32, byref(value), ctypes.sizeof(value), path, QVX_LOCK_WAIT)
+    call("the setting cannot be read", library.PXTReadINIPathFileValue, b"poll", b"seconds",
+         QVX_INI_U32, byref(read), byref(size), None, 0, path, QVX_LOCK_WAIT)
     print(f"seconds = {read.value}")
 
 
 def show_log(path, text):
-    ctypes.set_errno(0)
-    check("the log cannot be written", library.PXTAppendToXMLLog(
-        path, QVX_LOG_INFORMATION, 7, b"ada", b"qvxcs.py", text.encode(), None, 0, 131072))
+    call("the log cannot be written", library.PXTAppendToXMLLog, path, QVX_LOG_INFORMATION, 7,
+         b"ada", b"qvxcs.py", text.encode(), None, 0, 131072)
     content = owned(library.PXTCmdGetXMLLogContent(path), library.PXTFreeMem)
     print("logged" if text.encode() in content else "not logged")
 

@@ -82,12 +82,14 @@ int main(void) {
   (void)PXTOpenRolemapFile();                    /* finds a missing file and a wrong mode */
   const u32 rights = PXTGetRightsUsingRolemap(); /* reads the lines */
   astring* const path = PXTGetCmdLogPathFileName();
+  errno = 0;
   astring* const log = PXTCmdGetXMLLogContent(path);
-  PXTFreeMem(path);
   if (log == NULL) {
-    fprintf(stderr, "rolemap: the command log cannot be read\n");
+    PrintFailure("rolemap", "the command log cannot be read", QVX_FAILED);
+    PXTFreeMem(path);
     return 2;
   }
+  PXTFreeMem(path);
   const int fault = ShowFirstFault(AfterOurEntry(log));
   PXTXFreeBufContent(log);
   if (fault) return 1;

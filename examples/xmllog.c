@@ -43,7 +43,7 @@ static int Show(const char* path) {
   if (whole) {
     printf("<Log>%s</Log>\n", answer); /* one root element for the log and its status */
   } else {
-    fprintf(stderr, "xmllog: the log cannot be read\n");
+    PrintFailure("xmllog", "the log cannot be read", QVX_FAILED); /* the answer's own status */
   }
   PXTXFreeBufContent(answer);
   return whole ? 0 : 2;

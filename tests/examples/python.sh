@@ -35,6 +35,13 @@ same "the statuses' names" \
   "$(sed -En 's/^#define (SM_STATUS_\w+|QVX_FAILED) (0x\w+)u$/\2 \1/p' "$folder/../include/qvxcs/status.h")" \
   "$(cd "$folder" && python3 -c 'import qvxcs
 for status, name in qvxcs.STATUS_NAMES.items(): print(f"0x{status:04X} {name}")')"
+same "the statuses with a reason" \
+  "$(sed -nE '/HasReason/,/return errno/s/^ *case (\w+):$/\1/p' "$folder/failure.h" | sort)" \
+  "$(cd "$folder" && python3 -c 'import qvxcs; print(*sorted(qvxcs.WITH_REASON), sep="\n")')"
+same "an errno from elsewhere" "no such key (SM_STATUS_KEY_NOT_FOUND)" \
+  "$(cd "$folder" && python3 -c 'import qvxcs
+qvxcs.ctypes.set_errno(2)
+print(qvxcs.Failure("no such key", 0x107))')"
 check 2 "usage: qvxcs.py FOLDER [USER]" "$example"
 LD_LIBRARY_PATH=/nowhere
 check 2 "qvxcs.py: libqvxcs.so.1: cannot open shared object file: No such file or directory" \

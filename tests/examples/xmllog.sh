@@ -52,4 +52,7 @@ check 0 "$(answer "$(entry 0 "Log was cleared")")" show "$log"
 check 2 "xmllog: failed (SM_STATUS_INVALID_PARAMETER)" xmllog add "$log" 1k third
 check 2 "xmllog: failed (SM_STATUS_BAD_ARGUMENT)" xmllog add "$log" 100000 ""
 check 2 "xmllog: failed (QVX_FAILED: No such file or directory)" xmllog clear /tmp/none.xml
+chmod 0600 "$log"
+check 2 "xmllog: the log cannot be read (QVX_FAILED: Permission denied)" \
+  setpriv --reuid 2999 --clear-groups "$(command -v xmllog)" show "$log"
 finish
