@@ -69,12 +69,14 @@ QVX_EXPORT qvx_u32 PXTNVSASCIIToXVal(const qvx_astring* text, qvx_s32 type, void
  * @param[in] count   texts in the vector
  * @param[in] vector  the texts
  * @param[in] name    name whose first value is read; case counts
- * @param[in] type    type code, as PXTNVSASCIIToXVal accepts it
+ * @param[in] type    QVX_TYPE_ASTRING, QVX_TYPE_BOOLN, the code of a number of 8 to 64 bits,
+ *                    QVX_TYPE_D64 or QVX_TYPE_THOUSANDTHS, read as PXTNVSASCIIToXVal() does
  * @param[out] out    room for the value
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_INVALID_PARAMETER when a pointer is NULL, when there is no such name, and as
- *         PXTNVSASCIIToXVal
- * @retval SM_STATUS_BAD_ARGUMENT for a type code that PXTNVSASCIIToXVal does not accept
+ * @retval SM_STATUS_INVALID_PARAMETER when a pointer is NULL or there is no such name; when the
+ *         text is no number or boolean (not for QVX_TYPE_D64), where 0 is stored; when the quotient
+ *         of QVX_TYPE_THOUSANDTHS needs more than 32 bits, where nothing is stored
+ * @retval SM_STATUS_BAD_ARGUMENT for any other type code; nothing is stored
  * @par Memory
  * A value of QVX_TYPE_ASTRING points into the vector's text.
  * @par Threads

@@ -59,9 +59,21 @@ QVX_EXPORT qvx_astring* PXTGetCmdLogPathFileName(void);
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_INVALID_PARAMETER when a text is NULL or the identifier is out of its range;
  *         nothing is written, no log is made
- * @retval SM_STATUS_BAD_ARGUMENT when a text is empty or too long
- * @retval 0xFFFFFFFF when the log cannot be made or opened
- * @retval SM_STATUS_WRITE_FAILED and the other statuses of PXTAppendToXMLLog()
+ * @retval SM_STATUS_BAD_ARGUMENT when a text is empty or too long; no entry is written, but a
+ *         missing log is made
+ * @retval SM_STATUS_NO_MEMORY when another process has just deleted the log, and there is no memory
+ *         for its directory's name
+ * @retval SM_STATUS_NOT_LOADED while the library is not attached; the log is as it was
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken; nothing is appended
+ * @retval SM_STATUS_BAD_DATA when the log has 65 bytes and more and no closing tag, and no kill
+ *         within an append was the cause; it is as it was
+ * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk, or the
+ *         log could not be closed. The entry is taken back: the log is cut and its closing tag
+ *         written again (the first entry leaves an empty file); only where that fails too do later
+ *         appends give SM_STATUS_BAD_DATA, until the log is cleared or mended
+ * @retval 0xFFFFFFFF when a missing log, or one of fewer than 65 bytes, cannot be made, whatever
+ *         the cause; when the time cannot be read, the entry cannot be built whole, or the log
+ *         cannot be opened or measured
  * @par Memory
  * Nothing is handed over.
  * @par Threads
@@ -77,9 +89,20 @@ QVX_EXPORT qvx_u32 PXTAppendToCmdLog(qvx_s32 identifier, const qvx_astring* user
  * @param[in] user    who clears it, 1 to 1,023 bytes, or NULL
  * @param[in] source  the program that clears it, 1 to 1,023 bytes, or NULL
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_BAD_ARGUMENT when a text is empty or too long; the log's entries stay
- * @retval 0xFFFFFFFF when the log cannot be made or deleted
- * @retval SM_STATUS_LOCK_FAILED and the other statuses of PXTClearXMLLog()
+ * @retval SM_STATUS_BAD_ARGUMENT when a text is empty or too long; the log's entries stay, and a
+ *         missing log is made
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken: for the delete, and the log
+ *         stays, or for the new entry, and the old log is gone
+ * @retval SM_STATUS_NO_MEMORY when there is no memory for the directory's name; the old log is gone
+ * @retval SM_STATUS_BAD_DATA when another program has meanwhile put a file without a closing tag in
+ *         the log's place; the old log is gone
+ * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk, or the
+ *         log could not be closed; the old log is gone, and the entry is taken back, which leaves
+ *         an empty file
+ * @retval 0xFFFFFFFF when a missing log, or one of fewer than 65 bytes, cannot be made, whatever
+ *         the cause, or the log cannot be deleted. Also, with the old log gone, when the directory
+ *         cannot be made, the time cannot be read, the entry cannot be built whole, or the new log
+ *         cannot be created, opened or measured
  * @par Memory
  * Nothing is handed over.
  * @par Threads

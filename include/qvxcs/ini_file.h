@@ -130,26 +130,42 @@ QVX_EXPORT qvx_u32 PXTReadINIPathFileValue(const qvx_astring* section, const qvx
 /**
  * Reads a value of a file in the product's INI directory.
  *
- * The file is "/etc/cim/zarn/plinthos/vexilon//qvx/ini/" and the name, cut at 255 characters. For
- * all else see PXTReadINIPathFileValue().
+ * The file is "/etc/cim/zarn/plinthos/vexilon//qvx/ini/" and the name, cut at 255 characters. How
+ * lists and texts are read, and when the default is used, is told with PXTReadINIPathFileValue();
+ * without an install path no default is stored.
  *
  * @param[in] section       the section, or NULL (QVX_INI_ASTRING) to list the sections
  * @param[in] key           the key, or NULL (QVX_INI_ASTRING) to list the keys
  * @param[in] type          one of `QVXIniType`
  * @param[out] value        room for the value
- * @param[in,out] size      bytes of room, then the bytes delivered
+ * @param[in,out] size      bytes of room; then the bytes delivered for texts and binary values;
+ *                          unchanged for the other types unless the default is used
  * @param[in] defaultValue  a value of the type, or NULL for none
- * @param[in] defaultSize   its bytes
+ * @param[in] defaultSize   its bytes; for QVX_INI_USTRING exactly those of the text with its 0 unit
  * @param[in] fileName      the file's bare name
  * @param[in] lockFlag      QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_BAD_ARGUMENT when `fileName` is NULL, else as PXTReadINIPathFileValue()
+ * @retval SM_STATUS_BAD_ARGUMENT when value, size or `fileName` is NULL, section or key is NULL for
+ * a type other than QVX_INI_ASTRING, `*size` is less than the type's least size (2 for a list), the
+ * type is unknown or the default of QVX_INI_USTRING is not a text of its size
+ * @retval SM_STATUS_LOCK_FAILED when the lock could not be taken
+ * @retval SM_STATUS_FILE_OPEN_FAILED when the file is missing, cannot be opened or is not a regular
+ * file
+ * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header comes before the section (in a list
+ * of sections: anywhere), or the rest of the file cannot be read
+ * @retval SM_STATUS_SECTION_NOT_FOUND when the file has no such section, or none at all
+ * @retval SM_STATUS_KEY_NOT_FOUND when the section has no such key, or none at all
+ * @retval SM_STATUS_BUFFER_TOO_SMALL when text, bytes or list do not fit: `*size` is the size
+ * needed. The value is unchanged (QVX_INI_ASTRING) or holds the bytes or names that fit
+ * @retval SM_STATUS_DATA_TOO_LARGE when the text is not a `booln`, or one of its bytes is negative
+ * or above 255
  * @retval -1 when the product has no install path, or without memory
- * @retval other: the statuses of PXTReadINIPathFileValue()
  * @par Memory
  * `value` stays the caller's; nothing is allocated for the caller.
  * @par Threads
  * Any thread may call; the beginning of `ini_file.h` describes the lock.
+ * @par Standards
+ * ISO C strtod for QVX_INI_D64, in the current locale.
  */
 QVX_EXPORT qvx_u32 PXTReadINIFileValue(const qvx_astring* section, const qvx_astring* key,
                                        qvx_s32 type, void* value, qvx_u32* size,
@@ -231,24 +247,43 @@ QVX_EXPORT qvx_u32 PXTWriteINIPathFileValue(const qvx_astring* section, const qv
 /**
  * Sets or deletes a key of a file in the product's INI directory.
  *
- * The file is "/etc/cim/zarn/plinthos/vexilon//qvx/ini/" and the name, cut at 255 characters. For
- * all else see PXTWriteINIPathFileValue().
+ * The file is "/etc/cim/zarn/plinthos/vexilon//qvx/ini/" and the name, cut at 255 characters. How
+ * the file is changed is told with PXTWriteINIPathFileValue(). A NULL value with size 0 deletes the
+ * key (texts and binary values); deleting a key that the section does not have is a success.
  *
  * @param[in] section   at most 255 characters
  * @param[in] key       at most 255 characters
  * @param[in] type      one of `QVXIniType`
  * @param[in] value     the value, or NULL to delete
- * @param[in] size      its bytes
+ * @param[in] size      its bytes. QVX_INI_ASTRING: length plus one, 8,193 at most. QVX_INI_USTRING:
+ * units and 0 unit, 2,048 at most. QVX_INI_BINARY: 1 to 2,048. Others: at least the type's size. A
+ * list of bytes longer than 8,192 characters is not written, so the limit of QVX_INI_USTRING and
+ * QVX_INI_BINARY is 1,638 bytes
  * @param[in] fileName  the file's bare name
  * @param[in] lockFlag  QVX_LOCK_WAIT to wait for the lock, any other to try once
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_BAD_ARGUMENT when `fileName` is NULL, else as PXTWriteINIPathFileValue()
- * @retval -1 when the product has no install path, else as PXTWriteINIPathFileValue()
- * @retval other: the statuses of PXTWriteINIPathFileValue()
+ * @retval SM_STATUS_BAD_ARGUMENT when section, key or `fileName` is NULL, a name is too long, the
+ * value is NULL and its type is neither text nor binary, or the type is unknown
+ * @retval SM_STATUS_DATA_TOO_LARGE when the size does not fit the value, or a key is to be deleted
+ * from a missing section or file
+ * @retval SM_STATUS_LOCK_FAILED when the lock could not be taken
+ * @retval SM_STATUS_FILE_OPEN_FAILED when the file or its copy cannot be opened
+ * @retval SM_STATUS_BAD_SECTION_HEADER when a malformed header comes before the section, or the
+ * rest of the file cannot be read
+ * @retval SM_STATUS_WRITE_FAILED when the disk is full or fails
+ * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced
+ * @retval SM_STATUS_FILE_CREATE_FAILED when the copy cannot be moved
+ * @retval -1 when the product has no install path, the directory cannot be created, or without
+ * memory
+ *
+ * After a failure the file's text is unchanged. A file that was to be created may be left empty,
+ * and a copy may remain; the next change removes the copy.
  * @par Memory
  * Keeps nothing of the caller's.
  * @par Threads
  * Any thread may call; the beginning of `ini_file.h` describes the lock.
+ * @par Standards
+ * ISO C printf for QVX_INI_D64, in the current locale.
  */
 QVX_EXPORT qvx_u32 PXTWriteINIFileValue(const qvx_astring* section, const qvx_astring* key,
                                         qvx_s32 type, const void* value, qvx_s32 size,

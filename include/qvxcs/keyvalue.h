@@ -54,7 +54,9 @@ QVX_EXPORT PXTKeyValue* PXTCFGGetKeyValueEntries(const qvx_astring* name, qvx_u3
  *
  * @param[in] name    the file, relative to the product's INI path
  * @param[out] count  the number of entries, 0 with a NULL result
- * @return as `PXTCFGGetKeyValueEntries`; NULL also when the product's INI path is not available
+ * @return the entries in the order of the file; NULL when an argument is NULL, the product's INI
+ *         path is not available, the lock cannot be taken, the file cannot be read or holds no
+ *         entry, or without memory
  * @par Memory
  * The caller frees the array with `PXTCFGFreeKeyValueEntries`.
  * @par Threads
@@ -132,11 +134,12 @@ QVX_EXPORT qvx_u32 PXTCFGSetKeyValue(const qvx_astring* name, const PXTKeyValue*
  * @param[in] pair   key and value, written as they are
  * @param[in] index  the occurrence, counted from 0
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_INVALID_PARAMETER as `PXTCFGSetKeyValue`
- * @retval SM_STATUS_DATA_TOO_LARGE as `PXTCFGSetKeyValue`
+ * @retval SM_STATUS_INVALID_PARAMETER when `name`, `pair`, its key or its value is NULL, or the key
+ *         occurs less than `index` times in the file
+ * @retval SM_STATUS_DATA_TOO_LARGE when key and value have more than 8,448 characters together
  * @retval SM_STATUS_LOCK_FAILED
- * @retval SM_STATUS_FILE_OPEN_ERROR when the product's INI path is not available, or the file or
- * its copy cannot be opened
+ * @retval SM_STATUS_FILE_OPEN_ERROR when the product's INI path is not available, the name is the
+ *         copy's own, or the file or its copy cannot be opened
  * @retval SM_STATUS_WRITE_FAILED
  * @retval SM_STATUS_NO_MEMORY
  * @retval SM_STATUS_FILE_DELETE_FAILED when the file is protected against being replaced

@@ -228,11 +228,16 @@ QVX_EXPORT qvx_u32 PXTASCIIToUnSigned32VT(const qvx_astring* text, qvx_u32 base,
 /**
  * Converts text in a given base to a signed 32-bit number.
  *
- * Reads as the unsigned conversion does.
+ * Base 10 accepts digits after an optional sign. Base 8 accepts octal digits. Base 16 accepts
+ * hexadecimal digits of one case, but the text itself decides how they are read: with "0x" as
+ * hexadecimal, else with a leading 0 as octal, else as decimal, each up to the first digit that
+ * does not belong.
  *
  * @param[in] text     the text, without white space
  * @param[in] base     QVX_BASE_OCTAL, QVX_BASE_DECIMAL or QVX_BASE_HEXADECIMAL
- * @param[out] status  as for the unsigned conversion; NULL is allowed
+ * @param[out] status  `SM_STATUS_SUCCESS`; `SM_STATUS_INVALID_PARAMETER` when the text is NULL,
+ *                     empty, no number of the base or a sign alone, or the base another; NULL is
+ *                     allowed
  * @return the low 32 bits of the number; 0 for a text that is none and for another base
  * @par Memory
  * Reads the text only.
@@ -249,7 +254,8 @@ QVX_EXPORT qvx_s32 PXTASCIIToSigned32VT(const qvx_astring* text, qvx_u32 base, q
  * @param[out] status  `SM_STATUS_SUCCESS`, for a sign alone too; `SM_STATUS_INVALID_PARAMETER` when
  *                     the text is NULL, empty or not of the base's digits, or the base
  *                     another; NULL is allowed
- * @return in base 10 what `PXTASCIIToUnSigned64` returns, so 0 for a text with "-"; in the others 0
+ * @return in base 10 the number modulo 2 to the 64th, 0 for a text that is none and for one with
+ *         "-"; in the others 0
  * @par Memory
  * Reads the text only.
  * @par Threads
@@ -262,8 +268,10 @@ QVX_EXPORT qvx_u64 PXTASCIIToUnSigned64VT(const qvx_astring* text, qvx_u32 base,
  *
  * @param[in] text     the text, without white space
  * @param[in] base     QVX_BASE_OCTAL, QVX_BASE_DECIMAL or QVX_BASE_HEXADECIMAL
- * @param[out] status  as for the unsigned conversion; NULL is allowed
- * @return in base 10 what `PXTASCIIToSigned64` returns; in the others 0
+ * @param[out] status  `SM_STATUS_SUCCESS`, for a sign alone too; `SM_STATUS_INVALID_PARAMETER` when
+ *                     the text is NULL, empty or not of the base's digits, or the base
+ *                     another; NULL is allowed
+ * @return in base 10 the number modulo 2 to the 64th, 0 for a text that is none; in the others 0
  * @par Memory
  * Reads the text only.
  * @par Threads

@@ -76,7 +76,17 @@ enum QVXLogLimit {
  * @param[in] user    1 to 1,023 bytes, or NULL; looked at only where the entry is written
  * @param[in] source  1 to 1,023 bytes, or NULL; likewise
  * @retval SM_STATUS_SUCCESS
- * @retval SM_STATUS_BAD_ARGUMENT and the other statuses of PXTAppendToXMLLog()
+ * @retval SM_STATUS_BAD_ARGUMENT when `path` is NULL, or the entry is to be written and a text is
+ *         empty or too long; nothing is touched
+ * @retval SM_STATUS_NO_MEMORY when there is no memory for the directory's name
+ * @retval SM_STATUS_NOT_LOADED while the library is not attached; no log is made
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken; no log is made
+ * @retval SM_STATUS_BAD_DATA when another program has meanwhile put a file without a closing tag in
+ *         the log's place; it is as it was
+ * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk, or the
+ *         log could not be closed. The entry is taken back, which leaves an empty file
+ * @retval 0xFFFFFFFF when the directory cannot be made, the time cannot be read, the entry cannot
+ *         be built whole, or the log cannot be looked at, opened, created or measured
  * @par Memory
  * Nothing is handed over.
  * @par Threads
@@ -97,9 +107,17 @@ QVX_EXPORT qvx_u32 PXTForceXMLLogExists(const qvx_astring* path, const qvx_astri
  * @param[in] source  1 to 1,023 bytes, or NULL
  * @retval SM_STATUS_SUCCESS
  * @retval SM_STATUS_BAD_ARGUMENT when `path` is NULL or a text is empty or too long; the log stays
- * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken; the log stays
- * @retval 0xFFFFFFFF when the log cannot be deleted, a missing one included; nothing is created
- * @retval SM_STATUS_WRITE_FAILED and the other statuses of PXTAppendToXMLLog(): the old log is gone
+ * @retval SM_STATUS_LOCK_FAILED when the file lock cannot be taken: for the delete, and the log
+ *         stays, or for the new entry, and the old log is gone
+ * @retval SM_STATUS_NO_MEMORY when there is no memory for the directory's name; the old log is gone
+ * @retval SM_STATUS_BAD_DATA when another program has meanwhile put a file without a closing tag in
+ *         the log's place; the old log is gone
+ * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk, or the
+ *         log could not be closed; the old log is gone, and the entry is taken back, which leaves
+ *         an empty file
+ * @retval 0xFFFFFFFF when the log cannot be deleted, a missing one included: nothing is created.
+ *         Also, with the old log gone, when the directory cannot be made, the time cannot be read,
+ *         the entry cannot be built whole, or the new log cannot be created, opened or measured
  * @par Memory
  * Nothing is handed over.
  * @par Threads
@@ -138,7 +156,7 @@ QVX_EXPORT qvx_u32 PXTClearXMLLog(const qvx_astring* path, const qvx_astring* us
  * @retval SM_STATUS_WRITE_FAILED when the entry was not written whole, as on a full disk, or the
  * log could not be closed. The entry is taken back: the log is cut and its closing tag written
  * again (the first entry leaves an empty file); only where that fails too do later appends give
- * SM_STATUS_BAD_DATA, until the log is cleared.
+ * SM_STATUS_BAD_DATA, until the log is cleared or mended
  * @retval 0xFFFFFFFF when the directory cannot be made, the time cannot be read, the entry cannot
  *         be built whole, or the log cannot be opened, created or measured
  * @par Memory
