@@ -11,7 +11,8 @@ namespace qvx::ctl {
 // is destroyed.
 class Password {
  public:
-  // Throws a Failure when there is no line, or one longer than 255 bytes.
+  // Throws a Failure when there is no line, or one longer than 255 bytes. A signal that ends the
+  // process does so at once, after the bytes are wiped and the echo is back.
   explicit Password(const std::string& prompt);
   ~Password();
   Password(const Password&) = delete;
@@ -20,6 +21,11 @@ class Password {
   [[nodiscard]] const char* Text() const { return text_; }
 
  private:
+  Password() = default;
+  // False when a signal came before the line.
+  bool Ask(const std::string& prompt);
+  void Wipe();
+
   char text_[256] = {};
 };
 
