@@ -98,15 +98,16 @@ ExitCode Repair(const LogArguments& given) {
   return isWhole ? kYes : kNo;
 }
 
+std::string NotEmpty(const std::string& text) { return text.empty() ? "no value is given" : ""; }
+
 CLI::App* AddOne(CLI::App* family, const char* name, const char* text, const Arguments& given,
                  ExitCode* code, ExitCode (*run)(const LogArguments&)) {
   CLI::App* const command = family->add_subcommand(name, text);
-  command->add_option("FILE", given->file, "an XML log; without it the command log");
+  command->add_option("FILE", given->file, "an XML log; without it the command log")
+      ->check(NotEmpty);
   command->callback([given, run, code] { *code = run(*given); });
   return command;
 }
-
-std::string NotEmpty(const std::string& text) { return text.empty() ? "no value is given" : ""; }
 
 void AddView(CLI::App* command, const Arguments& given) {
   command->add_option_function<std::string>(

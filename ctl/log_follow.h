@@ -24,7 +24,7 @@ class LogFollower {
   // Shows what is there now, and what came since in files that have been moved.
   void Advance();
 
-  // A log that has no file yet.
+  // False while the log has no file yet.
   [[nodiscard]] bool HasLog() const { return file_ != nullptr; }
 
  private:

@@ -4,6 +4,7 @@
 
 #include "ctl/log_follow.h"
 #include "ctl/log_watch.h"
+#include "ctl/output.h"
 
 namespace qvx::ctl {
 namespace {
@@ -38,11 +39,13 @@ void FollowLog(const std::string& path, const LogView& view, const std::string& 
   const StopSignals signals;
   LogWatch watch(path);
   LogFollower follower(path, view, statePath, &watch);
-  while (toldToStop == 0) {
-    follower.Advance();
-    watch.Wait(signals.Waiting());
-  }
   follower.Advance();
+  // Right for a service that starts first; a wrong name would look like a quiet log.
+  if (!follower.HasLog()) Warn(path + " does not exist yet; waiting for it");
+  while (toldToStop == 0) {
+    watch.Wait(signals.Waiting());
+    follower.Advance();
+  }
 }
 
 }  // namespace qvx::ctl

@@ -248,6 +248,14 @@ TEST_F(CtlLog, AMissingLogCouldNotBeTold) {
   EXPECT_EQ(RunTool({"log", "repair", "/tmp/logs/none.xml"}).code, 3);
 }
 
+TEST_F(CtlLog, AnEmptyNameIsNoFile) {
+  for (const char* command : {"show", "follow", "clear", "repair"}) {
+    EXPECT_EQ(RunTool({"log", command, ""}),
+              (Answer{2, "", "qvxctl: FILE: no value is given (see qvxctl --help)\n"}))
+        << command;
+  }
+}
+
 TEST_F(CtlLog, WhatIsNoRegularFileIsNamedSo) {
   ASSERT_EQ(mkfifo("/tmp/logs/fifo", 0600), 0);
   for (const char* name : {"/tmp/logs/fifo", "/dev/null"}) {

@@ -124,6 +124,16 @@ TEST_F(CtlFollow, WaitsForALogThatIsNotThereYet) {
   EXPECT_EQ(Descriptions(tool.Lines(2)), Numbers(1, 2));
 }
 
+TEST_F(CtlFollow, ALogThatIsNotThereYetIsWarnedOfOnce) {
+  for (const char* path : {"/tmp/logs/none.xml", "/tmp/none/none.xml"}) {
+    RunningTool tool({"log", "follow", path});
+    sleep(2);
+    EXPECT_EQ(Stop(&tool), (Answer{0, "",
+                                   "qvxctl: warning: " + std::string(path) +
+                                       " does not exist yet; waiting for it\n"}));
+  }
+}
+
 TEST_F(CtlFollow, GoesOnOverAMoveToTheBackup) {
   RunningTool tool(kFollow);
   (void)tool.Lines(3);
@@ -404,9 +414,9 @@ int AppendByLibrary(int from, int to, u32 maximum = 10000) {
 
 TEST_F(CtlFollow, OverManyMovesOfALiveLogNothingIsLostOrShownTwice) {
   ASSERT_EQ(unlink(kLog), 0);
+  ASSERT_EQ(test::InChild([] { return AppendByLibrary(1, 1); }), 0);
   RunningTool tool({"log", "follow", kLog, "--id", "7", "--state", kState});
   // The follower has the log open before it moves.
-  ASSERT_EQ(test::InChild([] { return AppendByLibrary(1, 1); }), 0);
   (void)tool.Lines(1);
   for (int first = 2; first <= 362; first += 60) {
     // Up to two moves between two looks.
