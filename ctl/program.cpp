@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 
 #include "ctl/commands.h"
@@ -38,6 +39,15 @@ Failure UsageFailure(const std::string& message) {
   return {kUsage, message + " (see qvxctl --help)"};
 }
 
+// Help or the version, which the parser throws.
+ExitCode Answer(const CLI::App& program, const CLI::ParseError& error) {
+  std::ostringstream text;
+  (void)program.exit(error, text, text);
+  Print(text.str());
+  FlushOutput();
+  return kYes;
+}
+
 ExitCode Run(int argc, char** argv) {
   ExitCode code = kYes;
   CLI::App program("Checks and mends what libqvxcs keeps on this machine.", "qvxctl");
@@ -48,7 +58,7 @@ ExitCode Run(int argc, char** argv) {
     throw UsageFailure(error.what() +
                        (": a whole number from 0 to " + std::to_string(kMostNumber)));
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return static_cast<ExitCode>(program.exit(error));
+    if (error.get_exit_code() == 0) return Answer(program, error);
     const bool isEarly = argc > 2 && argv[1][0] == '-';
     throw UsageFailure(error.what() +
                        std::string(isEarly ? ": options come after the subcommand" : ""));

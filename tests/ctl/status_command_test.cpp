@@ -100,6 +100,15 @@ TEST(CtlUsage, AFullDiskIsToldWithItsReason) {
   EXPECT_EQ(test::ReadFile("/tmp/full.err"), "qvxctl: stdout: No space left on device\n");
 }
 
+TEST(CtlUsage, AFullDiskIsToldOfHelpToo) {
+  for (const char* words : {"--help", "--version", "log show --help"}) {
+    const std::string line =
+        std::string(QVX_CTL_PROGRAM) + " " + words + " >/dev/full 2>/tmp/full.err";
+    EXPECT_EQ(WEXITSTATUS(system(line.c_str())), 3) << words;
+    EXPECT_EQ(test::ReadFile("/tmp/full.err"), "qvxctl: stdout: No space left on device\n");
+  }
+}
+
 TEST(CtlUsage, AReaderThatHasGoneEndsTheCommandInSilence) {
   const std::string line = "bash -c '" + std::string(QVX_CTL_PROGRAM) +
                            " --help 2>/tmp/gone.err | true; exit ${PIPESTATUS[0]}'";
