@@ -8,6 +8,7 @@
 #include <exception>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "ctl/commands.h"
 
@@ -48,6 +49,16 @@ ExitCode Answer(const CLI::App& program, const CLI::ParseError& error) {
   return kYes;
 }
 
+// What the words that were not taken say about the one that is missing.
+std::string HintOfMissing(const CLI::App& program, const std::string& message) {
+  const std::vector<std::string> left = program.remaining(true);
+  if (left.empty()) return "";
+  const bool lacksCommand = message == CLI::RequiredError::Subcommand(1).what();
+  if (lacksCommand) return ", \"" + left.front() + "\" is none";
+  if (left.front().rfind('-', 0) != 0) return "";
+  return ": an argument that begins with \"-\" comes after \"--\", behind the options";
+}
+
 ExitCode Run(int argc, char** argv) {
   ExitCode code = kYes;
   CLI::App program("Checks and mends what libqvxcs keeps on this machine.", "qvxctl");
@@ -59,9 +70,11 @@ ExitCode Run(int argc, char** argv) {
                        (": a whole number from 0 to " + std::to_string(kMostNumber)));
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return Answer(program, error);
-    const bool isEarly = argc > 2 && argv[1][0] == '-';
-    throw UsageFailure(error.what() +
-                       std::string(isEarly ? ": options come after the subcommand" : ""));
+    if (argc > 2 && argv[1][0] == '-') {
+      throw UsageFailure(error.what() + std::string(": options come after the subcommand"));
+    }
+    const bool isMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+    throw UsageFailure(error.what() + (isMissing ? HintOfMissing(program, error.what()) : ""));
   }
   FlushOutput();
   return code;

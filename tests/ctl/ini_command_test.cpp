@@ -80,6 +80,12 @@ TEST_F(CtlIni, SetTakesPlainDecimalDoublesAlone) {
   EXPECT_EQ(set("1e-310"), kDone);  // less than a normal number
 }
 
+TEST_F(CtlIni, SetTakesWhatBeginsWithAMinusAfterTwoOfThem) {
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "New", "d", "--type", "d64", "--", "-inf"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "get", kFile, "New", "d", "--type", "d64"}).out, "-inf\n");
+  EXPECT_EQ(RunTool({"ini", "set", kFile, "Log", "level", "-5", "--type", "s32"}), kDone);
+}
+
 TEST_F(CtlIni, InfinityAndNoNumberAreShownAsText) {
   WriteFile(kFile, "[A]\na=inf\nb=-inf\nc=nan\nd=-nan\ne=1.5\n");
   const auto get = [](const char* key, const char* how) {

@@ -87,6 +87,31 @@ TEST(CtlUsage, AnOptionBeforeItsSubcommandIsToldItsPlace) {
   EXPECT_EQ(RunTool({"status", "1", "--jason"}).err.find("options come after"), std::string::npos);
 }
 
+TEST(CtlUsage, AnUnknownSubcommandIsNamed) {
+  EXPECT_EQ(
+      RunTool({"foo"}),
+      (Answer{2, "", "qvxctl: A subcommand is required, \"foo\" is none (see qvxctl --help)\n"}));
+  EXPECT_EQ(
+      RunTool({"log", "shw", "a.xml"}),
+      (Answer{2, "", "qvxctl: A subcommand is required, \"shw\" is none (see qvxctl --help)\n"}));
+  EXPECT_EQ(RunTool({"log"}).err, "qvxctl: A subcommand is required (see qvxctl --help)\n");
+}
+
+TEST(CtlUsage, AnArgumentThatIsTakenForAnOptionIsToldItsPlace) {
+  const auto missing = [](const std::string& name) {
+    return Answer{2, "",
+                  "qvxctl: " + name +
+                      " is required: an argument that begins with \"-\" comes after \"--\", "
+                      "behind the options (see qvxctl --help)\n"};
+  };
+  EXPECT_EQ(RunTool({"conf", "set", "/tmp/a", "k", "-x"}), missing("VALUE"));
+  EXPECT_EQ(RunTool({"ini", "set", "/tmp/a.ini", "A", "k", "-inf", "--type", "d64"}),
+            missing("VALUE"));
+  EXPECT_EQ(RunTool({"ini", "get", "/tmp/a.ini", "A", "-k"}), missing("KEY"));
+  EXPECT_EQ(RunTool({"conf", "get", "/tmp/a", "--json"}).err,
+            "qvxctl: KEY is required (see qvxctl --help)\n");
+}
+
 TEST(CtlUsage, HelpIsAnAnswer) {
   const Answer answer = RunTool({"status", "--help"});
   EXPECT_EQ(answer.code, 0);
