@@ -56,7 +56,11 @@ bool IsInCalendar(const std::tm& parts) {
       .ok();
 }
 
+// strptime would take "26-11-22" for a day of the year 26.
+bool BeginsWithYear(const std::string& text) { return text.find_first_not_of("0123456789") == 4; }
+
 std::optional<s64> ParseDate(const std::string& text) {
+  if (!BeginsWithYear(text)) return std::nullopt;
   for (const char* format : {"%Y-%m-%d", "%Y-%m-%d %H:%M", "%Y-%m-%d %H:%M:%S"}) {
     std::tm parts{};
     parts.tm_isdst = -1;

@@ -61,8 +61,9 @@ TEST_F(CtlLog, FiltersChooseByTimeUserAndIdentifier) {
 }
 
 TEST_F(CtlLog, AnImpossibleOrEmptyTimeIsRefused) {
-  for (const char* time : {"", "2023-02-31", "2023-02-29 10:00", "2023-04-31 00:00:00",
-                           "2023-13-01", "2023-11-14 24:00", "2023-11-14 22:60"}) {
+  for (const char* time :
+       {"", "2023-02-31", "2023-02-29 10:00", "2023-04-31 00:00:00", "2023-13-01",
+        "2023-11-14 24:00", "2023-11-14 22:60", "23-11-14", "123-11-14 10:00", "02023-11-14"}) {
     EXPECT_EQ(RunTool({"log", "show", kLog, "--since", time}),
               (Answer{2, "", "qvxctl: log: \"" + std::string(time) + "\" is no time\n"}));
   }
