@@ -68,6 +68,8 @@ bool IniFile::Has(const char* what, const std::string& section, const std::strin
 
 std::vector<std::string> IniFile::List(const std::optional<std::string>& section) const {
   Prepare("ini list");
+  // The status of a list that has no name: the file or the section itself was found.
+  const u32 nothing = section ? SM_STATUS_KEY_NOT_FOUND : SM_STATUS_SECTION_NOT_FOUND;
   for (u32 room = kListRoom;;) {
     std::vector<u8> list(size_t{room} + 1);
     u32 size = room;
@@ -79,6 +81,7 @@ std::vector<std::string> IniFile::List(const std::optional<std::string>& section
       room = size;
       continue;
     }
+    if (status == nothing) return {};
     if (status != SM_STATUS_SUCCESS) throw CallFailure("ini list", path_, status, errno);
     list.resize(size);
     return SplitNames(list);

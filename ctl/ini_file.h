@@ -25,7 +25,7 @@ class IniFile {
   [[nodiscard]] bool Has(const char* what, const std::string& section,
                          const std::string& key) const;
 
-  // The keys of a section, or without one the sections.
+  // The keys of a section, or without one the sections; none of a file or section without any.
   [[nodiscard]] std::vector<std::string> List(const std::optional<std::string>& section) const;
 
   // Sets, or without a value deletes.

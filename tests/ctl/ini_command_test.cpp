@@ -180,6 +180,28 @@ TEST_F(CtlIni, ListShowsSectionsAndKeys) {
   EXPECT_EQ(RunTool({"ini", "list", kFile, "--json"}).out, "{\"sections\":[\"Net\",\"Log\"]}\n");
 }
 
+TEST_F(CtlIni, WhereNothingIsToBeListedTheListIsEmpty) {
+  for (const char* text : {"", "# nothing\n", "early=1\n"}) {
+    WriteFile(kFile, text);
+    EXPECT_EQ(RunTool({"ini", "list", kFile}), kDone) << text;
+    EXPECT_EQ(RunTool({"ini", "list", kFile, "--json"}), (Answer{0, "{\"sections\":[]}\n", ""}));
+  }
+  WriteFile(kFile, "[Net]\n[Log]\nlevel=1\n");
+  EXPECT_EQ(RunTool({"ini", "list", kFile, "Net"}), kDone);
+  EXPECT_EQ(RunTool({"ini", "list", kFile, "Net", "--json"}).out, "{\"keys\":[]}\n");
+}
+
+TEST_F(CtlIni, AListOfWhatIsNotThereIsAFault) {
+  EXPECT_EQ(RunTool({"ini", "list", kFile, "net"}),
+            (Answer{1, "",
+                    "qvxctl: ini list: /tmp/net.ini: SM_STATUS_SECTION_NOT_FOUND: the INI file "
+                    "has no such section\n"}));
+  EXPECT_EQ(RunTool({"ini", "list", "/tmp/none.ini"}).code, 3);
+  EXPECT_EQ(RunTool({"ini", "list", "/tmp/none.ini", "--json"}).out, "");
+  WriteFile(kFile, "[Bad\n");
+  EXPECT_EQ(RunTool({"ini", "list", kFile}).code, 1);
+}
+
 TEST_F(CtlIni, AListLongerThanTheFirstRoomIsWhole) {
   std::string file;
   std::string expected;
