@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
@@ -92,6 +93,9 @@ std::vector<RoleMapFinding> CheckRoleMap(const std::string& path, bool isLive) {
   }
   CheckBytes(text, &findings);
   CheckEntries(records.List(), &findings);
+  std::stable_sort(
+      findings.begin(), findings.end(),
+      [](const RoleMapFinding& one, const RoleMapFinding& other) { return one.line < other.line; });
   CheckPlace(isLive ? kRoleMapPath : path, isLive, &findings);
   return findings;
 }

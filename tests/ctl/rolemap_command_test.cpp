@@ -112,6 +112,20 @@ TEST_F(CtlRolemap, ShadowedEntriesAreShown) {
             "1: warning: +wheel on srv1 is shadowed by line 2\n");
 }
 
+TEST_F(CtlRolemap, FindingsComeInTheOrderOfTheirLines) {
+  WriteFile(kDraft, "carol * user\n+wheel srv1 user\n+wheel * poweruser\n# end\r\n");
+  ASSERT_EQ(chmod(kDraft, 0644), 0);
+  EXPECT_EQ(RunTool({"rolemap", "check", kDraft}).out,
+            "/tmp/map/draft:1: warning: user carol is unknown here\n"
+            "/tmp/map/draft:2: warning: +wheel on srv1 is shadowed by line 3\n"
+            "/tmp/map/draft:4: warning: ends with a carriage return\n"
+            "/tmp/map/draft: note: the file's mode is neither 0640 nor 01640 but 00644\n");
+  EXPECT_EQ(Finding("alice * user x\r\nbob * boss\n"),
+            "1: warning: ends with a carriage return\n"
+            "/tmp/map/draft:2: fault: the role is none of administrator, poweruser and user\n" +
+                std::string(kRefused));
+}
+
 TEST_F(CtlRolemap, UnknownUsersAndGroupsAreShown) {
   EXPECT_EQ(Finding("carol * user\n"), "1: warning: user carol is unknown here\n");
   EXPECT_EQ(Finding("+staff7 * user\n"), "1: warning: group staff7 is unknown here\n");
