@@ -18,9 +18,9 @@ namespace {
 
 // The lock is held, or its file cannot be reached: then the library could not attach.
 Failure LockFailure(const std::string& what) {
-  const std::string holder = DescribeHolder();
+  const std::string holder = DescribeBlockingHolder();
   Failure failure = StatusFailure(what, SM_STATUS_LOCK_FAILED);
-  if (!holder.empty()) return {kUnknown, failure.what() + (": " + holder + " holds it")};
+  if (!holder.empty()) return {kUnknown, failure.what() + (": held by " + holder)};
   const int reason = ReasonNotReadable(LockFilePath());
   if (reason == 0) return failure;
   return StatusFailure(what + ": " + LockFilePath(), SM_STATUS_LOCK_FAILED, reason);
@@ -57,11 +57,11 @@ Failure CallFailure(const std::string& what, const std::string& path, u32 status
 }
 
 bool IsLockOutOfReach() {
-  return ReasonNotReadable(LockFilePath()) != 0 || !DescribeHolder().empty();
+  return ReasonNotReadable(LockFilePath()) != 0 || !DescribeBlockingHolder().empty();
 }
 
 void RequireFreeLock(const std::string& what) {
-  const std::string holder = DescribeHolder();
+  const std::string holder = DescribeBlockingHolder();
   if (holder.empty()) return;
   throw LockFailure(what);
 }

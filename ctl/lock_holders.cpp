@@ -127,6 +127,31 @@ bool ParseLock(const std::string& line, const LockedFile& wanted, LockHolder* ho
   return id.major == wanted.major && id.minor == wanted.minor && id.inode == wanted.inode;
 }
 
+std::string Describe(const LockHolder& holder) {
+  const std::string process =
+      "process " + std::to_string(holder.process) + " (" + holder.command + ")";
+  return holder.writes ? process : process + ", which reads";
+}
+
+// A writer if there is one; a reader only where all holders count.
+std::string DescribeFirst(bool writersAlone) {
+  std::string reader;
+  try {
+    for (const LockHolder& holder : FindLockHolders()) {
+      if (holder.waits) continue;
+      if (holder.writes) return Describe(holder);
+      if (reader.empty()) reader = Describe(holder);
+    }
+  } catch (const Failure&) {
+    return "";
+  }
+  return writersAlone ? "" : reader;
+}
+
+bool MayWrite(const std::string& path) {
+  return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
 }  // namespace
 
 std::string LockFilePath() { return ShownPath(kIPCFilePath); }
@@ -147,16 +172,8 @@ std::vector<LockHolder> FindLockHolders() {
   return holders;
 }
 
-std::string DescribeHolder() {
-  try {
-    for (const LockHolder& holder : FindLockHolders()) {
-      if (holder.waits || !holder.writes) continue;
-      return "process " + std::to_string(holder.process) + " (" + holder.command + ")";
-    }
-  } catch (const Failure&) {
-    return "";
-  }
-  return "";
-}
+std::string DescribeHolder() { return DescribeFirst(false); }
+
+std::string DescribeBlockingHolder() { return DescribeFirst(!MayWrite(LockFilePath())); }
 
 }  // namespace qvx::ctl

@@ -26,9 +26,13 @@ std::string LockFilePath();
 // Of the product's lock file. Throws a Failure where the file or the list cannot be examined.
 std::vector<LockHolder> FindLockHolders();
 
-// "process 12 (name)" of the first process that holds the lock; empty when no process does or none
-// is known.
+// "process 12 (name)" of a process that holds the lock, followed by ", which reads" when only
+// readers do; empty when no process does or none is known.
 std::string DescribeHolder();
+
+// The same of one that keeps this process from loading the library. A process that may only read
+// the lock file takes a shared lock, which readers do not block.
+std::string DescribeBlockingHolder();
 
 }  // namespace qvx::ctl
 

@@ -131,6 +131,16 @@ TEST_F(CtlDoctor, AHolderIsNamedAlsoWhereAnyoneMayHoldTheLock) {
       << line;
 }
 
+TEST_F(CtlDoctor, AReaderOfTheLockIsNamedToo) {
+  ASSERT_EQ(chmod(kIPCFilePath, 0644), 0);
+  test::LockHolder reader(kIPCFilePath, 0, F_RDLCK);
+  const std::string line = LineOf("lock file");
+  EXPECT_EQ(line.rfind("warning lock file: held by process ", 0), 0u) << line;
+  EXPECT_NE(line.find("), which reads, mode 0644: anyone can hold up the suite by a lock; mend: "),
+            std::string::npos)
+      << line;
+}
+
 TEST_F(CtlDoctor, JsonHasAnObjectForEachPart) {
   const Answer answer = RunTool({"doctor", "--json"});
   EXPECT_EQ(answer.out.rfind("[{\"part\":\"folders\",\"health\":\"good\",\"text\":\"all there\","

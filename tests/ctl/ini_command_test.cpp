@@ -17,6 +17,7 @@ using test::RunTool;
 using test::WriteFile;
 
 constexpr char kFile[] = "/tmp/net.ini";
+constexpr unsigned kLongHold = 20000000;  // microseconds; a command that waits shows it
 const Answer kDone{0, "", ""};
 
 class CtlIni : public ::testing::Test {
@@ -219,11 +220,46 @@ TEST_F(CtlIni, AHeldLockEndsTheCommandAndNamesItsHolder) {
   const Answer answer = RunTool({"ini", "get", kFile, "Net", "port"});
   EXPECT_EQ(answer.code, 3);
   EXPECT_EQ(answer.err.rfind("qvxctl: ini get: SM_STATUS_LOCK_FAILED: the suite's file lock could "
-                             "not be taken: process ",
+                             "not be taken: held by process ",
                              0),
             0u)
       << answer.err;
   EXPECT_NE(answer.err.find("qvx_ctl_tests"), std::string::npos) << answer.err;
+}
+
+TEST_F(CtlIni, AReaderOfTheLockEndsTheCommandAndIsNamed) {
+  test::WriteFile(kIPCFilePath, "");
+  const std::string before = ReadFile(kFile);
+  for (const test::Words& words : {test::Words{"ini", "get", kFile, "Net", "port"},
+                                   {"ini", "set", kFile, "Net", "port", "1"},
+                                   {"ini", "list", kFile},
+                                   {"ini", "delete", kFile, "Net", "port"}}) {
+    test::LockHolder reader(kIPCFilePath, kLongHold, F_RDLCK);
+    const Answer answer = RunTool(words);
+    EXPECT_EQ(answer.code, 3) << words[1];
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err.rfind("qvxctl: ini " + words[1] +
+                                   ": SM_STATUS_LOCK_FAILED: the suite's file lock could not be "
+                                   "taken: held by process ",
+                               0),
+              0u)
+        << answer.err;
+    EXPECT_TRUE(answer.err.ends_with("), which reads\n")) << answer.err;
+  }
+  EXPECT_EQ(ReadFile(kFile), before);
+}
+
+TEST_F(CtlIni, AReaderOfTheLockDoesNotBlockAUserWhoMayOnlyReadIt) {
+  test::WriteFile(kIPCFilePath, "");
+  ASSERT_EQ(chmod(kIPCFilePath, 0644), 0);
+  ASSERT_EQ(chmod(kFile, 0644), 0);
+  test::LockHolder reader(kIPCFilePath, kLongHold, F_RDLCK);
+  EXPECT_EQ(test::RunToolAsNobody({"ini", "get", kFile, "Net", "port", "--wait"}),
+            (Answer{0, "8080\n", ""}));
+  EXPECT_FALSE(test::LockIsFree());
+  const Answer answer = test::RunToolAsNobody({"ini", "get", kFile, "Net", "port"});
+  EXPECT_EQ(answer.code, 3);
+  EXPECT_EQ(answer.err.find("process"), std::string::npos) << answer.err;
 }
 
 TEST_F(CtlIni, WithWaitAHeldLockIsWaitedFor) {

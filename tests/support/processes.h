@@ -57,11 +57,13 @@ inline bool LockIsFree() {
          }) == 0;
 }
 
-// Another process that holds an exclusive record lock over a whole file, the suite's lock file if
-// no other is named, from construction to Release() or Kill(), or for the given time.
+// Another process that holds a record lock over a whole file, the suite's lock file if no other is
+// named, from construction to Release() or Kill(), or for the given time. The lock is exclusive
+// unless `type` is F_RDLCK.
 class LockHolder {
  public:
-  explicit LockHolder(const char* path = kIPCFilePath, unsigned microseconds = 0) {
+  explicit LockHolder(const char* path = kIPCFilePath, unsigned microseconds = 0,
+                      short type = F_WRLCK) {
     int ready[2];
     int go[2];
     if (pipe2(ready, O_CLOEXEC) != 0 || pipe2(go, O_CLOEXEC) != 0) {
@@ -70,7 +72,7 @@ class LockHolder {
     child_ = fork();
     if (child_ == 0) {
       close(go[1]);
-      Hold(path, ready[1], go[0], microseconds);
+      Hold(path, ready[1], go[0], microseconds, type);
     }
     close(ready[1]);
     close(go[0]);
@@ -100,16 +102,17 @@ class LockHolder {
   }
 
  private:
-  [[noreturn]] static void Hold(const char* path, int ready, int go, unsigned microseconds) {
+  [[noreturn]] static void Hold(const char* path, int ready, int go, unsigned microseconds,
+                                short type) {
     struct flock whole = {};
-    whole.l_type = F_WRLCK;
+    whole.l_type = type;
     whole.l_whence = SEEK_SET;
     const int file = open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0664);
     if (file < 0 || fcntl(file, F_SETLK, &whole) != 0 || write(ready, "r", 1) != 1) {
       _exit(1);
     }
     pollfd released = {go, POLLIN, 0};
-    const timespec time = {0, static_cast<long>(microseconds) * 1000};
+    const timespec time = {microseconds / 1000000, microseconds % 1000000 * 1000L};
     (void)ppoll(&released, 1, microseconds == 0 ? nullptr : &time, nullptr);
     _exit(0);
   }
