@@ -56,10 +56,6 @@ Failure CallFailure(const std::string& what, const std::string& path, u32 status
   }
 }
 
-bool IsLockOutOfReach() {
-  return ReasonNotReadable(LockFilePath()) != 0 || !DescribeBlockingHolder().empty();
-}
-
 void RequireFreeLock(const std::string& what) {
   const std::string holder = DescribeBlockingHolder();
   if (holder.empty()) return;

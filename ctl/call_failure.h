@@ -18,9 +18,6 @@ Failure CallFailure(const std::string& what, const std::string& path, u32 status
 // Why a regular file cannot be opened for reading: an errno or kNoRegularFile; 0 where it can.
 int ReasonNotReadable(const std::string& path);
 
-// Whether the suite's lock cannot be opened or another process holds it.
-bool IsLockOutOfReach();
-
 // Ends the command when another process holds the suite's lock: loading the library waits for it.
 void RequireFreeLock(const std::string& what);
 

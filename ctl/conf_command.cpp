@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "qvxcs/ini_file.h"
 #include "qvxcs/keyvalue.h"
 #include "qvxcs/status.h"
 
@@ -25,6 +26,15 @@ struct ConfArguments {
   bool asJson = false;
 };
 
+// Whether the library can take the lock: the reading of INI files waits for it as that of entries
+// does, and gives a status.
+bool CanTakeLock(const std::string& file) {
+  astring value[2];
+  u32 size = sizeof(value);
+  return QVX_CALL(PXTReadINIPathFileValue)("", "", QVX_INI_ASTRING, value, &size, nullptr, 0,
+                                           file.c_str(), QVX_LOCK_WAIT) != SM_STATUS_LOCK_FAILED;
+}
+
 // The entries of a file, none for a file without entries. The library's call gives none for a file
 // or a lock that it cannot take either, without a status; `what` is the command that such a failure
 // names.
@@ -36,7 +46,7 @@ class Entries {
     if (const int reason = ReasonNotReadable(file)) {
       throw SystemFailure(what + ": " + file, reason);
     }
-    if (IsLockOutOfReach()) throw CallFailure(what, file, SM_STATUS_LOCK_FAILED, 0);
+    if (!CanTakeLock(file)) throw CallFailure(what, file, SM_STATUS_LOCK_FAILED, 0);
   }
   ~Entries() { QVX_CALL(PXTCFGFreeKeyValueEntries)(entries_, count_); }
   Entries(const Entries&) = delete;

@@ -373,6 +373,27 @@ TEST_F(CtlConf, ALockThatMayNotBeOpenedIsNoFileWithoutEntries) {
   EXPECT_EQ(test::RunToolAsNobody({"conf", "list", kPairs, "--json"}).code, 3);
 }
 
+TEST_F(CtlConf, ALibraryThatIsKeptOutIsNoFileWithoutEntries) {
+  test::WriteFile(kIPCFilePath, "");
+  test::WriteFile(kIPCConfigPath, "ipcnamebase=-30000\n");
+  for (const test::Words& words : {test::Words{"get", kPairs, "a"}, {"list", kPairs}}) {
+    test::Words all = {"conf"};
+    all.insert(all.end(), words.begin(), words.end());
+    EXPECT_EQ(RunTool(all), (Answer{3, "",
+                                    "qvxctl: conf " + words[0] +
+                                        ": SM_STATUS_LOCK_FAILED: the suite's file lock could not "
+                                        "be taken\n"}));
+  }
+}
+
+TEST_F(CtlConf, AFileWithoutEntriesIsNoFaultWhateverItsLines) {
+  for (const char* text : {"", "[\n", "[a]\n", "nothing\n"}) {
+    WriteFile(kPairs, text);
+    EXPECT_EQ(RunTool({"conf", "list", kPairs}), kDone) << text;
+    EXPECT_EQ(RunTool({"conf", "get", kPairs, "a"}).code, 1) << text;
+  }
+}
+
 TEST_F(CtlConf, AMissingLockFolderIsNoFileWithoutEntries) {
   ASSERT_EQ(rename("/etc/cim/zarn/plinthos/var/lib/vexilon", "/etc/cim/away"), 0);
   EXPECT_EQ(RunTool({"conf", "get", kPairs, "a"}).code, 3);
