@@ -9,6 +9,7 @@
 #include "ctl/commands.h"
 #include "ctl/json.h"
 #include "ctl/role_decision.h"
+#include "ctl/role_map_faults.h"
 #include "ctl/role_map_text.h"
 
 namespace qvx::ctl {
@@ -28,21 +29,14 @@ std::string LineText(const RoleDecision& decision) {
 }
 
 Json JsonOf(const RoleDecision& decision) {
-  Json faults = Json::array();
-  for (const RoleMapFault& fault : decision.faults) {
-    faults.push_back({{"line", fault.line}, {"text", TextOfFault(fault.code)}});
-  }
-  return {{"user", decision.user},     {"host", decision.host},   {"map", decision.byMap},
-          {"line", decision.line},     {"entry", decision.entry}, {"system", decision.bySystem},
-          {"rights", decision.rights}, {"faults", faults}};
+  return {{"user", decision.user},     {"host", decision.host},
+          {"map", decision.byMap},     {"line", decision.line},
+          {"entry", decision.entry},   {"system", decision.bySystem},
+          {"rights", decision.rights}, {"faults", JsonOfFaults(decision.faults)}};
 }
 
 void ShowDecision(const RoleDecision& decision) {
-  for (const RoleMapFault& fault : decision.faults) {
-    const std::string line = fault.line == 0 ? "" : ":" + std::to_string(fault.line);
-    Warn(kRoleMapPath + line + ": " + TextOfFault(fault.code) +
-         "; the library uses its built-in lines");
-  }
+  WarnOfFaults(decision.faults);
   PrintLine("user:   " + decision.user);
   PrintLine("host:   " + decision.host);
   PrintLine("map:    " + TextOfRights(decision.byMap) + ", " + LineText(decision));

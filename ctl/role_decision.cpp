@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/role_decision.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
@@ -17,8 +16,6 @@
 #include "access/role.h"
 #include "access/role_map_algorithm.h"
 #include "access/user_rights.h"
-#include "base/layout.h"
-#include "ctl/call_failure.h"
 #include "ctl/output.h"
 #include "os/host_name.h"
 #include "os/ip_support.h"
@@ -151,15 +148,10 @@ void SplitLogin(const std::string& login, RoleDecision* decision) {
 }  // namespace
 
 RoleDecision DecideRights(const std::string& login) {
-  // Programs with more rights read a map that this user may not read.
-  if (ReasonNotReadable(kRoleMapPath) == EACCES) throw SystemFailure(kRoleMapPath, EACCES);
   RoleDecision decision;
   SplitLogin(login, &decision);
-  const RoleMapRecords map(kRoleMapPath);
+  const RoleMapRecords map = RoleMapRecords::OfLiveMap();
   decision.faults = map.Faults();
-  if (const int code = FaultOfOpening(kRoleMapPath); code != 0 && decision.faults.empty()) {
-    decision.faults.push_back({0, code});
-  }
   const bool isUsed = decision.faults.empty();
   const Records records = isUsed ? map.List() : QVAuthFileReader::GetInstance().GetDefaultRecords();
   AskMap(records, &decision);

@@ -2,8 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/role_map_records.h"
 
+#include <cerrno>
+
 #include "access/role_map_algorithm.h"
 #include "access/role_map_error.h"
+#include "base/layout.h"
+#include "ctl/call_failure.h"
+#include "ctl/output.h"
 
 namespace qvx::ctl {
 
@@ -53,6 +58,16 @@ RoleMapRecords::RoleMapRecords(const std::string& path)
   } else {
     records_.clear();
   }
+}
+
+RoleMapRecords RoleMapRecords::OfLiveMap() {
+  if (ReasonNotReadable(kRoleMapPath) == EACCES) throw SystemFailure(kRoleMapPath, EACCES);
+  RoleMapRecords map(kRoleMapPath);
+  if (const int code = FaultOfOpening(kRoleMapPath); code != 0 && map.faults_.empty()) {
+    map.faults_.push_back({0, code});
+    map.records_.clear();
+  }
+  return map;
 }
 
 void RoleMapRecords::FindConflict() {

@@ -27,6 +27,10 @@ class RoleMapRecords {
   // so that every fault is found. With a fault the library uses none of the records.
   explicit RoleMapRecords(const std::string& path);
 
+  // The live map, whose mode counts too. Throws a Failure when this user may not read it: programs
+  // with more rights do.
+  [[nodiscard]] static RoleMapRecords OfLiveMap();
+
   [[nodiscard]] const std::vector<RoleMapFault>& Faults() const { return faults_; }
 
   // Of a file without faults; otherwise none.
