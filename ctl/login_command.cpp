@@ -14,6 +14,8 @@
 #include "ctl/library.h"
 #include "ctl/password.h"
 #include "ctl/role_decision.h"
+#include "ctl/role_map_faults.h"
+#include "ctl/role_map_records.h"
 #include "text/transcode.h"
 
 namespace qvx::ctl {
@@ -52,16 +54,25 @@ u32 Authenticate(const std::string& user) {
   return QVX_CALL(PXTAuthenticateUser)(nullptr, name.Data(), secret.Data());
 }
 
+void ShowAnswer(const std::string& user, u32 rights, const std::vector<RoleMapFault>& faults) {
+  WarnOfFaults(faults);
+  PrintLine(user + ": " + (rights == 0 ? "refused" : TextOfRights(rights)));
+}
+
+// A map that this user may not read ends the command before the password is asked for: the library
+// would answer by its built-in lines.
 ExitCode Login(const LoginArguments& given) {
+  const std::vector<RoleMapFault> faults = RoleMapRecords::OfLiveMap().Faults();
   const u32 rights = Authenticate(given.user);
   if (given.asJson) {
-    PrintJson({{"user", given.user}, {"accepted", rights != 0}, {"rights", rights}});
-  } else if (rights == 0) {
-    PrintLine(given.user + ": refused");
+    PrintJson({{"user", given.user},
+               {"accepted", rights != 0},
+               {"rights", rights},
+               {"faults", JsonOfFaults(faults)}});
   } else {
-    PrintLine(given.user + ": " + TextOfRights(rights));
+    ShowAnswer(given.user, rights, faults);
   }
-  return rights != 0 ? kYes : kNo;
+  return rights != 0 && faults.empty() ? kYes : kNo;
 }
 
 }  // namespace

@@ -281,8 +281,33 @@ TEST_F(CtlRolemap, LoginAsksForThePasswordAndShowsTheRights) {
             (Answer{0, "alice: poweruser (0x3)\n", ""}));
   EXPECT_EQ(RunTool({"login", "alice"}, "wrong\n"), (Answer{1, "alice: refused\n", ""}));
   EXPECT_EQ(RunTool({"login", "bob", "--json"}, "Builder-2\n").out,
-            "{\"user\":\"bob\",\"accepted\":true,\"rights\":1}\n");
+            "{\"user\":\"bob\",\"accepted\":true,\"rights\":1,\"faults\":[]}\n");
   EXPECT_EQ(RunTool({"login", "bob"}).code, 3);
+}
+
+TEST_F(CtlRolemap, AMapThatThisUserMayNotReadEndsALoginBeforeThePassword) {
+  test::UnixPamService("qvauth");
+  WriteRoleMap("alice * poweruser\n");
+  const Answer refused{3, "", "qvxctl: /etc/cim/zarn/plinthos/qvxrolemap: Permission denied\n"};
+  EXPECT_EQ(test::RunToolAsNobody({"login", "alice"}), refused);
+  EXPECT_EQ(test::RunToolAsNobody({"login", "alice", "--json"}), refused);
+}
+
+TEST_F(CtlRolemap, ALoginWithAFaultyMapWarnsAndAnswersNo) {
+  test::UnixPamService("qvauth");
+  WriteRoleMap("alice * poweruser\n", 0644);
+  const Answer warned{1, "alice: user (0x1)\n",
+                      "qvxctl: warning: /etc/cim/zarn/plinthos/qvxrolemap: the file's mode is "
+                      "neither 0640 nor 01640; the library uses its built-in lines\n"};
+  EXPECT_EQ(RunTool({"login", "alice"}, "Wonder-1and\n"), warned);
+  EXPECT_EQ(RunTool({"rights", "alice"}).err, warned.err);
+  EXPECT_EQ(RunTool({"login", "alice", "--json"}, "Wonder-1and\n"),
+            (Answer{1,
+                    "{\"user\":\"alice\",\"accepted\":true,\"rights\":1,\"faults\":[{\"line\":0,"
+                    "\"text\":\"the file's mode is neither 0640 nor 01640\"}]}\n",
+                    ""}));
+  ASSERT_EQ(unlink(test::kRoleMap), 0);
+  EXPECT_EQ(RunTool({"login", "alice"}, "Wonder-1and\n").code, 1);
 }
 
 }  // namespace
