@@ -13,6 +13,7 @@
 #include "ctl/lock_holders.h"
 #include "ctl/log_repair.h"
 #include "ctl/output.h"
+#include "ctl/pam_sample.h"
 #include "ctl/pam_service.h"
 #include "ctl/role_map_check.h"
 #include "ctl/shown_path.h"
@@ -22,8 +23,6 @@ namespace {
 
 constexpr char kServiceOfLogins[] = "qvauth";
 constexpr char kServiceOfAll[] = "other";  // what PAM uses for a service that does not exist
-constexpr char kInstallSampleService[] =
-    "install -m 0644 /usr/share/doc/libqvxcs-common/examples/qvauth /etc/pam.d/qvauth";
 constexpr unsigned long long kLittleSpace = 1 << 20;
 
 std::string Octal(mode_t mode) {
@@ -123,12 +122,12 @@ Diagnosis CheckPamService() {
   const std::string other = FindPamService(kServiceOfAll);
   if (other.empty()) {
     return {part, Health::kFault, "there is no service qvauth and no `other`; no login succeeds",
-            kInstallSampleService};
+            CommandThatMakesPamService()};
   }
   const std::vector<PamFinding> findings = FindTalkingModules(kServiceOfAll);
   const std::string talker = findings.empty() ? "" : "; " + DescribeTalker(findings.front());
   return {part, Health::kWarning, "there is no service qvauth: PAM uses `other`, " + other + talker,
-          kInstallSampleService};
+          CommandThatMakesPamService()};
 }
 
 Diagnosis CheckCommandLog() {

@@ -17,6 +17,7 @@ namespace qvx {
 namespace {
 
 using test::Answer;
+using test::ReadFile;
 using test::RunTool;
 using test::WriteFile;
 
@@ -30,9 +31,16 @@ class CtlDoctor : public ::testing::Test {
     test::UnixPamService("qvauth");
     WriteFile(test::kCommandLog, test::Log(test::Entry(1, "a")));
   }
+  static void WritePackagedSample() {
+    test::Run("mkdir -p /usr/share/doc/libqvxcs-common/examples");
+    WriteFile("/usr/share/doc/libqvxcs-common/examples/qvauth", "");
+  }
   // The doctor's line on one part.
   static std::string LineOf(const std::string& part) {
-    const std::string out = "\n" + RunTool({"doctor"}).out;
+    return LineOf(part, RunTool({"doctor"}).out);
+  }
+  static std::string LineOf(const std::string& part, const std::string& answer) {
+    const std::string out = "\n" + answer;
     const size_t at = out.find(" " + part + ": ");
     if (at == std::string::npos) return out;
     const size_t begin = out.rfind('\n', at) + 1;
@@ -81,6 +89,7 @@ TEST_F(CtlDoctor, EachFaultComesWithTheCommandThatMendsIt) {
 }
 
 TEST_F(CtlDoctor, MissingPartsAreTold) {
+  WritePackagedSample();
   (void)unlink("/etc/pam.d/other");
   ASSERT_EQ(unlink("/etc/pam.d/qvauth"), 0);
   ASSERT_EQ(unlink(kRoleMapPath), 0);
@@ -93,6 +102,30 @@ TEST_F(CtlDoctor, MissingPartsAreTold) {
   EXPECT_EQ(LineOf("folders"),
             "fault folders: /etc/cim/zarn/plinthos/var/log/vexilon/ is missing; mend: install -d "
             "-m 0755 /etc/cim/zarn/plinthos/var/log/vexilon/");
+}
+
+TEST_F(CtlDoctor, WithoutASampleTheServiceIsWritten) {
+  test::Run("rm -rf /usr/share/doc/libqvxcs-common /etc/pam.d/qvauth");
+  const std::string line = LineOf("PAM service");
+  const std::string command =
+      "printf 'auth required pam_unix.so\\naccount required pam_unix.so\\n' >/etc/pam.d/qvauth";
+  ASSERT_TRUE(line.ends_with("; mend: " + command)) << line;
+  test::Run(command);
+  EXPECT_EQ(LineOf("PAM service"), "good PAM service: /etc/pam.d/qvauth");
+}
+
+TEST_F(CtlDoctor, TheSampleOfAMovedInstallationIsFound) {
+  test::Run("rm -rf /usr/share/doc/libqvxcs-common /etc/pam.d/qvauth");
+  test::Run("mkdir -p /opt/moved/bin /opt/moved/share/doc/qvxcs/examples/pam");
+  test::Run(std::string("cp ") + QVX_CTL_PROGRAM + " /opt/moved/bin");
+  WriteFile("/opt/moved/share/doc/qvxcs/examples/pam/qvauth", "auth required pam_unix.so\n");
+  test::Run("/opt/moved/bin/qvxctl doctor >/tmp/answer; test $? -eq 1");
+  const std::string line = LineOf("PAM service", ReadFile("/tmp/answer"));
+  const std::string command =
+      "install -m 0644 /opt/moved/share/doc/qvxcs/examples/pam/qvauth /etc/pam.d/qvauth";
+  ASSERT_TRUE(line.ends_with("; mend: " + command)) << line;
+  test::Run(command);
+  EXPECT_EQ(LineOf("PAM service"), "good PAM service: /etc/pam.d/qvauth");
 }
 
 TEST_F(CtlDoctor, PathsHaveSingleSlashes) {
@@ -165,6 +198,7 @@ TEST_F(CtlDoctor, TalkingModulesAreFoundInIncludedFilesAndOnlyInPhasesOfALogin) 
 }
 
 TEST_F(CtlDoctor, WithoutItsServicePamUsesTheOneForAll) {
+  WritePackagedSample();
   ASSERT_EQ(unlink("/etc/pam.d/qvauth"), 0);
   test::UnixPamService("other");
   const std::string begin =
