@@ -14,7 +14,7 @@ struct Diagnosis {
   std::string part;
   Health health;
   std::string text;
-  std::string mend;  // mostly a command; empty where nothing is wrong
+  std::string mend;  // mostly a command; empty where nothing is wrong or none helps
 };
 
 // Each looks at one part of the installation and changes nothing.

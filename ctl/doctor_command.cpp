@@ -1,7 +1,10 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
+#include <unistd.h>
+
 #include <CLI/App.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,11 +31,14 @@ constexpr PartCheck kChecks[] = {
     {"package", CheckPackageFiles},
 };
 
-// Something that this user may not examine is a warning and does not end the checks.
+// Something that cannot be examined does not end the checks. Where only root may examine it, that
+// is a warning.
 Diagnosis Run(const PartCheck& part) {
   try {
     return part.check();
   } catch (const Failure& failure) {
+    const bool isForRoot = failure.Reason() == EACCES && geteuid() != 0;
+    if (!isForRoot) return {part.part, Health::kFault, failure.what(), ""};
     return {part.part, Health::kWarning, failure.what(), "sudo qvxctl doctor"};
   }
 }

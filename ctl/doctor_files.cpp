@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 #include "base/layout.h"
@@ -52,6 +53,35 @@ std::string MendOf(const PamFinding& finding) {
          finding.file;
 }
 
+std::string MoveAway(const std::string& path) { return "mv " + path + " " + path + ".old"; }
+
+// Whether what cannot be opened is something else in the place of a file.
+bool IsInTheWay(int reason) {
+  return reason == EISDIR || reason == kNoRegularFile || reason == ENXIO || reason == ELOOP;
+}
+
+Diagnosis NoFile(const std::string& part, const std::string& path, int reason) {
+  return {part, Health::kFault, SystemFailure(path, reason).what(), MoveAway(path)};
+}
+
+// The first part of a folder's path that is there and no folder, a link that leads nowhere too;
+// empty where there is none.
+std::string FindNoFolder(const std::string& folder) {
+  for (size_t at = folder.find('/', 1); at != std::string::npos; at = folder.find('/', at + 1)) {
+    const std::string part = folder.substr(0, at);
+    struct stat status {};
+    if (lstat(part.c_str(), &status) != 0) return "";
+    if (stat(part.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return part;
+  }
+  return "";
+}
+
+Diagnosis NoFolder(const std::string& folder, const std::string& make) {
+  const std::string other = FindNoFolder(folder);
+  if (other.empty()) return {"folders", Health::kFault, folder + " is missing", make};
+  return {"folders", Health::kFault, other + " is no folder", MoveAway(other) + " && " + make};
+}
+
 }  // namespace
 
 // Without the variable-data folder nothing attaches; the others are made as they are needed, except
@@ -61,9 +91,9 @@ Diagnosis CheckFolders() {
     struct stat status {};
     const std::string folder = ShownPath(path);
     const std::string mend = "install -d -m 0755 " + folder;
-    if (stat(path, &status) != 0 || !S_ISDIR(status.st_mode)) {
-      return {"folders", Health::kFault, folder + " is missing", mend};
-    }
+    const bool isThere = stat(path, &status) == 0;
+    if (!isThere && errno == EACCES) throw SystemFailure(folder, EACCES);
+    if (!isThere || !S_ISDIR(status.st_mode)) return NoFolder(folder, mend);
     if ((status.st_mode & 02) != 0 && (status.st_mode & S_ISVTX) == 0) {
       return {"folders", Health::kFault,
               folder + " may be written by anyone: " + Octal(status.st_mode), mend};
@@ -93,7 +123,9 @@ Diagnosis CheckLockFile() {
 
 Diagnosis CheckLiveRoleMap() {
   const std::string part = "role map";
-  if (ReasonNotReadable(kRoleMapPath) == ENOENT) {
+  const int unreadable = ReasonNotReadable(kRoleMapPath);
+  if (IsInTheWay(unreadable)) return NoFile(part, kRoleMapPath, unreadable);
+  if (unreadable == ENOENT) {
     return {part, Health::kWarning, "missing; the library uses its built-in lines",
             std::string("install -m 0640 -o root -g root DRAFT ") + kRoleMapPath};
   }
@@ -132,7 +164,9 @@ Diagnosis CheckPamService() {
 
 Diagnosis CheckCommandLog() {
   const std::string path = LogPath();
-  if (ReasonNotReadable(path) == ENOENT) {
+  const int unreadable = ReasonNotReadable(path);
+  if (IsInTheWay(unreadable)) return NoFile("logs", path, unreadable);
+  if (unreadable == ENOENT) {
     return {"logs", Health::kGood, "no command log yet; the first entry makes it", ""};
   }
   const LogDamage damage = ExamineLog(path);

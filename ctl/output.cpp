@@ -83,7 +83,7 @@ Failure StatusFailure(const std::string& what, u32 status, int reason) {
 }
 
 Failure SystemFailure(const std::string& what, int reason) {
-  return {kUnknown, what + ": " + TextOfReason(reason)};
+  return {kUnknown, what + ": " + TextOfReason(reason), reason};
 }
 
 void Print(std::string_view text) {

@@ -17,11 +17,15 @@ namespace qvx::ctl {
 // Ends the command; with an empty message, in silence.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+  Failure(ExitCode code, const std::string& message, int reason = 0)
+      : std::runtime_error(message), code_(code), reason_(reason) {}
   [[nodiscard]] ExitCode Code() const { return code_; }
+  // The errno of a failed system call; 0 for another failure.
+  [[nodiscard]] int Reason() const { return reason_; }
 
  private:
   ExitCode code_;
+  int reason_;
 };
 
 // In the place of an errno: the path leads to a FIFO, a socket or a device.

@@ -104,6 +104,44 @@ TEST_F(CtlDoctor, MissingPartsAreTold) {
             "-m 0755 /etc/cim/zarn/plinthos/var/log/vexilon/");
 }
 
+TEST_F(CtlDoctor, WhatIsInThePlaceOfAFileIsMovedAway) {
+  const auto expected = [](const std::string& begin, const std::string& path,
+                           const std::string& reason) {
+    return begin + path + ": " + reason + "; mend: mv " + path + " " + path + ".old";
+  };
+  const std::string both = std::string(kRoleMapPath) + " " + test::kCommandLog;
+  test::Run("rm " + both + " && mkdir " + both);
+  EXPECT_EQ(LineOf("logs"), expected("fault logs: ", test::kCommandLog, "Is a directory"));
+  EXPECT_EQ(LineOf("role map"), expected("fault role map: ", kRoleMapPath, "Is a directory"));
+  test::Run("rmdir " + both + " && mkfifo " + both);
+  EXPECT_EQ(LineOf("logs"), expected("fault logs: ", test::kCommandLog, "no regular file"));
+  EXPECT_EQ(LineOf("role map"), expected("fault role map: ", kRoleMapPath, "no regular file"));
+}
+
+TEST_F(CtlDoctor, WhatIsInThePlaceOfAFolderIsMovedAway) {
+  const std::string folder = "/etc/cim/zarn/plinthos/var/log/vexilon";
+  const std::string parent = "/etc/cim/zarn/plinthos/var/log";
+  const auto expected = [&folder](const std::string& other) {
+    return "fault folders: " + other + " is no folder; mend: mv " + other + " " + other +
+           ".old && install -d -m 0755 " + folder + "/";
+  };
+  for (const std::string& make : {"touch " + folder, "ln -s /nowhere " + folder}) {
+    test::Run("rm -r " + folder + " && " + make);
+    EXPECT_EQ(LineOf("folders"), expected(folder));
+  }
+  test::Run("rm -r " + parent + " && touch " + parent);
+  EXPECT_EQ(LineOf("folders"), expected(parent));
+  test::Run("mv " + parent + " " + parent + ".old && install -d -m 0755 " + folder + "/");
+  EXPECT_EQ(LineOf("folders"), "good folders: all there");
+}
+
+TEST_F(CtlDoctor, FoldersThatOnlyRootMaySeeAreNotCalledMissing) {
+  ASSERT_EQ(chmod("/etc/cim/zarn/plinthos/var", 0700), 0);
+  EXPECT_EQ(LineOf("folders", test::RunToolAsNobody({"doctor"}).out),
+            "warning folders: /etc/cim/zarn/plinthos/var/lib/vexilon/: Permission denied; mend: "
+            "sudo qvxctl doctor");
+}
+
 TEST_F(CtlDoctor, WithoutASampleTheServiceIsWritten) {
   test::Run("rm -rf /usr/share/doc/libqvxcs-common /etc/pam.d/qvauth");
   const std::string line = LineOf("PAM service");
