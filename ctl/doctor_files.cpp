@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "access/role_map_error.h"
 #include "base/layout.h"
 #include "ctl/call_failure.h"
 #include "ctl/doctor_checks.h"
@@ -17,6 +18,7 @@
 #include "ctl/pam_sample.h"
 #include "ctl/pam_service.h"
 #include "ctl/role_map_check.h"
+#include "ctl/role_map_records.h"
 #include "ctl/shown_path.h"
 
 namespace qvx::ctl {
@@ -24,6 +26,7 @@ namespace {
 
 constexpr char kServiceOfLogins[] = "qvauth";
 constexpr char kServiceOfAll[] = "other";  // what PAM uses for a service that does not exist
+constexpr char kCheckMap[] = "qvxctl rolemap check";
 constexpr unsigned long long kLittleSpace = 1 << 20;
 
 std::string Octal(mode_t mode) {
@@ -133,12 +136,13 @@ Diagnosis CheckLiveRoleMap() {
   const auto faults = std::count_if(findings.begin(), findings.end(),
                                     [](const auto& each) { return each.weight == Weight::kFault; });
   if (faults != 0) {
+    const bool isModeAlone = faults == 1 && FaultOfOpening(kRoleMapPath) == RoleBadPermissions;
     return {part, Health::kFault, "refused; the library uses its built-in lines",
-            "qvxctl rolemap check"};
+            isModeAlone ? std::string("chmod 0640 ") + kRoleMapPath : kCheckMap};
   }
   if (!findings.empty()) {
-    return {part, Health::kWarning, std::to_string(findings.size()) + " warnings",
-            "qvxctl rolemap check"};
+    const char* const noun = findings.size() == 1 ? " warning" : " warnings";
+    return {part, Health::kWarning, std::to_string(findings.size()) + noun, kCheckMap};
   }
   return {part, Health::kGood, "no fault", ""};
 }

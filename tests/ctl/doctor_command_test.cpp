@@ -142,6 +142,28 @@ TEST_F(CtlDoctor, FoldersThatOnlyRootMaySeeAreNotCalledMissing) {
             "sudo qvxctl doctor");
 }
 
+TEST_F(CtlDoctor, AMapThatOnlyItsModeKeepsOutGetsItsMode) {
+  for (const mode_t mode : {0600, 0644, 01600, 04640}) {
+    test::WriteRoleMap("* * user\n", mode);
+    EXPECT_EQ(LineOf("role map"),
+              "fault role map: refused; the library uses its built-in lines; mend: chmod 0640 "
+              "/etc/cim/zarn/plinthos/qvxrolemap");
+    test::Run("chmod 0640 /etc/cim/zarn/plinthos/qvxrolemap");
+    EXPECT_EQ(LineOf("role map"), "good role map: no fault");
+  }
+  test::WriteRoleMap("* * boss\n", 0600);
+  EXPECT_EQ(LineOf("role map"),
+            "fault role map: refused; the library uses its built-in lines; mend: qvxctl rolemap "
+            "check");
+}
+
+TEST_F(CtlDoctor, WarningsAreCountedInWords) {
+  test::WriteRoleMap("carol * user\n");
+  EXPECT_EQ(LineOf("role map"), "warning role map: 1 warning; mend: qvxctl rolemap check");
+  test::WriteRoleMap("carol * user\ndave * user\n");
+  EXPECT_EQ(LineOf("role map"), "warning role map: 2 warnings; mend: qvxctl rolemap check");
+}
+
 TEST_F(CtlDoctor, WithoutASampleTheServiceIsWritten) {
   test::Run("rm -rf /usr/share/doc/libqvxcs-common /etc/pam.d/qvauth");
   const std::string line = LineOf("PAM service");
