@@ -71,7 +71,7 @@ Diagnosis NoFile(const std::string& part, const std::string& path, int reason) {
 // empty where there is none.
 std::string FindNoFolder(const std::string& folder) {
   for (size_t at = folder.find('/', 1); at != std::string::npos; at = folder.find('/', at + 1)) {
-    const std::string part = folder.substr(0, at);
+    std::string part = folder.substr(0, at);
     struct stat status {};
     if (lstat(part.c_str(), &status) != 0) return "";
     if (stat(part.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return part;

@@ -26,10 +26,10 @@ struct LoginArguments {
   bool asJson = false;
 };
 
-// 16-bit text, wiped when it is destroyed.
+// 16-bit text, wiped when it is destroyed: the object is whole before the conversion can fail.
 class Units {
  public:
-  explicit Units(const char* text) : units_(strlen(text) + 2) {
+  explicit Units(const char* text) : Units(strlen(text) + 2) {
     u32 size = static_cast<u32>(units_.size() - 1);
     if (UTF8StrToUCS2Str(units_.data(), &size, text) == SM_STATUS_SUCCESS) return;
     throw Failure(kUsage, "login: name or password is no UTF-8 text");
@@ -41,6 +41,8 @@ class Units {
   ustring* Data() { return units_.data(); }
 
  private:
+  explicit Units(size_t room) : units_(room) {}
+
   std::vector<ustring> units_;
 };
 

@@ -1,14 +1,18 @@
 // SPDX-FileCopyrightText: Copyright The libqvxcs authors
 // SPDX-License-Identifier: MIT
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 #include <utmp.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 
 #include "tests/access/accounts.h"
@@ -200,6 +204,87 @@ TEST_F(CtlPassword, OfAPipeASignalEndsItToo) {
   usleep(200000);
   kill(tool.Process(), SIGTERM);
   EXPECT_EQ(tool.End().code, 256 + SIGTERM);
+}
+
+// `qvxctl login alice`, which waits when it reports an error: the pipe is full.
+class HeldUp {
+ public:
+  explicit HeldUp(const std::string& password) {
+    int input[2];
+    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(errors_, O_CLOEXEC | O_NONBLOCK) != 0) abort();
+    while (write(errors_[1], "x", 1) == 1) {
+    }
+    (void)fcntl(errors_[1], F_SETFL, 0);
+    tool_ = fork();
+    if (tool_ == 0) {
+      dup2(input[0], 0);
+      dup2(errors_[1], 2);
+      execl(QVX_CTL_PROGRAM, QVX_CTL_PROGRAM, "login", "alice", nullptr);
+      _exit(127);
+    }
+    if (write(input[1], password.data(), password.size()) < 0) abort();
+    close(input[0]);
+    close(input[1]);
+  }
+  ~HeldUp() {
+    kill(tool_, SIGKILL);
+    waitpid(tool_, nullptr, 0);
+    close(errors_[0]);
+    close(errors_[1]);
+  }
+  HeldUp(const HeldUp&) = delete;
+  HeldUp& operator=(const HeldUp&) = delete;
+
+  [[nodiscard]] bool Reports() const {
+    const std::string writesErrors = std::to_string(SYS_write) + " 0x2 ";
+    for (int look = 0; look < kLooks; ++look) {
+      if (test::ReadFile(Proc("syscall")).starts_with(writesErrors)) return true;
+      usleep(10000);
+    }
+    return false;
+  }
+  // Whether the text is in memory that the tool may write to.
+  [[nodiscard]] bool Holds(const std::string& text) const {
+    std::istringstream regions(test::ReadFile(Proc("maps")));
+    const int memory = open(Proc("mem").c_str(), O_RDONLY | O_CLOEXEC);
+    bool found = false;
+    for (std::string line; !found && std::getline(regions, line);) {
+      unsigned long long begin = 0;
+      unsigned long long end = 0;
+      char access[8] = {};
+      if (sscanf(line.c_str(), "%llx-%llx %7s", &begin, &end, access) != 3) continue;
+      // A sanitizer's own memory is terabytes.
+      if (!std::string(access).starts_with("rw") || end - begin > kLargest) continue;
+      std::string bytes(end - begin, '\0');
+      const ssize_t got = pread(memory, bytes.data(), bytes.size(), static_cast<off_t>(begin));
+      found = got > 0 && bytes.find(text) != std::string::npos;
+    }
+    close(memory);
+    return found;
+  }
+
+ private:
+  static constexpr u64 kLargest = u64{1} << 26;
+
+  [[nodiscard]] std::string Proc(const char* name) const {
+    return "/proc/" + std::to_string(tool_) + "/" + name;
+  }
+
+  int errors_[2] = {-1, -1};
+  pid_t tool_ = 0;
+};
+
+TEST_F(CtlPassword, OneThatIsRefusedIsWipedToo) {
+  const std::string text = "a password of many more letters";
+  std::string wide;
+  for (const char letter : text.substr(16)) {
+    wide.append({letter, '\0'});
+  }
+  const HeldUp tool(text + "\xff\n");
+  ASSERT_TRUE(tool.Reports());
+  EXPECT_TRUE(tool.Holds("no UTF-8 text"));
+  EXPECT_FALSE(tool.Holds(text.substr(16)));
+  EXPECT_FALSE(tool.Holds(wide));
 }
 
 }  // namespace
