@@ -143,7 +143,7 @@ TEST_F(CtlDoctor, FoldersThatOnlyRootMaySeeAreNotCalledMissing) {
 }
 
 TEST_F(CtlDoctor, AMapThatOnlyItsModeKeepsOutGetsItsMode) {
-  for (const mode_t mode : {0600, 0644, 01600, 04640}) {
+  for (const mode_t mode : {0600U, 0644U, 01600U, 04640U}) {
     test::WriteRoleMap("* * user\n", mode);
     EXPECT_EQ(LineOf("role map"),
               "fault role map: refused; the library uses its built-in lines; mend: chmod 0640 "
