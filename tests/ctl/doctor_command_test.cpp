@@ -35,6 +35,12 @@ class CtlDoctor : public ::testing::Test {
     test::Run("mkdir -p /usr/share/doc/libqvxcs-common/examples");
     WriteFile("/usr/share/doc/libqvxcs-common/examples/qvauth", "");
   }
+  // The doctor's line on the PAM service ends in a command that mends it.
+  static void ExpectServiceMadeBy(const std::string& command, const std::string& line) {
+    ASSERT_TRUE(line.ends_with("; mend: " + command)) << line;
+    test::Run(command);
+    EXPECT_EQ(LineOf("PAM service"), "good PAM service: /etc/pam.d/qvauth");
+  }
   // The doctor's line on one part.
   static std::string LineOf(const std::string& part) {
     return LineOf(part, RunTool({"doctor"}).out);
@@ -166,12 +172,11 @@ TEST_F(CtlDoctor, WarningsAreCountedInWords) {
 
 TEST_F(CtlDoctor, WithoutASampleTheServiceIsWritten) {
   test::Run("rm -rf /usr/share/doc/libqvxcs-common /etc/pam.d/qvauth");
-  const std::string line = LineOf("PAM service");
-  const std::string command =
-      "printf 'auth required pam_unix.so\\naccount required pam_unix.so\\n' >/etc/pam.d/qvauth";
-  ASSERT_TRUE(line.ends_with("; mend: " + command)) << line;
-  test::Run(command);
-  EXPECT_EQ(LineOf("PAM service"), "good PAM service: /etc/pam.d/qvauth");
+  ExpectServiceMadeBy(
+      "printf 'auth required pam_unix.so\\naccount required pam_unix.so\\n' >/etc/pam.d/qvauth",
+      LineOf("PAM service"));
+  // The sample's lines that count.
+  test::Run("sed '/^#/d; /^$/d' " QVX_CTL_PAM_SAMPLE " | tr -s ' ' | cmp - /etc/pam.d/qvauth");
 }
 
 TEST_F(CtlDoctor, TheSampleOfAMovedInstallationIsFound) {
@@ -180,12 +185,9 @@ TEST_F(CtlDoctor, TheSampleOfAMovedInstallationIsFound) {
   test::Run(std::string("cp ") + QVX_CTL_PROGRAM + " /opt/moved/bin");
   WriteFile("/opt/moved/share/doc/qvxcs/examples/pam/qvauth", "auth required pam_unix.so\n");
   test::Run("/opt/moved/bin/qvxctl doctor >/tmp/answer; test $? -eq 1");
-  const std::string line = LineOf("PAM service", ReadFile("/tmp/answer"));
-  const std::string command =
-      "install -m 0644 /opt/moved/share/doc/qvxcs/examples/pam/qvauth /etc/pam.d/qvauth";
-  ASSERT_TRUE(line.ends_with("; mend: " + command)) << line;
-  test::Run(command);
-  EXPECT_EQ(LineOf("PAM service"), "good PAM service: /etc/pam.d/qvauth");
+  ExpectServiceMadeBy(
+      "install -m 0644 /opt/moved/share/doc/qvxcs/examples/pam/qvauth /etc/pam.d/qvauth",
+      LineOf("PAM service", ReadFile("/tmp/answer")));
 }
 
 TEST_F(CtlDoctor, PathsHaveSingleSlashes) {
